@@ -1,0 +1,88 @@
+// How a window borrows the camera client, and the one way to run its work on the pool.
+#pragma once
+
+#include "link/camerasp.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+#include <QThreadPool>
+#include <QTimer>
+#include <QtConcurrent>
+
+#include <functional>
+#include <memory>
+#include <tuple>
+#include <utility>
+
+/// A window (or the main window itself) that uses the client without owning it. The owner of the link
+/// attaches the client when a link opens and detaches it before the link ends, so that the pointer is
+/// either good or null. Without a client every command has failed: false, an empty text, an empty vector.
+/// User-interface thread only, but for the work given to runOnPool.
+class ClientBorrower {
+public:
+    explicit ClientBorrower(CameraSp* client = nullptr) : m_client(client) {}
+    virtual ~ClientBorrower();
+
+    ClientBorrower(const ClientBorrower&) = delete;
+    ClientBorrower& operator=(const ClientBorrower&) = delete;
+
+    /// Null detaches. Results of jobs that were started before are dropped.
+    void attachClient(CameraSp* client);
+    /// Called whenever a command is asked for without a client.
+    void setMissingClientHandler(std::function<void()> handler);
+    /// Told before and after the client is used by somebody else for a longer time (upload, capture,
+    /// return wait): no exchange may be started in between.
+    virtual void setExchangeAllowed(bool allowed) = 0;
+
+protected:
+    [[nodiscard]] CameraSp* client() const { return m_client; }
+    /// Grows with every attachClient; tells results of an earlier link from those of the present one.
+    [[nodiscard]] std::uint64_t linkGeneration() const { return m_generation; }
+
+    /// Runs one command on this thread; without a client the command's failure value.
+    template <typename Result, typename... Parameters, typename... Arguments>
+    Result ask(Result (CameraSp::*command)(Parameters...), Arguments&&... arguments) const {
+        if (m_client != nullptr)
+            return (m_client->*command)(std::forward<Arguments>(arguments)...);
+        reportMissingClient();
+        return Result();
+    }
+
+    /// Runs `work(CameraSp*)` on the global thread pool with the client leased, then `apply(result)` on the
+    /// user-interface thread, unless the context has died or the link has changed meanwhile. `work` must not
+    /// touch the window; its client may be null.
+    template <typename Work, typename Apply>
+    void runOnPool(QObject* context, Work work, Apply apply) {
+        struct Job {
+            CameraSp* client;
+            CameraSp::Lease lease;
+            Work work;
+        };
+        if (m_client == nullptr)
+            reportMissingClient();
+        auto job = std::make_shared<Job>(Job{
+            m_client, m_client != nullptr ? CameraSp::Lease(*m_client) : CameraSp::Lease(), std::move(work)});
+        // The pointers are made here and only looked at here again: the context may die at any time.
+        auto deliver = [this, context = QPointer<QObject>(context), generation = m_generation,
+                        apply = std::move(apply)](auto&& result) mutable {
+            if (context != nullptr && generation == m_generation)
+                apply(std::forward<decltype(result)>(result));
+        };
+        std::ignore = QtConcurrent::run(
+            QThreadPool::globalInstance(), [job = std::move(job), deliver = std::move(deliver)]() mutable {
+                auto result = job->work(job->client);
+                job.reset();
+                QTimer::singleShot(0, qApp,
+                                   [deliver = std::move(deliver), result = std::move(result)]() mutable {
+                                       deliver(std::move(result));
+                                   });
+            });
+    }
+
+private:
+    void reportMissingClient() const;
+
+    CameraSp* m_client;
+    std::uint64_t m_generation = 0;
+    std::function<void()> m_missingClientHandler;
+};

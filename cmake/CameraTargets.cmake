@@ -1,0 +1,35 @@
+# Settings that every target of the project shares, and the two functions that make targets.
+
+add_library(camera_options INTERFACE)
+target_include_directories(camera_options INTERFACE "${CMAKE_SOURCE_DIR}")
+if(MSVC)
+  target_compile_options(camera_options INTERFACE /W4 /utf-8 $<$<BOOL:${CAMERA_WARNINGS_AS_ERRORS}>:/WX>)
+else()
+  target_compile_options(camera_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+    $<$<BOOL:${CAMERA_WARNINGS_AS_ERRORS}>:-Werror>)
+endif()
+
+if(CAMERA_SANITIZE)
+  add_compile_options(-fsanitize=${CAMERA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${CAMERA_SANITIZE})
+endif()
+if(CAMERA_COVERAGE)
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
+endif()
+
+# camera_library(name SOURCES... [LINK targets...]): a static library of one folder.
+function(camera_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE camera_options)
+  target_include_directories(${name} PUBLIC "${CMAKE_SOURCE_DIR}")
+endfunction()
+
+# camera_program(name SOURCES... [LINK targets...])
+function(camera_program name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ${arg_LINK} camera_options)
+endfunction()

@@ -1,0 +1,203 @@
+// The camera client: one object is one open serial link to one camera.
+#pragma once
+
+#include "link/protocol/exchangetable.h"
+#include "link/protocol/picturerecords.h"
+#include "link/serialport.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// How far the running transfer (upload or picture download) is. Written by the thread that runs the
+/// transfer, read by any thread; the values of one moment need not belong together.
+struct TransferProgress {
+    enum class Phase : int { idle, announcing, sending, awaitingVerdict, downloading };
+
+    std::atomic<Phase> phase{Phase::idle};
+    std::atomic<std::uint64_t> startOffset{0}; ///< bytes the camera already held (uploads), else 0
+    std::atomic<std::uint64_t> done{0};        ///< bytes, startOffset included
+    std::atomic<std::uint64_t> total{0};       ///< bytes
+};
+
+/// Speaks the camera's protocol over one serial port. Construction opens the port, destruction closes it;
+/// there is no reconnect.
+///
+/// Commands block their caller for one exchange (an upload or a download: for the whole transfer) and
+/// report failure by value: false, an empty text or an empty vector. Nothing is thrown but by the
+/// constructors and, for a file that cannot be opened, by appUpdate, firewareUpdate and modelUpdate.
+///
+/// Threads: one command at a time; the user interface keeps that rule, there is no lock around an exchange.
+/// requestStop, pause, lease, setSlaveAddress, setOriginPicCmdExtraAdd and progress may be used from any
+/// thread at any time.
+///
+/// Ending a link: requestStop(), waitUntilUnused(), delete. At most about one library time-out long.
+class CameraSp {
+public:
+    /// Opens the port at 9600 baud. Throws the serial library's exception when it cannot be opened.
+    explicit CameraSp(const std::string& portName);
+    /// Opens the port. Throws as above.
+    CameraSp(const std::string& portName, std::uint32_t baudRate);
+    /// Opens the only port there is; throws the text (const char*) "serial unavailable" when there is none
+    /// and "serial port size>1" when there are several.
+    explicit CameraSp(std::uint32_t baudRate);
+    /// The only port there is, at 9600 baud; throws as above.
+    CameraSp();
+    virtual ~CameraSp();
+
+    CameraSp(const CameraSp&) = delete;
+    CameraSp& operator=(const CameraSp&) = delete;
+
+    /// Names of all serial ports in the order reported; empty when there are none.
+    [[nodiscard]] static std::vector<std::string> getPorts();
+
+    /// Only its low byte is sent. Sends nothing itself.
+    void setSlaveAddress(std::int32_t address);
+    /// Added modulo 256 to the first-generation picture commands (not by takePic). Sends nothing itself.
+    void setOriginPicCmdExtraAdd(std::uint8_t offset);
+    /// UTF-8 paths and name of the next uploads.
+    void setAppFilePath(const std::string& path);
+    void setFirewareFilePath(const std::string& path);
+    void setModelNameAndPath(const std::string& name, const std::string& path);
+
+    // --- status and properties -------------------------------------------------------------------------
+    bool testHeartBeat();
+    /// Value bytes of a property.
+    std::vector<std::uint8_t> getCommonProperty(std::uint8_t id, std::uint8_t command);
+    /// Exactly the bytes of one read, framed or not.
+    std::vector<std::uint8_t> getCommonPropertyWithoutParse(std::uint8_t id, std::uint8_t command,
+                                                            std::uint32_t timeoutMs, std::uint32_t readSize);
+    bool setCommonProperty(std::uint8_t id, std::vector<std::uint8_t> value, std::uint8_t command);
+    std::string getAppVersion();
+    std::string getSystemVersion();
+    std::string getQvVersion();
+    std::string getModelInfo();
+    std::string getSn();
+    bool setSn(std::string sn);
+    bool rebootCamera();
+    bool resetToFactory();
+    /// Simulates the door; the answer, if any, is not read.
+    void opDoor(bool open);
+
+    // --- pictures, first generation --------------------------------------------------------------------
+    bool originCapture();
+    /// Records of 27 bytes each, in the order of the answer; owned by the caller.
+    std::vector<protocol::RecordBytes> getOriginPicInfos();
+    /// 0xFF deletes all.
+    bool delOriginPic(std::uint8_t id);
+    /// Writes "<id>.jpg" into the working directory. Reads until size + 11 bytes are there: a camera that
+    /// sends less keeps it reading until the link is stopped or the port fails.
+    void getOriginTargetPic(std::uint8_t id, std::uint32_t size);
+    /// Delete all, capture, find, download to "a.jpg", delete all; without the picture-command offset.
+    bool takePic();
+
+    // --- pictures, V1 ----------------------------------------------------------------------------------
+    bool captureV1();
+    /// Records of 33 bytes each, as above.
+    std::vector<protocol::RecordBytes> getPicInfosV1();
+    /// 0xFFFF deletes all; date and gid are then not sent.
+    bool delPicV1(std::uint16_t id, std::uint32_t date, std::uint8_t gid);
+    /// As getOriginTargetPic, but writes the file whatever the read result is.
+    void getTargetPicV1(std::uint16_t id, std::uint32_t size);
+
+    // --- pictures and properties over JSON -------------------------------------------------------------
+    /// The answer's JSON text. An empty request asks for the properties.
+    std::string getQuentaModbusProperty(const std::string& request);
+    /// Downloads the picture into "<number>.jpg".
+    bool getQuentaModbusPic(std::uint8_t number);
+    bool checkQuentaData(std::vector<std::uint8_t>& answer, std::int32_t readSize, std::int32_t rounds);
+
+    // --- uploads ---------------------------------------------------------------------------------------
+    /// These three throw a text (const char*) when the file cannot be opened.
+    bool appUpdate();
+    bool firewareUpdate();
+    bool modelUpdate();
+    bool appUpdateV1(const std::string& fileName, const std::string& path);
+
+    // --- life of the link ------------------------------------------------------------------------------
+    /// Makes every running and later command fail at its next step and ends every pause at once.
+    void requestStop();
+    [[nodiscard]] bool stopRequested() const { return m_stop.load(); }
+    /// Sleeps; returns early (false) when the link is stopped.
+    bool pause(std::chrono::nanoseconds duration);
+
+    /// Says that a job or task uses this client. Taken on the user-interface thread before the job starts,
+    /// given back by the job when it is done with the client.
+    class Lease {
+    public:
+        Lease() = default;
+        explicit Lease(CameraSp& client);
+        ~Lease();
+        Lease(Lease&& other) noexcept;
+        Lease& operator=(Lease&& other) noexcept;
+
+    private:
+        void release();
+        CameraSp* m_client = nullptr;
+    };
+    /// Blocks until every lease has been given back.
+    void waitUntilUnused();
+
+    [[nodiscard]] const TransferProgress& progress() const { return m_progress; }
+
+    /// For tests: called instead of sleeping, with the time asked for. Empty restores real sleeping.
+    /// Not to be changed while a command runs.
+    static void replaceSleep(std::function<void(std::chrono::nanoseconds)> sleep);
+
+private:
+    struct Answer {
+        bool accepted = false;
+        protocol::Bytes bytes;
+    };
+    struct UploadKind;
+
+    /// The one exchange: time-outs, discarding, flushing, the request in one write, and the answer by the
+    /// rule's reading. `wanted` is the byte count of Reading::blocks. Throws what the port throws.
+    Answer exchange(const protocol::ExchangeRule& rule, protocol::ByteView payload, std::uint64_t wanted = 0);
+    [[nodiscard]] protocol::Bytes buildRequest(const protocol::ExchangeRule& rule,
+                                               protocol::ByteView payload) const;
+    bool readAnswer(protocol::Bytes& answer, std::int32_t readSize, std::int32_t tries,
+                    const protocol::AnswerForm& form);
+    bool checkData(std::vector<std::uint8_t>& answer, std::int32_t readSize, std::int32_t tries);
+    void readBlocks(protocol::Bytes& answer, std::size_t blockSize, std::uint64_t wanted);
+    [[nodiscard]] protocol::ExchangeRule withOffset(const protocol::ExchangeRule& rule) const;
+
+    std::vector<std::uint8_t> readProperty(const protocol::ExchangeRule& rule, std::uint8_t id);
+    std::string getPropertyValue(protocol::PropertyId id, protocol::Command command);
+    bool restart(const protocol::ExchangeRule& rule);
+
+    bool capture(const protocol::ExchangeRule& rule, const char* failureText);
+    bool deletePictures(const protocol::ExchangeRule& rule, protocol::ByteView payload,
+                        const char* failureText);
+    std::vector<protocol::RecordBytes> readCatalogue(const protocol::ExchangeRule& rule,
+                                                     std::size_t recordSize, const char* failureText);
+    protocol::Bytes downloadPicture(const protocol::ExchangeRule& rule, protocol::ByteView request,
+                                    std::uint32_t size);
+
+    bool upload(const UploadKind& kind, const std::string& path, const std::string& name);
+    bool sendChunks(const UploadKind& kind, protocol::ByteView file, std::size_t offset);
+    bool appCanUpdate(const std::vector<std::uint8_t>& answer, std::uint32_t& offset) const;
+
+    std::unique_ptr<SerialPort> m_port;
+    std::uint32_t m_workingValue = 0;
+    std::uint8_t m_doorSequence = 0;
+    std::uint32_t m_baudRate = 9600;
+    std::atomic<std::uint8_t> m_pictureOffset{0};
+    std::atomic<std::int32_t> m_slaveAddress{1};
+    std::string m_appFilePath;
+    std::string m_firewareFilePath;
+    std::string m_modelFilePath;
+    std::string m_modelName;
+
+    TransferProgress m_progress;
+    std::atomic<bool> m_stop{false};
+    std::mutex m_lifeMutex; // guards m_leases; m_lifeChanged tells of it and of m_stop
+    std::condition_variable m_lifeChanged;
+    int m_leases = 0;
+};

@@ -1,0 +1,84 @@
+// The frame of the camera line: how a request is built and how a whole answer is recognised.
+#pragma once
+
+#include "link/protocol/bytes.h"
+
+namespace protocol {
+
+inline constexpr std::uint8_t frameStart1 = 0xAA;
+inline constexpr std::uint8_t frameStart2 = 0x5A;
+
+/// [AA][5A][address][command][payload length, u32][payload][check code, u16]; all little-endian.
+namespace frame_layout {
+inline constexpr Field<std::uint8_t> start1{0};
+inline constexpr Field<std::uint8_t> start2{1};
+inline constexpr Field<std::uint8_t> address{2};
+inline constexpr Field<std::uint8_t> command{3};
+inline constexpr Field<std::uint32_t> payloadLength{4};
+inline constexpr std::size_t headerSize = 8;
+inline constexpr std::size_t checkCodeSize = 2;
+static_assert(payloadLength.end() == headerSize);
+} // namespace frame_layout
+
+/// Frame size less payload size.
+inline constexpr std::size_t frameOverhead = frame_layout::headerSize + frame_layout::checkCodeSize;
+
+/// A buffer shorter than this is never taken for an answer, of either kind.
+inline constexpr std::size_t leastAnswerSize = 9;
+
+/// Place of a payload field in the whole answer frame.
+template <std::unsigned_integral T>
+[[nodiscard]] constexpr Field<T> inPayload(std::size_t payloadOffset) {
+    return {frame_layout::headerSize + payloadOffset};
+}
+
+/// Answers are read by their place in the whole frame. An accepted frame has at least ten bytes, so the
+/// first two always exist; for a payload of none or one byte they are bytes of the check code.
+namespace answer_layout {
+inline constexpr Field<std::uint8_t> status = inPayload<std::uint8_t>(0);
+inline constexpr Field<std::uint8_t> propertyId = inPayload<std::uint8_t>(0);
+inline constexpr Field<std::uint8_t> propertyResult = inPayload<std::uint8_t>(1);
+inline constexpr std::size_t propertyValue = propertyResult.end();
+} // namespace answer_layout
+
+/// The whole frame: payload size + 10 bytes.
+[[nodiscard]] Bytes buildFrame(std::uint8_t command, ByteView payload, std::uint8_t address);
+
+/// What makes a buffer an answer: its two first bytes and its size.
+struct AnswerForm {
+    std::uint8_t start1;
+    std::uint8_t start2;
+    /// Size of the whole answer as its own length field states it (64 bits: no stated length can wrap).
+    std::uint64_t (*statedSize)(ByteView answer);
+};
+
+/// Binary frame: payload length + 10.
+extern const AnswerForm frameForm;
+
+/// Number of leading bytes that cannot begin an answer. A single byte is always kept, whatever it is.
+[[nodiscard]] std::size_t leadingGarbage(ByteView buffer, const AnswerForm& form);
+
+/// True when the buffer holds exactly one answer. The check code and the address are never examined:
+/// cameras in the field answer with either of them wrong.
+[[nodiscard]] bool isWholeAnswer(ByteView buffer, const AnswerForm& form);
+
+/// Value bytes of a property answer: payload bytes 2 onward, none for a payload of two bytes or fewer.
+[[nodiscard]] ByteView propertyValue(ByteView answer);
+
+/// The heartbeat answer as text: every byte but the address and the check code, in upper-case hexadecimal
+/// without leading zeros ("AA5A110001" for the good answer).
+[[nodiscard]] std::string heartbeatText(ByteView answer);
+
+/// The bytes that heartbeatText converts, in order.
+[[nodiscard]] Bytes heartbeatBytes(ByteView answer);
+
+/// True only for AA 5A, any address, command 01, length 1, payload 01, any check code.
+[[nodiscard]] bool isHeartbeatAnswer(ByteView answer);
+
+/// Bytes in upper-case hexadecimal, no separators, no zero padding (0x0A is "A").
+[[nodiscard]] std::string unpaddedHexText(ByteView bytes);
+
+/// Bytes as two lower-case hexadecimal digits each, no separators.
+[[nodiscard]] std::string paddedHexText(ByteView bytes);
+
+} // namespace protocol

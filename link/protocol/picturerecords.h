@@ -1,0 +1,109 @@
+// Picture catalogue records of both generations, and the picture requests.
+#pragma once
+
+#include "link/protocol/frame.h"
+
+#include <array>
+#include <memory>
+
+namespace protocol {
+
+inline constexpr std::size_t digestSize = 16;
+
+/// First-generation catalogue record, 27 bytes.
+namespace origin_record {
+inline constexpr Field<std::uint8_t> id{0};
+inline constexpr Field<std::uint8_t> triggerType{1};
+inline constexpr Field<std::uint8_t> triggerAngle{2};
+inline constexpr Field<std::uint32_t> creationTime{3};
+inline constexpr Field<std::uint32_t> fileSize{7};
+inline constexpr std::size_t digest = 11;
+inline constexpr std::size_t size = digest + digestSize;
+static_assert(size == 27);
+} // namespace origin_record
+
+/// V1 catalogue record, 33 bytes.
+namespace v1_record {
+inline constexpr Field<std::uint16_t> id{0};
+inline constexpr Field<std::uint32_t> date{2};
+inline constexpr Field<std::uint8_t> gid{6};
+inline constexpr Field<std::uint8_t> triggerType{7};
+inline constexpr Field<std::uint8_t> triggerAngle{8};
+inline constexpr Field<std::uint32_t> creationTime{9};
+inline constexpr Field<std::uint32_t> fileSize{13};
+inline constexpr std::size_t digest = 17;
+inline constexpr std::size_t size = digest + digestSize;
+static_assert(size == 33);
+} // namespace v1_record
+
+/// A catalogue record of either generation, read.
+struct PictureInfo {
+    std::uint16_t id = 0;
+    std::uint32_t date = 0; ///< V1 only
+    std::uint8_t gid = 0;   ///< V1 only
+    std::uint8_t triggerType = 0;
+    std::uint8_t triggerAngle = 0;
+    std::uint32_t creationTime = 0; ///< unit not known; shown as a plain number
+    std::uint32_t fileSize = 0;     ///< bytes
+    Bytes digest;                   ///< MD5 of the picture, 16 bytes
+};
+
+/// Both throw shortAnswerText for fewer bytes than a record has.
+[[nodiscard]] PictureInfo parseOriginRecord(ByteView record);
+[[nodiscard]] PictureInfo parseV1Record(ByteView record);
+
+/// The inverse, for the camera's side.
+[[nodiscard]] Bytes buildOriginRecord(const PictureInfo& info);
+[[nodiscard]] Bytes buildV1Record(const PictureInfo& info);
+
+/// One record of a catalogue: a copy of its own of 27 (first generation) or 33 (V1) bytes.
+using RecordBytes = std::unique_ptr<std::uint8_t[]>;
+
+/// The records of a catalogue answer, in order, each `recordSize` bytes. They are counted from the answer's
+/// length, never from its count byte; a trailing part of a record is left out.
+[[nodiscard]] std::vector<ByteView> catalogueRecords(ByteView answer, std::size_t recordSize);
+
+/// Size field of the record with this id in a first-generation catalogue answer, as its four bytes;
+/// four times 1 when there is none (cameras then send what they have). The walk counts its index modulo 256.
+[[nodiscard]] std::array<std::uint8_t, 4> pictureSizeBytes(ByteView answer, std::uint8_t id);
+
+/// Ids that mean every picture.
+inline constexpr std::uint8_t originDeleteAll = 0xFF;
+inline constexpr std::uint16_t v1DeleteAll = 0xFFFF;
+
+[[nodiscard]] Bytes originReadRequest(std::uint8_t id, std::uint32_t size);
+[[nodiscard]] Bytes v1ReadRequest(std::uint16_t id, std::uint32_t size);
+/// Two bytes for v1DeleteAll, else id, date and gid of the record (7 bytes).
+[[nodiscard]] Bytes v1DeleteRequest(std::uint16_t id, std::uint32_t date, std::uint8_t gid);
+
+/// Payloads of the picture requests, as the camera reads them.
+namespace origin_read_request {
+inline constexpr Field<std::uint8_t> id{0};
+inline constexpr Field<std::uint32_t> startOffset{1};
+inline constexpr Field<std::uint32_t> length{5};
+inline constexpr std::size_t size = length.end();
+static_assert(size == 9);
+} // namespace origin_read_request
+
+namespace v1_read_request {
+inline constexpr Field<std::uint16_t> id{0};
+inline constexpr Field<std::uint32_t> startOffset{2};
+inline constexpr Field<std::uint32_t> length{6};
+inline constexpr std::size_t size = length.end();
+static_assert(size == 10);
+} // namespace v1_read_request
+
+namespace v1_delete_request {
+inline constexpr Field<std::uint16_t> id{0};
+inline constexpr Field<std::uint32_t> date{2};
+inline constexpr Field<std::uint8_t> gid{6};
+inline constexpr std::size_t size = gid.end();
+inline constexpr std::size_t allSize = id.end();
+static_assert(size == 7 && allSize == 2);
+} // namespace v1_delete_request
+
+/// Transfer answer: frame header, read result, picture, check code.
+inline constexpr std::size_t transferOverhead = frameOverhead + 1;
+inline constexpr std::size_t transferData = answer_layout::status.end();
+
+} // namespace protocol
