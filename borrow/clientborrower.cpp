@@ -7,6 +7,10 @@ void ClientBorrower::attachClient(CameraSp* client) {
     ++m_generation;
 }
 
+void ClientBorrower::setExchangeAllowed(bool allowed) {
+    m_window->setEnabled(allowed);
+}
+
 void ClientBorrower::setMissingClientHandler(std::function<void()> handler) {
     m_missingClientHandler = std::move(handler);
 }

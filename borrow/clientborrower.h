@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QThreadPool>
 #include <QTimer>
+#include <QWidget>
 #include <QtConcurrent>
 
 #include <functional>
@@ -20,7 +21,8 @@
 /// User-interface thread only, but for the work given to runOnPool.
 class ClientBorrower {
 public:
-    explicit ClientBorrower(CameraSp* client = nullptr) : m_client(client) {}
+    /// The window is the borrower itself seen as a widget; the client may be null.
+    ClientBorrower(QWidget* window, CameraSp* client) : m_window(window), m_client(client) {}
     virtual ~ClientBorrower();
 
     ClientBorrower(const ClientBorrower&) = delete;
@@ -30,9 +32,9 @@ public:
     void attachClient(CameraSp* client);
     /// Called whenever a command is asked for without a client.
     void setMissingClientHandler(std::function<void()> handler);
-    /// Told before and after the client is used by somebody else for a longer time (upload, capture,
-    /// return wait): no exchange may be started in between.
-    virtual void setExchangeAllowed(bool allowed) = 0;
+    /// Called before (false) and after (true) somebody else uses the client for a longer time (upload,
+    /// capture, return wait): the window is disabled in between, so that it starts no exchange.
+    void setExchangeAllowed(bool allowed);
 
 protected:
     [[nodiscard]] CameraSp* client() const { return m_client; }
@@ -82,6 +84,7 @@ protected:
 private:
     void reportMissingClient() const;
 
+    QWidget* m_window;
     CameraSp* m_client;
     std::uint64_t m_generation = 0;
     std::function<void()> m_missingClientHandler;
