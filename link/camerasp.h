@@ -4,6 +4,7 @@
 #include "link/protocol/exchangetable.h"
 #include "link/protocol/picturerecords.h"
 #include "link/serialport.h"
+#include "link/transferprogress.h"
 
 #include <atomic>
 #include <chrono>
@@ -14,17 +15,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-/// How far the running transfer (upload or picture download) is. Written by the thread that runs the
-/// transfer, read by any thread; the values of one moment need not belong together.
-struct TransferProgress {
-    enum class Phase : int { idle, announcing, sending, awaitingVerdict, downloading };
-
-    std::atomic<Phase> phase{Phase::idle};
-    std::atomic<std::uint64_t> startOffset{0}; ///< bytes the camera already held (uploads), else 0
-    std::atomic<std::uint64_t> done{0};        ///< bytes, startOffset included
-    std::atomic<std::uint64_t> total{0};       ///< bytes
-};
 
 /// Speaks the camera's protocol over one serial port. Construction opens the port, destruction closes it;
 /// there is no reconnect.
@@ -165,6 +155,8 @@ private:
     bool readAnswer(protocol::Bytes& answer, std::int32_t readSize, std::int32_t tries,
                     const protocol::AnswerForm& form);
     bool checkData(std::vector<std::uint8_t>& answer, std::int32_t readSize, std::int32_t tries);
+    /// The port for the next library call; throws a text when the link is being stopped.
+    SerialPort& port();
     void readBlocks(protocol::Bytes& answer, std::size_t blockSize, std::uint64_t wanted);
     [[nodiscard]] protocol::ExchangeRule withOffset(const protocol::ExchangeRule& rule) const;
 
@@ -176,13 +168,18 @@ private:
     bool deletePictures(const protocol::ExchangeRule& rule, protocol::ByteView payload,
                         const char* failureText);
     std::vector<protocol::RecordBytes> readCatalogue(const protocol::ExchangeRule& rule,
-                                                     std::size_t recordSize, const char* failureText);
-    protocol::Bytes downloadPicture(const protocol::ExchangeRule& rule, protocol::ByteView request,
-                                    std::uint32_t size);
+                                                     const protocol::RecordForm& form,
+                                                     const char* failureText);
+    Answer download(const protocol::ExchangeRule& rule, protocol::ByteView request, std::uint32_t size);
 
+    /// One raw-chunk upload; throws kind.cannotOpenText when the file cannot be opened.
     bool upload(const UploadKind& kind, const std::string& path, const std::string& name);
-    bool sendChunks(const UploadKind& kind, protocol::ByteView file, std::size_t offset);
+    std::optional<std::int32_t> announce(const UploadKind& kind, protocol::ByteView payload);
+    void sendChunks(const UploadKind& kind, protocol::ByteView file, std::size_t offset);
+    bool awaitVerdict(const UploadKind& kind);
     bool appCanUpdate(const std::vector<std::uint8_t>& answer, std::uint32_t& offset) const;
+    std::optional<protocol::Bytes> announceV1(protocol::ByteView payload);
+    std::optional<std::uint8_t> sendClosingPackets(std::uint32_t fileSize);
 
     std::unique_ptr<SerialPort> m_port;
     std::uint32_t m_workingValue = 0;

@@ -20,11 +20,10 @@ enum class Reading : std::uint8_t {
 /// What is logged of the request frame before it is sent.
 enum class RequestLog : std::uint8_t {
     none,
-    sdata,   ///< "sdata:" and the value, a line per byte
-    infos,   ///< "infos:" and the value, a line per byte
-    cert,    ///< "cert:" and the value, a line per byte
-    every,   ///< "every:" and the value in hexadecimal, a line per byte; the log stays hexadecimal
-    hexDump, ///< "1D cmd:" and the whole frame in two lower-case digits per byte
+    sdata, ///< "sdata:" and the value, a line per byte
+    infos, ///< "infos:" and the value, a line per byte
+    cert,  ///< "cert:" and the value, a line per byte
+    every, ///< "every:" and the value in hexadecimal, a line per byte; the log stays hexadecimal
 };
 
 /// Marks of the columns below.

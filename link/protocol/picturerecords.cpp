@@ -66,22 +66,18 @@ std::vector<ByteView> catalogueRecords(ByteView answer, std::size_t recordSize) 
     return records;
 }
 
-std::array<std::uint8_t, 4> pictureSizeBytes(ByteView answer, std::uint8_t id) {
-    constexpr std::array<std::uint8_t, 4> unknown{1, 1, 1, 1};
+Bytes pictureSizeBytes(ByteView answer, std::uint8_t id) {
     if (answer.size() < originLeastAnswer)
-        return unknown;
+        return {1, 1, 1, 1};
     std::uint8_t at = firstRecord;
     // The index wraps at 256 and visits each of its values at most once.
     for (int steps = 0; steps < 256 && at + origin_record::size - 1 < answer.size(); ++steps) {
         const ByteView record = answer.range(at, at + origin_record::size);
-        if (record.get(origin_record::id) == id) {
-            const std::uint32_t size = record.get(origin_record::fileSize);
-            return {static_cast<std::uint8_t>(size & 0xFFU), static_cast<std::uint8_t>((size >> 8) & 0xFFU),
-                    static_cast<std::uint8_t>((size >> 16) & 0xFFU), static_cast<std::uint8_t>(size >> 24)};
-        }
+        if (record.get(origin_record::id) == id)
+            return record.range(origin_record::fileSize.offset, origin_record::fileSize.end()).toBytes();
         at = static_cast<std::uint8_t>(at + origin_record::size);
     }
-    return unknown;
+    return {1, 1, 1, 1};
 }
 
 Bytes originReadRequest(std::uint8_t id, std::uint32_t size) {

@@ -3,7 +3,6 @@
 
 #include "link/protocol/frame.h"
 
-#include <array>
 #include <memory>
 
 namespace protocol {
@@ -59,13 +58,21 @@ struct PictureInfo {
 /// One record of a catalogue: a copy of its own of 27 (first generation) or 33 (V1) bytes.
 using RecordBytes = std::unique_ptr<std::uint8_t[]>;
 
-/// The records of a catalogue answer, in order, each `recordSize` bytes. They are counted from the answer's
-/// length, never from its count byte; a trailing part of a record is left out.
+/// What the two generations of records differ in.
+struct RecordForm {
+    std::size_t size; ///< bytes
+    PictureInfo (*parse)(ByteView record);
+};
+inline constexpr RecordForm originRecordForm{origin_record::size, &parseOriginRecord};
+inline constexpr RecordForm v1RecordForm{v1_record::size, &parseV1Record};
+
+/// The records of a catalogue answer, in order. They are counted from the answer's length, never from its
+/// count byte; a trailing part of a record is left out.
 [[nodiscard]] std::vector<ByteView> catalogueRecords(ByteView answer, std::size_t recordSize);
 
 /// Size field of the record with this id in a first-generation catalogue answer, as its four bytes;
 /// four times 1 when there is none (cameras then send what they have). The walk counts its index modulo 256.
-[[nodiscard]] std::array<std::uint8_t, 4> pictureSizeBytes(ByteView answer, std::uint8_t id);
+[[nodiscard]] Bytes pictureSizeBytes(ByteView answer, std::uint8_t id);
 
 /// Ids that mean every picture.
 inline constexpr std::uint8_t originDeleteAll = 0xFF;

@@ -1,0 +1,10 @@
+// Writing a downloaded picture into the working directory.
+#pragma once
+
+#include "link/protocol/bytes.h"
+
+#include <string>
+
+/// Writes or replaces the file. It appears under its name only when it is complete; otherwise nothing is left
+/// and one line is logged. Returns whether it was written.
+bool writePicture(const std::string& name, protocol::ByteView picture);

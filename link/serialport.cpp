@@ -1,0 +1,97 @@
+#include "link/serialport.h"
+
+#include <string_view>
+
+#ifndef _WIN32
+#include <cerrno>
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#endif
+
+namespace {
+
+#ifndef _WIN32
+
+/// Whether a character device of this major number is a terminal; true when the system does not tell.
+bool isTerminalMajor(unsigned int wanted) {
+    std::ifstream drivers("/proc/tty/drivers");
+    if (!drivers)
+        return true;
+    for (std::string row; std::getline(drivers, row);) {
+        std::istringstream fields(row);
+        std::string driver;
+        std::string device;
+        unsigned int major = 0;
+        if (fields >> driver >> device >> major && major == wanted)
+            return true;
+    }
+    return false;
+}
+
+/// The library loses a file descriptor for each path that it can open but not configure, so what is no
+/// terminal is refused by its looks, with the library's own exception. The path is never opened here:
+/// opening moves the modem lines.
+const std::string& checkedName(const std::string& name) {
+    struct stat status {};
+    if (!name.empty() && ::stat(name.c_str(), &status) == 0 &&
+        (!S_ISCHR(status.st_mode) || !isTerminalMajor(major(status.st_rdev))))
+        throw serial::IOException(__FILE__, __LINE__, S_ISDIR(status.st_mode) ? EISDIR : ENOTTY);
+    return name;
+}
+
+#else
+
+const std::string& checkedName(const std::string& name) {
+    return name;
+}
+
+#endif
+
+serial::Timeout timeouts(std::uint32_t readMs, std::uint32_t writeMs) {
+    return serial::Timeout(serial::Timeout::max(), readMs, 0, writeMs, 0);
+}
+
+} // namespace
+
+SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs)
+    : m_serial(checkedName(name), baudRate, timeouts(timeoutMs, timeoutMs), serial::eightbits,
+               serial::parity_none, serial::stopbits_one, serial::flowcontrol_none) {}
+
+void SerialPort::setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) {
+    const std::lock_guard lock(m_mutex);
+    serial::Timeout record = timeouts(readMs, writeMs); // the library takes it by a non-const reference
+    m_serial.setTimeout(record);
+}
+
+void SerialPort::discardInput() {
+    const std::lock_guard lock(m_mutex);
+    try {
+        m_serial.flushInput();
+    } catch (const serial::IOException& error) {
+        // Version 1.2.1 of the library cannot discard on Windows; reading what is there comes to the same.
+        if (std::string_view(error.what()).find("not supported") == std::string_view::npos)
+            throw;
+        protocol::Bytes discarded;
+        for (std::size_t waiting = m_serial.available(); waiting > 0; waiting = m_serial.available()) {
+            if (m_serial.read(discarded, waiting) == 0)
+                return;
+        }
+    }
+}
+
+void SerialPort::flush() {
+    const std::lock_guard lock(m_mutex);
+    m_serial.flush();
+}
+
+std::size_t SerialPort::write(protocol::ByteView bytes) {
+    const std::lock_guard lock(m_mutex);
+    return m_serial.write(bytes.begin(), bytes.size());
+}
+
+std::size_t SerialPort::read(protocol::Bytes& buffer, std::size_t count) {
+    const std::lock_guard lock(m_mutex);
+    return m_serial.read(buffer, count);
+}
