@@ -1,0 +1,70 @@
+# The function that makes a test program and tells ctest of every test in it.
+
+include(GoogleTest)
+
+# Builds all programs that hold tests labelled "threads": what a thread-sanitizer run needs.
+add_custom_target(thread_tests)
+
+# What the sanitizers' run-time libraries read; tests started by hand have to set it themselves.
+set(camera_test_environment "")
+if(CAMERA_SANITIZE MATCHES "address")
+  list(APPEND camera_test_environment
+    "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1"
+    "LSAN_OPTIONS=print_suppressions=0:suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp")
+endif()
+if(CAMERA_SANITIZE MATCHES "undefined")
+  list(APPEND camera_test_environment "UBSAN_OPTIONS=print_stacktrace=1")
+endif()
+if(CAMERA_SANITIZE MATCHES "thread")
+  list(APPEND camera_test_environment
+    "TSAN_OPTIONS=second_deadlock_stack=1:suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp")
+endif()
+
+# camera_test(name SOURCES... [LINK targets...] [GUI] [OWN_MAIN] [LABELS labels...] [TIMEOUT seconds])
+#
+# A GoogleTest program; ctest runs every test of it as a process of its own, several at once. Each test
+# starts in an empty working directory of its own, which disappears with it: pictures are written into the
+# working directory.
+#   GUI       the program's main makes a QApplication on the offscreen platform, and Qt6::Test is linked
+#   OWN_MAIN  the sources bring their own main
+#   LABELS    "threads" for tests worth running under the thread sanitizer
+#   TIMEOUT   for one test, 60 s if not given; sanitizers get three times as much
+function(camera_test name)
+  cmake_parse_arguments(arg "GUI;OWN_MAIN" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+  if(arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "camera_test(${name}): what is ${arg_UNPARSED_ARGUMENTS}?")
+  endif()
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 60)
+  endif()
+  if(CAMERA_SANITIZE)
+    math(EXPR arg_TIMEOUT "${arg_TIMEOUT} * 3")
+  endif()
+
+  set(environment ${camera_test_environment})
+  set(libraries ${arg_LINK} GTest::gmock GTest::gtest)
+  set(main "${PROJECT_SOURCE_DIR}/tests/support/testmain.cpp")
+  if(arg_GUI)
+    list(APPEND libraries Qt6::Widgets Qt6::Test)
+    list(APPEND environment "QT_QPA_PLATFORM=offscreen")
+    set(main "${PROJECT_SOURCE_DIR}/tests/support/guitestmain.cpp")
+  endif()
+  if(arg_OWN_MAIN)
+    set(main "")
+  endif()
+
+  camera_program(${name} SOURCES ${arg_SOURCES} ${main} LINK ${libraries})
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${arg_TIMEOUT})
+  # Properties that are lists do not survive discovery: ctest sets them when it has read the tests' names.
+  set(properties_file "${CMAKE_CURRENT_BINARY_DIR}/${name}_properties.cmake")
+  file(WRITE "${properties_file}" "if(${name}_TESTS)
+  set_tests_properties(\${${name}_TESTS} PROPERTIES
+    LABELS [==[${arg_LABELS}]==]
+    ENVIRONMENT [==[${environment}]==])
+endif()
+")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${properties_file}")
+  if("threads" IN_LIST arg_LABELS)
+    add_dependencies(thread_tests ${name})
+  endif()
+endfunction()

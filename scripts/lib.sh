@@ -1,0 +1,113 @@
+# What the scripts share. To be sourced: . "$(dirname "$0")/lib.sh"
+set -euo pipefail
+
+project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+# What building needs, and what building and running the tests needs besides.
+build_packages=(g++ cmake ninja-build qt6-base-dev libcxx-serial-dev)
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev fonts-noto-cjk)
+
+say() {
+  printf '== %s\n' "$*"
+}
+
+fail() {
+  printf 'error: %s\n' "$*" >&2
+  exit 1
+}
+
+# as_root COMMAND...: as this user if that is root, else by sudo, which may ask only at a terminal.
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif ! command -v sudo >/dev/null; then
+    fail "packages have to be installed: be root, or install sudo"
+  elif [ -t 0 ]; then
+    sudo "$@"
+  else
+    sudo -n "$@"
+  fi
+}
+
+# missing_packages PACKAGE...: those that are not installed, one a line.
+missing_packages() {
+  local package status
+  for package in "$@"; do
+    status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+    # A package installed for two architectures says so twice.
+    case $status in
+      installed*) ;;
+      *) printf '%s\n' "$package" ;;
+    esac
+  done
+}
+
+# ensure_packages PACKAGE...: installs what is missing; without anything missing it touches no network.
+ensure_packages() {
+  if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+    say "no apt-get here; the equivalents of these packages are needed: $*"
+    return
+  fi
+  local missing
+  mapfile -t missing < <(missing_packages "$@")
+  if [ ${#missing[@]} -eq 0 ]; then
+    return
+  fi
+  say "installing ${missing[*]}"
+  local apt=(env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
+  # A broken source that has nothing to do with this must not stop it: the installation below decides.
+  as_root "${apt[@]}" update </dev/null || say "apt-get update had errors; going on"
+  as_root "${apt[@]}" install --yes --no-install-recommends "${missing[@]}" </dev/null
+}
+
+# Qt reads and writes UTF-8 texts and file names by the locale.
+use_utf8_locale() {
+  if [ "$(locale charmap 2>/dev/null)" != UTF-8 ]; then
+    export LC_ALL=C.UTF-8
+  fi
+}
+
+# configure_and_build PRESET [CMAKE OPTION...]: into build/PRESET.
+configure_and_build() {
+  local preset=$1
+  shift
+  if command -v ccache >/dev/null; then
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache # read by the first configuration
+  fi
+  say "building $preset"
+  (
+    cd "$project_root"
+    cmake --preset "$preset" --log-level=NOTICE "$@"
+    cmake --build --preset "$preset"
+  )
+}
+
+# A command that starts ctest, with its options; empty: nothing in between.
+test_launcher=()
+
+# run_tests PRESET [CTEST OPTION...]: as many tests at once as there are processors.
+run_tests() {
+  local preset=$1
+  shift
+  say "testing $preset"
+  (
+    cd "$project_root"
+    export QT_QPA_PLATFORM=offscreen
+    "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(nproc)" "$@"
+  )
+}
+
+# project_files PATTERN...: tracked files whose names match, relative to the root, one a line. Without git
+# (an unpacked archive) those outside build folders.
+project_files() {
+  cd "$project_root"
+  if git ls-files --error-unmatch CMakeLists.txt >/dev/null 2>&1; then
+    git ls-files --cached --others --exclude-standard -- "$@"
+    return
+  fi
+  local pattern
+  for pattern in "$@"; do
+    find . -name .git -prune -o -path './build*' -prune -o -path ./out -prune -o -path ./dist -prune \
+      -o -type f -name "$pattern" -print | sed 's#^\./##'
+  done
+}

@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# All tests under the address and undefined-behaviour sanitizers, then those labelled "threads" under the
+# thread sanitizer.
+# Usage: scripts/sanitizers.sh [asan|tsan]...     both if none is given
+. "$(dirname "$0")/lib.sh"
+
+# The thread sanitizer's memory layout collides with strongly randomised addresses; where the system lets a
+# process do without randomisation, the tests run so.
+without_randomisation=(setarch --addr-no-randomize)
+
+check() {
+  case $1 in
+    asan)
+      configure_and_build asan
+      run_tests asan
+      ;;
+    tsan)
+      configure_and_build tsan
+      if "${without_randomisation[@]}" true 2>/dev/null; then
+        test_launcher=("${without_randomisation[@]}")
+      fi
+      run_tests tsan
+      ;;
+    *) fail "no such sanitizer: $1 (asan, tsan)" ;;
+  esac
+}
+
+ensure_packages "${build_packages[@]}" "${test_packages[@]}"
+use_utf8_locale
+if [ $# -eq 0 ]; then
+  set -- asan tsan
+fi
+for sanitizer in "$@"; do
+  check "$sanitizer"
+done

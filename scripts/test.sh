@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Builds everything with warnings as errors and runs all tests.
+# Usage: scripts/test.sh [ctest option]...     e.g. scripts/test.sh -R Heartbeat
+. "$(dirname "$0")/lib.sh"
+
+ensure_packages "${build_packages[@]}" "${test_packages[@]}"
+use_utf8_locale
+configure_and_build dev -DCAMERA_WARNINGS_AS_ERRORS=ON
+run_tests dev "$@"

@@ -1,0 +1,160 @@
+// A window borrows the client: without a client, on the pool, and while links come and go.
+#include "borrow/clientborrower.h"
+
+#include <QApplication>
+#include <QTest>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+
+namespace {
+
+/// Shows what a window sees of its base.
+class Window final : public QWidget, public ClientBorrower {
+public:
+    explicit Window(CameraSp* client) : ClientBorrower(this, client) {}
+    using ClientBorrower::ask;
+    using ClientBorrower::runOnPool;
+};
+
+/// Polls instead of waiting for events of a window, which may be gone by then.
+void waitForPool() {
+    QThreadPool::globalInstance()->waitForDone();
+    QTest::qWait(20); // results are posted with a timer of no delay
+}
+
+/// A client without a port: every command fails at once.
+std::unique_ptr<CameraSp> portlessClient() {
+    return std::make_unique<CameraSp>(std::string(), 9600U);
+}
+
+} // namespace
+
+TEST(ClientBorrower, WithoutAClientEveryCommandHasFailed) {
+    const Window window(nullptr);
+    EXPECT_FALSE(window.ask(&CameraSp::testHeartBeat));
+    EXPECT_EQ(window.ask(&CameraSp::getModelInfo), "");
+    EXPECT_TRUE(window.ask(&CameraSp::getCommonProperty, std::uint8_t{15}, std::uint8_t{2}).empty());
+}
+
+TEST(ClientBorrower, TellsOfEveryCommandAskedForWithoutAClient) {
+    Window window(nullptr);
+    int told = 0;
+    window.setMissingClientHandler([&told] { ++told; });
+    window.ask(&CameraSp::testHeartBeat);
+    EXPECT_EQ(told, 1);
+    window.runOnPool(
+        &window, [](CameraSp*) { return 0; }, [](int) {});
+    EXPECT_EQ(told, 2);
+    waitForPool();
+}
+
+TEST(ClientBorrower, WorksOnAPoolThreadAndAppliesOnTheUserInterfaceThread) {
+    const auto client = portlessClient();
+    Window window(client.get());
+    QThread* worker = nullptr;
+    QThread* applier = nullptr;
+    std::string seen;
+    window.runOnPool(
+        &window, [&worker](CameraSp*) { return worker = QThread::currentThread(), std::string("result"); },
+        [&](const std::string& result) {
+            seen = result;
+            applier = QThread::currentThread();
+        });
+    ASSERT_TRUE(QTest::qWaitFor([&seen] { return !seen.empty(); }));
+    EXPECT_EQ(seen, "result");
+    EXPECT_EQ(applier, qApp->thread());
+    EXPECT_NE(worker, nullptr);
+    EXPECT_NE(worker, qApp->thread());
+}
+
+TEST(ClientBorrower, HandsTheClientToTheJobAndNoneWhereThereIsNone) {
+    const auto client = portlessClient();
+    for (CameraSp* attached : {client.get(), static_cast<CameraSp*>(nullptr)}) {
+        Window window(attached);
+        bool applied = false;
+        CameraSp* given = nullptr;
+        window.runOnPool(
+            &window, [](CameraSp* borrowed) { return borrowed; },
+            [&](CameraSp* borrowed) {
+                applied = true;
+                given = borrowed;
+            });
+        ASSERT_TRUE(QTest::qWaitFor([&applied] { return applied; }));
+        EXPECT_EQ(given, attached);
+    }
+}
+
+TEST(ClientBorrower, DropsTheResultOfAnEarlierLink) {
+    const auto client = portlessClient();
+    const auto next = portlessClient();
+    Window window(client.get());
+    bool applied = false;
+    window.runOnPool(
+        &window, [](CameraSp*) { return 1; }, [&applied](int) { applied = true; });
+    window.attachClient(nullptr);
+    window.attachClient(next.get());
+    waitForPool();
+    EXPECT_FALSE(applied);
+}
+
+TEST(ClientBorrower, DropsTheResultForAWindowThatIsGone) {
+    const auto client = portlessClient();
+    auto window = std::make_unique<Window>(client.get());
+    bool applied = false;
+    std::atomic<bool> worked = false;
+    window->runOnPool(
+        window.get(), [&worked](CameraSp*) { return worked = true, 1; }, [&applied](int) { applied = true; });
+    window.reset();
+    waitForPool();
+    EXPECT_TRUE(worked);
+    EXPECT_FALSE(applied);
+}
+
+TEST(ClientBorrower, TheEndOfALinkWaitsForItsJobsAndCutsTheirPausesShort) {
+    using Clock = std::chrono::steady_clock;
+    auto client = portlessClient();
+    Window window(client.get());
+    std::atomic<bool> ended = false;
+    window.runOnPool(
+        &window,
+        [&ended](CameraSp* borrowed) {
+            const bool slept = borrowed->pause(std::chrono::seconds(30));
+            ended = true;
+            return slept;
+        },
+        [](bool) {});
+    const auto start = Clock::now();
+    window.attachClient(nullptr);
+    client->requestStop();
+    client->waitUntilUnused();
+    EXPECT_TRUE(ended);
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
+    client.reset();
+    waitForPool();
+}
+
+TEST(ClientBorrower, ManyJobsInARowLeaveTheClientUnused) {
+    auto client = portlessClient();
+    Window window(client.get());
+    constexpr int jobs = 200;
+    int applied = 0;
+    for (int job = 0; job < jobs; ++job)
+        window.runOnPool(
+            &window, [](CameraSp* borrowed) { return borrowed->stopRequested(); },
+            [&applied](bool stopped) { applied += stopped ? 0 : 1; });
+    EXPECT_TRUE(QTest::qWaitFor([&applied] { return applied == jobs; }));
+    client->waitUntilUnused();
+}
+
+TEST(ClientBorrower, IsDisabledWhileSomebodyElseUsesTheClient) {
+    Window window(nullptr);
+    window.setExchangeAllowed(false);
+    EXPECT_FALSE(window.isEnabled());
+    window.setExchangeAllowed(true);
+    EXPECT_TRUE(window.isEnabled());
+}
