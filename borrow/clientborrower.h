@@ -73,11 +73,12 @@ protected:
         std::ignore = QtConcurrent::run(
             QThreadPool::globalInstance(), [job = std::move(job), deliver = std::move(deliver)]() mutable {
                 auto result = job->work(job->client);
-                job.reset();
                 QTimer::singleShot(0, qApp,
                                    [deliver = std::move(deliver), result = std::move(result)]() mutable {
                                        deliver(std::move(result));
                                    });
+                // The client is given back last: whoever waits for that may end the application next.
+                job.reset();
             });
     }
 

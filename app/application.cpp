@@ -1,0 +1,43 @@
+#include "app/application.h"
+
+#include <QDebug>
+#include <QTimer>
+
+Application::Application(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {}
+
+Application::~Application() {
+    delete m_box;
+}
+
+bool Application::notify(QObject* receiver, QEvent* event) {
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (...) {
+        report(std::current_exception());
+        return true;
+    }
+}
+
+void Application::report(const std::exception_ptr& failure) {
+    const FailureText text = failureText(failure);
+    qDebug() << text.what;
+    emit failureReported(text.what + QLatin1Char(' ') + text.advice);
+
+    const QString message = text.what + QStringLiteral("\n\n") + text.advice;
+    const bool alreadyTold = m_failures.contains(message) || (m_box != nullptr && m_box->text() == message);
+    if (alreadyTold)
+        return;
+    m_failures.enqueue(message);
+    // Later, so that the handler that failed and everything around it have returned.
+    QTimer::singleShot(0, this, &Application::showNextFailure);
+}
+
+void Application::showNextFailure() {
+    if (m_box != nullptr || m_failures.isEmpty())
+        return;
+    m_box = new QMessageBox(QMessageBox::Warning, tr("操作失败"), m_failures.dequeue(), QMessageBox::Ok,
+                            activeWindow());
+    m_box->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_box, &QObject::destroyed, this, &Application::showNextFailure, Qt::QueuedConnection);
+    m_box->open();
+}

@@ -1,0 +1,16 @@
+// Words for an exception that left a handler.
+#pragma once
+
+#include <QString>
+
+#include <exception>
+
+/// What failed, and what the user can do about it.
+struct FailureText {
+    QString what;
+    QString advice;
+};
+
+/// Knows the serial library's exceptions, std::exception and plain texts (const char*); anything else is an
+/// unknown error. The pointer must not be null.
+[[nodiscard]] FailureText failureText(const std::exception_ptr& failure);

@@ -1,0 +1,34 @@
+#include "app/application.h"
+#include "app/mainwindow.h"
+
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+namespace {
+
+/// Says why the program ends when an exception leaves a thread.
+[[noreturn]] void printAndAbort() {
+    if (const std::exception_ptr failure = std::current_exception()) {
+        try {
+            std::rethrow_exception(failure);
+        } catch (const char* text) {
+            std::cerr << text << std::endl;
+        } catch (const std::exception& error) {
+            std::cerr << error.what() << std::endl;
+        } catch (...) {
+            std::cerr << "unknown error" << std::endl;
+        }
+    }
+    std::abort();
+}
+
+} // namespace
+
+int main(int argumentCount, char* arguments[]) {
+    std::set_terminate(printAndAbort);
+    Application application(argumentCount, arguments);
+    MainWindow window;
+    window.show();
+    return Application::exec();
+}

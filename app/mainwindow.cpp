@@ -1,0 +1,254 @@
+// Construction, the rules for the controls, opening and closing the link, and the windows of the menu.
+#include "app/mainwindow.h"
+
+#include "app/application.h"
+#include "dialogs/aboutdialog.h"
+#include "dialogs/cameratype.h"
+#include "dialogs/doorop.h"
+#include "dialogs/setcameraprotocol.h"
+#include "ui_mainwindow.h"
+
+#include <QCloseEvent>
+#include <QDebug>
+#include <QTimer>
+
+#include <array>
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto finishStartDelay = 100ms;
+const QString toolVersion = QStringLiteral(CAMERA_TOOL_VERSION);
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent), ClientBorrower(this, nullptr), m_ui(std::make_unique<Ui::MainWindow>()) {
+    m_ui->setupUi(this);
+    setWindowTitle(tr("摄像头测试-Tessaly v(%1)").arg(toolVersion));
+    // A lamp, not a control; accessibility tools still read it.
+    m_ui->rb_heartbeat->setAttribute(Qt::WA_TransparentForMouseEvents);
+    setMissingClientHandler([this] { showStatus(tr("请先打开串口")); });
+    fillChoices();
+
+    connectLink();
+    connectStatus();
+    connectMenus();
+    connectUnbuilt();
+    if (const auto* const application = qobject_cast<Application*>(QCoreApplication::instance()))
+        connect(application, &Application::failureReported, this, &MainWindow::showStatus);
+
+    applyPortRule();
+    showPaths();
+    m_ui->btn_open->setFocus();
+    QTimer::singleShot(finishStartDelay, this, &MainWindow::finishStart);
+}
+
+MainWindow::~MainWindow() {
+    // First of all, while everything that they point to or tell is still there.
+    m_windows.deleteAll();
+    closeLink();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!confirmInterruption()) {
+        event->ignore();
+        return;
+    }
+    m_windows.closeAll();
+    closeLink();
+    event->accept();
+}
+
+// --- construction ------------------------------------------------------------------------------------------
+
+void MainWindow::fillChoices() {
+    m_ui->sel_baund->addItems({QStringLiteral("460800"), QStringLiteral("230400"), QStringLiteral("115200"),
+                               QStringLiteral("9600")});
+    m_ui->sel_baund->setCurrentIndex(0);
+    for (const std::string& port : CameraSp::getPorts())
+        m_ui->sel_ports->addItem(QString::fromStdString(port));
+    m_portName = m_ui->sel_ports->currentText().toStdString();
+    qDebug() << "init port:" << m_ui->sel_ports->currentText();
+    qDebug() << "Application version:" << toolVersion;
+    m_ui->label_slaveinfo->setText(tr("当前从机地址:") + QString::number(m_slaveAddress));
+}
+
+void MainWindow::connectLink() {
+    connect(m_ui->sel_ports, &QComboBox::currentTextChanged, this,
+            [this](const QString& port) { m_portName = port.toStdString(); });
+    connect(m_ui->sel_baund, &QComboBox::currentTextChanged, this,
+            [this](const QString& rate) { m_baudRate = rate.toUInt(); });
+    connect(m_ui->btn_open, &QPushButton::clicked, this, &MainWindow::toggleLink);
+}
+
+void MainWindow::connectStatus() {
+    connect(m_ui->btn_heartbeat, &QPushButton::clicked, this, &MainWindow::testHeartBeat);
+    connect(m_ui->btn_appversion, &QPushButton::clicked, this, &MainWindow::queryVersions);
+    connect(m_ui->btn_modelinfo, &QPushButton::clicked, this, &MainWindow::queryModelInfo);
+    connect(m_ui->btn_gyro, &QPushButton::clicked, this, &MainWindow::testGyro);
+    // For trying things out during development; sends nothing.
+    connect(m_ui->btn_test, &QPushButton::clicked, this, [] { qDebug() << "test"; });
+}
+
+void MainWindow::connectMenus() {
+    connect(m_ui->actionaddress, &QAction::triggered, this, &MainWindow::openCameraProtocol);
+    connect(m_ui->actionOriginCmdExtraAdd, &QAction::triggered, this, &MainWindow::enterPictureOffset);
+    connect(m_ui->actionReboot, &QAction::triggered, this, &MainWindow::rebootCamera);
+    connect(m_ui->actionResetFactory, &QAction::triggered, this, &MainWindow::resetToFactory);
+    connect(m_ui->actionOpenCloseDoor, &QAction::triggered, this,
+            [this] { openWindow<DoorOp>(this, client()); });
+    connect(m_ui->actionAbout, &QAction::triggered, this, &MainWindow::openAbout);
+}
+
+/// Each line disappears with the work that builds what it stands for.
+void MainWindow::connectUnbuilt() {
+    const auto sayUnbuilt = [this](auto* control) {
+        return [this, control] { showStatus(tr("“%1”功能尚未提供").arg(control->text())); };
+    };
+    for (QAction* const action :
+         {m_ui->actionPicInfo, m_ui->actionPicInfoV1, m_ui->actionSnSet, m_ui->actionPwmHeatSet,
+          m_ui->actionInstallLocation, m_ui->actionCaptureDegree, m_ui->actionactionPicRateSet})
+        connect(action, &QAction::triggered, this, sayUnbuilt(action));
+    for (QPushButton* const button :
+         {m_ui->btn_takepic, m_ui->btn_apppath, m_ui->btn_appupdate, m_ui->btn_firewarepath,
+          m_ui->btn_firewareupdate, m_ui->btn_modelpath, m_ui->btn_modelupdate})
+        connect(button, &QPushButton::clicked, this, sayUnbuilt(button));
+}
+
+void MainWindow::finishStart() {
+    const int ports = m_ui->sel_ports->count();
+    showStatus(ports > 0 ? tr("准备就绪，发现 %1 个串口，请选择后打开").arg(ports)
+                         : tr("没有发现串口，请插入转接器后重新启动本工具"));
+}
+
+// --- the controls ------------------------------------------------------------------------------------------
+
+std::vector<QWidget*> MainWindow::portOpenControls() const {
+    return {m_ui->btn_heartbeat,   m_ui->rb_heartbeat,  m_ui->btn_appversion,   m_ui->btn_takepic,
+            m_ui->btn_apppath,     m_ui->btn_appupdate, m_ui->btn_firewarepath, m_ui->btn_firewareupdate,
+            m_ui->label_modelinfo, m_ui->btn_modelinfo, m_ui->btn_modelpath,    m_ui->et_modelname};
+}
+
+void MainWindow::applyPortRule() {
+    const bool open = m_camera != nullptr;
+    m_ui->sel_ports->setEnabled(!open);
+    m_ui->sel_baund->setEnabled(!open);
+    for (QWidget* const control : portOpenControls())
+        control->setEnabled(open);
+    if (!open)
+        m_ui->rb_heartbeat->setChecked(false);
+}
+
+void MainWindow::allowExchange(bool allowed) {
+    m_exchangeAllowed = allowed;
+    if (allowed) {
+        applyPortRule();
+    } else {
+        for (QWidget* const control : portOpenControls())
+            control->setEnabled(false);
+    }
+    // The port rule leaves these alone.
+    m_ui->btn_modelupdate->setEnabled(allowed);
+    m_ui->btn_gyro->setEnabled(allowed);
+    for (QAction* const action :
+         {m_ui->actionSnSet, m_ui->actionPwmHeatSet, m_ui->actionInstallLocation, m_ui->actionCaptureDegree,
+          m_ui->actionactionPicRateSet, m_ui->actionReboot, m_ui->actionResetFactory, m_ui->actionPicInfo,
+          m_ui->actionPicInfoV1, m_ui->actionOpenCloseDoor})
+        action->setEnabled(allowed);
+    m_windows.setExchangeAllowed(allowed);
+}
+
+void MainWindow::showPaths() {
+    const auto show = [](QLabel* label, const QString& path) {
+        label->setText(path);
+        label->setToolTip(path);
+        label->setVisible(!path.isEmpty());
+    };
+    show(m_ui->label_apppath, m_appPath);
+    show(m_ui->label_firewarepath, m_firewarePath);
+    show(m_ui->label_modelpath, m_modelPath);
+    m_ui->frame_path->setVisible(!(m_appPath.isEmpty() && m_firewarePath.isEmpty() && m_modelPath.isEmpty()));
+}
+
+void MainWindow::showStatus(const QString& text) {
+    m_ui->statusbar->showMessage(text);
+}
+
+// --- the link ----------------------------------------------------------------------------------------------
+
+void MainWindow::toggleLink() {
+    if (m_camera == nullptr)
+        openLink();
+    else if (confirmInterruption())
+        closeLink();
+}
+
+void MainWindow::openLink() {
+    const QString port = QString::fromStdString(m_portName);
+    qDebug() << port << "  " << m_baudRate;
+    // An exception from opening leaves the handler here, before anything has changed.
+    auto camera = std::make_unique<CameraSp>(m_portName, m_baudRate);
+    camera->setSlaveAddress(static_cast<std::int32_t>(m_slaveAddress));
+    m_camera = std::move(camera);
+    lendClient(m_camera.get());
+    m_ui->btn_open->setText(tr("关闭串口"));
+    applyPortRule();
+    showStatus(port.isEmpty() ? tr("没有可用串口") : tr("已打开 %1").arg(port));
+}
+
+void MainWindow::closeLink() {
+    if (m_camera == nullptr)
+        return;
+    m_ui->tv_appversion->clear();
+    m_ui->btn_open->setText(tr("打开串口"));
+    lendClient(nullptr);
+    m_camera->requestStop();
+    m_camera->waitUntilUnused();
+    m_camera.reset();
+    // Whoever had the client for itself will not come back for this link.
+    if (m_exchangeAllowed)
+        applyPortRule();
+    else
+        allowExchange(true);
+    showStatus(tr("串口已关闭"));
+}
+
+void MainWindow::lendClient(CameraSp* client) {
+    attachClient(client);
+    m_windows.attachClient(client);
+}
+
+bool MainWindow::confirmInterruption() {
+    return true;
+}
+
+void MainWindow::applyCameraProtocol() {
+    if (m_camera != nullptr)
+        m_camera->setSlaveAddress(static_cast<std::int32_t>(m_slaveAddress));
+    const bool quenta = m_cameraType == cameratype::quenta;
+    m_ui->sel_baund->setCurrentText(quenta ? QStringLiteral("230400") : QStringLiteral("460800"));
+    m_ui->label_slaveinfo->setText(tr("当前从机地址:") + QString::number(m_slaveAddress));
+}
+
+// --- windows -----------------------------------------------------------------------------------------------
+
+void MainWindow::openCameraProtocol() {
+    const auto* const window = openWindow<SetCameraProtocol>(&m_slaveAddress, &m_cameraType, this);
+    connect(window, &QObject::destroyed, this, &MainWindow::applyCameraProtocol);
+}
+
+void MainWindow::openAbout() {
+    qDebug() << "about";
+    openWindow<AboutDialog>(this);
+}
+
+void MainWindow::lendTo(ClientBorrower& borrower) {
+    const auto sayMissing = [this] { showStatus(tr("请先打开串口")); };
+    borrower.setMissingClientHandler(sayMissing);
+    // What the window asked for while it was being made has failed already.
+    if (m_camera == nullptr)
+        sayMissing();
+}

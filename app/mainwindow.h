@@ -1,0 +1,136 @@
+// The main window of the tool.
+#pragma once
+
+#include "app/openwindows.h"
+#include "borrow/clientborrower.h"
+#include "link/camerasp.h"
+
+#include <QMainWindow>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+class QAction;
+
+namespace Ui {
+class MainWindow;
+}
+
+/// Owns the link to the camera and lends it to the windows that it opens. Two states: a link is open, or not.
+///
+/// Everything here runs on the user-interface thread and blocks it for the exchanges it makes, but for jobs
+/// given to the pool (runOnPool). Closing the link, by the button, by closing the window or by destroying it,
+/// first takes the client back from every window, then stops what runs, waits for it and deletes the client:
+/// at most about one library time-out long.
+///
+/// Two rules switch the controls. The port rule says what is usable with and without a link and is applied
+/// whenever the link changes. On top of it allowExchange(false) keeps everything away that would start an
+/// exchange while a job or an upload has the client for itself.
+class MainWindow final : public QMainWindow, private ClientBorrower {
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    // --- construction (mainwindow.cpp) ---
+    void fillChoices();
+    void connectLink();
+    void connectStatus();
+    void connectMenus();
+    void connectUnbuilt();
+    void finishStart();
+
+    // --- the controls ---
+    [[nodiscard]] std::vector<QWidget*> portOpenControls() const;
+    /// Switches the controls that depend on whether a link is open.
+    void applyPortRule();
+    /// False while somebody uses the client for longer than one exchange, true when that is over. Closing the
+    /// link ends it as well. Harmless to call twice.
+    void allowExchange(bool allowed);
+    /// Shows the chosen files.
+    void showPaths();
+    void showStatus(const QString& text);
+
+    // --- the link ---
+    void toggleLink();
+    void openLink();
+    void closeLink();
+    /// Lends the client to this and every other window; null takes it back.
+    void lendClient(CameraSp* client);
+    /// Asks before something long is broken off; false keeps the link.
+    bool confirmInterruption();
+    void applyCameraProtocol();
+
+    // --- windows ---
+    /// Opens an own, non-modal window that is deleted when closed and, if it is a ClientBorrower, has the
+    /// client as long as the link is open.
+    template <typename Window, typename... Arguments>
+    Window* openWindow(Arguments&&... arguments);
+    void openCameraProtocol();
+    void openAbout();
+    void lendTo(ClientBorrower& borrower);
+
+    // --- the status controls (mainwindow_status.cpp) ---
+    struct Versions {
+        std::string app;
+        std::string system;
+        std::string qv;
+    };
+    /// What a question box asks, does on Yes, and says afterwards.
+    struct ConfirmedCommand {
+        QString title;
+        QString question;
+        bool (CameraSp::*command)();
+        QString success;
+        QString failure;
+    };
+    void testHeartBeat();
+    void queryVersions();
+    void queryVersionsOnPool();
+    void queryQuentaVersion();
+    void queryModelInfo();
+    void testGyro();
+    void runConfirmed(const ConfirmedCommand& action);
+    void rebootCamera();
+    void resetToFactory();
+    void enterPictureOffset();
+
+    std::unique_ptr<Ui::MainWindow> m_ui;
+    std::unique_ptr<CameraSp> m_camera; ///< present exactly while a link is open
+    std::uint32_t m_baudRate = 460800;
+    std::string m_portName;
+    QString m_appPath;
+    QString m_firewarePath;
+    QString m_modelPath;
+    QString m_modelName;
+    std::uint32_t m_slaveAddress = 1;
+    std::uint32_t m_cameraType = 0; ///< one of cameratype
+
+    OpenWindows m_windows;
+    bool m_exchangeAllowed = true;
+};
+
+template <typename Window, typename... Arguments>
+Window* MainWindow::openWindow(Arguments&&... arguments) {
+    auto* const window = new Window(std::forward<Arguments>(arguments)...);
+    window->setWindowFlag(Qt::Window);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    // A window that stays open does not keep the program running without the main window.
+    window->setAttribute(Qt::WA_QuitOnClose, false);
+    if constexpr (std::is_base_of_v<ClientBorrower, Window>) {
+        m_windows.add(window, window);
+        lendTo(*window);
+    } else {
+        m_windows.add(window, nullptr);
+    }
+    window->show();
+    return window;
+}

@@ -1,0 +1,49 @@
+#include "app/openwindows.h"
+
+#include "borrow/clientborrower.h"
+
+#include <utility>
+
+void OpenWindows::add(QWidget* window, ClientBorrower* borrower) {
+    forgetDestroyed();
+    m_entries.push_back({window, borrower});
+    if (borrower != nullptr)
+        borrower->setExchangeAllowed(m_exchangeAllowed);
+}
+
+void OpenWindows::attachClient(CameraSp* client) {
+    forEachBorrower([client](ClientBorrower& borrower) { borrower.attachClient(client); });
+}
+
+void OpenWindows::setExchangeAllowed(bool allowed) {
+    m_exchangeAllowed = allowed;
+    forEachBorrower([allowed](ClientBorrower& borrower) { borrower.setExchangeAllowed(allowed); });
+}
+
+void OpenWindows::closeAll() {
+    const std::vector<Entry> entries = m_entries;
+    for (const Entry& entry : entries) {
+        if (entry.window != nullptr)
+            entry.window->close();
+    }
+}
+
+void OpenWindows::deleteAll() {
+    // A window that is deleted may take others with it, and tell its owner.
+    const std::vector<Entry> entries = std::exchange(m_entries, {});
+    for (const Entry& entry : entries)
+        delete entry.window.data();
+}
+
+template <typename Action>
+void OpenWindows::forEachBorrower(Action action) {
+    forgetDestroyed();
+    for (const Entry& entry : m_entries) {
+        if (entry.borrower != nullptr)
+            action(*entry.borrower);
+    }
+}
+
+void OpenWindows::forgetDestroyed() {
+    std::erase_if(m_entries, [](const Entry& entry) { return entry.window == nullptr; });
+}
