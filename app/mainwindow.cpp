@@ -2,6 +2,7 @@
 #include "app/mainwindow.h"
 
 #include "app/application.h"
+#include "app/keepawake.h"
 #include "dialogs/aboutdialog.h"
 #include "dialogs/cameratype.h"
 #include "dialogs/doorop.h"
@@ -36,6 +37,7 @@ MainWindow::MainWindow(QWidget* parent)
     connectLink();
     connectStatus();
     connectMenus();
+    connectUpdates();
     connectUnbuilt();
     if (const auto* const application = qobject_cast<Application*>(QCoreApplication::instance()))
         connect(application, &Application::failureReported, this, &MainWindow::showStatus);
@@ -50,6 +52,7 @@ MainWindow::~MainWindow() {
     // First of all, while everything that they point to or tell is still there.
     m_windows.deleteAll();
     closeLink();
+    waitForTasks();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -112,10 +115,7 @@ void MainWindow::connectUnbuilt() {
          {m_ui->actionPicInfo, m_ui->actionPicInfoV1, m_ui->actionSnSet, m_ui->actionPwmHeatSet,
           m_ui->actionInstallLocation, m_ui->actionCaptureDegree, m_ui->actionactionPicRateSet})
         connect(action, &QAction::triggered, this, sayUnbuilt(action));
-    for (QPushButton* const button :
-         {m_ui->btn_takepic, m_ui->btn_apppath, m_ui->btn_appupdate, m_ui->btn_firewarepath,
-          m_ui->btn_firewareupdate, m_ui->btn_modelpath, m_ui->btn_modelupdate})
-        connect(button, &QPushButton::clicked, this, sayUnbuilt(button));
+    connect(m_ui->btn_takepic, &QPushButton::clicked, this, sayUnbuilt(m_ui->btn_takepic));
 }
 
 void MainWindow::finishStart() {
@@ -207,6 +207,8 @@ void MainWindow::closeLink() {
     lendClient(nullptr);
     m_camera->requestStop();
     m_camera->waitUntilUnused();
+    waitForTasks();
+    endInterruptible();
     m_camera.reset();
     // Whoever had the client for itself will not come back for this link.
     if (m_exchangeAllowed)
@@ -219,10 +221,6 @@ void MainWindow::closeLink() {
 void MainWindow::lendClient(CameraSp* client) {
     attachClient(client);
     m_windows.attachClient(client);
-}
-
-bool MainWindow::confirmInterruption() {
-    return true;
 }
 
 void MainWindow::applyCameraProtocol() {

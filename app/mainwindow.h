@@ -13,7 +13,13 @@
 #include <type_traits>
 #include <vector>
 
-class QAction;
+class AppUpdateTask;
+class AppUpdateV1Task;
+class FirewareTask;
+class KeepAwake;
+class ModelUpdateTask;
+class QPushButton;
+class TransferDisplay;
 
 namespace Ui {
 class MainWindow;
@@ -45,6 +51,7 @@ private:
     void connectLink();
     void connectStatus();
     void connectMenus();
+    void connectUpdates();
     void connectUnbuilt();
     void finishStart();
 
@@ -103,6 +110,27 @@ private:
     void resetToFactory();
     void enterPictureOffset();
 
+    // --- uploads (mainwindow_updates.cpp) ---
+    struct ReturnWait;
+    void chooseFile(QString& path, const QString& caption, const QString& filter, const char* logTag);
+    void startAppUpdate();
+    void startFirewareUpdate();
+    void startModelUpdate();
+    /// Starts the task with the exchange controls disabled and shows its result, if the link is still the
+    /// same.
+    template <typename Task>
+    void runTask(Task* task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool));
+    void disablePressed(QPushButton* button, const QString& path);
+    void appupdateEnd(bool result);
+    void appupdateV1End(bool result);
+    void firewareEnd(bool result);
+    void modelUpdateEnd(bool result);
+    void awaitReturn(const ReturnWait& wait);
+    void showUploadResult(QPushButton* button, bool success, const QString& text);
+    void endInterruptible();
+    /// Blocks until no upload thread runs any more; the link has to be stopped before.
+    void waitForTasks();
+
     std::unique_ptr<Ui::MainWindow> m_ui;
     std::unique_ptr<CameraSp> m_camera; ///< present exactly while a link is open
     std::uint32_t m_baudRate = 460800;
@@ -113,6 +141,15 @@ private:
     QString m_modelName;
     std::uint32_t m_slaveAddress = 1;
     std::uint32_t m_cameraType = 0; ///< one of cameratype
+
+    // The last task of each kind; children of the window, never deleted before it.
+    AppUpdateTask* m_appUpdateTask = nullptr;
+    AppUpdateV1Task* m_appUpdateV1Task = nullptr;
+    FirewareTask* m_firewareTask = nullptr;
+    ModelUpdateTask* m_modelUpdateTask = nullptr;
+    TransferDisplay* m_transferDisplay = nullptr;
+    std::unique_ptr<KeepAwake> m_keepAwake; ///< present while an upload or a return wait runs
+    bool m_interruptible = false;           ///< the same: closing asks first
 
     OpenWindows m_windows;
     bool m_exchangeAllowed = true;

@@ -1,0 +1,206 @@
+// Uploads: choosing the files, starting the tasks, their results, and the wait for the camera's return.
+#include "app/keepawake.h"
+#include "app/mainwindow.h"
+#include "app/transferdisplay.h"
+#include "dialogs/cameratype.h"
+#include "ui_mainwindow.h"
+#include "updates/appupdatetask.h"
+#include "updates/appupdatev1task.h"
+#include "updates/firewaretask.h"
+#include "updates/modelupdatetask.h"
+
+#include <QDebug>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+QString boolText(bool value) {
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+/// Whether there is a file that an upload could read.
+bool canUpload(const QString& path) {
+    const QFileInfo file(path);
+    return !path.isEmpty() && file.exists() && file.isFile() && file.isReadable();
+}
+
+} // namespace
+
+/// How long a camera is given to come back after an upload.
+struct MainWindow::ReturnWait {
+    int attempts;
+    std::chrono::milliseconds interval; ///< before each attempt, the first one too
+    const char* logTag;
+    QPushButton* button;
+};
+
+void MainWindow::connectUpdates() {
+    m_transferDisplay = new TransferDisplay(this);
+    m_ui->statusbar->addPermanentWidget(m_transferDisplay);
+    connect(m_ui->btn_apppath, &QPushButton::clicked, this,
+            [this] { chooseFile(m_appPath, tr("打开app固件"), tr("所有文件 (*.*)"), "filepath:"); });
+    connect(m_ui->btn_firewarepath, &QPushButton::clicked, this,
+            [this] { chooseFile(m_firewarePath, tr("打开系统固件"), tr("所有文件 (*.*)"), "filepath:"); });
+    connect(m_ui->btn_modelpath, &QPushButton::clicked, this, [this] {
+        // This filter has no blank before its parenthesis.
+        chooseFile(m_modelPath, tr("打开模型文件"), tr("所有文件(*.*)"), "model path:");
+    });
+    connect(m_ui->et_modelname, &QLineEdit::textChanged, this,
+            [this](const QString& name) { m_modelName = name; });
+    connect(m_ui->btn_appupdate, &QPushButton::clicked, this, &MainWindow::startAppUpdate);
+    connect(m_ui->btn_firewareupdate, &QPushButton::clicked, this, &MainWindow::startFirewareUpdate);
+    connect(m_ui->btn_modelupdate, &QPushButton::clicked, this, &MainWindow::startModelUpdate);
+}
+
+void MainWindow::chooseFile(QString& path, const QString& caption, const QString& filter,
+                            const char* logTag) {
+    const QPointer<MainWindow> self(this);
+    const QString chosen = QFileDialog::getOpenFileName(nullptr, caption, QString(), filter);
+    if (self == nullptr)
+        return;
+    qDebug() << logTag << chosen;
+    if (!chosen.isEmpty())
+        path = chosen;
+    showPaths();
+}
+
+// --- starting ----------------------------------------------------------------------------------------------
+
+void MainWindow::startAppUpdate() {
+    if (canUpload(m_appPath) && m_cameraType == cameratype::shelfDynamic) {
+        const QString fileName = QFileInfo(m_appPath).fileName();
+        qDebug() << "get fileName " << fileName;
+        m_appUpdateV1Task = new AppUpdateV1Task(client(), m_appPath, fileName, this);
+        runTask(m_appUpdateV1Task, &AppUpdateV1Task::appupdateV1End, &MainWindow::appupdateV1End);
+    } else if (canUpload(m_appPath)) {
+        m_appUpdateTask = new AppUpdateTask(client(), m_appPath, this);
+        runTask(m_appUpdateTask, &AppUpdateTask::appupdateEnd, &MainWindow::appupdateEnd);
+    }
+    disablePressed(m_ui->btn_appupdate, m_appPath);
+}
+
+void MainWindow::startFirewareUpdate() {
+    if (canUpload(m_firewarePath)) {
+        m_firewareTask = new FirewareTask(client(), m_firewarePath, this);
+        runTask(m_firewareTask, &FirewareTask::firewareEnd, &MainWindow::firewareEnd);
+    }
+    disablePressed(m_ui->btn_firewareupdate, m_firewarePath);
+}
+
+void MainWindow::startModelUpdate() {
+    if (canUpload(m_modelPath)) {
+        m_modelUpdateTask = new ModelUpdateTask(client(), m_modelPath, m_modelName, this);
+        runTask(m_modelUpdateTask, &ModelUpdateTask::modelUpdateEnd, &MainWindow::modelUpdateEnd);
+    }
+    disablePressed(m_ui->btn_modelupdate, m_modelPath);
+}
+
+template <typename Task>
+void MainWindow::runTask(Task* task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool)) {
+    // A result that comes after the link was closed or opened anew is not shown.
+    connect(task, ended, this, [this, showResult, generation = linkGeneration()](bool result) {
+        if (generation == linkGeneration())
+            (this->*showResult)(result);
+    });
+    if (m_camera != nullptr) {
+        m_interruptible = true;
+        m_keepAwake = std::make_unique<KeepAwake>();
+        m_transferDisplay->followTransfer(m_camera->progress());
+    } else {
+        showStatus(tr("请先打开串口"));
+    }
+    allowExchange(false);
+    task->start();
+}
+
+/// The pressed button stays disabled even when nothing was started; it comes back with all the others.
+void MainWindow::disablePressed(QPushButton* button, const QString& path) {
+    button->setEnabled(false);
+    if (!canUpload(path))
+        showStatus(tr("没有可升级的文件，请先选择文件"));
+}
+
+// --- results -----------------------------------------------------------------------------------------------
+
+void MainWindow::appupdateEnd(bool result) {
+    qDebug() << "app main-ui result:" << result;
+    if (result)
+        awaitReturn({8, 2000ms, "app-update heartbeatResult:", m_ui->btn_appupdate});
+    else
+        showUploadResult(m_ui->btn_appupdate, false, tr("升级已完成，结果:失败！"));
+}
+
+void MainWindow::firewareEnd(bool result) {
+    qDebug() << "fireware main-ui result:" << result;
+    if (result)
+        awaitReturn({40, 3000ms, "system-ota-update heartbeatResult:", m_ui->btn_firewareupdate});
+    else
+        showUploadResult(m_ui->btn_firewareupdate, false, tr("升级已完成，结果:失败！") + boolText(false));
+}
+
+void MainWindow::modelUpdateEnd(bool result) {
+    qDebug() << "model main-ui result:" << result;
+    showUploadResult(m_ui->btn_modelupdate, result, tr("升级已完成，结果:") + boolText(result));
+}
+
+void MainWindow::appupdateV1End(bool result) {
+    qDebug() << "appv1 update main-ui result:" << result;
+    showUploadResult(m_ui->btn_appupdate, result, tr("升级已完成，结果:") + boolText(result));
+}
+
+void MainWindow::awaitReturn(const ReturnWait& wait) {
+    auto progress = std::make_shared<ReturnWaitProgress>();
+    progress->attempts = wait.attempts;
+    m_transferDisplay->followReturnWait(progress);
+    const auto probe = [wait, progress](CameraSp* camera) {
+        bool alive = false;
+        for (int attempt = 1; camera != nullptr && !alive && attempt <= wait.attempts; ++attempt) {
+            progress->attempt = attempt;
+            if (!camera->pause(wait.interval))
+                break;
+            alive = camera->testHeartBeat();
+        }
+        qDebug() << wait.logTag << alive;
+        return alive;
+    };
+    runOnPool(this, probe, [this, button = wait.button](bool alive) {
+        showUploadResult(button, alive, tr("升级已完成，结果:") + boolText(alive));
+    });
+}
+
+void MainWindow::showUploadResult(QPushButton* button, bool success, const QString& text) {
+    endInterruptible();
+    button->setEnabled(true);
+    allowExchange(true);
+    showStatus(success ? tr("升级完成") : tr("升级没有成功，请检查连接后重新升级"));
+    QMessageBox::information(nullptr, QString(), text, QMessageBox::Ok);
+}
+
+// --- breaking off ------------------------------------------------------------------------------------------
+
+bool MainWindow::confirmInterruption() {
+    if (!m_interruptible)
+        return true;
+    const QPointer<MainWindow> self(this);
+    const auto answer = QMessageBox::question(
+        this, tr("升级尚未结束"), tr("现在关闭会中断升级，摄像头可能要重新升级后才能使用。确定要关闭吗？"),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    return self != nullptr && answer == QMessageBox::Yes;
+}
+
+void MainWindow::endInterruptible() {
+    m_interruptible = false;
+    m_keepAwake.reset();
+    m_transferDisplay->finish();
+}
+
+void MainWindow::waitForTasks() {
+    for (UploadTask* const task : findChildren<UploadTask*>(Qt::FindDirectChildrenOnly))
+        task->wait();
+}

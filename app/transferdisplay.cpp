@@ -1,0 +1,138 @@
+#include "app/transferdisplay.h"
+
+#include <QCoreApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+using namespace std::chrono_literals;
+using Phase = TransferProgress::Phase;
+
+namespace {
+
+constexpr auto pollInterval = 200ms;
+constexpr double bytesPerKilobyte = 1000.0;
+constexpr double secondsBeforeEstimate = 1.0; // the first chunks fill buffers and say nothing of the line
+
+QString translated(const char* text) {
+    return QCoreApplication::translate("TransferDisplay", text);
+}
+
+QString timeText(double seconds) {
+    const auto whole = static_cast<int>(seconds + 0.5);
+    return QStringLiteral("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QLatin1Char('0'));
+}
+
+QString sendingText(const TransferSnapshot& snapshot) {
+    QString text = translated("已发送 %1 / %2 字节").arg(snapshot.done).arg(snapshot.total);
+    const std::uint64_t sent = snapshot.done - std::min(snapshot.done, snapshot.startOffset);
+    if (snapshot.seconds >= secondsBeforeEstimate && sent > 0) {
+        const double rate = static_cast<double>(sent) / snapshot.seconds;
+        const auto left = static_cast<double>(snapshot.total - std::min(snapshot.total, snapshot.done));
+        text += translated("，%1 KB/s，剩余 %2")
+                    .arg(rate / bytesPerKilobyte, 0, 'f', 1)
+                    .arg(timeText(left / rate));
+    }
+    if (snapshot.startOffset > 0)
+        text += translated("（从第 %1 字节继续）").arg(snapshot.startOffset);
+    return text;
+}
+
+} // namespace
+
+int transferPercent(const TransferSnapshot& snapshot) {
+    if (snapshot.total <= snapshot.startOffset)
+        return 100;
+    const std::uint64_t wanted = snapshot.total - snapshot.startOffset;
+    const std::uint64_t sent =
+        std::clamp(snapshot.done, snapshot.startOffset, snapshot.total) - snapshot.startOffset;
+    return static_cast<int>(sent * 100 / wanted);
+}
+
+QString transferText(const TransferSnapshot& snapshot) {
+    switch (snapshot.phase) {
+    case Phase::announcing:
+        return translated("正在通知摄像头准备升级…");
+    case Phase::sending:
+        return sendingText(snapshot);
+    case Phase::awaitingVerdict:
+        return translated("文件已发送，等待摄像头确认…");
+    case Phase::downloading:
+        return translated("已接收 %1 / %2 字节").arg(snapshot.done).arg(snapshot.total);
+    case Phase::idle:
+        break;
+    }
+    return translated("请稍候…");
+}
+
+TransferDisplay::TransferDisplay(QWidget* parent)
+    : QWidget(parent), m_label(new QLabel(this)), m_bar(new QProgressBar(this)) {
+    setObjectName(QStringLiteral("transferDisplay"));
+    m_label->setObjectName(QStringLiteral("label_transfer"));
+    m_bar->setObjectName(QStringLiteral("bar_transfer"));
+    m_bar->setAccessibleName(tr("升级进度"));
+    constexpr int barWidth = 180;
+    m_bar->setFixedWidth(barWidth);
+    auto* const layout = new QHBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->addWidget(m_label);
+    layout->addWidget(m_bar);
+    m_poll.setInterval(pollInterval);
+    connect(&m_poll, &QTimer::timeout, this, &TransferDisplay::refresh);
+    hide();
+}
+
+void TransferDisplay::followTransfer(const TransferProgress& progress) {
+    finish();
+    m_transfer = &progress;
+    refresh();
+    m_poll.start();
+    show();
+}
+
+void TransferDisplay::followReturnWait(std::shared_ptr<const ReturnWaitProgress> progress) {
+    finish();
+    m_returnWait = std::move(progress);
+    refresh();
+    m_poll.start();
+    show();
+}
+
+void TransferDisplay::finish() {
+    m_poll.stop();
+    m_sending.invalidate();
+    m_transfer = nullptr;
+    m_returnWait.reset();
+    hide();
+}
+
+void TransferDisplay::refresh() {
+    if (m_returnWait == nullptr) {
+        refreshTransfer();
+        return;
+    }
+    m_bar->setRange(0, 0);
+    m_label->setText(tr("等待摄像头重启…（第 %1 次，共 %2 次）")
+                         .arg(std::max(1, m_returnWait->attempt.load()))
+                         .arg(m_returnWait->attempts));
+}
+
+void TransferDisplay::refreshTransfer() {
+    TransferSnapshot snapshot;
+    snapshot.phase = m_transfer->phase;
+    snapshot.startOffset = m_transfer->startOffset;
+    snapshot.done = m_transfer->done;
+    snapshot.total = m_transfer->total;
+    const bool sending = snapshot.phase == Phase::sending;
+    if (sending && !m_sending.isValid())
+        m_sending.start();
+    snapshot.seconds = m_sending.isValid() ? static_cast<double>(m_sending.elapsed()) / 1000.0 : 0.0;
+    m_bar->setRange(0, sending ? 100 : 0); // an empty range is the busy indicator
+    if (sending)
+        m_bar->setValue(transferPercent(snapshot));
+    m_label->setText(transferText(snapshot));
+}

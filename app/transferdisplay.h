@@ -1,0 +1,58 @@
+// Progress of the running transfer, in the status bar.
+#pragma once
+
+#include "link/transferprogress.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <QWidget>
+
+#include <memory>
+
+class QLabel;
+class QProgressBar;
+
+/// The numbers of one moment.
+struct TransferSnapshot {
+    TransferProgress::Phase phase = TransferProgress::Phase::idle;
+    std::uint64_t startOffset = 0; ///< bytes
+    std::uint64_t done = 0;        ///< bytes, startOffset included
+    std::uint64_t total = 0;       ///< bytes
+    double seconds = 0;            ///< since sending began
+};
+
+/// Percent of what there was to send when sending began, 0 to 100.
+[[nodiscard]] int transferPercent(const TransferSnapshot& snapshot);
+/// One line in Chinese: phase, bytes done of bytes, rate, time left, and where a resumed upload went on.
+[[nodiscard]] QString transferText(const TransferSnapshot& snapshot);
+
+/// Attempts of a return wait, written by the job that makes them.
+struct ReturnWaitProgress {
+    std::atomic<int> attempt{0};
+    int attempts = 0;
+};
+
+/// A bar and a line of text, hidden while nothing runs. Polls what the link publishes; user-interface thread.
+class TransferDisplay final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit TransferDisplay(QWidget* parent = nullptr);
+
+    /// Shows a transfer until finish() is called. The progress must outlive that call.
+    void followTransfer(const TransferProgress& progress);
+    /// Shows the wait for the camera's return instead.
+    void followReturnWait(std::shared_ptr<const ReturnWaitProgress> progress);
+    void finish();
+
+private:
+    void refresh();
+    void refreshTransfer();
+
+    QLabel* m_label;
+    QProgressBar* m_bar;
+    QTimer m_poll;
+    QElapsedTimer m_sending;
+    const TransferProgress* m_transfer = nullptr;
+    std::shared_ptr<const ReturnWaitProgress> m_returnWait;
+};
