@@ -1,0 +1,54 @@
+#include "dialogs/settingborrower.h"
+
+#include "link/protocol/commands.h"
+
+#include <QDebug>
+#include <QLabel>
+
+#include <mutex>
+
+namespace {
+
+constexpr std::uint8_t readCommand = protocol::code(protocol::Command::getProperty);
+constexpr std::uint8_t writeCommand = protocol::code(protocol::Command::setProperty);
+
+constexpr std::uint8_t code(SettingId id) {
+    return static_cast<std::uint8_t>(id);
+}
+
+} // namespace
+
+bool SettingBorrower::writeSetting(SettingId id, Value value) const {
+    return ask(&CameraSp::setCommonProperty, code(id), std::move(value), writeCommand);
+}
+
+void SettingBorrower::showByteSetting(SettingId id, QLabel* label, const QString& prefix,
+                                      const QString& failure) const {
+    label->clear();
+    const Value value = ask(&CameraSp::getCommonProperty, code(id), readCommand);
+    if (value.empty()) {
+        label->setText(failure);
+        return;
+    }
+    label->setText(prefix + QString::number(value.front()));
+    qDebug() << "resultVector:" << value;
+}
+
+std::vector<SettingBorrower::Value> SettingBorrower::readSettings(CameraSp* camera,
+                                                                  const std::vector<SettingId>& ids,
+                                                                  std::chrono::milliseconds pauseAfterEach) {
+    std::vector<Value> values(ids.size());
+    if (camera == nullptr)
+        return values;
+    // Several windows may fetch at once. Their reads must not mix: two exchanges would take each other's
+    // answers, and the orientation's quantities come in turn. A stopped link ends the reads and the pauses,
+    // so that nobody waits here for long.
+    static std::mutex oneFetchAtATime;
+    const std::lock_guard lock(oneFetchAtATime);
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        values[i] = camera->getCommonProperty(code(ids[i]), readCommand);
+        if (pauseAfterEach.count() > 0)
+            camera->pause(pauseAfterEach);
+    }
+    return values;
+}

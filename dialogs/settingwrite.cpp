@@ -1,0 +1,73 @@
+#include "dialogs/settingwrite.h"
+
+#include "link/diagnostics.h"
+
+#include <QAbstractButton>
+#include <QLabel>
+#include <QTimer>
+
+#include <chrono>
+#include <utility>
+
+SettingWrite::SettingWrite(QWidget* window, Plan plan)
+    : QObject(window), m_window(window), m_plan(std::move(plan)), m_timer(new QTimer(window)),
+      m_counter(m_plan.seconds) {
+    m_timer->setInterval(std::chrono::seconds(1));
+    connect(m_timer, &QTimer::timeout, this, &SettingWrite::tick);
+}
+
+void SettingWrite::run() {
+    holdControls();
+    m_plan.hint->setText(tr("开始设置，请稍后..."));
+    const QString value = m_plan.value();
+    if (value.isEmpty()) {
+        m_plan.hint->setText(m_plan.emptyValue);
+        releaseControls();
+        return;
+    }
+    m_plan.hint->repaint(); // the exchange blocks this thread
+    const bool accepted = m_plan.write(value);
+    m_plan.hint->setText(m_plan.started + value);
+    diagnostics::line(m_plan.resultTag, accepted ? 1 : 0);
+    if (accepted) {
+        m_timer->start();
+        return;
+    }
+    m_plan.hint->setText(m_plan.failed);
+    releaseControls();
+}
+
+void SettingWrite::tick() {
+    if (!m_window->isVisible()) {
+        // A hidden window's countdown ends for good: its controls stay held until it is opened anew.
+        m_timer->stop();
+        return;
+    }
+    if (m_counter != 0) {
+        m_plan.hint->setText(m_plan.countdown.arg(m_counter).arg(tr("秒")));
+        --m_counter;
+        return;
+    }
+    if (!m_window->isEnabled())
+        return; // somebody else uses the client: the read-back waits for a later tick
+    m_plan.hint->setText(tr("设置成功!"));
+    releaseControls();
+    m_timer->stop();
+    m_counter = m_plan.seconds;
+    m_plan.readBack->click();
+}
+
+void SettingWrite::holdControls() {
+    m_focusBefore = m_window->focusWidget();
+    for (QWidget* control : m_plan.controls)
+        control->setEnabled(false);
+    m_focusMeanwhile = m_window->focusWidget();
+}
+
+void SettingWrite::releaseControls() {
+    for (QWidget* control : m_plan.controls)
+        control->setEnabled(true);
+    // The focus returns to where the user had it, unless the user has moved it since.
+    if (m_focusBefore != nullptr && m_window->focusWidget() == m_focusMeanwhile)
+        m_focusBefore->setFocus(Qt::OtherFocusReason);
+}
