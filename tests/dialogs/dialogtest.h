@@ -1,0 +1,114 @@
+// What the tests of the settings windows share: a main window, an open link, and ways to press and look.
+#pragma once
+
+#include "borrow/clientborrower.h"
+#include "link/camerasp.h"
+#include "tests/dialogs/outputlog.h"
+#include "tests/dialogs/propertycamera.h"
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QPointer>
+#include <QTest>
+#include <QThreadPool>
+#include <QTimer>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// A child by its object name. A missing one ends the test program: nothing after it would mean anything.
+template <typename Widget>
+Widget* part(const QWidget* window, const QString& name) {
+    auto* const found = window->findChild<Widget*>(name);
+    if (found == nullptr)
+        qFatal("no %s in the window", qPrintable(name));
+    return found;
+}
+
+inline std::string textOf(const QWidget* window, const QString& label) {
+    return part<QLabel>(window, label)->text().toStdString();
+}
+
+inline void press(const QWidget* window, const QString& button) {
+    part<QAbstractButton>(window, button)->click();
+}
+
+/// The window's own timer: each of them has exactly one.
+inline QTimer* timerOf(const QWidget* window) {
+    const auto timers = window->findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
+    return timers.size() == 1 ? timers.front() : nullptr;
+}
+
+/// One second of a countdown passes.
+inline void tick(const QWidget* window) {
+    ASSERT_NE(timerOf(window), nullptr);
+    ASSERT_TRUE(QMetaObject::invokeMethod(timerOf(window), "timeout"));
+}
+
+/// Opens and closes a link as the main window does, and the windows that borrow it.
+class DialogTest : public testing::Test {
+protected:
+    DialogTest() : m_client(std::make_unique<CameraSp>("COM7", 460800U)) {}
+    ~DialogTest() override {
+        closeLink();
+        m_main.reset();
+        settle();
+        CameraSp::replaceSleep({});
+    }
+
+    template <typename Window>
+    Window* open() {
+        auto* const window = new Window(m_main.get(), m_client.get());
+        window->setWindowFlag(Qt::Window);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->show();
+        m_borrowers.push_back({window, window});
+        return window;
+    }
+
+    /// Detach, stop, wait, delete.
+    void closeLink() {
+        for (auto& [window, borrower] : m_borrowers) {
+            if (window != nullptr)
+                borrower->attachClient(nullptr);
+        }
+        if (m_client == nullptr)
+            return;
+        m_client->requestStop();
+        m_client->waitUntilUnused();
+        m_client.reset();
+    }
+
+    /// Everything on the pool is done and its results have been shown or dropped.
+    static void settle() {
+        QThreadPool::globalInstance()->waitForDone();
+        QTest::qWait(20);
+    }
+
+    /// Requests since the last forgetting, as hexadecimal text.
+    [[nodiscard]] std::vector<std::string> requests() const {
+        std::vector<std::string> result;
+        for (const auto& bytes : fake_serial::writes())
+            result.push_back(fake_serial::hex(bytes));
+        result.erase(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(m_forgotten));
+        return result;
+    }
+    void forgetRequests() { m_forgotten = fake_serial::writes().size(); }
+
+    struct Borrower {
+        QPointer<QWidget> window;
+        ClientBorrower* borrower;
+    };
+
+    PropertyCamera m_camera;
+    std::unique_ptr<CameraSp> m_client;
+    std::unique_ptr<QWidget> m_main = std::make_unique<QWidget>();
+    std::vector<Borrower> m_borrowers;
+    std::size_t m_forgotten = 0;
+    DebugLog m_debug;
+};

@@ -1,0 +1,131 @@
+// The window that shows how the camera is mounted.
+#include "dialogs/setcameralocation.h"
+#include "tests/dialogs/dialogtest.h"
+#include "tests/dialogs/heldpause.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const std::string readOrientation = "AA 5A 01 02 01 00 00 00 10 8F 26";
+
+std::vector<std::string> labels(const QWidget* window) {
+    return {textOf(window, "label_1"), textOf(window, "label_2"), textOf(window, "label_3"),
+            textOf(window, "label_4")};
+}
+
+const std::vector<std::string> firstTexts{"当前俯仰角", "当前横滚角", "当前偏航角", "当前加速度"};
+
+} // namespace
+
+class SetCameraLocationTest : public DialogTest {
+protected:
+    HeldPause m_pauses{false};
+};
+
+TEST_F(SetCameraLocationTest, AsksForTheSamePropertyFourTimesAndShowsTheAnswersInTurn) {
+    m_camera.hold(16, {{45, 0, 0, 0}, {0, 1, 0, 0}, {0xFF, 0xFF, 0xFF, 0xFF}, {1, 0, 0, 0x80, 9, 9}});
+    const QWidget* const window = open<SetCameraLocation>();
+    settle();
+    EXPECT_EQ(requests(), std::vector<std::string>(4, readOrientation));
+    EXPECT_EQ(m_pauses.durations(), std::vector<std::chrono::nanoseconds>(4, 100ms));
+    EXPECT_EQ(m_debug.all(),
+              QStringList({"std::vector(45, 0, 0, 0)", "std::vector(0, 1, 0, 0)",
+                           "std::vector(255, 255, 255, 255)", "std::vector(1, 0, 0, 128, 9, 9)"}));
+    EXPECT_EQ(labels(window), (std::vector<std::string>{"当前仰俯角:45", "当前横滚角:256",
+                                                        "当前偏航角:4294967295", "当前加速度:2147483649"}));
+}
+
+TEST_F(SetCameraLocationTest, TakesTheUpperBytesFFFF7FAsNoLocationWhateverTheLowestHolds) {
+    m_camera.hold(
+        16, {{0, 0xFF, 0xFF, 0x7F}, {0xFF, 0xFF, 0xFF, 0x7F}, {0, 0xFF, 0xFF, 0x7E}, {0, 0xFE, 0xFF, 0x7F}});
+    const QWidget* const window = open<SetCameraLocation>();
+    settle();
+    EXPECT_EQ(labels(window),
+              (std::vector<std::string>{"当前仰俯角:不支持,获取失败", "当前横滚角:不支持,获取失败",
+                                        "当前偏航角:2130706176", "当前加速度:2147483136"}));
+    EXPECT_EQ(m_debug.count("got no location"), 2);
+}
+
+TEST_F(SetCameraLocationTest, TellsOfShortMissingAndRefusedAnswersWithoutCallingThemNoLocation) {
+    m_camera.hold(16, {{0xFF, 0xFF, 0x7F}, {}, {1}, {0xFF, 0xFF, 0xFF}});
+    const std::vector<std::string> failed{"当前仰俯角:不支持,获取失败", "当前横滚角:不支持,获取失败",
+                                          "当前偏航角:不支持,获取失败", "当前加速度:不支持,获取失败"};
+    const QWidget* window = open<SetCameraLocation>();
+    settle();
+    EXPECT_EQ(labels(window), failed);
+    m_camera.answerReadsWith(16, {16, 1, 45, 0, 0, 0});
+    window = open<SetCameraLocation>();
+    settle();
+    EXPECT_EQ(labels(window), failed);
+    m_camera.fallSilent();
+    window = open<SetCameraLocation>();
+    settle();
+    EXPECT_EQ(labels(window), failed);
+    EXPECT_EQ(m_debug.count("got no location"), 0);
+}
+
+TEST_F(SetCameraLocationTest, DoesNothingWithoutALink) {
+    closeLink();
+    const QWidget* const window = open<SetCameraLocation>();
+    settle();
+    EXPECT_EQ(labels(window), firstTexts);
+    EXPECT_TRUE(m_debug.all().isEmpty());
+    EXPECT_TRUE(requests().empty());
+}
+
+TEST_F(SetCameraLocationTest, NeverRunsItsTimerAndConnectsNoButton) {
+    const QWidget* const window = open<SetCameraLocation>();
+    settle();
+    forgetRequests();
+    for (const char* button : {"btn_1", "btn_2", "btn_3", "btn_4", "btn_setsn"})
+        press(window, button);
+    settle();
+    EXPECT_TRUE(requests().empty());
+    ASSERT_NE(timerOf(window), nullptr);
+    EXPECT_FALSE(timerOf(window)->isActive());
+    EXPECT_EQ(timerOf(window)->interval(), 1000);
+}
+
+TEST_F(SetCameraLocationTest, TenAtOnceDoNotTakeEachOthersQuantities) {
+    m_camera.hold(16, {{1, 0, 0, 0}, {2, 0, 0, 0}, {3, 0, 0, 0}, {4, 0, 0, 0}});
+    std::vector<const QWidget*> windows;
+    for (int i = 0; i < 10; ++i)
+        windows.push_back(open<SetCameraLocation>());
+    settle();
+    for (const QWidget* window : windows) {
+        EXPECT_EQ(labels(window),
+                  (std::vector<std::string>{"当前仰俯角:1", "当前横滚角:2", "当前偏航角:3", "当前加速度:4"}));
+    }
+}
+
+class SetCameraLocationInMidFetch : public SetCameraLocationTest {
+protected:
+    SetCameraLocationInMidFetch() { m_camera.hold(16, {{45, 0, 0, 0}}); }
+
+    HeldPause m_held;
+};
+
+TEST_F(SetCameraLocationInMidFetch, MayBeClosedAndTheResultIsDropped) {
+    const QPointer<QWidget> window = open<SetCameraLocation>();
+    ASSERT_TRUE(m_held.waitForFirst());
+    window->close();
+    QTest::qWait(20);
+    EXPECT_TRUE(window.isNull());
+    EXPECT_EQ(m_debug.count("cameraLocationUi destroyed"), 1);
+    m_held.release();
+    settle();
+    EXPECT_EQ(requests().size(), 4U);
+}
+
+TEST_F(SetCameraLocationInMidFetch, DropsTheResultOfALinkThatWasClosedMeanwhile) {
+    const QWidget* const window = open<SetCameraLocation>();
+    ASSERT_TRUE(m_held.waitForFirst());
+    m_borrowers.front().borrower->attachClient(nullptr);
+    m_client->requestStop();
+    m_held.release();
+    closeLink();
+    settle();
+    EXPECT_EQ(requests().size(), 1U);
+    EXPECT_EQ(labels(window), firstTexts);
+}
