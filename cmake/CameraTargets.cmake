@@ -1,7 +1,7 @@
 # Settings that every target of the project shares, and the two functions that make targets.
 
 add_library(camera_options INTERFACE)
-target_include_directories(camera_options INTERFACE "${CMAKE_SOURCE_DIR}")
+target_include_directories(camera_options INTERFACE "${PROJECT_SOURCE_DIR}")
 if(MSVC)
   target_compile_options(camera_options INTERFACE /W4 /utf-8 $<$<BOOL:${CAMERA_WARNINGS_AS_ERRORS}>:/WX>)
 else()
@@ -24,7 +24,7 @@ function(camera_library name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})
   target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE camera_options)
-  target_include_directories(${name} PUBLIC "${CMAKE_SOURCE_DIR}")
+  target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
 endfunction()
 
 # camera_program(name SOURCES... [LINK targets...])

@@ -10,14 +10,14 @@ set(camera_test_environment "")
 if(CAMERA_SANITIZE MATCHES "address")
   list(APPEND camera_test_environment
     "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1"
-    "LSAN_OPTIONS=print_suppressions=0:suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp")
+    "LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp")
 endif()
 if(CAMERA_SANITIZE MATCHES "undefined")
   list(APPEND camera_test_environment "UBSAN_OPTIONS=print_stacktrace=1")
 endif()
 if(CAMERA_SANITIZE MATCHES "thread")
   list(APPEND camera_test_environment
-    "TSAN_OPTIONS=second_deadlock_stack=1:suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp")
+    "TSAN_OPTIONS=second_deadlock_stack=1:suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endif()
 
 # camera_test(name SOURCES... [LINK targets...] [GUI] [OWN_MAIN] [LABELS labels...] [TIMEOUT seconds])
