@@ -6,7 +6,12 @@
 #include "dialogs/aboutdialog.h"
 #include "dialogs/cameratype.h"
 #include "dialogs/doorop.h"
+#include "dialogs/setcameralocation.h"
 #include "dialogs/setcameraprotocol.h"
+#include "dialogs/setcapturedegree.h"
+#include "dialogs/setpicrate.h"
+#include "dialogs/setpwmheat.h"
+#include "dialogs/setsn.h"
 #include "ui_mainwindow.h"
 
 #include <QCloseEvent>
@@ -101,8 +106,12 @@ void MainWindow::connectMenus() {
     connect(m_ui->actionOriginCmdExtraAdd, &QAction::triggered, this, &MainWindow::enterPictureOffset);
     connect(m_ui->actionReboot, &QAction::triggered, this, &MainWindow::rebootCamera);
     connect(m_ui->actionResetFactory, &QAction::triggered, this, &MainWindow::resetToFactory);
-    connect(m_ui->actionOpenCloseDoor, &QAction::triggered, this,
-            [this] { openWindow<DoorOp>(this, client()); });
+    connectWindow<SetSN>(m_ui->actionSnSet);
+    connectWindow<SetPwmHeat>(m_ui->actionPwmHeatSet);
+    connectWindow<SetCameraLocation>(m_ui->actionInstallLocation);
+    connectWindow<SetCaptureDegree>(m_ui->actionCaptureDegree);
+    connectWindow<SetPicRate>(m_ui->actionactionPicRateSet);
+    connectWindow<DoorOp>(m_ui->actionOpenCloseDoor);
     connect(m_ui->actionAbout, &QAction::triggered, this, &MainWindow::openAbout);
 }
 
@@ -111,9 +120,7 @@ void MainWindow::connectUnbuilt() {
     const auto sayUnbuilt = [this](auto* control) {
         return [this, control] { showStatus(tr("“%1”功能尚未提供").arg(control->text())); };
     };
-    for (QAction* const action :
-         {m_ui->actionPicInfo, m_ui->actionPicInfoV1, m_ui->actionSnSet, m_ui->actionPwmHeatSet,
-          m_ui->actionInstallLocation, m_ui->actionCaptureDegree, m_ui->actionactionPicRateSet})
+    for (QAction* const action : {m_ui->actionPicInfo, m_ui->actionPicInfoV1})
         connect(action, &QAction::triggered, this, sayUnbuilt(action));
     connect(m_ui->btn_takepic, &QPushButton::clicked, this, sayUnbuilt(m_ui->btn_takepic));
 }

@@ -81,6 +81,9 @@ private:
     /// client as long as the link is open.
     template <typename Window, typename... Arguments>
     Window* openWindow(Arguments&&... arguments);
+    /// The menu entry opens a window that borrows the client.
+    template <typename Window>
+    void connectWindow(QAction* entry);
     void openCameraProtocol();
     void openAbout();
     void lendTo(ClientBorrower& borrower);
@@ -170,4 +173,9 @@ Window* MainWindow::openWindow(Arguments&&... arguments) {
     }
     window->show();
     return window;
+}
+
+template <typename Window>
+void MainWindow::connectWindow(QAction* entry) {
+    connect(entry, &QAction::triggered, this, [this] { openWindow<Window>(this, client()); });
 }

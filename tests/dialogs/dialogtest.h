@@ -3,7 +3,7 @@
 
 #include "borrow/clientborrower.h"
 #include "link/camerasp.h"
-#include "tests/dialogs/outputlog.h"
+#include "tests/dialogs/debuglog.h"
 #include "tests/dialogs/propertycamera.h"
 
 #include <QAbstractButton>
@@ -37,6 +37,8 @@ inline std::string textOf(const QWidget* window, const QString& label) {
 inline void press(const QWidget* window, const QString& button) {
     part<QAbstractButton>(window, button)->click();
 }
+
+using Lines = std::vector<std::string>;
 
 /// The window's own timer: each of them has exactly one.
 inline QTimer* timerOf(const QWidget* window) {

@@ -29,9 +29,8 @@ TEST_F(SetCameraLocationTest, AsksForTheSamePropertyFourTimesAndShowsTheAnswersI
     settle();
     EXPECT_EQ(requests(), std::vector<std::string>(4, readOrientation));
     EXPECT_EQ(m_pauses.durations(), std::vector<std::chrono::nanoseconds>(4, 100ms));
-    EXPECT_EQ(m_debug.all(),
-              QStringList({"std::vector(45, 0, 0, 0)", "std::vector(0, 1, 0, 0)",
-                           "std::vector(255, 255, 255, 255)", "std::vector(1, 0, 0, 128, 9, 9)"}));
+    EXPECT_EQ(m_debug.all(), (Lines{"std::vector(45, 0, 0, 0)", "std::vector(0, 1, 0, 0)",
+                                    "std::vector(255, 255, 255, 255)", "std::vector(1, 0, 0, 128, 9, 9)"}));
     EXPECT_EQ(labels(window), (std::vector<std::string>{"当前仰俯角:45", "当前横滚角:256",
                                                         "当前偏航角:4294967295", "当前加速度:2147483649"}));
 }
@@ -70,7 +69,7 @@ TEST_F(SetCameraLocationTest, DoesNothingWithoutALink) {
     const QWidget* const window = open<SetCameraLocation>();
     settle();
     EXPECT_EQ(labels(window), firstTexts);
-    EXPECT_TRUE(m_debug.all().isEmpty());
+    EXPECT_TRUE(m_debug.all().empty());
     EXPECT_TRUE(requests().empty());
 }
 

@@ -141,9 +141,8 @@ TEST_F(SetPwmHeatTest, ShowsTheFirstByteOfTheAnswerAndLogsAll) {
         press(window, "btn_getheat");
         EXPECT_EQ(textOf(window, "label_setheat"), shown);
     }
-    EXPECT_EQ(m_debug.all(),
-              QStringList({"resultVector: std::vector(30)", "resultVector: std::vector(30, 1, 2)",
-                           "resultVector: std::vector(255)"}));
+    EXPECT_EQ(m_debug.all(), (Lines{"resultVector: std::vector(30)", "resultVector: std::vector(30, 1, 2)",
+                                    "resultVector: std::vector(255)"}));
 }
 
 TEST_F(SetPwmHeatTest, TellsOfAFailedReadAndLogsNothing) {
@@ -155,7 +154,7 @@ TEST_F(SetPwmHeatTest, TellsOfAFailedReadAndLogsNothing) {
         press(window, "btn_getheat");
         EXPECT_EQ(textOf(window, "label_setheat"), "获取占空比失败");
     }
-    EXPECT_TRUE(m_debug.all().isEmpty());
+    EXPECT_TRUE(m_debug.all().empty());
 }
 
 TEST_F(SetPicRateTest, ShowsTheFirstByteOfTheAnswerAndLogsAll) {
@@ -163,11 +162,11 @@ TEST_F(SetPicRateTest, ShowsTheFirstByteOfTheAnswerAndLogsAll) {
     m_camera.hold(6, {{85, 7}});
     press(window, "btn_getsn");
     EXPECT_EQ(textOf(window, "label_setsn"), "当前图片压缩率:  85");
-    EXPECT_EQ(m_debug.all(), QStringList("resultVector: std::vector(85, 7)"));
+    EXPECT_EQ(m_debug.all(), Lines{"resultVector: std::vector(85, 7)"});
     m_camera.answerReadsWith(6, {6, 2});
     press(window, "btn_getsn");
     EXPECT_EQ(textOf(window, "label_setsn"), "获取图片压缩率失败");
-    EXPECT_EQ(m_debug.all().size(), 1);
+    EXPECT_EQ(m_debug.all().size(), 1U);
 }
 
 // --- compression rate ----------------------------------------------------------------------------------
@@ -226,5 +225,5 @@ TEST_F(SetSNTest, EachWindowSaysThatItIsGone) {
     delete open<SetSN>();
     delete open<SetPwmHeat>();
     delete open<SetPicRate>();
-    EXPECT_EQ(m_debug.all(), QStringList({"snUi destroyed", "pwmHeatUi destroyed", "picrate destroyed"}));
+    EXPECT_EQ(m_debug.all(), (Lines{"snUi destroyed", "pwmHeatUi destroyed", "picrate destroyed"}));
 }

@@ -3,6 +3,7 @@
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
 #include "tests/dialogs/dialogtest.h"
+#include "tests/support/stdoutcapture.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>
@@ -126,12 +127,12 @@ INSTANTIATE_TEST_SUITE_P(Windows, SettingWriteTest,
                          [](const auto& tested) { return std::string(tested.param->name); });
 
 TEST_P(SettingWriteTest, HoldsTheControlsAfterAnAcceptedWriteCountsDownAndReadsBack) {
-    const OutputLog output;
+    const StdoutCapture output;
     QWidget* const window = openWindow();
     press(window, kind().setButton);
     EXPECT_EQ(requests(), std::vector<std::string>{kind().writeRequest});
     EXPECT_EQ(textOf(window, "label_hint"), kind().started);
-    EXPECT_TRUE(output.hasLine(std::string(kind().resultTag) + "1"));
+    EXPECT_TRUE(output.has(std::string(kind().resultTag) + "1"));
     EXPECT_EQ(enabledControls(window), 0U);
     EXPECT_TRUE(timerOf(window)->isActive());
     EXPECT_EQ(timerOf(window)->interval(), 1000);
@@ -164,11 +165,11 @@ TEST_P(SettingWriteTest, GivesTheControlsBackAfterARefusedMissingShortOrLongAnsw
     for (const auto& answer : answers) {
         SCOPED_TRACE(fake_serial::hex(answer));
         m_camera.answerWritesWith(answer);
-        const OutputLog output;
+        const StdoutCapture output;
         QWidget* const window = openWindow();
         press(window, kind().setButton);
         EXPECT_EQ(textOf(window, "label_hint"), kind().failed);
-        EXPECT_TRUE(output.hasLine(std::string(kind().resultTag) + "0"));
+        EXPECT_TRUE(output.has(std::string(kind().resultTag) + "0"));
         EXPECT_EQ(enabledControls(window), kind().controls.size());
         EXPECT_FALSE(timerOf(window)->isActive());
     }
@@ -185,11 +186,11 @@ TEST_P(SettingWriteTest, FailsWhenThePortThrows) {
 
 TEST_P(SettingWriteTest, FailsWithoutALink) {
     closeLink();
-    const OutputLog output;
+    const StdoutCapture output;
     QWidget* const window = openWindow();
     press(window, kind().setButton);
     EXPECT_EQ(textOf(window, "label_hint"), kind().failed);
-    EXPECT_TRUE(output.hasLine(std::string(kind().resultTag) + "0"));
+    EXPECT_TRUE(output.has(std::string(kind().resultTag) + "0"));
     EXPECT_EQ(enabledControls(window), kind().controls.size());
     press(window, kind().getButton);
     EXPECT_EQ(textOf(window, kind().readLabel), kind().readFailed);
