@@ -1,0 +1,19 @@
+// The little JSON that the camera reads.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace emulator {
+
+/// Every number, text and literal of a JSON object by its path ("cmdType", "info.offset", "list.0"), as text;
+/// nothing when the text is not one well-formed object. Escapes in texts are kept as they stand.
+[[nodiscard]] std::optional<std::map<std::string, std::string>> readJsonObject(std::string_view text);
+
+/// The value at the path as a whole number.
+[[nodiscard]] std::optional<long long> jsonNumber(const std::map<std::string, std::string>& values,
+                                                  const std::string& path);
+
+} // namespace emulator

@@ -1,0 +1,150 @@
+#include "emulator/options.h"
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+namespace emulator {
+
+namespace {
+
+constexpr std::array<std::string_view, 5> typeNames = {"ostra", "dorvel", "sales-static", "quenta",
+                                                       "sales-dynamic"};
+
+std::int64_t numberIn(const std::string& option, const std::string& text, std::int64_t least,
+                      std::int64_t most) {
+    const auto number = parseNumber(text);
+    if (!number || *number < least || *number > most)
+        throw OptionError(option + ": \"" + text + "\" is not a number from " + std::to_string(least) +
+                          " to " + std::to_string(most));
+    return *number;
+}
+
+CameraType typeIn(const std::string& text) {
+    const auto* const named = std::find(typeNames.begin(), typeNames.end(), text);
+    const auto number = named != typeNames.end() ? named - typeNames.begin()
+                                                 : numberIn("--type", text, 0, typeNames.size() - 1);
+    return static_cast<CameraType>(number);
+}
+
+struct OptionRow {
+    std::string_view name;
+    std::string_view parameter; ///< empty: none
+    std::string_view help;
+    void (*apply)(Options& options, const std::string& text);
+};
+
+// clang-format off
+const std::array optionRows = {
+    OptionRow{"--type", "TYPE", "0 ostra, 1 dorvel, 2 sales-static, 3 quenta, 4 sales-dynamic; a number or a name (0)",
+        [](Options&, const std::string&) {}}, // read before all others: it sets what they change
+    OptionRow{"--address", "N", "slave address, 0 to 255; 0x for hexadecimal (as the type has it)",
+        [](Options& o, const std::string& t) { o.settings.address = static_cast<std::uint8_t>(numberIn("--address", t, 0, 255)); }},
+    OptionRow{"--baud", "N", "rate of --device, and the one that --check-baud expects (as the type has it)",
+        [](Options& o, const std::string& t) { o.settings.baudRate = static_cast<std::uint32_t>(numberIn("--baud", t, 1, 4000000)); }},
+    OptionRow{"--check-baud", "", "hear nothing while the tool uses another rate",
+        [](Options& o, const std::string&) { o.settings.mindsBaudRate = true; }},
+    OptionRow{"--device", "DEV", "serve on this serial device instead of a new pseudo-terminal",
+        [](Options& o, const std::string& t) { o.device = t; }},
+    OptionRow{"--link", "PATH", "keep a symbolic link to the pseudo-terminal here",
+        [](Options& o, const std::string& t) { o.link = t; }},
+    OptionRow{"--pace", "N", "bytes per second in each direction (unlimited)",
+        [](Options& o, const std::string& t) { o.bytesPerSecond = static_cast<std::uint32_t>(numberIn("--pace", t, 1, 100000000)); }},
+    OptionRow{"--offset", "N", "picture-command offset, 0 to 255 (0)",
+        [](Options& o, const std::string& t) { o.settings.pictureOffset = static_cast<std::uint8_t>(numberIn("--offset", t, 0, 255)); }},
+    OptionRow{"--pictures", "DIR", "hold the JPEG files of this folder, in the order of their names",
+        [](Options& o, const std::string& t) { o.pictureFolder = t; }},
+    OptionRow{"--holds-image", "", "type 4: the announced application image is there already",
+        [](Options& o, const std::string&) { o.settings.holdsAnnouncedImage = true; }},
+    OptionRow{"--fault", "FAULT", "kind[=parameter][@request][#occurrence]; may be repeated",
+        [](Options& o, const std::string& t) { o.faults.push_back(parseFault(t)); }},
+    OptionRow{"--list-faults", "", "print the kinds of faults and the names of the requests",
+        [](Options& o, const std::string&) { o.action = Options::Action::listFaults; }},
+    OptionRow{"--help", "", "print this",
+        [](Options& o, const std::string&) { o.action = Options::Action::help; }},
+};
+// clang-format on
+
+struct Given {
+    const OptionRow* row;
+    std::string value;
+};
+
+/// "--name value" or "--name=value".
+std::vector<Given> splitArguments(const std::vector<std::string>& arguments) {
+    std::vector<Given> given;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::size_t equals = arguments[i].find('=');
+        const std::string name = arguments[i].substr(0, equals);
+        const auto* const row = std::find_if(optionRows.begin(), optionRows.end(),
+                                             [&name](const OptionRow& r) { return r.name == name; });
+        if (row == optionRows.end())
+            throw OptionError("unknown option \"" + arguments[i] + "\"; see --help");
+        std::string value;
+        if (row->parameter.empty() && equals != std::string::npos)
+            throw OptionError(name + " takes no value");
+        if (!row->parameter.empty()) {
+            if (equals == std::string::npos && i + 1 == arguments.size())
+                throw OptionError(name + " needs a value: " + std::string(row->parameter));
+            value = equals == std::string::npos ? arguments[++i] : arguments[i].substr(equals + 1);
+            if (value.empty())
+                throw OptionError(name + " needs a value: " + std::string(row->parameter));
+        }
+        given.push_back({row, value});
+    }
+    return given;
+}
+
+std::string padded(std::string text, std::size_t width) {
+    text.resize(std::max(text.size() + 1, width), ' ');
+    return text;
+}
+
+} // namespace
+
+Options parseOptions(const std::vector<std::string>& arguments) {
+    const std::vector<Given> given = splitArguments(arguments);
+    CameraType type = CameraType::ostra;
+    for (const Given& option : given) {
+        if (option.row->name == "--type")
+            type = typeIn(option.value);
+    }
+    Options options;
+    options.settings = settingsForType(type);
+    for (const Given& option : given)
+        option.row->apply(options, option.value);
+    if (!options.device.empty() && !options.link.empty())
+        throw OptionError("--link belongs to a new pseudo-terminal; leave it out with --device");
+    return options;
+}
+
+std::string helpText() {
+    std::string text = "virtual-camera: a shelf camera without hardware, on a serial device.\n\n"
+                       "usage: virtual-camera [options]\n\n";
+    for (const OptionRow& row : optionRows)
+        text += "  " + padded(std::string(row.name) + " " + std::string(row.parameter), 20) +
+                std::string(row.help) + "\n";
+    text += "\nIt prints a line for everything it receives and answers. Ctrl+C ends it.\n";
+    return text;
+}
+
+std::string faultListText() {
+    std::ostringstream text;
+    text << "faults: kind[=parameter][@request][#occurrence], e.g. truncate=3@getSn#2\n"
+            "occurrence: #2 the second, #2-4 the second to the fourth, #2+ from the second on; else "
+            "always\n\n";
+    for (const FaultKindInfo& info : faultKinds()) {
+        std::string form(info.name);
+        if (!info.example.empty())
+            form += "=" + std::string(info.example);
+        text << "  " << padded(form, 24) << info.description << "\n";
+    }
+    text
+        << "\nrequests: any, a code on the line (0x02), or a name; \":id\" after it picks the first payload\n"
+           "byte (getProperty:15)\n\n";
+    for (const RequestName& name : requestNames())
+        text << "  " << padded(std::string(name.name), 24) << name.words << "\n";
+    return text.str();
+}
+
+} // namespace emulator

@@ -1,0 +1,38 @@
+// The command line of virtual-camera.
+#pragma once
+
+#include "emulator/camerasettings.h"
+#include "emulator/fault.h"
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace emulator {
+
+struct Options {
+    enum class Action { serve, help, listFaults };
+
+    Action action = Action::serve;
+    CameraSettings settings;
+    std::string device; ///< empty: a new pseudo-terminal
+    std::string link;
+    std::string pictureFolder;
+    std::uint32_t bytesPerSecond = 0;
+    std::vector<Fault> faults;
+};
+
+/// What is wrong with the command line, for people.
+class OptionError : public std::invalid_argument {
+public:
+    using std::invalid_argument::invalid_argument;
+};
+
+/// Arguments without the program's name. Throws OptionError or FaultError.
+[[nodiscard]] Options parseOptions(const std::vector<std::string>& arguments);
+
+[[nodiscard]] std::string helpText();
+/// The kinds, their parameters and the request names.
+[[nodiscard]] std::string faultListText();
+
+} // namespace emulator
