@@ -1,0 +1,110 @@
+#include "tests/gui/support/guitest.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QMutex>
+#include <QStatusBar>
+
+namespace guitest {
+
+namespace {
+
+constexpr int boxPollMs = 5;
+
+// The debug stream is written by pool threads as well.
+QMutex logMutex;
+QStringList logLines;
+
+void keepLine(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& line) {
+    const QMutexLocker lock(&logMutex);
+    logLines.append(line);
+}
+
+} // namespace
+
+void click(const QWidget& window, const char* name) {
+    auto* const widget = find<QWidget>(window, name);
+    if (!widget->isEnabled())
+        throw std::runtime_error(std::string("disabled and not to be clicked: ") + name);
+    QTest::mouseClick(widget, Qt::LeftButton);
+}
+
+void trigger(const QWidget& window, const char* name) {
+    auto* const action = find<QAction>(window, name);
+    if (!action->isEnabled())
+        throw std::runtime_error(std::string("disabled and not to be chosen: ") + name);
+    action->trigger();
+}
+
+QString text(const QWidget& window, const char* name) {
+    return find<QWidget>(window, name)->property("text").toString();
+}
+
+bool isEnabled(const QWidget& window, const char* name) {
+    return find<QWidget>(window, name)->isEnabled();
+}
+
+QString statusText(const QWidget& window) {
+    return find<QStatusBar>(window, "statusbar")->currentMessage();
+}
+
+bool eventually(const std::function<bool()>& condition, int timeoutMs) {
+    return QTest::qWaitFor(condition, timeoutMs);
+}
+
+BoxAnswerer::BoxAnswerer() : BoxAnswerer(QMessageBox::Ok) {}
+
+BoxAnswerer::BoxAnswerer(int button) : m_button(button) {
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { answer(); });
+    m_timer.start(boxPollMs);
+}
+
+bool BoxAnswerer::waitFor(std::size_t count, int timeoutMs) {
+    return eventually(
+        [this, count] { return m_seen.size() >= count && QApplication::activeModalWidget() == nullptr; },
+        timeoutMs);
+}
+
+void BoxAnswerer::answer() {
+    auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (box == nullptr)
+        return;
+    QStringList buttons;
+    for (QAbstractButton* const button : box->buttons())
+        buttons.append(QString::number(box->standardButton(button), 16));
+    m_seen.push_back({box->windowTitle(), box->text(), box->icon(), buttons});
+    QAbstractButton* chosen = box->button(static_cast<QMessageBox::StandardButton>(m_button));
+    if (chosen == nullptr)
+        chosen = box->button(QMessageBox::Ok);
+    chosen->click();
+}
+
+DebugLog::DebugLog() : m_previous(qInstallMessageHandler(keepLine)) {
+    const QMutexLocker lock(&logMutex);
+    logLines.clear();
+}
+
+DebugLog::~DebugLog() {
+    qInstallMessageHandler(m_previous);
+}
+
+QStringList DebugLog::lines() {
+    const QMutexLocker lock(&logMutex);
+    return logLines;
+}
+
+QString DebugLog::plain(QString line) {
+    return line.remove(QLatin1Char('"')).simplified();
+}
+
+bool DebugLog::has(const QString& line) {
+    const QStringList all = lines();
+    return std::any_of(all.begin(), all.end(),
+                       [&line](const QString& each) { return plain(each) == plain(line); });
+}
+
+} // namespace guitest

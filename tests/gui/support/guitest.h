@@ -1,0 +1,95 @@
+// Driving windows as a user does, and seeing what they say.
+#pragma once
+
+#include <QAction>
+#include <QPointer>
+#include <QStringList>
+#include <QTest>
+#include <QTimer>
+#include <QWidget>
+
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
+namespace guitest {
+
+/// The descendant of this kind and name. Throws when there is none: the test cannot go on.
+template <typename Object = QWidget>
+Object* find(const QObject& parent, const char* name) {
+    auto* const object = parent.findChild<Object*>(QString::fromUtf8(name));
+    if (object == nullptr)
+        throw std::runtime_error(std::string("nothing of this kind is called ") + name);
+    return object;
+}
+
+/// A click of the left mouse button into the widget's middle.
+void click(const QWidget& window, const char* name);
+/// Chooses a menu entry.
+void trigger(const QWidget& window, const char* name);
+/// The text of a label, button or line edit.
+[[nodiscard]] QString text(const QWidget& window, const char* name);
+[[nodiscard]] bool isEnabled(const QWidget& window, const char* name);
+[[nodiscard]] QString statusText(const QWidget& window);
+
+/// Runs the event loop until the condition holds; false after the time.
+bool eventually(const std::function<bool()>& condition, int timeoutMs = 5000);
+
+/// Open windows of one kind, hidden ones not counted.
+template <typename Window>
+std::vector<Window*> openWindows() {
+    std::vector<Window*> found;
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        if (auto* const window = qobject_cast<Window*>(widget); window != nullptr && window->isVisible())
+            found.push_back(window);
+    }
+    return found;
+}
+
+/// What a message box showed.
+struct SeenBox {
+    QString title;
+    QString text;
+    int icon;
+    QStringList buttons;
+};
+
+/// Looks for modal dialogs as long as it lives, notes each message box and presses a button of it: the given
+/// one where the box has it, else Ok.
+class BoxAnswerer {
+public:
+    /// A QMessageBox::StandardButton.
+    explicit BoxAnswerer(int button);
+    BoxAnswerer();
+
+    [[nodiscard]] const std::vector<SeenBox>& seen() const { return m_seen; }
+    /// Waits until this many boxes have been seen and answered.
+    bool waitFor(std::size_t count, int timeoutMs = 5000);
+
+private:
+    void answer();
+
+    int m_button;
+    std::vector<SeenBox> m_seen;
+    QTimer m_timer;
+};
+
+/// Collects the lines of the Qt debug stream as long as it lives; blanks at the ends are kept.
+class DebugLog {
+public:
+    DebugLog();
+    ~DebugLog();
+    DebugLog(const DebugLog&) = delete;
+    DebugLog& operator=(const DebugLog&) = delete;
+
+    [[nodiscard]] static QStringList lines();
+    /// Whether a line is this one, quotes and the number of blanks aside.
+    [[nodiscard]] static bool has(const QString& line);
+    [[nodiscard]] static QString plain(QString line);
+
+private:
+    QtMessageHandler m_previous;
+};
+
+} // namespace guitest
