@@ -1,0 +1,43 @@
+// The rows of a picture list.
+#pragma once
+
+#include "pictures/picturegeneration.h"
+
+#include <QAbstractTableModel>
+
+/// One row per picture, its cells as text; made once when the row comes in. Base of the two generations'
+/// models.
+class PictureListModel : public QAbstractTableModel {
+    Q_OBJECT
+
+public:
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    /// Display and edit: the cell; tool tip: the cell with its caption; anything else is empty.
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+
+    void appendRow(const QStringList& cells);
+    /// Appends a whole catalogue with one notification.
+    void appendPictures(const std::vector<protocol::RecordBytes>& records);
+    bool removeRows(int row, int count, const QModelIndex& parent = {}) override;
+    void clear();
+
+    /// Read back from the row's text; 0 for a row that is not there.
+    [[nodiscard]] unsigned pictureId(int row) const;
+    /// Bytes, 0 to 0xFFFFFFFF; -1 for a row that is not there.
+    [[nodiscard]] qint64 pictureSize(int row) const;
+
+    [[nodiscard]] const PictureGeneration& generation() const { return m_generation; }
+
+protected:
+    PictureListModel(const PictureGeneration& generation, QObject* parent);
+
+    /// Empty where there is no such row or cell.
+    [[nodiscard]] QString cell(int row, int column) const;
+
+private:
+    [[nodiscard]] bool hasRow(int row) const;
+
+    const PictureGeneration& m_generation;
+    std::vector<QStringList> m_rows;
+};

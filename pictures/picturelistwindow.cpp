@@ -1,0 +1,108 @@
+#include "pictures/picturelistwindow.h"
+
+#include "pictures/imgdialog.h"
+#include "pictures/localpicture.h"
+#include "pictures/picturelistdelegate.h"
+#include "pictures/picturelistmodel.h"
+#include "ui_picturelistwindow.h"
+
+#include <QDebug>
+#include <QMenu>
+#include <QMessageBox>
+
+namespace {
+using namespace std::chrono_literals;
+
+constexpr auto reloadDelay = 1000ms; // the camera needs a moment until its catalogue is right again
+} // namespace
+
+PictureListWindow::PictureListWindow(PictureListModel* model, PictureListDelegate* delegate, QWidget* parent,
+                                     CameraSp* client)
+    : QWidget(parent, Qt::Window), ClientBorrower(this, client),
+      m_ui(std::make_unique<Ui::PictureListWindow>()), m_model(model) {
+    m_ui->setupUi(this);
+    setAttribute(Qt::WA_DeleteOnClose);
+    const PictureGeneration& generation = m_model->generation();
+    setWindowTitle(generation.translatedTitle());
+    m_ui->btn_takepic->setObjectName(QLatin1String(generation.captureButtonName));
+    m_model->setParent(this);
+    delegate->setParent(this);
+    m_ui->listview->setModel(m_model);
+    m_ui->listview->setItemDelegate(delegate);
+    m_ui->header->setUp(generation, m_ui->listview);
+
+    connect(m_ui->btn_refresh, &QPushButton::clicked, this, &PictureListWindow::refresh);
+    connect(m_ui->btn_delete_all, &QPushButton::clicked, this, &PictureListWindow::deleteAll);
+    connect(m_ui->btn_takepic, &QPushButton::clicked, this, &PictureListWindow::takePicture);
+    connect(m_ui->listview, &QListView::customContextMenuRequested, this, &PictureListWindow::showMenu);
+}
+
+PictureListWindow::~PictureListWindow() = default;
+
+void PictureListWindow::reload() {
+    m_model->clear();
+    m_model->appendPictures(ask(m_model->generation().catalogue));
+}
+
+template <typename Action>
+void PictureListWindow::later(Action action) {
+    QTimer::singleShot(reloadDelay, this, [this, action] {
+        if (isVisible() && isEnabled())
+            action();
+    });
+}
+
+void PictureListWindow::refresh() {
+    reload();
+}
+
+void PictureListWindow::deleteAll() {
+    if (!deleteAllPictures())
+        return;
+    m_model->clear();
+    later([this] { reload(); });
+}
+
+void PictureListWindow::takePicture() {
+    const bool taken = ask(m_model->generation().capture);
+    auto* box = new QMessageBox(QMessageBox::Information, tr("拍照"), taken ? tr("拍照成功") : tr("拍照失败"),
+                                QMessageBox::Yes, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    connect(box, &QMessageBox::finished, this, [this] { later([this] { m_ui->btn_refresh->click(); }); });
+    box->open();
+}
+
+void PictureListWindow::showMenu(const QPoint& position) {
+    qDebug() << "pos:" << position;
+    const QModelIndexList selected = m_ui->listview->selectionModel()->selectedIndexes();
+    if (selected.isEmpty())
+        return;
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const QPersistentModelIndex index(selected.front());
+    connect(menu->addAction(tr("删除")), &QAction::triggered, this, [this, index] { deleteRow(index); });
+    connect(menu->addAction(tr("查看")), &QAction::triggered, this, [this, index] { viewRow(index); });
+    menu->popup(m_ui->listview->viewport()->mapToGlobal(position));
+}
+
+void PictureListWindow::deleteRow(const QPersistentModelIndex& index) {
+    if (!index.isValid() || !isEnabled())
+        return;
+    if (deletePicture(index.row()))
+        m_model->removeRow(index.row());
+}
+
+void PictureListWindow::viewRow(const QPersistentModelIndex& index) {
+    if (!index.isValid() || !isEnabled())
+        return;
+    const int row = index.row();
+    const unsigned id = m_model->pictureId(row);
+    const bool oldPictureGone = removeLocalPicture(id);
+    qDebug() << "get picture:" << row << "  size:" << m_model->pictureSize(row);
+    downloadPicture(row);
+    qDebug() << "get picture end";
+    auto* dialog = new ImgDialog(this);
+    qDebug() << id;
+    // An old file that could not be deleted is no picture of this download.
+    dialog->showPicture(oldPictureGone ? QString::number(id) : QString());
+}

@@ -1,0 +1,56 @@
+// The list window of the pictures stored on the camera.
+#pragma once
+
+#include "borrow/clientborrower.h"
+#include "pictures/picturegeneration.h"
+
+#include <QPersistentModelIndex>
+#include <QWidget>
+
+#include <memory>
+
+class PictureListDelegate;
+class PictureListModel;
+
+namespace Ui {
+class PictureListWindow;
+}
+
+/// Lists, deletes, takes and views pictures. Base of the two generations' windows, which bring the commands
+/// whose arguments differ. A window of its own that deletes itself when it is closed.
+///
+/// User-interface thread only; every camera command blocks for one exchange, viewing for one download.
+/// No event loop runs inside a slot: menu and message box report back, so that the window may be closed, or
+/// the list be filled anew, while they are open.
+class PictureListWindow : public QWidget, public ClientBorrower {
+    Q_OBJECT
+
+public:
+    ~PictureListWindow() override;
+
+protected:
+    /// The window takes the model and the delegate over; the client stays the caller's and may be null.
+    PictureListWindow(PictureListModel* model, PictureListDelegate* delegate, QWidget* parent,
+                      CameraSp* client);
+
+    virtual bool deleteAllPictures() = 0;
+    virtual bool deletePicture(int row) = 0;
+    /// Into the working directory.
+    virtual void downloadPicture(int row) = 0;
+
+private:
+    void refresh();
+    void deleteAll();
+    void takePicture();
+    void showMenu(const QPoint& position);
+    void deleteRow(const QPersistentModelIndex& index);
+    void viewRow(const QPersistentModelIndex& index);
+
+    void reload();
+    /// Runs the action later, if the window is then still visible and free to use the client.
+    template <typename Action>
+    void later(Action action);
+
+    std::unique_ptr<Ui::PictureListWindow> m_ui;
+    PictureListModel* m_model;
+};
