@@ -1,5 +1,6 @@
 #include "app/captureflow.h"
 
+#include "dialogs/cameratype.h"
 #include "pictures/localpicture.h"
 #include "pictures/picturegeneration.h"
 
@@ -10,8 +11,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr std::uint32_t jsonCameraType = 3;
-constexpr std::uint32_t v1CameraType = 4;
 constexpr std::uint8_t jsonPicture = 1; // the only picture a JSON camera gives
 
 constexpr auto captureDelay = 100ms;
@@ -60,7 +59,9 @@ struct CaptureFlow::Capture {
     std::atomic<std::uint8_t> id{0};
     std::atomic<std::uint32_t> size{0}; ///< bytes
     std::atomic<int> state{waiting};    ///< set last
-    bool fresh = true;                  ///< no old file of this name is left; user-interface thread only
+    // User-interface thread only:
+    std::uint64_t run = 0;
+    bool fresh = true; ///< no old file of this name is left
 
     /// Runs on the pool. False when there is nothing to download.
     bool waitUntilKnown(CameraSp& camera) const;
@@ -81,34 +82,32 @@ bool CaptureFlow::Capture::waitUntilKnown(CameraSp& camera) const {
     return true; // the camera may be slower than its catalogue; ask for whatever is known by now
 }
 
-CaptureFlow::CaptureFlow(QLabel* picture, std::function<void(bool)> allowExchange, QObject* parent)
-    : QObject(parent), ClientBorrower(picture, nullptr), m_picture(picture),
-      m_allowExchange(std::move(allowExchange)) {}
+CaptureFlow::CaptureFlow(QLabel* picture, std::function<void(bool)> allowExchange)
+    : ClientBorrower(picture, nullptr), m_picture(picture), m_allowExchange(std::move(allowExchange)) {}
 
 void CaptureFlow::attachClient(CameraSp* client) {
     ClientBorrower::attachClient(client);
-    if (m_busy)
-        setBusy(false);
+    m_holder = 0;
 }
 
 void CaptureFlow::start(std::uint32_t cameraType) {
     m_picture->clear();
     if (client() == nullptr)
         return;
-    if (cameraType == jsonCameraType)
+    if (cameraType == cameratype::quenta)
         startJson();
     else
-        startFrames(cameraType == v1CameraType ? v1Path : originPath);
+        startFrames(cameraType == cameratype::shelfDynamic ? v1Path : originPath);
 }
 
 void CaptureFlow::startFrames(const Path& path) {
-    setBusy(true);
+    const auto capture = std::make_shared<Capture>();
+    capture->run = holdControls();
     if (!path.deleteBefore(*client())) {
-        setBusy(false);
+        releaseControls(capture->run);
         return;
     }
-    const auto capture = std::make_shared<Capture>();
-    afterDelay(captureDelay, [this, &path] { takePicture(path); });
+    afterDelay(captureDelay, [this, &path, capture] { takePicture(path, capture->run); });
     afterDelay(catalogueDelay, [this, &path, capture] { findPicture(path, capture); });
     runOnPool(
         this,
@@ -127,7 +126,7 @@ void CaptureFlow::startFrames(const Path& path) {
                 return;
             qDebug() << "in timer";
             showPicture(capture->id, capture->fresh);
-            setBusy(false);
+            releaseControls(capture->run);
         });
 }
 
@@ -138,10 +137,10 @@ void CaptureFlow::afterDelay(std::chrono::milliseconds delay, std::function<void
     });
 }
 
-void CaptureFlow::takePicture(const Path& path) {
+void CaptureFlow::takePicture(const Path& path, std::uint64_t run) {
     if (ask(path.generation.capture))
         return;
-    setBusy(false); // the catalogue is read all the same: an older picture may be there
+    releaseControls(run); // the catalogue is read all the same: an older picture may be there
     qDebug() << "take failed";
 }
 
@@ -151,7 +150,7 @@ void CaptureFlow::findPicture(const Path& path, const SharedCapture& capture) {
         records = ask(path.generation.catalogue);
     if (records.empty()) {
         capture->state = Capture::noPicture;
-        setBusy(false);
+        releaseControls(capture->run);
         return;
     }
     const protocol::PictureInfo info = path.generation.parse(records.front());
@@ -165,7 +164,7 @@ void CaptureFlow::findPicture(const Path& path, const SharedCapture& capture) {
 
 void CaptureFlow::startJson() {
     const bool fresh = removeLocalPicture(jsonPicture);
-    setBusy(true);
+    const std::uint64_t run = holdControls();
     runOnPool(
         this,
         [](CameraSp* camera) {
@@ -174,8 +173,8 @@ void CaptureFlow::startJson() {
             qDebug() << "quenta pic end";
             return downloaded;
         },
-        [this, fresh](bool downloaded) {
-            setBusy(false);
+        [this, run, fresh](bool downloaded) {
+            releaseControls(run);
             if (!downloaded)
                 return;
             qDebug() << "in quenta timer";
@@ -192,7 +191,15 @@ void CaptureFlow::showPicture(unsigned id, bool fresh) {
     m_picture->setPixmap(picture.scaledToWidth(m_picture->width()).scaledToHeight(m_picture->height()));
 }
 
-void CaptureFlow::setBusy(bool busy) {
-    m_busy = busy;
-    m_allowExchange(!busy);
+std::uint64_t CaptureFlow::holdControls() {
+    m_holder = ++m_runs;
+    m_allowExchange(false);
+    return m_holder;
+}
+
+void CaptureFlow::releaseControls(std::uint64_t run) {
+    if (m_holder != run)
+        return;
+    m_holder = 0;
+    m_allowExchange(true);
 }

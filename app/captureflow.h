@@ -10,22 +10,23 @@ class QLabel;
 /// Takes a picture and shows it: deletes what the camera holds, captures, finds the new picture in the
 /// catalogue and downloads it on the thread pool. Cameras that speak JSON download a picture at once.
 ///
-/// User-interface thread only. The flow leaves the window usable: the owner disables its exchange controls
-/// while `allowExchange` said false, but closing the link stays possible at any step. It ends the flow:
-/// nothing of an earlier link is shown or sent on a later one.
+/// User-interface thread only. The owner keeps its exchange controls disabled between `allowExchange(false)`
+/// and `allowExchange(true)`; closing the link stays possible at any step and ends the flow: nothing of an
+/// earlier link is shown or sent on a later one.
 class CaptureFlow final : public QObject, private ClientBorrower {
     Q_OBJECT
 
 public:
     /// `picture` shows the picture and belongs to the owner, as does the parent. `allowExchange` is called
     /// with false and later with true, possibly twice; it may not delete the flow.
-    CaptureFlow(QLabel* picture, std::function<void(bool)> allowExchange, QObject* parent);
+    CaptureFlow(QLabel* picture, std::function<void(bool)> allowExchange);
 
-    /// The new link's client, or null when the link ends; a flow that is under way is dropped and its
-    /// controls are given back.
+    /// The new link's client, or null when the link ends. A flow that is under way is dropped; the owner, who
+    /// ends the link, gives the controls back itself.
     void attachClient(CameraSp* client);
 
-    /// Camera types 3 (JSON) and 4 (V1) have paths of their own; every other type is the first generation.
+    /// One of cameratype: quenta and shelfDynamic have paths of their own, every other type is the first
+    /// generation.
     void start(std::uint32_t cameraType);
 
 private:
@@ -40,12 +41,17 @@ private:
     void startJson();
 
     void afterDelay(std::chrono::milliseconds delay, std::function<void()> step);
-    void takePicture(const Path& path);
+    void takePicture(const Path& path, std::uint64_t run);
     void findPicture(const Path& path, const SharedCapture& capture);
     void showPicture(unsigned id, bool fresh);
-    void setBusy(bool busy);
+
+    /// Takes the controls; the number returned gives them back.
+    [[nodiscard]] std::uint64_t holdControls();
+    /// Nothing happens when this run has given them back before, or another run holds them by now.
+    void releaseControls(std::uint64_t run);
 
     QLabel* m_picture;
     std::function<void(bool)> m_allowExchange;
-    bool m_busy = false;
+    std::uint64_t m_runs = 0;
+    std::uint64_t m_holder = 0; ///< the run that holds the controls; 0: none
 };

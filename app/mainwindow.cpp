@@ -12,6 +12,8 @@
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
+#include "pictures/piclist.h"
+#include "pictures/piclistv1.h"
 #include "ui_mainwindow.h"
 
 #include <QCloseEvent>
@@ -43,7 +45,7 @@ MainWindow::MainWindow(QWidget* parent)
     connectStatus();
     connectMenus();
     connectUpdates();
-    connectUnbuilt();
+    connectPictures();
     if (const auto* const application = qobject_cast<Application*>(QCoreApplication::instance()))
         connect(application, &Application::failureReported, this, &MainWindow::showStatus);
 
@@ -115,14 +117,13 @@ void MainWindow::connectMenus() {
     connect(m_ui->actionAbout, &QAction::triggered, this, &MainWindow::openAbout);
 }
 
-/// Each line disappears with the work that builds what it stands for.
-void MainWindow::connectUnbuilt() {
-    const auto sayUnbuilt = [this](auto* control) {
-        return [this, control] { showStatus(tr("“%1”功能尚未提供").arg(control->text())); };
-    };
-    for (QAction* const action : {m_ui->actionPicInfo, m_ui->actionPicInfoV1})
-        connect(action, &QAction::triggered, this, sayUnbuilt(action));
-    connect(m_ui->btn_takepic, &QPushButton::clicked, this, sayUnbuilt(m_ui->btn_takepic));
+void MainWindow::connectPictures() {
+    m_captureFlow =
+        std::make_unique<CaptureFlow>(m_ui->label, [this](bool allowed) { allowExchange(allowed); });
+    connect(m_ui->btn_takepic, &QPushButton::clicked, this, [this] { m_captureFlow->start(m_cameraType); });
+    connect(m_ui->actionPicInfo, &QAction::triggered, this, [this] { openWindow<PicList>(this, client()); });
+    connect(m_ui->actionPicInfoV1, &QAction::triggered, this,
+            [this] { openWindow<PicListV1>(this, client()); });
 }
 
 void MainWindow::finishStart() {
@@ -227,6 +228,7 @@ void MainWindow::closeLink() {
 
 void MainWindow::lendClient(CameraSp* client) {
     attachClient(client);
+    m_captureFlow->attachClient(client);
     m_windows.attachClient(client);
 }
 

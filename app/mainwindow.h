@@ -1,6 +1,7 @@
 // The main window of the tool.
 #pragma once
 
+#include "app/captureflow.h"
 #include "app/openwindows.h"
 #include "borrow/clientborrower.h"
 #include "link/camerasp.h"
@@ -52,7 +53,7 @@ private:
     void connectStatus();
     void connectMenus();
     void connectUpdates();
-    void connectUnbuilt();
+    void connectPictures();
     void finishStart();
 
     // --- the controls ---
@@ -154,6 +155,7 @@ private:
     std::unique_ptr<KeepAwake> m_keepAwake; ///< present while an upload or a return wait runs
     bool m_interruptible = false;           ///< the same: closing asks first
 
+    std::unique_ptr<CaptureFlow> m_captureFlow;
     OpenWindows m_windows;
     bool m_exchangeAllowed = true;
 };
