@@ -127,6 +127,8 @@ void MainWindow::connectPictures() {
 }
 
 void MainWindow::finishStart() {
+    if (!m_ui->statusbar->currentMessage().isEmpty())
+        return; // the user was faster, and what happened then is more important
     const int ports = m_ui->sel_ports->count();
     showStatus(ports > 0 ? tr("准备就绪，发现 %1 个串口，请选择后打开").arg(ports)
                          : tr("没有发现串口，请插入转接器后重新启动本工具"));

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
@@ -203,7 +204,7 @@ TEST_F(MainWindowLink, TakesItsOtherWindowsAlong) {
     trigger(*window, "actionOpenCloseDoor");
     trigger(*window, "actionaddress");
     trigger(*window, "actionAbout");
-    ASSERT_EQ(QApplication::topLevelWidgets().size(), 4);
+    ASSERT_EQ(openWindows<QWidget>().size(), 4U);
     window.reset();
     EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
 }

@@ -222,6 +222,16 @@ TEST_F(MainWindowAtStart, SaysToPlugInTheAdapterWhenThereIsNoPort) {
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
+TEST_F(MainWindowAtStart, DoesNotTalkOverWhatTheUserHasDoneMeanwhile) {
+    MainWindow window;
+    window.show();
+    click(window, "btn_open");
+    const QString opened = statusText(window);
+    EXPECT_NE(opened, "");
+    QTest::qWait(150);
+    EXPECT_EQ(statusText(window), opened);
+}
+
 TEST_F(MainWindowAtStart, OpensNoPortByItself) {
     MainWindow window;
     window.show();

@@ -2,11 +2,13 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QMutex>
+#include <QRadioButton>
 #include <QStatusBar>
 
 namespace guitest {
@@ -14,6 +16,7 @@ namespace guitest {
 namespace {
 
 constexpr int boxPollMs = 5;
+constexpr int indicatorInset = 8; // pixels
 
 // The debug stream is written by pool threads as well.
 QMutex logMutex;
@@ -30,7 +33,10 @@ void click(const QWidget& window, const char* name) {
     auto* const widget = find<QWidget>(window, name);
     if (!widget->isEnabled())
         throw std::runtime_error(std::string("disabled and not to be clicked: ") + name);
-    QTest::mouseClick(widget, Qt::LeftButton);
+    // A button with an indicator reacts at the indicator and its text only, not in the empty space behind.
+    const bool hasIndicator = qobject_cast<QRadioButton*>(widget) || qobject_cast<QCheckBox*>(widget);
+    const QPoint place = hasIndicator ? QPoint(indicatorInset, widget->height() / 2) : QPoint();
+    QTest::mouseClick(widget, Qt::LeftButton, Qt::NoModifier, place);
 }
 
 void trigger(const QWidget& window, const char* name) {
