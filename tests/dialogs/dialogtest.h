@@ -4,7 +4,6 @@
 #include "borrow/clientborrower.h"
 #include "link/camerasp.h"
 #include "tests/dialogs/debuglog.h"
-#include "tests/dialogs/propertycamera.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
@@ -52,11 +51,37 @@ inline void tick(const QWidget* window) {
     ASSERT_TRUE(QMetaObject::invokeMethod(timerOf(window), "timeout"));
 }
 
-/// Opens and closes a link as the main window does, and the windows that borrow it.
+/// Opens and closes a link as the main window does, and the windows that borrow it. Derived fixtures say
+/// which port, and end the link before the camera at its other end goes.
 class DialogTest : public testing::Test {
 protected:
-    DialogTest() : m_client(std::make_unique<CameraSp>("COM7", 460800U)) {}
-    ~DialogTest() override {
+    struct Borrower {
+        QPointer<QWidget> window;
+        ClientBorrower* borrower;
+    };
+
+    void openLink(const std::string& port) {
+        m_client = std::make_unique<CameraSp>(port, 460800U);
+        for (auto& [window, borrower] : m_borrowers) {
+            if (window != nullptr)
+                borrower->attachClient(m_client.get());
+        }
+    }
+
+    /// Detach, stop, wait, delete.
+    void closeLink() {
+        for (auto& [window, borrower] : m_borrowers) {
+            if (window != nullptr)
+                borrower->attachClient(nullptr);
+        }
+        if (m_client == nullptr)
+            return;
+        m_client->requestStop();
+        m_client->waitUntilUnused();
+        m_client.reset();
+    }
+
+    void endLinkAndWindows() {
         closeLink();
         m_main.reset();
         settle();
@@ -73,44 +98,14 @@ protected:
         return window;
     }
 
-    /// Detach, stop, wait, delete.
-    void closeLink() {
-        for (auto& [window, borrower] : m_borrowers) {
-            if (window != nullptr)
-                borrower->attachClient(nullptr);
-        }
-        if (m_client == nullptr)
-            return;
-        m_client->requestStop();
-        m_client->waitUntilUnused();
-        m_client.reset();
-    }
-
     /// Everything on the pool is done and its results have been shown or dropped.
     static void settle() {
         QThreadPool::globalInstance()->waitForDone();
         QTest::qWait(20);
     }
 
-    /// Requests since the last forgetting, as hexadecimal text.
-    [[nodiscard]] std::vector<std::string> requests() const {
-        std::vector<std::string> result;
-        for (const auto& bytes : fake_serial::writes())
-            result.push_back(fake_serial::hex(bytes));
-        result.erase(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(m_forgotten));
-        return result;
-    }
-    void forgetRequests() { m_forgotten = fake_serial::writes().size(); }
-
-    struct Borrower {
-        QPointer<QWidget> window;
-        ClientBorrower* borrower;
-    };
-
-    PropertyCamera m_camera;
     std::unique_ptr<CameraSp> m_client;
     std::unique_ptr<QWidget> m_main = std::make_unique<QWidget>();
     std::vector<Borrower> m_borrowers;
-    std::size_t m_forgotten = 0;
     DebugLog m_debug;
 };

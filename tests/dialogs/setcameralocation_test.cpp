@@ -1,7 +1,7 @@
 // The window that shows how the camera is mounted.
 #include "dialogs/setcameralocation.h"
-#include "tests/dialogs/dialogtest.h"
 #include "tests/dialogs/heldpause.h"
+#include "tests/dialogs/recordeddialogtest.h"
 
 using namespace std::chrono_literals;
 
@@ -18,7 +18,7 @@ const std::vector<std::string> firstTexts{"当前俯仰角", "当前横滚角", 
 
 } // namespace
 
-class SetCameraLocationTest : public DialogTest {
+class SetCameraLocationTest : public RecordedDialogTest {
 protected:
     HeldPause m_pauses{false};
 };

@@ -1,7 +1,7 @@
 // The window of the gyro's capture settings.
 #include "dialogs/setcapturedegree.h"
-#include "tests/dialogs/dialogtest.h"
 #include "tests/dialogs/heldpause.h"
+#include "tests/dialogs/recordeddialogtest.h"
 
 #include <QElapsedTimer>
 #include <QLineEdit>
@@ -24,7 +24,7 @@ bool isChecked(const QWidget* window, const char* name) {
 
 } // namespace
 
-class SetCaptureDegreeTest : public DialogTest {
+class SetCaptureDegreeTest : public RecordedDialogTest {
 protected:
     SetCaptureDegreeTest() {
         m_camera.hold(10, {{30, 60}});

@@ -2,7 +2,7 @@
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
-#include "tests/dialogs/dialogtest.h"
+#include "tests/dialogs/recordeddialogtest.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -10,9 +10,9 @@
 
 #include <set>
 
-using SetSNTest = DialogTest;
-using SetPwmHeatTest = DialogTest;
-using SetPicRateTest = DialogTest;
+using SetSNTest = RecordedDialogTest;
+using SetPwmHeatTest = RecordedDialogTest;
+using SetPicRateTest = RecordedDialogTest;
 
 // --- serial number -------------------------------------------------------------------------------------
 

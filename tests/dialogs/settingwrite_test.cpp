@@ -2,7 +2,7 @@
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
-#include "tests/dialogs/dialogtest.h"
+#include "tests/dialogs/recordeddialogtest.h"
 #include "tests/support/stdoutcapture.h"
 
 #include <QComboBox>
@@ -84,7 +84,7 @@ const WritingWindow compressionRate{.name = "SetPicRate",
 
 } // namespace
 
-class SettingWriteTest : public DialogTest, public testing::WithParamInterface<const WritingWindow*> {
+class SettingWriteTest : public RecordedDialogTest, public testing::WithParamInterface<const WritingWindow*> {
 protected:
     [[nodiscard]] static const WritingWindow& kind() { return *GetParam(); }
 
@@ -243,12 +243,10 @@ TEST_P(SettingWriteTest, ReadsBackOverTheLinkThatIsOpenThen) {
     QWidget* const window = openWindow();
     press(window, kind().setButton);
     closeLink();
-    CameraSp next("COM8", 460800U);
-    m_borrowers.front().borrower->attachClient(&next);
+    openLink("COM8");
     countDownToZero(window);
     tick(window);
     EXPECT_EQ(textOf(window, kind().readLabel), kind().readBack);
-    m_borrowers.front().borrower->attachClient(nullptr);
 }
 
 TEST_P(SettingWriteTest, WaitsWithTheReadBackWhileSomebodyElseUsesTheClient) {
