@@ -1,0 +1,57 @@
+// The tour: every function of the window once, held against what the virtual camera was set to.
+#pragma once
+
+#include "app/mainwindow.h"
+#include "demo/tourguide.h"
+#include "emulator/ptyfront.h"
+
+#include <map>
+
+/// Virtual cameras by type, each with a port of its own in the window's list.
+using DemoCameras = std::map<emulator::CameraType, std::unique_ptr<emulator::PtyFront>>;
+
+/// One run of all stations. User-interface thread; the event loop runs meanwhile.
+class Tour {
+public:
+    Tour(MainWindow& window, DemoCameras& cameras, const QString& folder)
+        : m_window(window), m_cameras(cameras), m_guide(folder) {}
+
+    /// Throws TourFailure at the first thing that is not as it must be.
+    void run();
+
+private:
+    // tour.cpp
+    void showStart();
+    /// Chooses type and address in the dialog and opens the port of that camera.
+    void connectTo(emulator::CameraType type);
+    void disconnect();
+    void showStatusControls();
+    void showJsonVersion();
+    void showDoorAndAbout();
+    // tourpictures.cpp
+    void takePicture(emulator::CameraType type);
+    void listPictures(emulator::CameraType type);
+    // touruploads.cpp
+    void uploadAppImage();
+    void uploadSystemImage();
+    void uploadModel();
+    void uploadAppImageV1();
+    // toursettings.cpp
+    void setSerialNumber();
+    void setHeater();
+    void setCompression();
+    void setCaptureAngles();
+    void showOrientation();
+
+    [[nodiscard]] emulator::PtyFront& front() { return *m_cameras.at(m_type); }
+    /// Runs with the connected camera.
+    template <typename Function>
+    decltype(auto) camera(Function&& function) {
+        return front().withCamera(std::forward<Function>(function));
+    }
+
+    MainWindow& m_window;
+    DemoCameras& m_cameras;
+    TourGuide m_guide;
+    emulator::CameraType m_type = emulator::CameraType::ostra; ///< the connected one
+};
