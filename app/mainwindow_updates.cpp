@@ -109,6 +109,7 @@ void MainWindow::runTask(Task* task, void (Task::*ended)(bool), void (MainWindow
             (this->*showResult)(result);
     });
     if (m_camera != nullptr) {
+        showStatus(tr("正在升级，请勿断电、勿拔线"));
         m_interruptible = true;
         m_keepAwake = std::make_unique<KeepAwake>();
         m_transferDisplay->followTransfer(m_camera->progress());
