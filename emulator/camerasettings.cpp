@@ -2,12 +2,15 @@
 
 #include "emulator/pictureartist.h"
 
+#include <random>
+
 namespace emulator {
 
 CameraSettings settingsForType(CameraType type) {
     CameraSettings settings;
     settings.type = type;
     settings.drawPicture = &drawShelfPicture;
+    settings.pictureSeed = std::random_device()();
     switch (type) {
     case CameraType::ostra:
     case CameraType::salesStatic:

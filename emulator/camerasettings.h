@@ -72,6 +72,9 @@ struct CameraSettings {
     /// Seconds since 1970 at Time zero: the camera's own clock for picture records.
     std::uint32_t clockStart = 1700000000;
     PictureSource drawPicture; ///< set by settingsForType to the shelf drawer
+    /// Where the variations of the pictures begin; settingsForType draws it, so that every camera takes
+    /// other pictures. Set it for pictures that can be foretold.
+    std::uint32_t pictureSeed = 0;
 };
 
 /// The settings a camera of this type comes with: address, rate and switches.

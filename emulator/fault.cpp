@@ -66,6 +66,14 @@ std::int64_t numberIn(std::string_view whole, std::string_view text) {
     return *number;
 }
 
+/// Counts, times and codes.
+std::int64_t amountIn(std::string_view whole, std::string_view text) {
+    const std::int64_t amount = numberIn(whole, text);
+    if (amount < 0 || amount > std::numeric_limits<std::uint32_t>::max())
+        fail(whole, "\"" + std::string(text) + "\" is out of range");
+    return amount;
+}
+
 Bytes bytesIn(std::string_view whole, std::string_view text) {
     Bytes bytes;
     for (std::size_t at = 0; at < text.size(); at += 2) {
@@ -81,9 +89,9 @@ Bytes bytesIn(std::string_view whole, std::string_view text) {
 
 void readPair(Fault& fault, std::string_view whole, std::string_view text) {
     const std::size_t comma = text.find(',');
-    fault.number = numberIn(whole, text.substr(0, comma));
+    fault.number = amountIn(whole, text.substr(0, comma));
     if (comma != std::string_view::npos)
-        fault.second = numberIn(whole, text.substr(comma + 1));
+        fault.second = amountIn(whole, text.substr(comma + 1));
 }
 
 /// Numbers that count from something else: "+1", "-1" (and, with the prefix "size", "size", "size+1").
@@ -110,10 +118,10 @@ void readParameter(Fault& fault, const FaultKindInfo& info, std::string_view who
             fail(whole, "this kind takes no parameter");
         break;
     case number:
-        fault.number = numberIn(whole, text);
+        fault.number = amountIn(whole, text);
         break;
     case optionalNumber:
-        fault.number = text.empty() ? 0 : numberIn(whole, text);
+        fault.number = text.empty() ? 0 : amountIn(whole, text);
         break;
     case numberPair:
         readPair(fault, whole, text);

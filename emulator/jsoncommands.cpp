@@ -45,8 +45,9 @@ void VirtualCamera::jsonPicture(const std::map<std::string, std::string>& values
     }
     // The first piece of a picture takes it.
     if (offset == 0)
-        m_servedJsonPicture =
-            m_state.jsonPicture ? *m_state.jsonPicture : m_settings.drawPicture(1, ++m_picturesDrawn);
+        m_servedJsonPicture = m_state.jsonPicture
+                                  ? *m_state.jsonPicture
+                                  : m_settings.drawPicture(1, m_settings.pictureSeed + ++m_picturesDrawn);
     const Fault* sizeText = request.faults.find(FaultKind::sizeText);
     const std::string size =
         sizeText != nullptr ? sizeText->text : std::to_string(m_servedJsonPicture.size());

@@ -107,7 +107,7 @@ std::uint16_t VirtualCamera::nextPictureId() {
 
 const Picture& VirtualCamera::takePicture(Time visibleFrom) {
     const std::uint16_t id = nextPictureId();
-    Picture picture = makePicture(id, m_settings.drawPicture(id, ++m_picturesDrawn));
+    Picture picture = makePicture(id, m_settings.drawPicture(id, m_settings.pictureSeed + ++m_picturesDrawn));
     const auto sinceStart = std::chrono::duration_cast<std::chrono::seconds>(visibleFrom).count();
     picture.info.creationTime = m_settings.clockStart + static_cast<std::uint32_t>(sinceStart);
     picture.info.date = dateOf(picture.info.creationTime);

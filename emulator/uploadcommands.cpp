@@ -158,8 +158,11 @@ void VirtualCamera::receiveRaw(ByteView bytes, Time now) {
     const ByteView rest = bytes.range(taken.size(), bytes.size());
     if (!record.firstByteAt)
         record.firstByteAt = now;
-    if (now - record.answeredAt < leastQuietTime)
+    if (now - record.answeredAt < leastQuietTime) {
+        if (record.earlyBytes == 0)
+            note(now, Event::Kind::noted, "data sooner than 2 s after the announcement answer");
         record.earlyBytes += static_cast<std::uint32_t>(taken.size());
+    }
     record.chunkSizes.push_back(taken.size());
     protocol::append(record.received, taken);
     m_upload->deadline = std::max(now, record.answeredAt) + m_settings.uploadSilence;

@@ -1,0 +1,168 @@
+// The virtual-camera program, started as a user starts it.
+#include "emulator/fault.h"
+#include "ptyclient.h"
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <spawn.h>
+#include <sstream>
+#include <sys/wait.h>
+
+extern char** environ;
+
+namespace emulatortest {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The program with its output in two files of the working directory.
+class Program {
+public:
+    explicit Program(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), VIRTUAL_CAMERA_PROGRAM);
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments)
+            pointers.push_back(argument.data());
+        pointers.push_back(nullptr);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, 1, "out", O_CREAT | O_WRONLY | O_TRUNC, 0600);
+        posix_spawn_file_actions_addopen(&actions, 2, "err", O_CREAT | O_WRONLY | O_TRUNC, 0600);
+        const int failed =
+            posix_spawn(&m_process, VIRTUAL_CAMERA_PROGRAM, &actions, nullptr, pointers.data(), environ);
+        posix_spawn_file_actions_destroy(&actions);
+        if (failed != 0)
+            m_process = -1;
+    }
+    ~Program() {
+        if (m_process > 0) {
+            ::kill(m_process, SIGKILL);
+            ::waitpid(m_process, nullptr, 0);
+        }
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    void signal(int number) const { ::kill(m_process, number); }
+    /// The exit code; -1 for an end by a signal.
+    int wait() {
+        int status = 0;
+        ::waitpid(m_process, &status, 0);
+        m_process = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    static std::string text(const char* file) {
+        std::ostringstream text;
+        text << std::ifstream(file).rdbuf();
+        return text.str();
+    }
+
+private:
+    pid_t m_process = -1;
+};
+
+TEST(Program, HelpNamesEveryOption) {
+    EXPECT_EQ(Program({"--help"}).wait(), 0);
+    const std::string help = Program::text("out");
+    for (const char* const option : {"--type", "--address", "--device", "--link", "--pace", "--fault",
+                                     "--pictures", "--offset", "--list-faults", "--help"})
+        EXPECT_THAT(help, testing::HasSubstr(option));
+}
+
+TEST(Program, ListFaultsNamesEveryKindAndRequest) {
+    EXPECT_EQ(Program({"--list-faults"}).wait(), 0);
+    const std::string list = Program::text("out");
+    for (const FaultKindInfo& info : faultKinds())
+        EXPECT_THAT(list, testing::HasSubstr("  " + std::string(info.name)));
+    for (const RequestName& name : requestNames())
+        EXPECT_THAT(list, testing::HasSubstr("  " + std::string(name.name) + " "));
+}
+
+struct BadLine {
+    std::vector<std::string> arguments;
+    const char* message;
+};
+
+class BadArguments : public testing::TestWithParam<BadLine> {};
+
+TEST_P(BadArguments, EndWithAMessageAndCode2) {
+    EXPECT_EQ(Program(GetParam().arguments).wait(), 2);
+    EXPECT_THAT(Program::text("err"), testing::HasSubstr(GetParam().message));
+    EXPECT_EQ(Program::text("out"), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, BadArguments,
+    testing::Values(BadLine{{"--nonsense"}, "unknown option \"--nonsense\""},
+                    BadLine{{"stray"}, "unknown option"}, BadLine{{"--type", "5"}, "--type"},
+                    BadLine{{"--type", "shiny"}, "\"shiny\""}, BadLine{{"--type"}, "needs a value"},
+                    BadLine{{"--address", "256"}, "from 0 to 255"}, BadLine{{"--address="}, "needs a value"},
+                    BadLine{{"--pace", "0"}, "--pace"}, BadLine{{"--offset", "-1"}, "--offset"},
+                    BadLine{{"--fault", "boom"}, "no kind \"boom\""},
+                    BadLine{{"--help=now"}, "takes no value"}, BadLine{{"--device", "missing"}, "missing"},
+                    BadLine{{"--device", "out"}, "not a serial device"},
+                    BadLine{{"--pictures", "missing"}, "cannot read the folder missing"},
+                    BadLine{{"--link", "no/such/folder/link"}, "no/such/folder"},
+                    BadLine{{"--device", "d", "--link", "l"}, "--link"}));
+
+TEST(Program, ServesOverItsLinkAndTellsWhatHappens) {
+    Program program({"--link", "camera", "--fault", "silent@heartbeat#2"});
+    ASSERT_TRUE(comesTrue([] { return fs::is_symlink("camera"); }));
+    PtyClient client("camera");
+    client.write(hex(heartbeatRequest));
+    EXPECT_EQ(client.read(11), hex(heartbeatAnswer));
+    EXPECT_TRUE(comesTrue([] {
+        const std::string out = Program::text("out");
+        return out.find("<- heartbeat (01, address 0x01): 00") != std::string::npos &&
+               out.find("-> payload 01, 11 bytes after 8 ms") != std::string::npos;
+    })) << Program::text("out");
+    client.write(hex(heartbeatRequest));
+    EXPECT_TRUE(
+        comesTrue([] { return Program::text("out").find("no answer [silent]") != std::string::npos; }));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_FALSE(fs::is_symlink("camera"));
+}
+
+TEST(Program, EndsOnAnInterruptAndRemovesItsLink) {
+    Program program({"--link", "camera", "--type", "dorvel", "--pace", "46080"});
+    ASSERT_TRUE(comesTrue([] { return fs::is_symlink("camera"); }));
+    PtyClient client("camera");
+    client.write(hex("AA 5A EE 01 01 00 00 00 00 54 68"));
+    EXPECT_EQ(client.read(11), hex("AA 5A EE 01 01 00 00 00 01 75 78"));
+    program.signal(SIGINT);
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_FALSE(fs::is_symlink("camera"));
+}
+
+TEST(Program, HoldsThePicturesOfAFolder) {
+    fs::create_directory("pictures");
+    std::ofstream("pictures/b.JPG") << "second";
+    std::ofstream("pictures/a.jpg") << "first";
+    std::ofstream("pictures/notes.txt") << "no picture";
+    Program program({"--link", "camera", "--pictures", "pictures"});
+    ASSERT_TRUE(comesTrue([] { return fs::is_symlink("camera"); }));
+    PtyClient client("camera");
+    client.write(hex("AA 5A 01 07 00 00 00 00 38 2C"));
+    const Bytes catalogue = client.read(65);
+    ASSERT_EQ(catalogue.size(), 65U);
+    EXPECT_EQ(catalogue[8], 2);
+    Bytes request(9);
+    request[0] = catalogue[9];
+    request[5] = 5;
+    client.write(protocol::buildFrame(0x09, request, 1));
+    EXPECT_EQ(ByteView(client.read(16)).range(9, 14).toText(), "first");
+}
+
+TEST(Program, EndsWithCode1WhenTheLineIsGone) {
+    Program program({"--link", "camera", "--fault", "hang-up@heartbeat"});
+    ASSERT_TRUE(comesTrue([] { return fs::is_symlink("camera"); }));
+    PtyClient client("camera");
+    client.write(hex(heartbeatRequest));
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_THAT(Program::text("err"), testing::HasSubstr("the line is gone"));
+}
+
+} // namespace
+} // namespace emulatortest
