@@ -5,6 +5,7 @@
 #include <QAbstractItemView>
 #include <QEvent>
 #include <QLabel>
+#include <QTimer>
 
 void PictureListHeader::setUp(const PictureGeneration& generation, QAbstractItemView* list) {
     m_columns = generation.columns;
@@ -26,8 +27,11 @@ void PictureListHeader::setUp(const PictureGeneration& generation, QAbstractItem
 }
 
 bool PictureListHeader::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Resize || event->type() == QEvent::Move || event->type() == QEvent::Show)
+    if (event->type() == QEvent::Resize || event->type() == QEvent::Show)
         placeLabels();
+    // The list by itself keeps rows that are too wide for a moment after it got narrower.
+    if (event->type() == QEvent::Resize)
+        QTimer::singleShot(0, m_list, &QAbstractItemView::doItemsLayout);
     return QWidget::eventFilter(watched, event);
 }
 
