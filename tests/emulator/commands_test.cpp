@@ -8,6 +8,8 @@ struct Exchange {
     const char* name;
     const char* request;
     const char* answer;
+
+    friend void PrintTo(const Exchange& row, std::ostream* out) { *out << row.name; }
 };
 
 class GoldenExchange : public testing::TestWithParam<Exchange> {};
@@ -256,6 +258,10 @@ struct TypeRow {
     std::uint8_t address;
     std::uint32_t baudRate;
     bool properties, firstPictures, v1Pictures, appUpdate, appUpdateV1, json;
+
+    friend void PrintTo(const TypeRow& row, std::ostream* out) {
+        *out << "type " << static_cast<std::uint32_t>(row.type);
+    }
 };
 
 class Types : public testing::TestWithParam<TypeRow> {};

@@ -87,6 +87,8 @@ TEST(FaultTable, RequestNamesAreFoundByTheirOwnText) {
 struct AnswerFault {
     const char* fault;
     const char* answer; ///< to getSn of "A1"
+
+    friend void PrintTo(const AnswerFault& row, std::ostream* out) { *out << row.fault; }
 };
 
 class SnAnswer : public testing::TestWithParam<AnswerFault> {};
@@ -118,6 +120,8 @@ INSTANTIATE_TEST_SUITE_P(
 struct PayloadFault {
     const char* fault;
     const char* payload;
+
+    friend void PrintTo(const PayloadFault& row, std::ostream* out) { *out << row.fault; }
 };
 
 class SnPayload : public testing::TestWithParam<PayloadFault> {};

@@ -79,9 +79,26 @@ TEST(Program, ListFaultsNamesEveryKindAndRequest) {
         EXPECT_THAT(list, testing::HasSubstr("  " + std::string(name.name) + " "));
 }
 
+TEST(Program, TheManualHasARowForEveryFaultAndNamesEveryRequest) {
+    const std::string manual = Program::text(VIRTUAL_CAMERA_MANUAL);
+    for (const FaultKindInfo& info : faultKinds()) {
+        const std::size_t row = manual.find("\n| `" + std::string(info.name) + "` |");
+        ASSERT_NE(row, std::string::npos) << info.name;
+        const std::string line = manual.substr(row + 1, manual.find('\n', row + 1) - row - 1);
+        EXPECT_THAT(line, testing::EndsWith("| " + std::string(info.description) + " |"));
+    }
+    for (const RequestName& name : requestNames())
+        EXPECT_THAT(manual, testing::HasSubstr("`" + std::string(name.name) + "`"));
+}
+
 struct BadLine {
     std::vector<std::string> arguments;
     const char* message;
+
+    friend void PrintTo(const BadLine& line, std::ostream* out) {
+        for (const std::string& argument : line.arguments)
+            *out << argument << ' ';
+    }
 };
 
 class BadArguments : public testing::TestWithParam<BadLine> {};

@@ -184,6 +184,8 @@ struct OffsetRow {
     const char* offset;
     std::uint32_t answered;
     bool waitsForData;
+
+    friend void PrintTo(const OffsetRow& row, std::ostream* out) { *out << row.offset; }
 };
 
 class UploadOffset : public testing::TestWithParam<OffsetRow> {};
