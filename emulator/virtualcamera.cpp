@@ -151,7 +151,9 @@ void VirtualCamera::receiveJson(Bytes bytes, Time now) {
     frame.heard = !booting(now);
     const bool heard = frame.heard;
     m_record.frames.push_back(std::move(frame));
-    note(now, Event::Kind::received, describe(request.key) + ": " + ByteView(request.payload).toText());
+    note(now, Event::Kind::received,
+         describe(request.key) + ": " + ByteView(request.payload).toText() +
+             (heard ? "" : "; restarting, ignored"));
     if (heard)
         serve(std::move(request));
 }

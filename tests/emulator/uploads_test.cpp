@@ -160,6 +160,15 @@ TEST_F(Uploads, InterruptedUploadsAreForgottenWhenSwitchedSo) {
     EXPECT_TRUE(bench.camera.state().heldUpload.empty());
 }
 
+TEST_F(Uploads, AnInterruptedUploadWithAGapIsNotKept) {
+    bench.camera.addFault("offset=512@appUpdate#1");
+    bench.ask(app1300, 2s);
+    bench.ask(Bytes(100), 6s);
+    EXPECT_FALSE(bench.camera.uploading());
+    EXPECT_TRUE(bench.camera.state().heldUpload.empty());
+    EXPECT_EQ(bench.ask(app1300, 2s), hex(canFrom0));
+}
+
 TEST_F(Uploads, AnImageThatIsRefusedIsStillSwallowed) {
     bench.camera.addFault("result=1@appUpdate");
     bench.camera.addFault("offset=512@appUpdate");
