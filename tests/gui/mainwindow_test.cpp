@@ -63,13 +63,13 @@ struct LayoutRow {
 };
 
 const std::vector<LayoutRow> layouts = {
-    {"centralwidget", "verticalLayout", true, {"frame_top", "frame_bottom", "frame_path"}},
+    {"centralwidget", "verticalLayout", true, {"frame_top", "frame_bottom"}},
     {"frame_top", "horizontalLayout_6", false, {"label", "frame_7"}},
     {"frame_7",
      "verticalLayout_6",
      true,
      {"label_modelinfo", "btn_modelinfo", "btn_modelpath", "et_modelname", "btn_modelupdate"}},
-    {"frame_bottom", "horizontalLayout", false, {"frame", "frame_2", "frame_3"}},
+    {"frame_bottom", "horizontalLayout", false, {"frame", "frame_2", "frame_3", "frame_path"}},
     {"frame",
      "verticalLayout_2",
      true,
@@ -285,6 +285,21 @@ TEST_F(MainWindowAtStart, GivesThePictureTheSpaceThatIsLeft) {
     QTest::qWait(20);
     EXPECT_EQ(picture->size(), now);
     EXPECT_EQ(window.size(), QSize(1200, 700));
+}
+
+TEST_F(MainWindowAtStart, KeepsThePictureAsHighWhenPathsAppear) {
+    MainWindow window;
+    window.show();
+    const int before = find<QLabel>(window, "label")->height();
+    find<QFrame>(window, "frame_path")->show();
+    for (const char* const name : {"label_apppath", "label_firewarepath", "label_modelpath"}) {
+        auto* const label = find<QLabel>(window, name);
+        label->setText("/a/rather/long/path/" + QString(300, 'x'));
+        label->show();
+    }
+    QTest::qWait(20);
+    EXPECT_EQ(find<QLabel>(window, "label")->height(), before);
+    EXPECT_GT(find<QLabel>(window, "label_modelpath")->height(), 20);
 }
 
 TEST_F(MainWindowAtStart, FitsASmallScreen) {
