@@ -324,7 +324,7 @@ TEST_F(MainWindowAndCamera, SaysThatAVanishedPortIsGoneAndOpensItWhenItIsBack) {
     choosePort(link);
     camera.vanish();
     BoxAnswerer boxes;
-    click(*window, "btn_open");
+    clickThatThrows(*window, "btn_open");
     ASSERT_TRUE(boxes.waitFor(1));
     EXPECT_TRUE(boxes.seen()[0].text.contains("串口不存在或已拔出"));
     EXPECT_EQ(text(*window, "btn_open"), "打开串口");

@@ -128,7 +128,7 @@ TEST_F(MainWindowLink, LetsTheExceptionOfAFailedOpeningLeaveTheHandler) {
 TEST_F(MainWindowLink, TellsOfAFailedOpeningInABoxAndInTheStatusBar) {
     fake_serial::failOpening(ENOENT);
     BoxAnswerer boxes;
-    click(*window, "btn_open");
+    clickThatThrows(*window, "btn_open");
     expectClosed();
     ASSERT_TRUE(boxes.waitFor(1));
     EXPECT_TRUE(boxes.seen()[0].text.startsWith("打开串口失败：")) << boxes.seen()[0].text.toStdString();
@@ -150,7 +150,7 @@ TEST_F(MainWindowLink, SaysWhatToDoAboutEachKindOfFailure) {
     std::size_t count = 0;
     for (const auto& [errorNumber, expected] : advice) {
         fake_serial::failOpening(errorNumber);
-        click(*window, "btn_open");
+        clickThatThrows(*window, "btn_open");
         ASSERT_TRUE(boxes.waitFor(++count)) << errorNumber;
         EXPECT_TRUE(boxes.seen().back().text.contains(expected)) << boxes.seen().back().text.toStdString();
         expectClosed();
@@ -162,7 +162,7 @@ TEST_F(MainWindowLink, StandsAThousandFailedOpeningsWithOneBox) {
     auto* const button = find<QPushButton>(*window, "btn_open");
     BoxAnswerer boxes;
     for (int attempt = 0; attempt < 1000; ++attempt)
-        QTest::mouseClick(button, Qt::LeftButton);
+        clickThatThrows(*window, "btn_open");
     ASSERT_TRUE(boxes.waitFor(1));
     QTest::qWait(50);
     EXPECT_EQ(boxes.seen().size(), 1U);

@@ -67,7 +67,7 @@ TEST_F(BadPorts, EachIsToldWithWhatToDoAndLeavesTheWindowClosed) {
     std::size_t count = 0;
     for (const auto& [port, advice] : ports) {
         choose(port);
-        click(window, "btn_open");
+        clickThatThrows(window, "btn_open");
         ASSERT_TRUE(boxes.waitFor(++count)) << port;
         EXPECT_TRUE(boxes.seen().back().text.startsWith("打开串口失败：")) << port;
         EXPECT_TRUE(boxes.seen().back().text.contains(advice)) << boxes.seen().back().text.toStdString();
@@ -78,12 +78,11 @@ TEST_F(BadPorts, EachIsToldWithWhatToDoAndLeavesTheWindowClosed) {
 
 TEST_F(BadPorts, MayBeTriedAThousandTimesWithoutLosingDescriptors) {
     BoxAnswerer boxes;
-    auto* const button = find<QPushButton>(window, "btn_open");
     for (const char* const port : {"/dev/ttyUSB-missing", "dangling", "a-file", "/dev/null"}) {
         choose(port);
         const std::ptrdiff_t before = openDescriptors();
         for (int attempt = 0; attempt < 250; ++attempt)
-            QTest::mouseClick(button, Qt::LeftButton);
+            clickThatThrows(window, "btn_open");
         EXPECT_EQ(openDescriptors(), before) << port;
         expectClosed();
         QTest::qWait(30);
