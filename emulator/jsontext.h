@@ -9,7 +9,7 @@
 namespace emulator {
 
 /// Every number, text and literal of a JSON object by its path ("cmdType", "info.offset", "list.0"), as text;
-/// nothing when the text is not one well-formed object. Escapes in texts are kept as they stand.
+/// nothing when the text is not one well-formed object.
 [[nodiscard]] std::optional<std::map<std::string, std::string>> readJsonObject(std::string_view text);
 
 /// The value at the path as a whole number.

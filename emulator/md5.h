@@ -1,4 +1,4 @@
-// MD5 of the camera's side. Its own, so that a mistake in the tool's digest cannot hide here.
+// MD5 of the camera's side.
 #pragma once
 
 #include "link/protocol/bytes.h"
