@@ -24,7 +24,7 @@ public:
 private:
     struct Entry {
         QPointer<QWidget> window;
-        ClientBorrower* borrower;
+        ClientBorrower* borrower = nullptr;
     };
 
     template <typename Action>

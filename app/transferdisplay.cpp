@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -23,7 +24,7 @@ QString translated(const char* text) {
 }
 
 QString timeText(double seconds) {
-    const auto whole = static_cast<int>(seconds + 0.5);
+    const auto whole = static_cast<int>(std::lround(seconds));
     return QStringLiteral("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QLatin1Char('0'));
 }
 

@@ -56,7 +56,7 @@ protected:
     template <typename Work, typename Apply>
     void runOnPool(QObject* context, Work work, Apply apply) {
         struct Job {
-            CameraSp* client;
+            CameraSp* client = nullptr;
             CameraSp::Lease lease;
             Work work;
         };
