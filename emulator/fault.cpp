@@ -212,7 +212,7 @@ const Fault* FaultSet::find(FaultKind kind) const {
 std::string FaultSet::names() const {
     std::string names;
     for (const Fault& fault : m_faults)
-        names += (names.empty() ? "" : " ") + std::string(infoOf(fault.kind).name);
+        names.append(names.empty() ? "" : " ").append(infoOf(fault.kind).name);
     return names;
 }
 

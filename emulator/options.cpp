@@ -136,7 +136,7 @@ std::string faultListText() {
     for (const FaultKindInfo& info : faultKinds()) {
         std::string form(info.name);
         if (!info.example.empty())
-            form += "=" + std::string(info.example);
+            form.append("=").append(info.example);
         text << "  " << padded(form, 24) << info.description << "\n";
     }
     text

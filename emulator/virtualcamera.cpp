@@ -28,7 +28,7 @@ std::string address(std::uint8_t value) {
 std::string hexText(ByteView bytes) {
     std::string text;
     for (std::size_t i = 0; i < bytes.size() && i < longestHexText; ++i)
-        text += (i == 0 ? "" : " ") + protocol::paddedHexText(bytes.range(i, i + 1));
+        text.append(i == 0 ? "" : " ").append(protocol::paddedHexText(bytes.range(i, i + 1)));
     if (bytes.size() > longestHexText)
         text += " ... (" + std::to_string(bytes.size()) + " bytes)";
     return text;

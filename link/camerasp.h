@@ -179,7 +179,7 @@ private:
     bool awaitVerdict(const UploadKind& kind);
     bool appCanUpdate(const std::vector<std::uint8_t>& answer, std::uint32_t& offset) const;
     std::optional<protocol::Bytes> announceV1(protocol::ByteView payload);
-    std::optional<std::uint8_t> sendClosingPackets(std::uint32_t fileSize);
+    std::uint8_t sendClosingPackets(std::uint32_t fileSize);
 
     std::unique_ptr<SerialPort> m_port;
     std::uint32_t m_workingValue = 0;

@@ -38,6 +38,7 @@ constexpr auto v1PauseAfterAnnouncements = 1s;
 constexpr auto v1PauseBeforePacket = 30ms;
 constexpr int v1ClosingPackets = 11;
 constexpr std::uint8_t v1LastGoodResult = 1;
+constexpr std::uint8_t v1NoResult = 0xFF; // as bad as any above the last good one
 
 } // namespace
 
@@ -235,12 +236,11 @@ bool CameraSp::appUpdateV1(const std::string& fileName, const std::string& path)
             return false;
         }
         diagnostics::line("after data-send");
-        const std::optional<std::uint8_t> packageResult =
-            offset == size ? sendClosingPackets(size) : std::nullopt;
+        const std::uint8_t packageResult = offset == size ? sendClosingPackets(size) : v1NoResult;
         diagnostics::line("after data-send3");
-        if (!packageResult || *packageResult > v1LastGoodResult)
+        if (packageResult > v1LastGoodResult)
             return false;
-        diagnostics::line("packageResult:", unsigned{*packageResult});
+        diagnostics::line("packageResult:", unsigned{packageResult});
         return true;
     });
 }
@@ -262,11 +262,11 @@ std::optional<Bytes> CameraSp::announceV1(ByteView payload) {
 }
 
 /// Always eleven closing packets; the last result that came is the one that counts.
-std::optional<std::uint8_t> CameraSp::sendClosingPackets(std::uint32_t fileSize) {
+std::uint8_t CameraSp::sendClosingPackets(std::uint32_t fileSize) {
     diagnostics::line("after data-send2");
     m_progress.phase = TransferProgress::Phase::awaitingVerdict;
     const Bytes payload = buildPacket(fileSize, {});
-    std::optional<std::uint8_t> packageResult;
+    std::uint8_t packageResult = v1NoResult;
     for (int sent = 0; sent < v1ClosingPackets; ++sent) {
         const Answer answer = exchange(rules::appUpdateV1Closing, payload);
         if (!answer.accepted) {
@@ -275,7 +275,7 @@ std::optional<std::uint8_t> CameraSp::sendClosingPackets(std::uint32_t fileSize)
             diagnostics::line("packageResult little2");
         } else {
             packageResult = ByteView(answer.bytes).get(answer_layout::status);
-            diagnostics::line("now packageResult:", unsigned{*packageResult});
+            diagnostics::line("now packageResult:", unsigned{packageResult});
         }
     }
     return packageResult;

@@ -70,18 +70,22 @@ private:
     std::span<const std::uint8_t> m_bytes;
 };
 
+/// Appends zero bytes up to this size; a longer buffer stays as it is.
+void growTo(Bytes& bytes, std::size_t size);
+
 /// Writes a value at its field; the buffer grows with zero bytes when it is too short.
 template <std::unsigned_integral T>
 void put(Bytes& bytes, Field<T> field, T value) {
-    if (bytes.size() < field.end())
-        bytes.resize(field.end(), 0);
+    growTo(bytes, field.end());
     for (std::size_t i = 0; i < sizeof(T); ++i)
         bytes[field.offset + i] =
             static_cast<std::uint8_t>((static_cast<std::uint64_t>(value) >> (8 * i)) & 0xFFU);
 }
 
 inline void append(Bytes& bytes, ByteView more) {
-    bytes.insert(bytes.end(), more.begin(), more.end());
+    const std::size_t before = bytes.size();
+    growTo(bytes, before + more.size());
+    std::copy(more.begin(), more.end(), bytes.begin() + static_cast<std::ptrdiff_t>(before));
 }
 
 inline Bytes bytesOf(std::string_view text) {
