@@ -2,18 +2,22 @@
 
 #ifdef _WIN32
 #include <windows.h>
+#endif
+
+namespace {
+
+void keepSystemAwake([[maybe_unused]] bool awake) {
+#ifdef _WIN32
+    SetThreadExecutionState(awake ? ES_CONTINUOUS | ES_SYSTEM_REQUIRED : ES_CONTINUOUS);
+#endif
+}
+
+} // namespace
 
 KeepAwake::KeepAwake() {
-    SetThreadExecutionState(ES_CONTINUOUS | ES_SYSTEM_REQUIRED);
+    keepSystemAwake(true);
 }
 
 KeepAwake::~KeepAwake() {
-    SetThreadExecutionState(ES_CONTINUOUS);
+    keepSystemAwake(false);
 }
-
-#else
-
-KeepAwake::KeepAwake() = default;
-KeepAwake::~KeepAwake() = default;
-
-#endif

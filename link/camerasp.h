@@ -172,6 +172,8 @@ private:
                                                      const char* failureText);
     Answer download(const protocol::ExchangeRule& rule, protocol::ByteView request, std::uint32_t size);
 
+    std::optional<protocol::Bytes> downloadJsonPicture();
+
     /// One raw-chunk upload; throws kind.cannotOpenText when the file cannot be opened.
     bool upload(const UploadKind& kind, const std::string& path, const std::string& name);
     std::optional<std::int32_t> announce(const UploadKind& kind, protocol::ByteView payload);

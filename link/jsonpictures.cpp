@@ -19,33 +19,39 @@ std::string CameraSp::getQuentaModbusProperty(const std::string& request) {
     });
 }
 
-bool CameraSp::getQuentaModbusPic(std::uint8_t number) {
-    const auto failed = [](const char* text) {
-        diagnostics::line(text);
-        return false;
-    };
-    return guarded(false, [&] {
-        const Answer first = exchange(rules::quentaFirstChunk, bytesOf(jsonChunkRequest(0, jsonFirstChunk)));
-        if (!first.accepted)
-            return failed("error");
-        diagnostics::line("first end");
-        const ByteView body = jsonBody(first.bytes);
-        Bytes picture = jsonPictureData(body).toBytes();
-        const std::optional<int> stated = jsonPictureSize(body);
-        if (!stated)
-            return failed("picture size missing");
-
-        const std::int64_t total = *stated; // may be negative: then the first piece was the whole picture
-        for (std::int64_t offset = jsonFirstChunk; offset < total;) {
-            const std::int64_t length = std::min(total - offset, jsonLaterChunk);
-            const Answer later = exchange(rules::quentaLaterChunk, bytesOf(jsonChunkRequest(offset, length)));
-            if (!later.accepted) {
-                diagnostics::line("check2 failed");
-                return failed("read failed");
-            }
-            offset += length;
-            append(picture, jsonPictureData(jsonBody(later.bytes)));
+/// All pieces in order; nothing, with its line logged, when one is missing or the size is not told.
+std::optional<Bytes> CameraSp::downloadJsonPicture() {
+    const Answer first = exchange(rules::quentaFirstChunk, bytesOf(jsonChunkRequest(0, jsonFirstChunk)));
+    if (!first.accepted) {
+        diagnostics::line("error");
+        return std::nullopt;
+    }
+    diagnostics::line("first end");
+    const ByteView body = jsonBody(first.bytes);
+    Bytes picture = jsonPictureData(body).toBytes();
+    const std::optional<int> stated = jsonPictureSize(body);
+    if (!stated) {
+        diagnostics::line("picture size missing");
+        return std::nullopt;
+    }
+    const std::int64_t total = *stated; // may be negative: then the first piece was the whole picture
+    for (std::int64_t offset = jsonFirstChunk; offset < total;) {
+        const std::int64_t length = std::min(total - offset, jsonLaterChunk);
+        const Answer later = exchange(rules::quentaLaterChunk, bytesOf(jsonChunkRequest(offset, length)));
+        if (!later.accepted) {
+            diagnostics::line("check2 failed");
+            diagnostics::line("read failed");
+            return std::nullopt;
         }
-        return writePicture(std::to_string(number) + ".jpg", picture);
+        offset += length;
+        append(picture, jsonPictureData(jsonBody(later.bytes)));
+    }
+    return picture;
+}
+
+bool CameraSp::getQuentaModbusPic(std::uint8_t number) {
+    return guarded(false, [&] {
+        const std::optional<Bytes> picture = downloadJsonPicture();
+        return picture && writePicture(std::to_string(number) + ".jpg", *picture);
     });
 }

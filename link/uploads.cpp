@@ -44,57 +44,57 @@ constexpr std::uint8_t v1NoResult = 0xFF; // as bad as any above the last good o
 
 bool CameraSp::appUpdate() {
     static constexpr UploadKind kind{
-        rules::appUpdate,
-        false,
-        false,
-        rules::appVerdictTries,
-        "file cant open in appUpdate",
-        "md5Value2:",
-        "appupdate queryCanUpdate checkfailed",
-        "can update,offset is ",
-        "cant update",
-        "offset:",
-        "Warning :write length !=targetGap  writeLength:",
-        " targetgap:",
-        "appupdate update-end failed",
+        .rule = rules::appUpdate,
+        .named = false,
+        .flushesChunks = false,
+        .verdictTries = rules::appVerdictTries,
+        .cannotOpenText = "file cant open in appUpdate",
+        .digestTag = "md5Value2:",
+        .unansweredText = "appupdate queryCanUpdate checkfailed",
+        .canUpdateTag = "can update,offset is ",
+        .cannotUpdateText = "cant update",
+        .offsetTag = "offset:",
+        .shortWriteTag = "Warning :write length !=targetGap  writeLength:",
+        .shortWriteTargetTag = " targetgap:",
+        .noVerdictText = "appupdate update-end failed",
     };
     return upload(kind, m_appFilePath, {});
 }
 
 bool CameraSp::firewareUpdate() {
     static constexpr UploadKind kind{
-        rules::firewareUpdate,
-        false,
-        true,
-        0,
-        "file cant open in firewareUpdate",
-        "md5Value:",
-        "firewareupdate queryfireware cmd checkfailed",
-        "fireware can update,offset is ",
-        "fireware cant update",
-        "fireware offset:",
-        "warning:::::: writeLength:",
-        "  targetGap:",
-        "",
+        .rule = rules::firewareUpdate,
+        .named = false,
+        .flushesChunks = true,
+        .verdictTries = 0,
+        .cannotOpenText = "file cant open in firewareUpdate",
+        .digestTag = "md5Value:",
+        .unansweredText = "firewareupdate queryfireware cmd checkfailed",
+        .canUpdateTag = "fireware can update,offset is ",
+        .cannotUpdateText = "fireware cant update",
+        .offsetTag = "fireware offset:",
+        .shortWriteTag = "warning:::::: writeLength:",
+        .shortWriteTargetTag = "  targetGap:",
+        .noVerdictText = "",
     };
     return upload(kind, m_firewareFilePath, {});
 }
 
 bool CameraSp::modelUpdate() {
     static constexpr UploadKind kind{
-        rules::modelUpdate,
-        true,
-        true,
-        rules::modelVerdictTries,
-        "file cant open in appUpdate", // the model shares the application's text
-        "md5Value2:",
-        "updateModel queryModelInfo checkfailed",
-        "can update2,offset is ",
-        "cant update:",
-        "offset:",
-        "Warning :write length !=targetGap  writeLength:",
-        " targetgap:",
-        "modelupdate update-end failed2",
+        .rule = rules::modelUpdate,
+        .named = true,
+        .flushesChunks = true,
+        .verdictTries = rules::modelVerdictTries,
+        .cannotOpenText = "file cant open in appUpdate", // the model shares the application's text
+        .digestTag = "md5Value2:",
+        .unansweredText = "updateModel queryModelInfo checkfailed",
+        .canUpdateTag = "can update2,offset is ",
+        .cannotUpdateText = "cant update:",
+        .offsetTag = "offset:",
+        .shortWriteTag = "Warning :write length !=targetGap  writeLength:",
+        .shortWriteTargetTag = " targetgap:",
+        .noVerdictText = "modelupdate update-end failed2",
     };
     return upload(kind, m_modelFilePath, m_modelName);
 }
