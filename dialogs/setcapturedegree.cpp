@@ -54,6 +54,7 @@ void SetCaptureDegree::doGetInfo(bool fullRefresh, int item) {
     if (fullRefresh)
         items = {anglesItem, directionItem, reserveItem, gyroItem};
     std::vector<SettingId> ids;
+    ids.reserve(items.size());
     for (int each : items)
         ids.push_back(itemSettings.at(static_cast<std::size_t>(each - 1)));
 

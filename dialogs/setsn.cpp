@@ -52,7 +52,7 @@ QString SetSN::adapterText(const QList<QNetworkInterface>& adapters) {
     for (const QNetworkInterface& adapter : adapters) {
         if (!adapter.isValid() || adapter.flags().testFlag(QNetworkInterface::IsLoopBack))
             continue;
-        const QString address = adapter.hardwareAddress();
+        QString address = adapter.hardwareAddress();
         if (!address.isEmpty())
             return address;
     }

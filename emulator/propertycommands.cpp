@@ -10,7 +10,6 @@ namespace {
 
 using protocol::bytesOf;
 using protocol::code;
-using protocol::Command;
 using protocol::Field;
 using protocol::PropertyId;
 

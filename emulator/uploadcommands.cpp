@@ -11,7 +11,6 @@ namespace emulator {
 
 namespace {
 
-using protocol::code;
 using protocol::Command;
 using protocol::Field;
 using std::chrono::milliseconds;

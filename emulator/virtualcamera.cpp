@@ -158,6 +158,12 @@ void VirtualCamera::receiveJson(Bytes bytes, Time now) {
         serve(std::move(request));
 }
 
+bool VirtualCamera::canBeDeleted(std::uint8_t id) const {
+    return id == protocol::originDeleteAll ||
+           std::any_of(m_state.pictures.begin(), m_state.pictures.end(),
+                       [id](const Picture& picture) { return picture.info.id == id; });
+}
+
 /// With a picture-command offset, codes of other commands may mean pictures. The form of the payload tells
 /// them apart where it can; a shifted delete of one picture is one only for a picture that is held.
 bool VirtualCamera::isPictureRequest(std::uint8_t base, std::uint8_t lineCode, ByteView payload) const {
@@ -166,14 +172,8 @@ bool VirtualCamera::isPictureRequest(std::uint8_t base, std::uint8_t lineCode, B
     case Command::originCapture:
     case Command::originCatalogue:
         return payload.empty();
-    case Command::originDelete: {
-        if (!shared || payload.size() != 1)
-            return payload.size() == 1;
-        const std::uint8_t id = *payload.begin();
-        return id == protocol::originDeleteAll ||
-               std::any_of(m_state.pictures.begin(), m_state.pictures.end(),
-                           [id](const Picture& picture) { return picture.info.id == id; });
-    }
+    case Command::originDelete:
+        return payload.size() == 1 && (!shared || canBeDeleted(*payload.begin()));
     case Command::originRead:
         return payload.size() == protocol::origin_read_request::size &&
                (!shared || payload.get(protocol::origin_read_request::startOffset) == 0);

@@ -96,6 +96,7 @@ private:
     void receiveJson(Bytes bytes, Time now);
     void noteBadFrame(const FrameScanner::Item& item, Time now);
     [[nodiscard]] RequestKey classify(std::uint8_t lineCode, ByteView payload) const;
+    [[nodiscard]] bool canBeDeleted(std::uint8_t id) const;
     [[nodiscard]] bool isPictureRequest(std::uint8_t base, std::uint8_t lineCode, ByteView payload) const;
     [[nodiscard]] bool knows(const CommandRow& row) const;
     [[nodiscard]] bool wakesForHeartbeat(const RequestKey& key, Time now);
