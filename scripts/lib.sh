@@ -97,6 +97,27 @@ run_tests() {
   )
 }
 
+tour_limit_s=300
+
+# take_tour DEMO FOLDER [ARGUMENT...]: lets the window operate itself on a virtual display. The screenshots, the
+# pictures that the tool downloads into its working directory and the files it uploads are left in FOLDER,
+# which is emptied before.
+take_tour() {
+  local demo=$1 folder=$2
+  shift 2
+  ensure_packages xvfb xauth
+  rm -rf "$folder"
+  mkdir -p "$folder"
+  say "taking the tour on a virtual display"
+  (
+    cd "$folder" || exit
+    env -u QT_QPA_PLATFORM -u WAYLAND_DISPLAY xvfb-run --auto-servernum \
+      --server-args='-screen 0 1280x1024x24' \
+      timeout --kill-after=10 "$tour_limit_s" "$demo" --tour "$folder" "$@"
+  ) </dev/null || fail "the tour ended with code $?"
+  compgen -G "$folder/*.png" >/dev/null || fail "the tour left no screenshots in $folder"
+}
+
 # project_files PATTERN...: tracked files whose names match, relative to the root, one a line. Without git
 # (an unpacked archive) those outside build folders.
 project_files() {

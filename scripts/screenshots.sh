@@ -1,0 +1,79 @@
+#!/usr/bin/env bash
+# Takes the tour and copies the pictures that the documents show into docs/images, under names that stay the
+# same when the tour grows. Look at them before they are committed.
+# Usage: scripts/screenshots.sh [path of a built shelf-camera-demo]     without a path it builds one
+. "$(dirname "$0")/lib.sh"
+
+image_folder=$project_root/docs/images
+# The window shows where the files of its uploads are: the same path for everybody who makes the pictures.
+tour_folder=/var/tmp/camera-files
+
+# Name in docs/images, name in the tour, which one of those of that name.
+chosen=(
+  "start start 1"
+  "main-window picture 1"
+  "versions versions 1"
+  "json-version json-version 1"
+  "camera-settings camera-settings 1"
+  "gyro gyro 1"
+  "reboot-question reboot-question 1"
+  "door door 1"
+  "about about 1"
+  "list list 1"
+  "list-v1 list 2"
+  "list-picture-taken list-picture-taken 1"
+  "viewer list-view 1"
+  "sn-idle sn-idle 1"
+  "sn-counting sn-counting 1"
+  "sn-success sn-success 1"
+  "heater-counting heater-counting 1"
+  "heater-success heater-success 1"
+  "heater-failure heater-failure 1"
+  "compression compression-success 1"
+  "capture-angles capture-angles 1"
+  "orientation orientation 1"
+  "upload-sending upload-sending 1"
+  "upload-awaiting-return upload-awaiting-return 1"
+  "upload-result upload-result 1"
+)
+
+# tour_picture NAME NUMBER: the file of the tour's NUMBERth screenshot of this name.
+tour_picture() {
+  local file found=0
+  for file in "$tour_folder"/[0-9]*-"$1".png; do
+    # The pattern also matches longer names that end the same way: compare what follows the number.
+    [ "$(basename "$file" | sed 's/^[0-9]*-//')" = "$1.png" ] || continue
+    found=$((found + 1))
+    if [ "$found" -eq "$2" ]; then
+      printf '%s\n' "$file"
+      return
+    fi
+  done
+  fail "the tour has no picture $2 named $1"
+}
+
+copy_chosen() {
+  local name source number file
+  for entry in "${chosen[@]}"; do
+    read -r name source number <<<"$entry"
+    file=$(tour_picture "$source" "$number")
+    cp "$file" "$image_folder/$name.png"
+  done
+  say "${#chosen[@]} pictures in $image_folder"
+}
+
+main() {
+  use_utf8_locale
+  local demo=${1:-}
+  if [ -z "$demo" ]; then
+    ensure_packages "${build_packages[@]}" fonts-noto-cjk
+    configure_and_build release
+    demo=$project_root/build/release/demo/shelf-camera-demo
+  fi
+  take_tour "$(realpath "$demo")" "$tour_folder"
+  rm -f "$image_folder"/*.png
+  copy_chosen
+  rm -rf "$tour_folder"
+}
+
+main "$@"
