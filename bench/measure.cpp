@@ -1,0 +1,59 @@
+#include "bench/measure.h"
+
+#include <fstream>
+#include <malloc.h>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <sys/resource.h>
+
+namespace bench {
+
+namespace {
+
+double seconds(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+double processCpu() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+/// A field of /proc/self/status that is stated in kB.
+std::int64_t statusBytes(const std::string& field) {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        std::istringstream words(line);
+        std::string name;
+        std::int64_t kilobytes = 0;
+        if (words >> name >> kilobytes && name == field)
+            return kilobytes * 1024;
+    }
+    throw std::runtime_error("no " + field + " in /proc/self/status");
+}
+
+} // namespace
+
+Stopwatch::Stopwatch() : m_start(std::chrono::steady_clock::now()), m_cpuStart(processCpu()) {}
+
+double Stopwatch::seconds() const {
+    return Seconds(std::chrono::steady_clock::now() - m_start).count();
+}
+
+double Stopwatch::cpuSeconds() const {
+    return processCpu() - m_cpuStart;
+}
+
+PeakMemory::PeakMemory() {
+    ::malloc_trim(0);                              // what earlier runs have freed does not hide growth
+    std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
+    m_before = statusBytes("VmRSS:");
+}
+
+std::int64_t PeakMemory::growthBytes() const {
+    return statusBytes("VmHWM:") - m_before;
+}
+
+} // namespace bench

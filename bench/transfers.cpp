@@ -1,0 +1,269 @@
+#include "bench/transfers.h"
+
+#include "bench/farend.h"
+#include "bench/measure.h"
+#include "bench/relay.h"
+#include "emulator/ptyfront.h"
+#include "link/camerasp.h"
+#include "link/protocol/uploads.h"
+#include "link/uploadfile.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <random>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace bench {
+
+namespace {
+
+using emulator::CameraType;
+using protocol::Bytes;
+
+constexpr std::uint32_t baudRate = 460800;
+constexpr std::uint32_t downloadTimeoutMs = 50; // as the catalogue leaves it
+constexpr std::uint8_t pictureId = 5;
+constexpr std::size_t readBlock = 512;
+/// The pace lets a fiftieth of a second pass at once after a silence.
+constexpr double paceAllowance = 1.0 / 50;
+constexpr double megabyte = 1 << 20;
+
+Bytes randomBytes(std::size_t size) {
+    std::mt19937 source(1);
+    Bytes bytes(size);
+    std::generate(bytes.begin(), bytes.end(), [&source] { return static_cast<std::uint8_t>(source()); });
+    return bytes;
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+struct Run {
+    double seconds = 0;
+    double cpu = 0; ///< seconds
+};
+
+Run medianOf(const std::vector<Run>& runs) {
+    Run middle;
+    std::vector<double> values;
+    for (const Run& run : runs)
+        values.push_back(run.seconds);
+    middle.seconds = median(values);
+    values.clear();
+    for (const Run& run : runs)
+        values.push_back(run.cpu);
+    middle.cpu = median(values);
+    return middle;
+}
+
+Run timed(const std::function<void()>& work) {
+    const Stopwatch watch;
+    work();
+    return {watch.seconds(), watch.cpuSeconds()};
+}
+
+FarEnd pictureCamera(std::uint32_t size, std::uint32_t pace) {
+    return FarEnd(CameraType::ostra, pace, [size](emulator::PtyFront& front) {
+        front.withCamera([size](emulator::VirtualCamera& camera) {
+            camera.state().pictures = {emulator::makePicture(pictureId, randomBytes(size))};
+        });
+    });
+}
+
+/// Request, then the client's reads on the client's library, and nothing else.
+void readBare(serial::Serial& port, std::uint32_t size) {
+    const Bytes request = protocol::buildFrame(protocol::code(protocol::Command::originRead),
+                                               protocol::originReadRequest(pictureId, size), 1);
+    port.write(request);
+    Bytes answer;
+    while (answer.size() < std::size_t{size} + protocol::transferOverhead)
+        port.read(answer, readBlock);
+}
+
+serial::Timeout constantTimeouts(std::uint32_t ms) {
+    return serial::Timeout(serial::Timeout::max(), ms, 0, ms, 0);
+}
+
+void measureDownload(Results& results, const TransferSizes& sizes, std::uint32_t size,
+                     const std::string& words) {
+    std::vector<Run> clients;
+    std::vector<Run> bares;
+    for (int round = 0; round < sizes.rounds; ++round) {
+        {
+            const FarEnd camera = pictureCamera(size, sizes.pace);
+            CameraSp client(camera.portName(), baudRate);
+            clients.push_back(timed([&] { client.getOriginTargetPic(pictureId, size); }));
+        }
+        if (std::filesystem::file_size(std::to_string(pictureId) + ".jpg") != size)
+            throw std::runtime_error("the picture did not arrive whole");
+        const FarEnd camera = pictureCamera(size, sizes.pace);
+        serial::Serial port(camera.portName(), baudRate, constantTimeouts(downloadTimeoutMs));
+        bares.push_back(timed([&] { readBare(port, size); }));
+    }
+    const Run client = medianOf(clients);
+    const Run bare = medianOf(bares);
+    const double bytes = size + double{protocol::transferOverhead};
+    const double atLeast = bytes / sizes.pace - paceAllowance;
+    const bool wholeBlocks = (size + protocol::transferOverhead) % readBlock == 0;
+    const auto lineGoal = wholeBlocks ? std::optional<Goal>({Goal::Kind::atLeast, 0.99}) : std::nullopt;
+    results.add({words + ": time, request to end of the last read", client.seconds * 1000, "ms", {}});
+    results.add({words + ": rate, of the line", atLeast / client.seconds, "x", lineGoal});
+    results.add({words + ": rate, of the bare reader", bare.seconds / client.seconds, "x",
+                 Goal{Goal::Kind::atLeast, 0.99}});
+    results.add({words + ": processor time of the client", client.cpu * 1000, "ms", {}});
+    results.add({words + ": processor time, of the bare reader's", client.cpu / bare.cpu, "x",
+                 Goal{Goal::Kind::atMost, 1.5}});
+}
+
+// --- uploads -----------------------------------------------------------------------------------------------
+
+struct UploadWay {
+    const char* name;
+    protocol::Command command;
+    bool flushes;
+    void (CameraSp::*setPath)(const std::string&);
+    bool (CameraSp::*upload)();
+};
+
+constexpr UploadWay appWay{"application image", protocol::Command::appAnnounce, false,
+                           &CameraSp::setAppFilePath, &CameraSp::appUpdate};
+constexpr UploadWay systemWay{"system image (flushes every 512 bytes)", protocol::Command::firewareAnnounce,
+                              true, &CameraSp::setFirewareFilePath, &CameraSp::firewareUpdate};
+
+Arrivals whole(ChildProcess& farEnd, std::size_t size) {
+    Arrivals arrivals = farEnd.arrivals();
+    while (arrivals.bytes < size) { // the last bytes are on the line
+        ::usleep(10000);
+        arrivals = farEnd.arrivals();
+    }
+    if (!arrivals.intact)
+        throw std::runtime_error("the far end received other bytes");
+    return arrivals;
+}
+
+/// The same announcement and pause, then the bytes: in one go, or in flushed slices as the client has to.
+Arrivals copyBare(const UploadWay& way, const UploadFile& file, std::uint32_t pace) {
+    FarEnd farEnd(CameraType::ostra, pace);
+    serial::Serial port(farEnd.portName(), baudRate, constantTimeouts(600000));
+    port.write(protocol::buildFrame(
+        protocol::code(way.command),
+        protocol::buildAnnouncement(static_cast<std::uint32_t>(file.content.size()), file.digest), 1));
+    Bytes answer;
+    port.read(answer, 15);
+    ::sleep(2);
+    const std::size_t step = way.flushes ? protocol::rawChunkSize : file.content.size();
+    for (std::size_t at = 0; at < file.content.size(); at += step) {
+        if (way.flushes)
+            port.flush();
+        port.write(file.content.data() + at, std::min(step, file.content.size() - at));
+    }
+    return whole(farEnd, file.content.size());
+}
+
+struct Upload {
+    Arrivals arrivals;
+    double cpu = 0;
+    double memory = 0; ///< bytes of growth at the most
+};
+
+Upload uploadByClient(const UploadWay& way, const std::string& path, std::uint32_t size, std::uint32_t pace) {
+    FarEnd farEnd(CameraType::ostra, pace);
+    CameraSp client(farEnd.portName(), baudRate);
+    (client.*way.setPath)(path);
+    const PeakMemory memory;
+    const Stopwatch watch;
+    if (!(client.*way.upload)())
+        throw std::runtime_error("the upload failed");
+    return {whole(farEnd, size), watch.cpuSeconds(), static_cast<double>(memory.growthBytes())};
+}
+
+/// Returns the seconds from the first to the last byte of the client's upload.
+double measureUpload(Results& results, const UploadWay& way, const std::string& path, const UploadFile& file,
+                     std::uint32_t pace, double goal) {
+    const auto size = static_cast<std::uint32_t>(file.content.size());
+    const Upload client = uploadByClient(way, path, size, pace);
+    const Arrivals bare = copyBare(way, file, pace);
+    const std::string words = std::string(way.name) + " at " + std::to_string(pace) + " bytes/s: ";
+    results.add({words + "time, first to last byte", client.arrivals.seconds, "s", {}});
+    results.add({words + "rate, of the plain copy", bare.seconds / client.arrivals.seconds, "x",
+                 Goal{Goal::Kind::atLeast, goal}});
+    results.add(
+        {words + "rate, of the line", size / static_cast<double>(pace) / client.arrivals.seconds, "x", {}});
+    results.add({words + "processor time of the client", client.cpu * 1000, "ms", {}});
+    results.add({words + "peak memory growth", client.memory / megabyte, "MiB",
+                 Goal{Goal::Kind::atMost, size / megabyte + 4}});
+    return client.arrivals.seconds;
+}
+
+struct Protocol {
+    const char* name;
+    std::vector<std::string> sender;
+    std::vector<std::string> receiver;
+};
+
+void measureProtocol(Results& results, const Protocol& protocol, const std::string& path, std::uint32_t size,
+                     std::uint32_t pace, double clientSeconds) {
+    const std::string words = std::string(protocol.name) + " at " + std::to_string(pace) + " bytes/s: ";
+    const std::string folder = std::filesystem::absolute("received").string();
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directory(folder);
+    PacedRelay relay(protocol.receiver, folder, pace);
+    std::vector<std::string> sender = protocol.sender;
+    sender.push_back(path);
+    const int code = runOnPort(sender, relay.portName());
+    const Arrivals arrivals = relay.arrivals();
+    if (code != 0 || arrivals.bytes < size) {
+        results.remark(words + "did not get through (code " + std::to_string(code) + ", " +
+                       std::to_string(arrivals.bytes) + " bytes)");
+        return;
+    }
+    results.add({words + "time, first to last byte", arrivals.seconds, "s", {}});
+    results.add({words + "the upload's speed against it", arrivals.seconds / clientSeconds, "x",
+                 Goal{Goal::Kind::atLeast, 1}});
+}
+
+} // namespace
+
+void measureDownloads(Results& results, const TransferSizes& sizes) {
+    results.section("Picture download, paced at " + std::to_string(sizes.pace) + " bytes/s");
+    const auto blocks = (sizes.picture + protocol::transferOverhead + readBlock - 1) / readBlock;
+    const auto wholeBlocks = static_cast<std::uint32_t>(blocks * readBlock - protocol::transferOverhead);
+    measureDownload(results, sizes, wholeBlocks, std::to_string(wholeBlocks) + " bytes (whole reads)");
+    measureDownload(results, sizes, wholeBlocks - 181, std::to_string(wholeBlocks - 181) + " bytes");
+    results.remark("The second picture does not fill its last read, which then lasts one time-out (50 ms) "
+                   "longer than its bytes: client and bare reader pay that alike.");
+}
+
+void measureUploads(Results& results, const TransferSizes& sizes) {
+    results.section("Upload of " + std::to_string(sizes.file) + " bytes, the pause of 2 s not counted");
+    const std::string path = std::filesystem::absolute("image.bin").string();
+    {
+        const Bytes content = randomBytes(sizes.file);
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(sizes.file));
+    }
+    const UploadFile file = *readUploadFile(path).file;
+    const double slow = measureUpload(results, appWay, path, file, sizes.pace, 0.99);
+    const double fast = measureUpload(results, appWay, path, file, sizes.fastPace, 0.98);
+    measureUpload(results, systemWay, path, file, sizes.fastPace, 0.99);
+
+    if (!isInstalled("sz") || !isInstalled("rz")) {
+        results.remark("lrzsz is not installed: no comparison with its protocols.");
+        return;
+    }
+    const std::array<Protocol, 3> protocols = {
+        {{"ZMODEM (sz)", {"sz", "-b", "-q"}, {"rz", "-b", "-q", "-y"}},
+         {"YMODEM (sb)", {"sb", "-b", "-q"}, {"rb", "-b", "-q", "-y"}},
+         {"XMODEM (sx -k)", {"sx", "-b", "-q", "-k"}, {"rx", "-b", "-q", "-y", "image.bin"}}}};
+    measureProtocol(results, protocols[0], path, sizes.file, sizes.pace, slow);
+    for (const Protocol& protocol : protocols)
+        measureProtocol(results, protocol, path, sizes.file, sizes.fastPace, fast);
+}
+
+} // namespace bench

@@ -1,0 +1,22 @@
+// Picture downloads and uploads, each against a bare program on the same library and line.
+#pragma once
+
+#include "bench/results.h"
+
+#include <cstdint>
+
+namespace bench {
+
+struct TransferSizes {
+    std::uint32_t picture;           ///< bytes
+    std::uint32_t file;              ///< bytes of an upload
+    std::uint32_t pace = 46080;      ///< bytes per second
+    std::uint32_t fastPace = 460800; ///< the same, ten times
+    int rounds = 3;                  ///< downloads of which the median counts
+};
+
+void measureDownloads(Results& results, const TransferSizes& sizes);
+/// In the working directory, which must be an empty one of its own.
+void measureUploads(Results& results, const TransferSizes& sizes);
+
+} // namespace bench
