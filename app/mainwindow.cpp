@@ -171,6 +171,13 @@ void MainWindow::allowExchange(bool allowed) {
     m_windows.setExchangeAllowed(allowed);
 }
 
+void MainWindow::freeExchange() {
+    if (m_exchangeAllowed)
+        applyPortRule();
+    else
+        allowExchange(true);
+}
+
 void MainWindow::showPaths() {
     const auto show = [](QLabel* label, const QString& path) {
         label->setText(path);
@@ -205,7 +212,7 @@ void MainWindow::openLink() {
     m_camera = std::move(camera);
     lendClient(m_camera.get());
     m_ui->btn_open->setText(tr("关闭串口"));
-    applyPortRule();
+    freeExchange();
     showStatus(port.isEmpty() ? tr("没有可用串口") : tr("已打开 %1").arg(port));
 }
 
@@ -220,11 +227,7 @@ void MainWindow::closeLink() {
     waitForTasks();
     endInterruptible();
     m_camera.reset();
-    // Whoever had the client for itself will not come back for this link.
-    if (m_exchangeAllowed)
-        applyPortRule();
-    else
-        allowExchange(true);
+    freeExchange();
     showStatus(tr("串口已关闭"));
 }
 

@@ -63,6 +63,8 @@ private:
     /// False while somebody uses the client for longer than one exchange, true when that is over. Closing the
     /// link ends it as well. Harmless to call twice.
     void allowExchange(bool allowed);
+    /// When the link has changed: whoever had the client for itself does not come back for this link.
+    void freeExchange();
     /// Shows the chosen files.
     void showPaths();
     void showStatus(const QString& text);
@@ -124,7 +126,7 @@ private:
     /// same.
     template <typename Task>
     void runTask(Task* task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool));
-    void disablePressed(QPushButton* button, const QString& path);
+    void disablePressed(QPushButton* button, bool started);
     void appupdateEnd(bool result);
     void appupdateV1End(bool result);
     void firewareEnd(bool result);

@@ -73,32 +73,35 @@ void MainWindow::chooseFile(QString& path, const QString& caption, const QString
 // --- starting ----------------------------------------------------------------------------------------------
 
 void MainWindow::startAppUpdate() {
-    if (canUpload(m_appPath) && m_cameraType == cameratype::shelfDynamic) {
+    const bool startable = canUpload(m_appPath);
+    if (startable && m_cameraType == cameratype::shelfDynamic) {
         const QString fileName = QFileInfo(m_appPath).fileName();
         qDebug() << "get fileName " << fileName;
         m_appUpdateV1Task = new AppUpdateV1Task(client(), m_appPath, fileName, this);
         runTask(m_appUpdateV1Task, &AppUpdateV1Task::appupdateV1End, &MainWindow::appupdateV1End);
-    } else if (canUpload(m_appPath)) {
+    } else if (startable) {
         m_appUpdateTask = new AppUpdateTask(client(), m_appPath, this);
         runTask(m_appUpdateTask, &AppUpdateTask::appupdateEnd, &MainWindow::appupdateEnd);
     }
-    disablePressed(m_ui->btn_appupdate, m_appPath);
+    disablePressed(m_ui->btn_appupdate, startable);
 }
 
 void MainWindow::startFirewareUpdate() {
-    if (canUpload(m_firewarePath)) {
+    const bool startable = canUpload(m_firewarePath);
+    if (startable) {
         m_firewareTask = new FirewareTask(client(), m_firewarePath, this);
         runTask(m_firewareTask, &FirewareTask::firewareEnd, &MainWindow::firewareEnd);
     }
-    disablePressed(m_ui->btn_firewareupdate, m_firewarePath);
+    disablePressed(m_ui->btn_firewareupdate, startable);
 }
 
 void MainWindow::startModelUpdate() {
-    if (canUpload(m_modelPath)) {
+    const bool startable = canUpload(m_modelPath);
+    if (startable) {
         m_modelUpdateTask = new ModelUpdateTask(client(), m_modelPath, m_modelName, this);
         runTask(m_modelUpdateTask, &ModelUpdateTask::modelUpdateEnd, &MainWindow::modelUpdateEnd);
     }
-    disablePressed(m_ui->btn_modelupdate, m_modelPath);
+    disablePressed(m_ui->btn_modelupdate, startable);
 }
 
 template <typename Task>
@@ -121,9 +124,9 @@ void MainWindow::runTask(Task* task, void (Task::*ended)(bool), void (MainWindow
 }
 
 /// The pressed button stays disabled even when nothing was started; it comes back with all the others.
-void MainWindow::disablePressed(QPushButton* button, const QString& path) {
+void MainWindow::disablePressed(QPushButton* button, bool started) {
     button->setEnabled(false);
-    if (!canUpload(path))
+    if (!started)
         showStatus(tr("没有可升级的文件，请先选择文件"));
 }
 

@@ -24,7 +24,8 @@ QString translated(const char* text) {
 }
 
 QString timeText(double seconds) {
-    const auto whole = static_cast<int>(std::lround(seconds));
+    constexpr double longest = 359999.0; // 5999:59; a line that hardly moves gives any number
+    const auto whole = static_cast<int>(std::lround(std::min(seconds, longest)));
     return QStringLiteral("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QLatin1Char('0'));
 }
 

@@ -6,7 +6,7 @@
 #include "link/guarded.h"
 #include "link/uploadfile.h"
 
-#include <limits>
+#include <algorithm>
 
 using namespace protocol;
 using namespace std::chrono_literals;
@@ -160,8 +160,9 @@ std::optional<std::int32_t> CameraSp::announce(const UploadKind& kind, ByteView 
 /// Raw slices of the file, neither framed nor acknowledged. A short write is logged and not made good: the
 /// camera finds the gap by the digest and asks for the rest at the next upload.
 void CameraSp::sendChunks(const UploadKind& kind, ByteView file, std::size_t offset) {
-    m_progress.startOffset = offset;
-    m_progress.done = offset;
+    // No more than the file has, wherever the camera wants to go on.
+    m_progress.startOffset = std::min(offset, file.size());
+    m_progress.done = m_progress.startOffset.load();
     m_progress.phase = TransferProgress::Phase::sending;
     while (offset < file.size()) {
         const ByteView chunk = file.range(offset, offset + rawChunkSize);
@@ -224,9 +225,6 @@ bool CameraSp::appUpdateV1(const std::string& fileName, const std::string& path)
         }
         diagnostics::line("can update,offset is ", offset);
         port().setTimeouts(appV1ReadTimeoutMs, appV1WriteTimeoutMs);
-        m_progress.startOffset = offset;
-        m_progress.done = offset;
-
         if (offset < size) {
             // This version sends no data packets: the camera has to hold the whole file already.
             const Bytes packet =

@@ -163,6 +163,7 @@ TEST_F(KeepingOn, AnotherUploadWorksOnANewLinkAfterOneThatWasBrokenOff) {
         click(*window, "btn_open");
     }
     QTest::qWait(2500); // the camera reads on and gives the broken-off upload up
+    camera.withCamera([](VirtualCamera& each) { each.settings().uploadSilence = 5s; });
     open();
     EXPECT_EQ(enabledExchanges(), allExchanges());
     start(modelUpload, 60000);

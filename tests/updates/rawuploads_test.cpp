@@ -3,7 +3,8 @@
 #include "tests/updates/uploadcells.h"
 
 #include <algorithm>
-#include <map>
+#include <array>
+#include <sys/resource.h>
 
 using namespace std::chrono_literals;
 using namespace uploadcells;
@@ -201,6 +202,26 @@ TEST_F(RawUploads, AreJudgedByTheVerdictAloneWhereThereIsOne) {
     EXPECT_EQ(linesWith("modelupdate update-end failed2", ""), 1);
 }
 
+#ifndef __SANITIZE_ADDRESS__ // its shadow needs more address space than there would be
+TEST_F(RawUploads, FailWithoutSendingWhenTheFileDoesNotFitIntoTheMemory) {
+    storeFile({});
+    std::filesystem::resize_file(std::filesystem::path(u8"新 固件 v2.bin"), std::uintmax_t{0x7FFFFFFF});
+    PtyFront front;
+    const auto client = connect(front);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
+    const rlimit narrow{std::uintmax_t{1} << 30U, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &narrow), 0);
+    for (const Kind kind : everyKind)
+        EXPECT_FALSE(upload(*client, kind)) << kind;
+    EXPECT_FALSE(client->appUpdateV1(filePath, filePath));
+    setrlimit(RLIMIT_AS, &before);
+    EXPECT_EQ(linesWith("fsize:2147483647", ""), 4);
+    EXPECT_EQ(linesWith("command failed:", ""), 4);
+    EXPECT_EQ(recordOf(front).byteCount, 0U);
+}
+#endif
+
 class RawUploadKinds : public RawUploads, public testing::WithParamInterface<Kind> {};
 
 INSTANTIATE_TEST_SUITE_P(Every, RawUploadKinds, testing::ValuesIn(everyKind),
@@ -208,12 +229,13 @@ INSTANTIATE_TEST_SUITE_P(Every, RawUploadKinds, testing::ValuesIn(everyKind),
 
 TEST_P(RawUploadKinds, SendNothingWhenTheAnnouncementAnswerIsNone) {
     storeFile(content(1300));
-    std::vector<std::string> unanswered{"silent",     "late",        "raw=414243",
-                                        "truncate=1", "truncate=6",  "length=+1",
-                                        "length=-1",  "delay=11000", "length=0xFFFFFFFF"};
+    std::vector<std::string> unanswered{"silent",     "late",      "raw=414243",  "truncate=1",
+                                        "truncate=6", "length=+1", "delay=11000", "length=0xFFFFFFFF"};
     // One read takes 15 bytes: an image's answer and nothing behind it, or a model's but for its last byte.
     if (GetParam() == Kind::model)
         unanswered.insert(unanswered.end(), {"glue", "stray=1"});
+    else
+        unanswered.emplace_back("length=-1");
     std::vector<std::string> faults{"hang-up=0", "hang-up=5", "payload=0", "payload=2"};
     faults.insert(faults.end(), unanswered.begin(), unanswered.end());
     std::vector<Cell> cells;
@@ -244,10 +266,12 @@ TEST_P(RawUploadKinds, FailWhenTheDeviceVanishes) {
     for (const char* const percent : {"0", "1", "50"})
         cells.push_back(
             {GetParam(), std::string("upload-hang-up=") + percent, false, Sent::some, 0, "", pace});
-    // The last bytes are in the line's buffers when the device goes: nobody can know of it but by a verdict.
+    // All is written when the device goes: nobody can know of it but by a verdict.
     const bool noVerdictNeeded = GetParam() == Kind::system;
-    cells.push_back({GetParam(), "upload-hang-up=99", noVerdictNeeded, Sent::some, 0, "", pace});
     cells.push_back({GetParam(), "upload-hang-up=100", noVerdictNeeded, Sent::everything, 0, "", pace});
+    // In between it depends on how much the line holds, where no verdict is awaited.
+    if (!noVerdictNeeded)
+        cells.push_back({GetParam(), "upload-hang-up=99", false, Sent::some, 0, "", pace});
     runSideBySide(cells, &runCell);
 }
 
@@ -263,7 +287,7 @@ TEST_P(RawUploadKinds, AreResumedWhereTheDeviceVanished) {
     front.withCamera([](VirtualCamera& camera) { camera.faults().clear(); });
     client = connect(front);
     EXPECT_TRUE(upload(*client, GetParam()));
-    const auto uploads = recordOf(front).uploads;
+    const auto uploads = settledRecord(front, Sent::everything).uploads;
     ASSERT_EQ(uploads.size(), 2U);
     EXPECT_GE(uploads[1].offset, file.size() / 2);
     EXPECT_EQ(uploads[1].offset + uploads[1].received.size(), file.size());

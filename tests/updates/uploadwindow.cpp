@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
 #include <QMessageBox>
 
 #include <mutex>
@@ -61,10 +62,9 @@ void FileChooser::answer() {
     auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
     if (dialog == nullptr)
         return;
-    m_seen.push_back(
-        {dialog->windowTitle(), dialog->nameFilters(), dialog->directory().absolutePath(), dialog->parent()});
-    if (!m_path.isEmpty())
-        dialog->selectFile(m_path);
+    m_seen.push_back({dialog->windowTitle(), dialog->nameFilters(), dialog->parent()});
+    if (!m_path.isEmpty()) // typed: selectFile leaves a name field alone that has the focus
+        find<QLineEdit>(*dialog, "fileNameEdit")->setText(m_path);
     QMetaObject::invokeMethod(dialog, m_path.isEmpty() ? "reject" : "accept");
 }
 

@@ -21,7 +21,6 @@ public:
     struct Seen {
         QString title;
         QStringList filters;
-        QString directory;
         QObject* parent = nullptr;
     };
     [[nodiscard]] const std::vector<Seen>& seen() const { return m_seen; }
