@@ -85,7 +85,7 @@ configure_and_build() {
 # A command that starts ctest, with its options; empty: nothing in between.
 test_launcher=()
 
-# run_tests PRESET [CTEST OPTION...]: as many tests at once as there are processors.
+# run_tests PRESET [CTEST OPTION...]: several tests at once for each processor, as most of them wait.
 run_tests() {
   local preset=$1
   shift
@@ -93,7 +93,7 @@ run_tests() {
   (
     cd "$project_root"
     export QT_QPA_PLATFORM=offscreen
-    "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(nproc)" "$@"
+    "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 3))" "$@"
   )
 }
 
