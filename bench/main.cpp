@@ -1,13 +1,12 @@
 // line_bench: measures the camera client on a line. The tables go to standard output as Markdown.
 #include "bench/exchanges.h"
+#include "bench/lognowhere.h"
 #include "bench/transfers.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iostream>
 #include <map>
 #include <stdexcept>
 
@@ -78,22 +77,9 @@ private:
     fs::path m_path;
 };
 
-/// The client's log is written, as ever, but to nowhere; the tables use the C stream.
-class LogToNowhere {
-public:
-    LogToNowhere() : m_nowhere("/dev/null"), m_saved(std::cout.rdbuf(m_nowhere.rdbuf())) {}
-    ~LogToNowhere() { std::cout.rdbuf(m_saved); }
-    LogToNowhere(const LogToNowhere&) = delete;
-    LogToNowhere& operator=(const LogToNowhere&) = delete;
-
-private:
-    std::ofstream m_nowhere;
-    std::streambuf* m_saved;
-};
-
 int run(const Options& options) {
     const WorkingDirectory directory;
-    const LogToNowhere quiet;
+    const bench::LogToNowhere quiet;
     bench::Results results;
     if (options.sizes.picture > 0)
         bench::measureDownloads(results, options.sizes);

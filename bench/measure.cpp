@@ -46,10 +46,13 @@ double Stopwatch::cpuSeconds() const {
     return processCpu() - m_cpuStart;
 }
 
-PeakMemory::PeakMemory() {
-    ::malloc_trim(0);                              // what earlier runs have freed does not hide growth
+std::int64_t residentBytes() {
+    ::malloc_trim(0); // what earlier runs have freed neither counts nor hides growth
+    return statusBytes("VmRSS:");
+}
+
+PeakMemory::PeakMemory() : m_before(residentBytes()) {
     std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
-    m_before = statusBytes("VmRSS:");
 }
 
 std::int64_t PeakMemory::growthBytes() const {

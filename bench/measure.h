@@ -21,6 +21,9 @@ private:
     double m_cpuStart;
 };
 
+/// What is resident now, in bytes; freed memory is given back first. Linux only.
+[[nodiscard]] std::int64_t residentBytes();
+
 /// The most memory that was resident since construction, less what was resident then. Linux only; one at a
 /// time.
 class PeakMemory {

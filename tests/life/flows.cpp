@@ -1,0 +1,163 @@
+// Everything that uses the link, as a user starts it.
+#include "dialogs/setcameralocation.h"
+#include "dialogs/setcapturedegree.h"
+#include "dialogs/setpicrate.h"
+#include "dialogs/setpwmheat.h"
+#include "dialogs/setsn.h"
+#include "pictures/piclist.h"
+#include "pictures/piclistv1.h"
+#include "tests/life/livingwindow.h"
+
+#include <QLineEdit>
+#include <QListView>
+#include <QMenu>
+
+using namespace std::chrono_literals;
+using emulator::CameraType;
+
+namespace life {
+
+namespace {
+
+Step presses(const char* button) {
+    return [button](LivingWindow& w) { LivingWindow::press(w.window(), button); };
+}
+
+Step chooses(const char* menuEntry) {
+    return [menuEntry](LivingWindow& w) { w.choose(menuEntry); };
+}
+
+Step choosesFile(const char* button) {
+    return [button](LivingWindow& w) { w.chooseFile(button); };
+}
+
+template <typename Window>
+Step pressesIn(const char* button) {
+    return [button](LivingWindow& w) { LivingWindow::press(w.opened<Window>(), button); };
+}
+
+template <typename Window>
+Step types(const char* edit, const char* text) {
+    return [=](LivingWindow& w) {
+        if (const QWidget* const window = w.opened<Window>())
+            guitest::find<QLineEdit>(*window, edit)->setText(text);
+    };
+}
+
+/// An entry of the menu of the list's first row.
+template <typename Window>
+Step choosesForFirstRow(const char* entry) {
+    return [entry](LivingWindow& w) {
+        const QWidget* const window = w.opened<Window>();
+        if (window == nullptr)
+            return;
+        auto* const list = guitest::find<QListView>(*window, "listview");
+        list->setCurrentIndex(list->model()->index(0, 0));
+        emit list->customContextMenuRequested(QPoint(5, 5));
+        for (const QMenu* const menu : window->findChildren<QMenu*>()) {
+            for (QAction* const action : menu->actions()) {
+                if (action->text() == QLatin1String(entry) || action->text() == QString::fromUtf8(entry))
+                    action->trigger();
+            }
+        }
+    };
+}
+
+/// Takes a picture in the list window, lists, views and deletes it.
+template <typename Window>
+std::vector<Step> listSteps(const char* menuEntry, const char* captureButton) {
+    return {chooses(menuEntry),
+            pressesIn<Window>(captureButton),
+            pressesIn<Window>("btn_refresh"),
+            choosesForFirstRow<Window>("查看"),
+            choosesForFirstRow<Window>("删除"),
+            pressesIn<Window>("btn_delete_all")};
+}
+
+std::vector<Flow> pictureFlows() {
+    return {
+        {"CaptureType0", "rb_ost", CameraType::ostra, 3500ms, {presses("btn_takepic")}},
+        {"CaptureType3", "rb_quenta", CameraType::quenta, 1500ms, {presses("btn_takepic")}},
+        {"CaptureType4", "rb_dx_dt", CameraType::salesDynamic, 5500ms, {presses("btn_takepic")}},
+        {"EndlessDownload",
+         "rb_ost",
+         CameraType::ostra,
+         4500ms,
+         {presses("btn_takepic")},
+         "picture-size=-1@read"},
+        {"List", "rb_ost", CameraType::ostra, 3000ms, listSteps<PicList>("actionPicInfo", "btn_takepic")},
+        {"ListV1", "rb_dx_dt", CameraType::salesDynamic, 4500ms,
+         listSteps<PicListV1>("actionPicInfoV1", "btn_capture")},
+    };
+}
+
+std::vector<Flow> settingFlows() {
+    const auto ostra = CameraType::ostra;
+    return {
+        {"Versions", "rb_ost", ostra, 400ms, {presses("btn_appversion")}},
+        {"JsonVersion", "rb_quenta", CameraType::quenta, 200ms, {presses("btn_appversion")}},
+        {"SerialNumber",
+         "rb_ost",
+         ostra,
+         7500ms,
+         {chooses("actionSnSet"), pressesIn<SetSN>("btn_getsn"), pressesIn<SetSN>("btn_gensn"),
+          pressesIn<SetSN>("btn_setsn")}},
+        {"HeaterDuty",
+         "rb_ost",
+         ostra,
+         3500ms,
+         {chooses("actionPwmHeatSet"), pressesIn<SetPwmHeat>("btn_getheat"),
+          pressesIn<SetPwmHeat>("btn_setheat")}},
+        {"PictureRate",
+         "rb_ost",
+         ostra,
+         3500ms,
+         {chooses("actionactionPicRateSet"), pressesIn<SetPicRate>("btn_getsn"),
+          types<SetPicRate>("et_setsn", "70"), pressesIn<SetPicRate>("btn_setsn")}},
+        {"CaptureDegree",
+         "rb_ost",
+         ostra,
+         1800ms,
+         {chooses("actionCaptureDegree"), pressesIn<SetCaptureDegree>("btn_set3"),
+          pressesIn<SetCaptureDegree>("btn_get2")}},
+        {"CameraLocation", "rb_ost", ostra, 800ms, {chooses("actionInstallLocation")}},
+    };
+}
+
+std::vector<Flow> uploadFlows() {
+    const auto ostra = CameraType::ostra;
+    return {
+        {"AppUpload", "rb_ost", ostra, 6500ms, {choosesFile("btn_apppath"), presses("btn_appupdate")}},
+        {"SystemUpload",
+         "rb_ost",
+         ostra,
+         6500ms,
+         {choosesFile("btn_firewarepath"), presses("btn_firewareupdate")}},
+        {"ModelUpload", "rb_ost", ostra, 5500ms, {choosesFile("btn_modelpath"), presses("btn_modelupdate")}},
+        {"AppUploadV1",
+         "rb_dx_dt",
+         CameraType::salesDynamic,
+         9000ms,
+         {choosesFile("btn_apppath"), presses("btn_appupdate")}},
+        {"ReturnWaitOfACameraThatStaysAway",
+         "rb_ost",
+         ostra,
+         9000ms,
+         {choosesFile("btn_apppath"), presses("btn_appupdate")},
+         "stay-down@appUpdate"},
+    };
+}
+
+} // namespace
+
+const std::vector<Flow>& flows() {
+    static const std::vector<Flow> all = [] {
+        std::vector<Flow> list = pictureFlows();
+        for (const auto& more : {settingFlows(), uploadFlows()})
+            list.insert(list.end(), more.begin(), more.end());
+        return list;
+    }();
+    return all;
+}
+
+} // namespace life

@@ -1,0 +1,233 @@
+#include "tests/life/livingwindow.h"
+
+#include "dialogs/setcameraprotocol.h"
+#include "tests/gui/support/printing.h"
+
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QThreadPool>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+using namespace std::chrono_literals;
+using namespace guitest;
+
+namespace life {
+
+namespace {
+
+constexpr int stepGapMs = 15;
+constexpr auto startedBy = 700ms;
+constexpr int releaseLimitMs = 2000;
+constexpr int lateMs = 300;      // a dropped result would have come by then
+constexpr int comeBackMs = 6000; // the camera ends what it was in the middle of
+constexpr std::size_t fileSize = 30000;
+constexpr std::uint32_t pace = 46080; // bytes per second
+constexpr const char* fileName = "image.bin";
+
+emulator::CameraSettings quickSettings(const Flow& flow) {
+    emulator::CameraSettings settings = emulator::settingsForType(flow.type);
+    settings.uploadSilence = 300ms;
+    settings.rebootTime = 300ms;
+    settings.updateRestartTime = 300ms;
+    settings.holdsAnnouncedImage = true;
+    return settings;
+}
+
+/// How often this process has the device open.
+std::ptrdiff_t timesOpen(const std::string& device) {
+    std::ptrdiff_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        count += std::filesystem::read_symlink(entry, gone) == device ? 1 : 0;
+    }
+    return count;
+}
+
+} // namespace
+
+/// What a late result would change.
+struct LivingWindow::Shown {
+    QString versions;
+    QString model;
+    QString linkButton;
+    bool picture = false;
+    bool heartbeatUsable = false;
+
+    bool operator==(const Shown&) const = default;
+};
+
+LivingWindow::LivingWindow(const Flow& flow)
+    : m_flow(flow), m_camera(quickSettings(flow)), m_portName(m_camera.portName()),
+      m_boxes(QMessageBox::Yes) {
+    std::ofstream(fileName) << std::string(fileSize, 'x');
+    m_camera.setPace(pace);
+    if (flow.fault != nullptr)
+        m_camera.withCamera([&flow](emulator::VirtualCamera& camera) { camera.addFault(flow.fault); });
+    open();
+}
+
+LivingWindow::~LivingWindow() {
+    m_window.reset();
+    QThreadPool::globalInstance()->waitForDone();
+}
+
+void LivingWindow::open() {
+    m_window->show();
+    trigger(*m_window, "actionaddress");
+    const SetCameraProtocol* const types = opened<SetCameraProtocol>();
+    click(*types, m_flow.cameraButton);
+    click(*types, "btn_confirm");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    auto* const ports = find<QComboBox>(*m_window, "sel_ports");
+    ports->addItem(QString::fromStdString(m_portName));
+    ports->setCurrentText(QString::fromStdString(m_portName));
+    press(m_window.get(), "btn_open");
+    EXPECT_EQ(text(*m_window, "btn_open"), "关闭串口");
+}
+
+// --- steps -------------------------------------------------------------------------------------------------
+
+void LivingWindow::press(const QWidget* window, const char* button) {
+    if (window != nullptr && window->isEnabled())
+        find<QPushButton>(*window, button)->click(); // does nothing when the button itself is disabled
+}
+
+void LivingWindow::choose(const char* menuEntry) const {
+    if (m_window != nullptr)
+        find<QAction>(*m_window, menuEntry)->trigger();
+}
+
+void LivingWindow::chooseFile(const char* button) {
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, &answer, [] {
+        auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        if (dialog == nullptr)
+            return;
+        find<QLineEdit>(*dialog, "fileNameEdit")->setText(QDir::current().filePath(fileName));
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    answer.start(stepGapMs);
+    press(m_window.get(), button);
+}
+
+void LivingWindow::runSteps(std::size_t next) {
+    if (m_ended || next == m_flow.steps.size())
+        return;
+    m_flow.steps[next](*this);
+    QTimer::singleShot(stepGapMs, m_window.get(), [this, next] { runSteps(next + 1); });
+}
+
+// --- endings -----------------------------------------------------------------------------------------------
+
+void LivingWindow::live(Ending ending, std::chrono::milliseconds moment) {
+    bool over = false;
+    QTimer::singleShot(0, m_window.get(), [this] { runSteps(0); });
+    if (ending == Ending::removeDevice) {
+        removeDevice(moment);
+        end(Ending::closeLink);
+        m_camera.comeBack();
+        m_portName = m_camera.portName();
+    } else {
+        QTimer::singleShot(moment, qApp, [this, ending, &over] {
+            end(ending);
+            over = true;
+        });
+        ASSERT_TRUE(eventually([&over] { return over; }, 20000));
+    }
+    if (moment > startedBy) {
+        EXPECT_GT(receivedBytes(), 0U) << "the flow never used the link";
+    }
+    expectPortFree();
+    expectNothingLate();
+    expectWorkingLink();
+}
+
+void LivingWindow::end(Ending ending) {
+    m_ended = true;
+    QElapsedTimer time;
+    time.start();
+    if (ending == Ending::closeWindow)
+        m_window->close();
+    else
+        closeLink();
+    EXPECT_LE(time.elapsed(), releaseLimitMs);
+    EXPECT_EQ(text(*m_window, "btn_open"), "打开串口");
+}
+
+/// The button itself, whatever is open in front of it.
+void LivingWindow::closeLink() {
+    find<QPushButton>(*m_window, "btn_open")->click();
+}
+
+/// At the moment, whatever the user-interface thread does just then; and time for everything to notice it.
+void LivingWindow::removeDevice(std::chrono::milliseconds moment) {
+    std::thread remover([this, moment] {
+        std::this_thread::sleep_for(moment);
+        m_camera.vanish();
+    });
+    EXPECT_TRUE(eventually([this] { return !m_camera.lineOpen(); }, 20000));
+    remover.join();
+    QTest::qWait(100);
+}
+
+std::uint64_t LivingWindow::receivedBytes() {
+    return m_camera.withCamera([](emulator::VirtualCamera& camera) { return camera.record().byteCount; });
+}
+
+// --- afterwards --------------------------------------------------------------------------------------------
+
+LivingWindow::Shown LivingWindow::shown() const {
+    return {text(*m_window, "tv_appversion"), text(*m_window, "label_modelinfo"), text(*m_window, "btn_open"),
+            !find<QLabel>(*m_window, "label")->pixmap().isNull(), isEnabled(*m_window, "btn_heartbeat")};
+}
+
+std::size_t LivingWindow::uploadResults() const {
+    return static_cast<std::size_t>(
+        std::count_if(m_boxes.seen().begin(), m_boxes.seen().end(),
+                      [](const SeenBox& box) { return box.text.startsWith("升级已完成"); }));
+}
+
+/// The camera itself keeps its side of the device open.
+void LivingWindow::expectPortFree() const {
+    EXPECT_EQ(timesOpen(m_portName), 1) << "the port is still open";
+}
+
+void LivingWindow::expectNothingLate() {
+    // A result that was on the screen before the end is answered first.
+    EXPECT_TRUE(eventually([] { return QApplication::activeModalWidget() == nullptr; }));
+    const Shown before = shown();
+    const std::size_t results = uploadResults();
+    QTest::qWait(lateMs);
+    EXPECT_TRUE(before == shown()) << "something was shown after the end";
+    EXPECT_EQ(uploadResults(), results) << "an upload's result was shown after the end";
+    QThreadPool::globalInstance()->waitForDone();
+    QTest::qWait(1);
+    EXPECT_TRUE(before == shown()) << "a job's result was shown after the end";
+}
+
+/// By a new window: the old one may be gone by now, with everything that it opened.
+void LivingWindow::expectWorkingLink() {
+    m_window.reset();
+    m_window = std::make_unique<MainWindow>();
+    m_camera.withCamera([](emulator::VirtualCamera& camera) { camera.faults().clear(); });
+    open();
+    EXPECT_TRUE(eventually(
+        [this] {
+            click(*m_window, "btn_heartbeat");
+            return find<QRadioButton>(*m_window, "rb_heartbeat")->isChecked();
+        },
+        comeBackMs));
+}
+
+} // namespace life

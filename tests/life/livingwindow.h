@@ -1,0 +1,79 @@
+// A main window with a virtual camera, whose link is ended while something uses it.
+#pragma once
+
+#include "app/mainwindow.h"
+#include "emulator/ptyfront.h"
+#include "tests/gui/support/guitest.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace life {
+
+class LivingWindow;
+/// What a user does. A step that finds its window closed or disabled does nothing.
+using Step = std::function<void(LivingWindow&)>;
+
+struct Flow {
+    const char* name;
+    const char* cameraButton; ///< in the window of the camera type
+    emulator::CameraType type;
+    std::chrono::milliseconds duration; ///< the moment falls into it
+    std::vector<Step> steps;
+    const char* fault = nullptr; ///< of the camera
+};
+
+enum class Ending { closeLink, closeWindow, removeDevice };
+
+/// Everything that the link can do.
+[[nodiscard]] const std::vector<Flow>& flows();
+
+class LivingWindow {
+public:
+    explicit LivingWindow(const Flow& flow);
+    ~LivingWindow();
+
+    /// Starts the flow, ends it by this ending after the moment, and looks what is left. Test failures say
+    /// what was wrong.
+    void live(Ending ending, std::chrono::milliseconds moment);
+
+    // For steps:
+    [[nodiscard]] MainWindow* window() const { return m_window.get(); }
+    /// Presses the button of the window if both are there and usable.
+    static void press(const QWidget* window, const char* button);
+    void choose(const char* menuEntry) const;
+    template <typename Window>
+    [[nodiscard]] static Window* opened() {
+        const auto all = guitest::openWindows<Window>();
+        return all.empty() ? nullptr : all.back();
+    }
+    /// Chooses the upload file in the dialog that the button opens.
+    void chooseFile(const char* button);
+
+private:
+    struct Shown;
+
+    void open();
+    void runSteps(std::size_t next);
+    void end(Ending ending);
+    void closeLink();
+    void removeDevice(std::chrono::milliseconds moment);
+    [[nodiscard]] std::uint64_t receivedBytes();
+    [[nodiscard]] Shown shown() const;
+    [[nodiscard]] std::size_t uploadResults() const;
+    void expectPortFree() const;
+    void expectNothingLate();
+    void expectWorkingLink();
+
+    const Flow& m_flow;
+    emulator::PtyFront m_camera;
+    std::string m_portName;
+    std::unique_ptr<MainWindow> m_window = std::make_unique<MainWindow>();
+    guitest::BoxAnswerer m_boxes;
+    bool m_ended = false;
+};
+
+} // namespace life
