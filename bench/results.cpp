@@ -9,7 +9,8 @@ namespace {
 
 std::string numberText(double value) {
     // Ratios and milliseconds need their decimals, byte counts do not.
-    const int decimals = std::abs(value) < 100 ? 3 : std::abs(value) < 10000 ? 1 : 0;
+    const bool whole = value == std::floor(value);
+    const int decimals = whole ? 0 : std::abs(value) < 100 ? 3 : std::abs(value) < 10000 ? 1 : 0;
     char text[64];
     std::snprintf(text, sizeof text, "%.*f", decimals, value);
     return text;
