@@ -178,10 +178,11 @@ TEST(PictureListHeader, StandsOverTheColumnsWhateverTheWidth) {
             model->appendRow({"1"});
         for (const int width : {700, 1040, 1333}) {
             window.resize(width, 400);
-            QTest::qWait(20);
-            EXPECT_EQ(list->verticalScrollBar()->isVisible(), rows > 1);
+            EXPECT_TRUE(QTest::qWaitFor([&] {
+                return list->verticalScrollBar()->isVisible() == (rows > 1) &&
+                       list->visualRect(model->index(0, 0)).width() == list->viewport()->width();
+            }));
             const QRect row = list->visualRect(model->index(0, 0));
-            EXPECT_EQ(row.width(), list->viewport()->width());
             int column = 0;
             for (const QString& title :
                  QStringList{"图片id", "actionid", "触发方式", "触发角度", "创建时间", "图片大小", "MD5"}) {
