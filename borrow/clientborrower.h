@@ -8,7 +8,7 @@
 #include <QThreadPool>
 #include <QTimer>
 #include <QWidget>
-#include <QtConcurrent>
+#include <QtConcurrentRun>
 
 #include <functional>
 #include <memory>
