@@ -191,8 +191,9 @@ void measureExchanges(Results& results, int rounds) {
     results.remark(
         "A read that is not filled lasts its time-out: one of the rule's time-outs, and the pause "
         "where it has one, is what an answered exchange takes. The bare sleeps of 20 ms between the "
-        "exchanges show how late the machine itself wakes a process at that time. Picture commands "
-        "write their file as well. With fewer than 100 exchanges \"99 of 100\" is the worst one.");
+        "exchanges show how late the machine itself wakes a process at that time. The processor time "
+        "of picture commands includes writing and removing their file. With fewer than 100 exchanges "
+        "\"99 of 100\" is the worst one.");
 }
 
 } // namespace bench
