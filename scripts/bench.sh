@@ -11,7 +11,8 @@ build_benchmarks() {
   if command -v ccache >/dev/null; then
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache
   fi
-  cmake -S "$project_root" -B "$build_folder" -G Ninja -DCMAKE_BUILD_TYPE=Release --log-level=NOTICE
+  cmake -S "$project_root" -B "$build_folder" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    -DCAMERA_BENCHMARKS=ON --log-level=NOTICE
   cmake --build "$build_folder" --target line_bench parts_bench
 }
 
