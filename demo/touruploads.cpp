@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QMessageBox>
 
-using emulator::CameraType;
 using emulator::VirtualCamera;
 
 namespace {
@@ -18,7 +17,7 @@ QString makeFile(const QString& folder, const QString& name, int size) {
     QByteArray content(size, '\0');
     for (int i = 0; i < size; ++i)
         content[i] = static_cast<char>((i * 31 + i / 256) & 0xFF);
-    const QString path = QDir(folder).filePath(name);
+    QString path = QDir(folder).filePath(name);
     QFile file(path);
     TourGuide::expect(file.open(QIODevice::WriteOnly) && file.write(content) == size,
                       QStringLiteral("cannot write ") + path);
