@@ -37,6 +37,12 @@ void Tour::setSerialNumber() {
     TourGuide::expect(camera([](VirtualCamera& c) { return c.state().serialNumber; }) == sn.toStdString(),
                       QStringLiteral("the serial number in the camera"));
     m_guide.screenshot(dialog, QStringLiteral("sn-success"));
+
+    camera([](VirtualCamera& c) { c.addFault("result=1@setSn"); });
+    TourGuide::press(dialog, "btn_setsn");
+    TourGuide::expectText(dialog, "label_hint", QStringLiteral("设置SN失败，请重试"));
+    m_guide.screenshot(dialog, QStringLiteral("sn-failure"));
+    camera([](VirtualCamera& c) { c.faults().clear(); });
     dialog.close();
 }
 
@@ -44,6 +50,7 @@ void Tour::setHeater() {
     m_guide.say(QStringLiteral("heater"));
     TourGuide::press(m_window, "actionPwmHeatSet");
     auto& dialog = TourGuide::open<SetPwmHeat>();
+    m_guide.screenshot(dialog, QStringLiteral("heater-idle"));
     TourGuide::choose(dialog, "cb_setheat", QStringLiteral("50"));
     TourGuide::press(dialog, "btn_setheat");
     TourGuide::expectText(dialog, "label_hint", QStringLiteral("设置中，倒计时:1秒,请勿断电!"));
@@ -66,13 +73,22 @@ void Tour::setCompression() {
     m_guide.say(QStringLiteral("picture compression"));
     TourGuide::press(m_window, "actionactionPicRateSet");
     auto& dialog = TourGuide::open<SetPicRate>();
+    m_guide.screenshot(dialog, QStringLiteral("compression-idle"));
     TourGuide::enter(dialog, "et_setsn", QStringLiteral("85"));
     TourGuide::press(dialog, "btn_setsn");
+    TourGuide::expectText(dialog, "label_hint", QStringLiteral("设置中，倒计时:1秒,请勿断电!"));
+    m_guide.screenshot(dialog, QStringLiteral("compression-counting"));
     TourGuide::expectText(dialog, "label_setsn", QStringLiteral("当前图片压缩率:  85"));
     TourGuide::expect(camera([](VirtualCamera& c) { return propertyOf(c, property::compressionRate); }) ==
                           emulator::Bytes{85},
                       QStringLiteral("the compression rate in the camera"));
     m_guide.screenshot(dialog, QStringLiteral("compression-success"));
+
+    camera([](VirtualCamera& c) { c.settings().refusedProperties.insert(property::compressionRate); });
+    TourGuide::press(dialog, "btn_setsn");
+    TourGuide::expectText(dialog, "label_hint", QStringLiteral("设置图片压缩率失败，请重试"));
+    m_guide.screenshot(dialog, QStringLiteral("compression-failure"));
+    camera([](VirtualCamera& c) { c.settings().refusedProperties.clear(); });
     dialog.close();
 }
 
@@ -91,6 +107,12 @@ void Tour::setCaptureAngles() {
     TourGuide::press(dialog, "btn_set2");
     TourGuide::expectText(dialog, "label_2", QStringLiteral("当前陀螺仪抓图方向:逆时针"));
     m_guide.screenshot(dialog, QStringLiteral("capture-angles"));
+
+    camera([](VirtualCamera& c) { c.addFault("silent@getProperty"); });
+    TourGuide::press(dialog, "btn_get1");
+    TourGuide::expectText(dialog, "label_1", QStringLiteral("当前陀螺仪抓图角度:获取失败"));
+    m_guide.screenshot(dialog, QStringLiteral("capture-angles-failure"));
+    camera([](VirtualCamera& c) { c.faults().clear(); });
     dialog.close();
 }
 
