@@ -67,13 +67,18 @@ Bytes announcementAnswer(bool named, std::uint32_t offset) {
     return payload;
 }
 
-/// True when the tool gets an answer that it takes for one; else it sends no data.
-bool answerArrives(const FaultSet& faults) {
-    constexpr std::array spoilt = {FaultKind::silent,   FaultKind::late,   FaultKind::raw,
-                                   FaultKind::glue,     FaultKind::length, FaultKind::stray,
-                                   FaultKind::truncate, FaultKind::hangUp};
+/// True when the tool gets an answer that it takes for one; else it sends no data. The tool reads 15 bytes at
+/// a time: exactly an image's answer, whatever follows it, and all of a model's but its last byte.
+bool answerArrives(const FaultSet& faults, bool named) {
+    constexpr std::array spoilt = {FaultKind::silent, FaultKind::late, FaultKind::raw, FaultKind::truncate,
+                                   FaultKind::hangUp};
+    const auto has = [&faults](FaultKind kind) { return faults.has(kind); };
     const Fault* delay = faults.find(FaultKind::delay);
-    return std::none_of(spoilt.begin(), spoilt.end(), [&](FaultKind kind) { return faults.has(kind); }) &&
+    const Fault* length = faults.find(FaultKind::length);
+    const bool oneLess = length != nullptr && length->relative && length->number == -1;
+    const bool followed = faults.has(FaultKind::glue) || faults.has(FaultKind::stray);
+    return std::none_of(spoilt.begin(), spoilt.end(), has) && !(named && followed) &&
+           (length == nullptr || (named && oneLess)) &&
            (delay == nullptr || delay->number < longestAnnouncementDelayMs);
 }
 
@@ -126,7 +131,7 @@ void VirtualCamera::announceUpload(const Request& request, Reply& reply) {
         record.refused =
             kind.named && (payload.size() < wholeAnswer || payload.get(named_answer_payload::type) != 1 ||
                            payload.get(named_answer_payload::result) != succeeded);
-        if (payload.size() < wholeAnswer || record.refused || !answerArrives(request.faults)) {
+        if (payload.size() < wholeAnswer || record.refused || !answerArrives(request.faults, kind.named)) {
             record.finished = true;
             m_record.uploads.push_back(std::move(record));
             return;

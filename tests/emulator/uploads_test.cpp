@@ -225,11 +225,33 @@ TEST_F(Uploads, AShortAnnouncementAnswerIsFollowedByFrames) {
 }
 
 TEST_F(Uploads, AnAnnouncementWhoseAnswerIsSpoiltIsFollowedByFrames) {
-    for (const char* const fault : {"silent", "truncate=1", "stray=1", "glue", "length=+1", "raw=33"}) {
+    for (const char* const fault :
+         {"silent@appUpdate", "truncate=1@appUpdate", "length=+1@appUpdate", "length=-1@appUpdate",
+          "raw=33@appUpdate", "stray=1@modelUpdate", "glue@modelUpdate", "length=+1@modelUpdate"}) {
         bench.camera.faults().clear();
-        bench.camera.addFault(std::string(fault) + "@appUpdate");
+        bench.camera.addFault(fault);
         bench.ask(appAbc);
+        if (bench.camera.uploading())
+            bench.ask(abc);
+        bench.ask(modelAbc);
+        EXPECT_EQ(bench.camera.uploading(), std::string(fault).ends_with("appUpdate")) << fault;
+        if (bench.camera.uploading())
+            bench.ask(abc);
+        bench.listen(10s);
         EXPECT_EQ(bench.ask(heartbeatRequest), hex(heartbeatAnswer)) << fault;
+    }
+}
+
+TEST_F(Uploads, AnAnnouncementIsFollowedByDataWhenAReadOf15BytesTakesItsAnswerForWhole) {
+    bench.camera.addFault("stray=1@appUpdate#1");
+    bench.camera.addFault("glue@appUpdate#2");
+    bench.camera.addFault("length=-1@modelUpdate");
+    for (const char* const announcement : {appAbc, appAbc, modelAbc}) {
+        bench.ask(announcement, 2s);
+        EXPECT_TRUE(bench.camera.uploading());
+        bench.ask(abc);
+        EXPECT_FALSE(bench.camera.uploading());
+        bench.listen(10s);
     }
 }
 

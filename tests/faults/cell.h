@@ -1,0 +1,29 @@
+// One cell of the matrix: one command, one fault, one camera, one process.
+#pragma once
+
+#include "tests/faults/command.h"
+
+namespace faultmatrix {
+
+/// What was seen in a cell, and what of it was not as it must be.
+struct Cell {
+    std::string fault;
+    Ending ending = Ending::fails;
+    milliseconds took{0};
+    std::vector<std::string> complaints;
+};
+
+/// Runs every cell of the row in a process of its own, all at once: the client's lines, their number base and
+/// the working directory belong to a process. A cell that crashes or hangs is a complaint. Only to be called
+/// while there is one thread.
+[[nodiscard]] std::vector<Cell> runRow(const Command& command);
+
+/// What the camera holds for downloads.
+inline constexpr std::uint32_t pictureBytes = 100;
+[[nodiscard]] protocol::Bytes storedPicture();
+[[nodiscard]] protocol::Bytes storedJsonPicture();
+
+/// Whether the download left the good picture, another one, or none.
+[[nodiscard]] Ending endingOfFile(const std::string& name, const protocol::Bytes& good);
+
+} // namespace faultmatrix
