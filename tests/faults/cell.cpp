@@ -31,8 +31,8 @@ using Texts = std::vector<std::string>;
 /// Beyond the bound: what starting threads and a busy machine cost.
 constexpr milliseconds allowance = 1s;
 constexpr int allowancePercent = 5;
-/// Longer than the two seconds between announcement and data.
-constexpr auto uploadSilence = 3s;
+/// Longer than the pause between announcement and data, and a read that waits in vain for more of the answer.
+constexpr milliseconds uploadSilence = 4500ms;
 constexpr std::size_t shortUpload = 1300;
 /// More than the line holds by itself.
 constexpr std::size_t longUpload = 200 * 1024;
@@ -54,6 +54,7 @@ emulator::CameraSettings settingsFor(const Command& command) {
     settings.factoryResetTime = 0ms;
     settings.updateRestartTime = 0ms;
     settings.uploadSilence = uploadSilence;
+    settings.keepsInterruptedUploads = false; // the next good upload is a whole one
     settings.holdsAnnouncedImage = true;
     settings.answersDoor = true;
     settings.drawPicture = [](std::uint16_t, std::uint32_t) { return storedPicture(); };
@@ -107,6 +108,12 @@ private:
     void require(bool holds, const std::string& what) {
         if (!holds)
             m_complaints.push_back(m_fault + ": " + what);
+    }
+
+    static void waitFor(const std::function<bool()>& holds, milliseconds longest) {
+        const auto start = Clock::now();
+        while (!holds() && Clock::now() - start < longest)
+            std::this_thread::sleep_for(5ms);
     }
 
     void prepare() {
@@ -203,8 +210,9 @@ private:
     /// What a user does: plugs the device in again, opens the link again.
     void recover() {
         if (m_fault.starts_with("hang-up") || m_fault.starts_with("upload-hang-up")) {
-            while (m_front.lineOpen()) // the client may see the end of the line first
-                std::this_thread::sleep_for(1ms);
+            waitFor([this] { return !m_front.lineOpen(); },
+                    5s); // the client may see the end of the line first
+            require(!m_front.lineOpen(), "the device is still there");
             require(!heartbeat(), "a command without a device works");
             m_front.comeBack();
             m_client.reset();
@@ -221,9 +229,7 @@ private:
         const auto uploading = [this] {
             return m_front.withCamera([](VirtualCamera& c) { return c.uploading(); });
         };
-        const auto given = Clock::now();
-        while (uploading() && Clock::now() - given < uploadSilence + allowance)
-            std::this_thread::sleep_for(10ms);
+        waitFor([&uploading] { return !uploading(); }, uploadSilence + allowance);
         require(!uploading(), "the camera still waits for data");
     }
 
@@ -231,8 +237,10 @@ private:
     void repeat() {
         m_front.withCamera([](VirtualCamera& c) { c.faults().clear(); });
         const bool heldBack = m_fault == "late" && !m_command.takesLate;
-        if (heldBack || m_fault == "back-at=2")
+        if (heldBack || m_fault == "back-at=2") {
             require(!heartbeat(), "the heartbeat behind it is not disturbed");
+            std::this_thread::sleep_for(100ms); // a long answer ends its read before its own answer is there
+        }
         require(heartbeat(), "the heartbeat behind it fails");
         Texts lines;
         {

@@ -144,10 +144,14 @@ std::vector<Command> takePicRows() {
     Command first = takePicRow("first deletion", "delete#1", deleteLines, takePicUsual + 2s,
                                {{"result=1", alsoLogged("start of takepic delete result is:1")}});
     // Without an id the catalogue holds no such picture: 0x01010101 bytes are asked for.
-    Command capture = takePicRow("capture", "capture#1", captureLines, takePicUsual + 4s,
-                                 {{"result=1", alsoLogged("error in takepic cmd 0x06 parse error")},
-                                  {"refuse", nothingFound},
-                                  {"payload=1", nothingFound}});
+    Command capture =
+        takePicRow("capture", "capture#1", captureLines, takePicUsual + 4s,
+                   {{"result=1", alsoLogged("error in takepic cmd 0x06 parse error")},
+                    {"refuse",
+                     {endless,
+                      {"error in takepic cmd 0x06 parse error", nothingFound.lines.front(), stopped.front()},
+                      {}}},
+                    {"payload=1", nothingFound}});
     Command list = takePicRow("catalogue", "catalogue#1", catalogueLines, takePicUsual + 6s,
                               {{"count=200", alsoLogged("pic num:200")},
                                {"hide-newest", nothingFound},
