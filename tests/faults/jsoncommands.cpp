@@ -50,6 +50,7 @@ Command firstPiece() {
     const Expected other{otherValue, lines.good, {}};
     return row("getQuentaModbusPic", "first piece", "jsonPicture#1", &download, 2500ms, lines,
                {{"no-marker", other}, // adds nothing and does not fail
+                {"hang-up=200", {fails, lines.lost, {}}},
                 {"no-size", sizeless},
                 {"size-text=\"x\"", sizeless},
                 {"size-text=99999999999", sizeless},
@@ -65,7 +66,10 @@ Command laterPiece() {
         {"first end"}, {"first end", "check2 failed", "read failed"}, {"first end", "command failed:*"}};
     const Expected other{otherValue, lines.good, {}};
     return row("getQuentaModbusPic", "later piece", "jsonPicture#2", &download, 250s, lines,
-               {{"no-marker", other}, {"short-json=13", other}, {"invalid-json", {works, lines.good, {}}}});
+               {{"no-marker", other},
+                {"hang-up=200", {fails, lines.lost, {}}},
+                {"short-json=13", other},
+                {"invalid-json", {works, lines.good, {}}}});
 }
 
 } // namespace

@@ -153,14 +153,17 @@ named behind the method. A cell says how the command was seen to end, and after 
 
 For every cell the test demands the ending, the log lines of the second table of the section, and none that the
 command logs at its other endings; a time within the command's bound (tries times time-out, and the pauses); a log
-line for each byte of garbage that is dropped; no file left by a failure. After that a heartbeat and the same
+line for each byte of garbage that is dropped; no file left by a failure (but by the last deletion of `takePic`, which
+comes after the picture). After that a heartbeat and the same
 command with a good answer have to work: at once, or, where the camera still takes bytes for missing upload data,
 after its upload silence. A device that hung up comes back first, a camera that stays down is switched on again,
 and an answer that was held back spoils the one heartbeat it comes in front of.
 
 Answers are found behind garbage and in pieces, and their check code, address and command are not looked at: those
 columns work on purpose. A picture transfer looks at nothing but the number of bytes and, in the first generation,
-the result. Log lines are shown as patterns: `*` stands for any text.
+the result. `opDoor` reads no answer at all, so that every fault of one leaves it working: its cells show that the
+camera noted the door and that the next command is not disturbed. An image's announcement answer is complete with
+the first read: a second copy behind it (`glue`) is then taken for the verdict. Log lines are shown as patterns: `*` stands for any text.
 )";
 }
 

@@ -56,7 +56,7 @@ std::vector<std::string> joined(std::vector<std::string> lines, const std::strin
 }
 
 /// Of an image, in 15 bytes: what stands behind its announcement answer is not read with it.
-Column imageCells(const Lines& lines, const std::string& tag, const char* refusedLine) {
+Column imageCells(const Lines& lines, const std::string& offsetLine, const char* refusedLine) {
     const Expected good{works, lines.good, {}};
     const Expected short2{fails, {"command failed:answer too short"}, {}};
     const Expected refused{works, {refusedLine}, {}}; // says that it cannot, and takes it
@@ -70,8 +70,9 @@ Column imageCells(const Lines& lines, const std::string& tag, const char* refuse
                  {"result=0xFF", refused},
                  {"refuse", short2},
                  {"upload-hang-up=50", {fails, joined(lines.good, "command failed:*"), throughVerdict}},
+                 {"upload-hang-up=100", {fails, joined(lines.good, "command failed:*"), throughVerdict}},
                  {"stall=50,600", {works, lines.good, throughVerdict}},
-                 {"offset=0xFFFFFFFF", {fails, {tag + "*"}, {}}}});
+                 {"offset=0xFFFFFFFF", {fails, {offsetLine}, {}}}});
 }
 
 Command appUpdate() {
@@ -115,7 +116,8 @@ Command firewareUpdate() {
         },
         announcementTries, lines,
         with(imageCells(lines, "fireware can update,offset is -1", "fireware cant update"),
-             {{"offset=100", wrongOffset("100")},
+             {{"upload-hang-up=100", {works, lines.good, {}}}, // nobody can know of it
+              {"offset=100", wrongOffset("100")},
               {"offset=size", wrongOffset("1300")},
               {"offset=size+1", wrongOffset("1301")},
               {"stall=50,3000",
@@ -155,6 +157,7 @@ Command modelUpdate() {
               {"verdict-delay=12000", {works, lines.good, patient}},
               {"no-verdict", {fails, noVerdict, patient}},
               {"upload-hang-up=50", {fails, {accepted, "command failed:*"}, throughVerdict}},
+              {"upload-hang-up=100", {fails, {accepted, "command failed:*"}, throughVerdict}},
               {"stall=50,600", {works, lines.good, throughVerdict}},
               {"stall=50,3000",
                {fails, joined(noVerdict, "Warning :write length !=targetGap  writeLength:*"),
