@@ -39,7 +39,7 @@ constexpr milliseconds uploadSilence = 4500ms;
 constexpr auto startPause = 20ms;
 constexpr std::size_t shortUpload = 1300;
 /// More than the line holds by itself.
-constexpr std::size_t longUpload = 200 * 1024;
+constexpr std::size_t longUpload = 200'000;
 
 protocol::Bytes pattern(std::size_t size) {
     protocol::Bytes bytes(size);
@@ -156,32 +156,37 @@ private:
         return m_command.run(bench);
     }
 
+    /// The command, timed; one that is to wait for ever is stopped when its patience is over.
+    void timedCommand() {
+        std::promise<void> ended;
+        std::atomic<bool> stopped{false};
+        std::thread stopper;
+        if (m_expected.ending == Ending::endless)
+            stopper = std::thread([&, over = ended.get_future()] {
+                if (over.wait_for(m_command.patience) == std::future_status::timeout) {
+                    stopped = true;
+                    m_client->requestStop();
+                }
+            });
+        const auto start = Clock::now();
+        m_ending = command();
+        m_took = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+        ended.set_value();
+        if (stopper.joinable())
+            stopper.join();
+        if (stopped && m_ending == Ending::fails)
+            m_ending = Ending::endless;
+    }
+
     void strike() {
-        const bool endless = m_expected.ending == Ending::endless;
         Texts lines;
         {
             const StdoutCapture log;
-            std::promise<void> ended;
-            std::atomic<bool> stopped{false};
-            std::thread stopper;
-            if (endless)
-                stopper = std::thread([&, over = ended.get_future()] {
-                    if (over.wait_for(m_command.patience) == std::future_status::timeout) {
-                        stopped = true;
-                        m_client->requestStop();
-                    }
-                });
-            const auto start = Clock::now();
-            m_ending = command();
-            m_took = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
-            ended.set_value();
-            if (stopper.joinable())
-                stopper.join();
-            if (stopped && m_ending == Ending::fails)
-                m_ending = Ending::endless;
+            timedCommand();
             lines = log.lines();
         }
         require(m_ending == m_expected.ending, std::string("ends as: ") + nameOf(m_ending));
+        const bool endless = m_expected.ending == Ending::endless;
         const milliseconds bound =
             endless ? m_command.patience + 300ms : m_expected.within.value_or(m_command.longest);
         require(m_took <= bound + bound * allowancePercent / 100 + allowance,
@@ -370,6 +375,7 @@ std::vector<Cell> runRow(const Command& command) {
         std::this_thread::sleep_for(startPause);
     }
     std::vector<Cell> cells;
+    cells.reserve(children.size());
     for (const Child& child : children)
         cells.push_back(finish(child));
     return cells;
