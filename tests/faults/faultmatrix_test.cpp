@@ -10,6 +10,7 @@
 #include <set>
 
 using namespace faultmatrix;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -21,6 +22,17 @@ std::filesystem::path pagePath() {
 
 std::filesystem::path rowsFolder() {
     return pagePath().string() + ".rows";
+}
+
+/// Cells that last minutes run when the page is written, not every time: the waiting that they see is
+/// counted read by read against the recording library.
+Command withoutLongWaits(Command command) {
+    constexpr auto longWait = 60s;
+    if (pagePath().empty() && command.longest > longWait)
+        std::erase_if(command.cells, [](const auto& cell) {
+            return cell.second.ending == Ending::fails && !cell.first.starts_with("hang-up");
+        });
+    return command;
 }
 
 class PageAtTheEnd : public testing::Environment {
@@ -36,14 +48,16 @@ class PageAtTheEnd : public testing::Environment {
 class FaultMatrix : public testing::TestWithParam<Command> {};
 
 TEST_P(FaultMatrix, EveryFaultEndsAsItMustInTimeWithItsLogLineAndTheNextCommandWorks) {
-    const std::vector<Cell> cells = runRow(GetParam());
+    const Command command = withoutLongWaits(GetParam());
+    const std::vector<Cell> cells = runRow(command);
     for (const Cell& cell : cells) {
         for (const std::string& complaint : cell.complaints)
             ADD_FAILURE() << complaint;
     }
-    EXPECT_EQ(cells.size(), GetParam().cells.size());
+    EXPECT_EQ(cells.size(), command.cells.size());
+    EXPECT_FALSE(cells.empty());
     if (!pagePath().empty())
-        storeRow(rowsFolder(), GetParam(), cells);
+        storeRow(rowsFolder(), command, cells);
 }
 
 /// Letters and digits only.
