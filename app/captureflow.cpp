@@ -5,6 +5,7 @@
 #include "pictures/picturegeneration.h"
 
 #include <QDebug>
+#include <QFile>
 #include <QLabel>
 
 using namespace std::chrono_literals;
@@ -67,6 +68,14 @@ struct CaptureFlow::Capture {
     bool waitUntilKnown(CameraSp& camera) const;
 };
 
+/// How the pool job of a run ended.
+struct CaptureFlow::Download {
+    bool tried = false; ///< false: there was nothing to download
+    bool written = false;
+
+    explicit operator bool() const { return written; }
+};
+
 bool CaptureFlow::Capture::waitUntilKnown(CameraSp& camera) const {
     for (int round = 0; round < stateRounds; ++round) {
         switch (state.load()) {
@@ -110,19 +119,19 @@ void CaptureFlow::startFrames(const Path& path) {
     afterDelay(captureDelay, [this, &path, capture] { takePicture(path, capture->run); });
     afterDelay(catalogueDelay, [this, &path, capture] { findPicture(path, capture); });
     runOnPool(
-        this,
+        tr("拍照"), this,
         [&path, capture](CameraSp* camera) {
             if (!capture->waitUntilKnown(*camera))
-                return false;
+                return Download{};
             const std::uint8_t id = capture->id;
             const std::uint32_t size = capture->size;
             qDebug() << "pic start " << id << "  " << size;
             path.download(*camera, id, size);
             qDebug() << "pic end";
-            return true;
+            return Download{true, QFile::exists(localPictureName(id))};
         },
-        [this, capture](bool downloaded) {
-            if (!downloaded)
+        [this, capture](const Download& download) {
+            if (!download.tried)
                 return;
             qDebug() << "in timer";
             showPicture(capture->id, capture->fresh);
@@ -138,16 +147,16 @@ void CaptureFlow::afterDelay(std::chrono::milliseconds delay, std::function<void
 }
 
 void CaptureFlow::takePicture(const Path& path, std::uint64_t run) {
-    if (ask(path.generation.capture))
+    if (ask(QString(), path.generation.capture))
         return;
     releaseControls(run); // the catalogue is read all the same: an older picture may be there
     qDebug() << "take failed";
 }
 
 void CaptureFlow::findPicture(const Path& path, const SharedCapture& capture) {
-    auto records = ask(path.generation.catalogue);
+    auto records = ask(QString(), path.generation.catalogue);
     if (records.empty())
-        records = ask(path.generation.catalogue);
+        records = ask(QString(), path.generation.catalogue);
     if (records.empty()) {
         capture->state = Capture::noPicture;
         releaseControls(capture->run);
@@ -166,7 +175,7 @@ void CaptureFlow::startJson() {
     const bool fresh = removeLocalPicture(jsonPicture);
     const std::uint64_t run = holdControls();
     runOnPool(
-        this,
+        tr("拍照"), this,
         [](CameraSp* camera) {
             qDebug() << "quenta pic start";
             const bool downloaded = camera->getQuentaModbusPic(jsonPicture);

@@ -24,6 +24,7 @@ public:
     /// The new link's client, or null when the link ends. A flow that is under way is dropped; the owner, who
     /// ends the link, gives the controls back itself.
     void attachClient(CameraSp* client);
+    using ClientBorrower::setObserver;
 
     /// One of cameratype: quenta and shelfDynamic have paths of their own, every other type is the first
     /// generation.
@@ -32,6 +33,7 @@ public:
 private:
     struct Path;
     struct Capture;
+    struct Download;
     using SharedCapture = std::shared_ptr<Capture>;
 
     static const Path originPath;

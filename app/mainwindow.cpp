@@ -3,6 +3,8 @@
 
 #include "app/application.h"
 #include "app/keepawake.h"
+#include "app/statusline.h"
+#include "app/transferdisplay.h"
 #include "dialogs/aboutdialog.h"
 #include "dialogs/cameratype.h"
 #include "dialogs/doorop.h"
@@ -30,6 +32,16 @@ namespace {
 constexpr auto finishStartDelay = 100ms;
 const QString toolVersion = QStringLiteral(CAMERA_TOOL_VERSION);
 
+std::vector<PortEntry> presentPorts() {
+    std::vector<PortEntry> ports;
+    for (const serial::PortInfo& port : CameraSp::describePorts()) {
+        const QString adapter = QString::fromStdString(port.description);
+        const QString hardware = QString::fromStdString(port.hardware_id);
+        ports.push_back({QString::fromStdString(port.port), adapter + QLatin1Char('\n') + hardware});
+    }
+    return ports;
+}
+
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
@@ -38,7 +50,8 @@ MainWindow::MainWindow(QWidget* parent)
     setWindowTitle(tr("摄像头测试-Tessaly v(%1)").arg(toolVersion));
     // A lamp, not a control; accessibility tools still read it.
     m_ui->rb_heartbeat->setAttribute(Qt::WA_TransparentForMouseEvents);
-    setMissingClientHandler([this] { showStatus(tr("请先打开串口")); });
+    m_statusLine = std::make_unique<StatusLine>(m_ui->statusbar);
+    setObserver(m_statusLine.get());
     fillChoices();
 
     connectLink();
@@ -47,10 +60,12 @@ MainWindow::MainWindow(QWidget* parent)
     connectUpdates();
     connectPictures();
     if (const auto* const application = qobject_cast<Application*>(QCoreApplication::instance()))
-        connect(application, &Application::failureReported, this, &MainWindow::showStatus);
+        connect(application, &Application::failureReported, m_statusLine.get(), &StatusLine::showOutcome);
 
     applyPortRule();
     showPaths();
+    showLink();
+    pressButtonsByEnter(this);
     m_ui->btn_open->setFocus();
     QTimer::singleShot(finishStartDelay, this, &MainWindow::finishStart);
 }
@@ -78,8 +93,8 @@ void MainWindow::fillChoices() {
     m_ui->sel_baund->addItems({QStringLiteral("460800"), QStringLiteral("230400"), QStringLiteral("115200"),
                                QStringLiteral("9600")});
     m_ui->sel_baund->setCurrentIndex(0);
-    for (const std::string& port : CameraSp::getPorts())
-        m_ui->sel_ports->addItem(QString::fromStdString(port));
+    m_ui->sel_ports->setSource(&presentPorts);
+    m_ui->sel_ports->fill();
     m_portName = m_ui->sel_ports->currentText().toStdString();
     qDebug() << "init port:" << m_ui->sel_ports->currentText();
     qDebug() << "Application version:" << toolVersion;
@@ -118,8 +133,14 @@ void MainWindow::connectMenus() {
 }
 
 void MainWindow::connectPictures() {
-    m_captureFlow =
-        std::make_unique<CaptureFlow>(m_ui->label, [this](bool allowed) { allowExchange(allowed); });
+    m_captureFlow = std::make_unique<CaptureFlow>(m_ui->label, [this](bool allowed) {
+        allowExchange(allowed);
+        if (allowed)
+            m_transferDisplay->finish();
+        else if (m_camera != nullptr)
+            m_transferDisplay->followDownload(m_camera->progress());
+    });
+    m_captureFlow->setObserver(m_statusLine.get());
     connect(m_ui->btn_takepic, &QPushButton::clicked, this, [this] { m_captureFlow->start(m_cameraType); });
     connect(m_ui->actionPicInfo, &QAction::triggered, this, [this] { openWindow<PicList>(this, client()); });
     connect(m_ui->actionPicInfoV1, &QAction::triggered, this,
@@ -127,11 +148,11 @@ void MainWindow::connectPictures() {
 }
 
 void MainWindow::finishStart() {
-    if (!m_ui->statusbar->currentMessage().isEmpty())
+    if (!m_statusLine->isSilent())
         return; // the user was faster, and what happened then is more important
     const int ports = m_ui->sel_ports->count();
-    showStatus(ports > 0 ? tr("准备就绪，发现 %1 个串口，请选择后打开").arg(ports)
-                         : tr("没有发现串口，请插入转接器后重新启动本工具"));
+    m_statusLine->showState(ports > 0 ? tr("准备就绪，发现 %1 个串口，请选择后打开").arg(ports)
+                                      : tr("没有发现串口，请插入转接器后点开串口列表"));
 }
 
 // --- the controls ------------------------------------------------------------------------------------------
@@ -190,8 +211,12 @@ void MainWindow::showPaths() {
     m_ui->frame_path->setVisible(!(m_appPath.isEmpty() && m_firewarePath.isEmpty() && m_modelPath.isEmpty()));
 }
 
-void MainWindow::showStatus(const QString& text) {
-    m_ui->statusbar->showMessage(text);
+void MainWindow::showLink() {
+    m_statusLine->setLinkText(m_camera == nullptr ? tr("串口未打开")
+                                                  : tr("%1，%2，从机地址 %3")
+                                                        .arg(QString::fromStdString(m_portName))
+                                                        .arg(m_baudRate)
+                                                        .arg(m_slaveAddress));
 }
 
 // --- the link ----------------------------------------------------------------------------------------------
@@ -213,7 +238,8 @@ void MainWindow::openLink() {
     lendClient(m_camera.get());
     m_ui->btn_open->setText(tr("关闭串口"));
     freeExchange();
-    showStatus(port.isEmpty() ? tr("没有可用串口") : tr("已打开 %1").arg(port));
+    showLink();
+    m_statusLine->showOutcome(port.isEmpty() ? tr("没有可用串口") : tr("已打开 %1").arg(port));
 }
 
 void MainWindow::closeLink() {
@@ -228,11 +254,13 @@ void MainWindow::closeLink() {
     endInterruptible();
     m_camera.reset();
     freeExchange();
-    showStatus(tr("串口已关闭"));
+    showLink();
+    m_statusLine->showOutcome(tr("串口已关闭"));
 }
 
 void MainWindow::lendClient(CameraSp* client) {
     attachClient(client);
+    m_statusLine->setClient(client);
     m_captureFlow->attachClient(client);
     m_windows.attachClient(client);
 }
@@ -243,6 +271,7 @@ void MainWindow::applyCameraProtocol() {
     const bool quenta = m_cameraType == cameratype::quenta;
     m_ui->sel_baund->setCurrentText(quenta ? QStringLiteral("230400") : QStringLiteral("460800"));
     m_ui->label_slaveinfo->setText(tr("当前从机地址:") + QString::number(m_slaveAddress));
+    showLink();
 }
 
 // --- windows -----------------------------------------------------------------------------------------------
@@ -258,9 +287,8 @@ void MainWindow::openAbout() {
 }
 
 void MainWindow::lendTo(ClientBorrower& borrower) {
-    const auto sayMissing = [this] { showStatus(tr("请先打开串口")); };
-    borrower.setMissingClientHandler(sayMissing);
+    borrower.setObserver(m_statusLine.get());
     // What the window asked for while it was being made has failed already.
     if (m_camera == nullptr)
-        sayMissing();
+        m_statusLine->clientMissing();
 }

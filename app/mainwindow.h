@@ -3,6 +3,7 @@
 
 #include "app/captureflow.h"
 #include "app/openwindows.h"
+#include "app/windowkeys.h"
 #include "borrow/clientborrower.h"
 #include "link/camerasp.h"
 
@@ -20,6 +21,7 @@ class FirewareTask;
 class KeepAwake;
 class ModelUpdateTask;
 class QPushButton;
+class StatusLine;
 class TransferDisplay;
 
 namespace Ui {
@@ -67,7 +69,8 @@ private:
     void freeExchange();
     /// Shows the chosen files.
     void showPaths();
-    void showStatus(const QString& text);
+    /// The right end of the status bar: the open port, its rate, the address.
+    void showLink();
 
     // --- the link ---
     void toggleLink();
@@ -99,6 +102,7 @@ private:
     };
     /// What a question box asks, does on Yes, and says afterwards.
     struct ConfirmedCommand {
+        QString name; ///< for the status bar
         QString title;
         QString question;
         bool (CameraSp::*command)();
@@ -153,6 +157,7 @@ private:
     AppUpdateV1Task* m_appUpdateV1Task = nullptr;
     FirewareTask* m_firewareTask = nullptr;
     ModelUpdateTask* m_modelUpdateTask = nullptr;
+    std::unique_ptr<StatusLine> m_statusLine;
     TransferDisplay* m_transferDisplay = nullptr;
     std::unique_ptr<KeepAwake> m_keepAwake; ///< present while an upload or a return wait runs
     bool m_interruptible = false;           ///< the same: closing asks first
@@ -175,6 +180,8 @@ Window* MainWindow::openWindow(Arguments&&... arguments) {
     } else {
         m_windows.add(window, nullptr);
     }
+    closeByEscape(window);
+    pressButtonsByEnter(window);
     window->show();
     return window;
 }

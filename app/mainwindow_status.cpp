@@ -31,7 +31,7 @@ QString versionOf(const QJsonObject& answer) {
 } // namespace
 
 void MainWindow::testHeartBeat() {
-    const bool alive = ask(&CameraSp::testHeartBeat);
+    const bool alive = ask(tr("测试心跳"), &CameraSp::testHeartBeat);
     qDebug() << "heartbeat result:" << alive;
     m_ui->rb_heartbeat->setCheckable(true);
     m_ui->rb_heartbeat->setChecked(alive);
@@ -59,7 +59,7 @@ void MainWindow::queryVersionsOnPool() {
                  << QString::fromStdString(versions.qv) << "  version3";
         return versions;
     };
-    runOnPool(this, query, [this](const Versions& versions) {
+    runOnPool(tr("读取版本号"), this, query, [this](const Versions& versions) {
         m_ui->tv_appversion->setText(tr("SDK版本:") + QString::fromStdString(versions.app) +
                                      QLatin1Char('\n') + tr("系统版本:") +
                                      QString::fromStdString(versions.system) + QLatin1Char('\n') +
@@ -70,7 +70,7 @@ void MainWindow::queryVersionsOnPool() {
 
 void MainWindow::queryQuentaVersion() {
     m_ui->tv_appversion->repaint(); // the busy mark, before the exchange blocks this thread
-    const std::string answer = ask(&CameraSp::getQuentaModbusProperty, std::string());
+    const std::string answer = ask(tr("读取版本号"), &CameraSp::getQuentaModbusProperty, std::string());
     qDebug() << "quenta-jintai-version:" << QString::fromStdString(answer);
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(answer), &error);
@@ -81,14 +81,14 @@ void MainWindow::queryQuentaVersion() {
 
 void MainWindow::queryModelInfo() {
     m_ui->label_modelinfo->clear();
-    const QString info = QString::fromStdString(ask(&CameraSp::getModelInfo));
+    const QString info = QString::fromStdString(ask(tr("读取模型信息"), &CameraSp::getModelInfo));
     qDebug() << "modelInfo:" << info;
     m_ui->label_modelinfo->setText(tr("模型信息:") + info);
 }
 
 void MainWindow::testGyro() {
-    const std::vector<std::uint8_t> answer =
-        ask(&CameraSp::getCommonPropertyWithoutParse, gyroProperty, gyroCommand, gyroTimeoutMs, gyroReadSize);
+    const std::vector<std::uint8_t> answer = ask(tr("测试陀螺仪"), &CameraSp::getCommonPropertyWithoutParse,
+                                                 gyroProperty, gyroCommand, gyroTimeoutMs, gyroReadSize);
     const QString text =
         QString::fromUtf8(QByteArrayView(answer.data(), static_cast<qsizetype>(answer.size())));
     const bool passed = text == QLatin1String("3success");
@@ -101,17 +101,17 @@ void MainWindow::runConfirmed(const ConfirmedCommand& action) {
                                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
     if (self == nullptr || answer != QMessageBox::Yes)
         return;
-    const bool done = ask(action.command);
+    const bool done = ask(action.name, action.command);
     QMessageBox::information(this, QString(), done ? action.success : action.failure);
 }
 
 void MainWindow::rebootCamera() {
-    runConfirmed({tr("确认重启"), tr("是否重启摄像头？"), &CameraSp::rebootCamera,
+    runConfirmed({tr("重启摄像头"), tr("确认重启"), tr("是否重启摄像头？"), &CameraSp::rebootCamera,
                   tr("重启摄像头成功，请稍等摄像头进行重启"), tr("摄像头重启失败")});
 }
 
 void MainWindow::resetToFactory() {
-    runConfirmed({tr("确认初始化"), tr("是否初始化摄像头？"), &CameraSp::resetToFactory,
+    runConfirmed({tr("恢复出厂设置"), tr("确认初始化"), tr("是否初始化摄像头？"), &CameraSp::resetToFactory,
                   tr("初始化成功,请稍等10秒待摄像头初始化"), tr("初始化失败")});
 }
 

@@ -1,6 +1,7 @@
 // Uploads: choosing the files, starting the tasks, their results, and the wait for the camera's return.
 #include "app/keepawake.h"
 #include "app/mainwindow.h"
+#include "app/statusline.h"
 #include "app/transferdisplay.h"
 #include "dialogs/cameratype.h"
 #include "ui_mainwindow.h"
@@ -112,12 +113,12 @@ void MainWindow::runTask(Task* task, void (Task::*ended)(bool), void (MainWindow
             (this->*showResult)(result);
     });
     if (m_camera != nullptr) {
-        showStatus(tr("正在升级，请勿断电、勿拔线"));
+        m_statusLine->showState(tr("正在升级，请勿断电、勿拔线"));
         m_interruptible = true;
         m_keepAwake = std::make_unique<KeepAwake>();
         m_transferDisplay->followTransfer(m_camera->progress());
     } else {
-        showStatus(tr("请先打开串口"));
+        m_statusLine->showState(tr("请先打开串口"));
     }
     allowExchange(false);
     task->start();
@@ -127,7 +128,7 @@ void MainWindow::runTask(Task* task, void (Task::*ended)(bool), void (MainWindow
 void MainWindow::disablePressed(QPushButton* button, bool started) {
     button->setEnabled(false);
     if (!started)
-        showStatus(tr("没有可升级的文件，请先选择文件"));
+        m_statusLine->showState(tr("没有可升级的文件，请先选择文件"));
 }
 
 // --- results -----------------------------------------------------------------------------------------------
@@ -173,7 +174,7 @@ void MainWindow::awaitReturn(const ReturnWait& wait) {
         qDebug() << wait.logTag << alive;
         return alive;
     };
-    runOnPool(this, probe, [this, button = wait.button](bool alive) {
+    runOnPool(QString(), this, probe, [this, button = wait.button](bool alive) {
         showUploadResult(button, alive, tr("升级已完成，结果:") + boolText(alive));
     });
 }
@@ -182,7 +183,7 @@ void MainWindow::showUploadResult(QPushButton* button, bool success, const QStri
     endInterruptible();
     button->setEnabled(true);
     allowExchange(true);
-    showStatus(success ? tr("升级完成") : tr("升级没有成功，请检查连接后重新升级"));
+    m_statusLine->showOutcome(success ? tr("升级完成") : tr("升级没有成功，请检查连接后重新升级"));
     QMessageBox::information(nullptr, QString(), text, QMessageBox::Ok);
 }
 

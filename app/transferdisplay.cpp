@@ -76,7 +76,7 @@ TransferDisplay::TransferDisplay(QWidget* parent)
     setObjectName(QStringLiteral("transferDisplay"));
     m_label->setObjectName(QStringLiteral("label_transfer"));
     m_bar->setObjectName(QStringLiteral("bar_transfer"));
-    m_bar->setAccessibleName(tr("升级进度"));
+    m_bar->setAccessibleName(tr("传输进度"));
     constexpr int barWidth = 180;
     m_bar->setFixedWidth(barWidth);
     auto* const layout = new QHBoxLayout(this);
@@ -89,11 +89,12 @@ TransferDisplay::TransferDisplay(QWidget* parent)
 }
 
 void TransferDisplay::followTransfer(const TransferProgress& progress) {
-    finish();
-    m_transfer = &progress;
-    refresh();
-    m_poll.start();
+    follow(&progress, false);
     show();
+}
+
+void TransferDisplay::followDownload(const TransferProgress& progress) {
+    follow(&progress, true);
 }
 
 void TransferDisplay::followReturnWait(std::shared_ptr<const ReturnWaitProgress> progress) {
@@ -102,6 +103,14 @@ void TransferDisplay::followReturnWait(std::shared_ptr<const ReturnWaitProgress>
     refresh();
     m_poll.start();
     show();
+}
+
+void TransferDisplay::follow(const TransferProgress* transfer, bool download) {
+    finish();
+    m_transfer = transfer;
+    m_download = download;
+    refresh();
+    m_poll.start();
 }
 
 void TransferDisplay::finish() {
@@ -129,12 +138,15 @@ void TransferDisplay::refreshTransfer() {
     snapshot.startOffset = m_transfer->startOffset;
     snapshot.done = m_transfer->done;
     snapshot.total = m_transfer->total;
+    if (m_download)
+        setVisible(snapshot.phase == Phase::downloading);
     const bool sending = snapshot.phase == Phase::sending;
+    const bool counted = sending || snapshot.phase == Phase::downloading;
     if (sending && !m_sending.isValid())
         m_sending.start();
     snapshot.seconds = m_sending.isValid() ? static_cast<double>(m_sending.elapsed()) / 1000.0 : 0.0;
-    m_bar->setRange(0, sending ? 100 : 0); // an empty range is the busy indicator
-    if (sending)
+    m_bar->setRange(0, counted ? 100 : 0); // an empty range is the busy indicator
+    if (counted)
         m_bar->setValue(transferPercent(snapshot));
     m_label->setText(transferText(snapshot));
 }

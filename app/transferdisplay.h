@@ -41,11 +41,14 @@ public:
 
     /// Shows a transfer until finish() is called. The progress must outlive that call.
     void followTransfer(const TransferProgress& progress);
+    /// Shows a picture download as soon as its bytes come; until then nothing is to be seen.
+    void followDownload(const TransferProgress& progress);
     /// Shows the wait for the camera's return instead.
     void followReturnWait(std::shared_ptr<const ReturnWaitProgress> progress);
     void finish();
 
 private:
+    void follow(const TransferProgress* transfer, bool download);
     void refresh();
     void refreshTransfer();
 
@@ -54,5 +57,6 @@ private:
     QTimer m_poll;
     QElapsedTimer m_sending;
     const TransferProgress* m_transfer = nullptr;
+    bool m_download = false; ///< what is followed is a picture download
     std::shared_ptr<const ReturnWaitProgress> m_returnWait;
 };

@@ -11,11 +11,19 @@ void ClientBorrower::setExchangeAllowed(bool allowed) {
     m_window->setEnabled(allowed);
 }
 
-void ClientBorrower::setMissingClientHandler(std::function<void()> handler) {
-    m_missingClientHandler = std::move(handler);
+std::shared_ptr<const LinkUse> ClientBorrower::beginUse(const QString& name, bool blocking) const {
+    auto use = std::make_shared<const LinkUse>(LinkUse{name, std::chrono::steady_clock::now(), blocking});
+    if (m_observer != nullptr)
+        m_observer->useBegan(use);
+    return use;
+}
+
+void ClientBorrower::endUse(const LinkUse& use, bool succeeded) const {
+    if (m_observer != nullptr)
+        m_observer->useEnded(use, succeeded);
 }
 
 void ClientBorrower::reportMissingClient() const {
-    if (m_missingClientHandler)
-        m_missingClientHandler();
+    if (m_observer != nullptr)
+        m_observer->clientMissing();
 }

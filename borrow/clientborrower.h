@@ -1,6 +1,7 @@
 // How a window borrows the camera client, and the one way to run its work on the pool.
 #pragma once
 
+#include "borrow/linkuse.h"
 #include "link/camerasp.h"
 
 #include <QCoreApplication>
@@ -10,7 +11,6 @@
 #include <QWidget>
 #include <QtConcurrentRun>
 
-#include <functional>
 #include <memory>
 #include <tuple>
 #include <utility>
@@ -30,8 +30,8 @@ public:
 
     /// Null detaches. Results of jobs that were started before are dropped.
     void attachClient(CameraSp* client);
-    /// Called whenever a command is asked for without a client.
-    void setMissingClientHandler(std::function<void()> handler);
+    /// Told of every command and job from now on, and of those asked for without a client; null: nobody is.
+    void setObserver(LinkUseObserver* observer) { m_observer = observer; }
     /// Called before (false) and after (true) somebody else uses the client for a longer time (upload,
     /// capture, return wait): the window is disabled in between, so that it starts no exchange.
     void setExchangeAllowed(bool allowed);
@@ -41,34 +41,51 @@ protected:
     /// Grows with every attachClient; tells results of an earlier link from those of the present one.
     [[nodiscard]] std::uint64_t linkGeneration() const { return m_generation; }
 
-    /// Runs one command on this thread; without a client the command's failure value.
+    /// Runs one command on this thread; without a client the command's failure value. The name is for the
+    /// observer (LinkUse::name).
     template <typename Result, typename... Parameters, typename... Arguments>
-    Result ask(Result (CameraSp::*command)(Parameters...), Arguments&&... arguments) const {
-        if (m_client != nullptr)
-            return (m_client->*command)(std::forward<Arguments>(arguments)...);
-        reportMissingClient();
-        return Result();
+    Result ask(const QString& name, Result (CameraSp::*command)(Parameters...),
+               Arguments&&... arguments) const {
+        if (m_client == nullptr) {
+            reportMissingClient();
+            return Result();
+        }
+        const auto use = beginUse(name, true);
+        if constexpr (std::is_void_v<Result>) {
+            (m_client->*command)(std::forward<Arguments>(arguments)...);
+            endUse(*use, true);
+        } else {
+            Result result = (m_client->*command)(std::forward<Arguments>(arguments)...);
+            endUse(*use, saysSuccess(result));
+            return result;
+        }
     }
 
     /// Runs `work(CameraSp*)` on the global thread pool with the client leased, then `apply(result)` on the
     /// user-interface thread, unless the context has died or the link has changed meanwhile. `work` must not
-    /// touch the window; its client may be null.
+    /// touch the window; its client may be null. The name is for the observer (LinkUse::name).
     template <typename Work, typename Apply>
-    void runOnPool(QObject* context, Work work, Apply apply) {
+    void runOnPool(const QString& name, QObject* context, Work work, Apply apply) {
         struct Job {
             CameraSp* client = nullptr;
             CameraSp::Lease lease;
             Work work;
         };
-        if (m_client == nullptr)
+        std::shared_ptr<const LinkUse> use;
+        if (m_client != nullptr)
+            use = beginUse(name, false);
+        else
             reportMissingClient();
         auto job = std::make_shared<Job>(Job{
             m_client, m_client != nullptr ? CameraSp::Lease(*m_client) : CameraSp::Lease(), std::move(work)});
         // The pointers are made here and only looked at here again: the context may die at any time.
         auto deliver = [this, context = QPointer<QObject>(context), generation = m_generation,
-                        apply = std::move(apply)](auto&& result) mutable {
-            if (context != nullptr && generation == m_generation)
-                apply(std::forward<decltype(result)>(result));
+                        use = std::move(use), apply = std::move(apply)](auto&& result) mutable {
+            if (context == nullptr || generation != m_generation)
+                return;
+            if (use != nullptr)
+                endUse(*use, saysSuccess(result));
+            apply(std::forward<decltype(result)>(result));
         };
         std::ignore = QtConcurrent::run(
             QThreadPool::globalInstance(), [job = std::move(job), deliver = std::move(deliver)]() mutable {
@@ -83,10 +100,12 @@ protected:
     }
 
 private:
+    [[nodiscard]] std::shared_ptr<const LinkUse> beginUse(const QString& name, bool blocking) const;
+    void endUse(const LinkUse& use, bool succeeded) const;
     void reportMissingClient() const;
 
     QWidget* m_window;
     CameraSp* m_client;
     std::uint64_t m_generation = 0;
-    std::function<void()> m_missingClientHandler;
+    LinkUseObserver* m_observer = nullptr;
 };

@@ -18,14 +18,19 @@ constexpr std::uint8_t code(SettingId id) {
 
 } // namespace
 
+QString SettingBorrower::readName() {
+    return QCoreApplication::translate("SettingBorrower", "读取设置");
+}
+
 bool SettingBorrower::writeSetting(SettingId id, Value value) const {
-    return ask(&CameraSp::setCommonProperty, code(id), std::move(value), writeCommand);
+    return ask(QCoreApplication::translate("SettingBorrower", "写入设置"), &CameraSp::setCommonProperty,
+               code(id), std::move(value), writeCommand);
 }
 
 void SettingBorrower::showByteSetting(SettingId id, QLabel* label, const QString& prefix,
                                       const QString& failure) const {
     label->clear();
-    const Value value = ask(&CameraSp::getCommonProperty, code(id), readCommand);
+    const Value value = ask(readName(), &CameraSp::getCommonProperty, code(id), readCommand);
     if (value.empty()) {
         label->setText(failure);
         return;

@@ -43,7 +43,7 @@ protected:
     void fetchSettings(QObject* context, std::vector<SettingId> ids, std::chrono::milliseconds pauseAfterEach,
                        Log log, Apply apply) {
         runOnPool(
-            context,
+            readName(), context,
             [ids = std::move(ids), pauseAfterEach, log = std::move(log)](CameraSp* camera) {
                 auto values = readSettings(camera, ids, pauseAfterEach);
                 log(values);
@@ -53,6 +53,8 @@ protected:
     }
 
 private:
+    /// What the observer is told that a read is.
+    static QString readName();
     static std::vector<Value> readSettings(CameraSp* camera, const std::vector<SettingId>& ids,
                                            std::chrono::milliseconds pauseAfterEach);
 };

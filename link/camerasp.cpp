@@ -61,12 +61,14 @@ CameraSp::~CameraSp() {
 }
 
 std::vector<std::string> CameraSp::getPorts() {
-    return guarded(std::vector<std::string>(), [] {
-        std::vector<std::string> names;
-        for (const serial::PortInfo& info : serial::list_ports())
-            names.push_back(info.port);
-        return names;
-    });
+    std::vector<std::string> names;
+    for (const serial::PortInfo& info : describePorts())
+        names.push_back(info.port);
+    return names;
+}
+
+std::vector<serial::PortInfo> CameraSp::describePorts() {
+    return guarded(std::vector<serial::PortInfo>(), [] { return serial::list_ports(); });
 }
 
 void CameraSp::setSlaveAddress(std::int32_t address) {

@@ -46,6 +46,9 @@ public:
 
     /// Names of all serial ports in the order reported; empty when there are none.
     [[nodiscard]] static std::vector<std::string> getPorts();
+    /// The same with what the system says of each adapter; the texts as the serial library gives them
+    /// (UTF-8).
+    [[nodiscard]] static std::vector<serial::PortInfo> describePorts();
 
     /// Only its low byte is sent. Sends nothing itself.
     void setSlaveAddress(std::int32_t address);
@@ -133,6 +136,10 @@ public:
     };
     /// Blocks until every lease has been given back.
     void waitUntilUnused();
+
+    /// Whether the last use of the port failed in the device, as it does when the adapter has been pulled
+    /// out. False again as soon as the port works. Any thread.
+    [[nodiscard]] bool portFailed() const { return m_port->hasFailed(); }
 
     [[nodiscard]] const TransferProgress& progress() const { return m_progress; }
 

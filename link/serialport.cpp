@@ -60,38 +60,42 @@ SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uin
                serial::parity_none, serial::stopbits_one, serial::flowcontrol_none) {}
 
 void SerialPort::setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) {
-    const std::lock_guard lock(m_mutex);
-    serial::Timeout record = timeouts(readMs, writeMs); // the library takes it by a non-const reference
-    m_serial.setTimeout(record);
+    guard([&] {
+        serial::Timeout record = timeouts(readMs, writeMs); // the library takes it by a non-const reference
+        m_serial.setTimeout(record);
+    });
 }
 
 void SerialPort::discardInput() {
-    const std::lock_guard lock(m_mutex);
-    try {
-        m_serial.flushInput();
-    } catch (const serial::IOException& error) {
-        // Version 1.2.1 of the library cannot discard on Windows; reading what is there comes to the same.
-        if (std::string_view(error.what()).find("not supported") == std::string_view::npos)
-            throw;
-        protocol::Bytes discarded;
-        for (std::size_t waiting = m_serial.available(); waiting > 0; waiting = m_serial.available()) {
-            if (m_serial.read(discarded, waiting) == 0)
-                return;
+    guard([this] {
+        try {
+            m_serial.flushInput();
+        } catch (const serial::IOException& error) {
+            // Version 1.2.1 of the library cannot discard on Windows; reading what is there comes to the
+            // same.
+            if (std::string_view(error.what()).find("not supported") == std::string_view::npos)
+                throw;
+            readAway();
         }
+    });
+}
+
+void SerialPort::readAway() {
+    protocol::Bytes discarded;
+    for (std::size_t waiting = m_serial.available(); waiting > 0; waiting = m_serial.available()) {
+        if (m_serial.read(discarded, waiting) == 0)
+            return;
     }
 }
 
 void SerialPort::flush() {
-    const std::lock_guard lock(m_mutex);
-    m_serial.flush();
+    guard([this] { m_serial.flush(); });
 }
 
 std::size_t SerialPort::write(protocol::ByteView bytes) {
-    const std::lock_guard lock(m_mutex);
-    return m_serial.write(bytes.begin(), bytes.size());
+    return guard([&] { return m_serial.write(bytes.begin(), bytes.size()); });
 }
 
 std::size_t SerialPort::read(protocol::Bytes& buffer, std::size_t count) {
-    const std::lock_guard lock(m_mutex);
-    return m_serial.read(buffer, count);
+    return guard([&] { return m_serial.read(buffer, count); });
 }

@@ -5,6 +5,7 @@
 
 #include <serial/serial.h>
 
+#include <atomic>
 #include <mutex>
 #include <string>
 
@@ -31,7 +32,28 @@ public:
     /// Appends up to count bytes; returns the number read when all came or the read time-out expired.
     std::size_t read(protocol::Bytes& buffer, std::size_t count);
 
+    /// Whether the last call failed in the device: an adapter that is gone fails every call. Any thread.
+    [[nodiscard]] bool hasFailed() const { return m_failed; }
+
 private:
+    /// Makes one library call alone and remembers whether it failed.
+    template <typename Call>
+    auto guard(Call call) {
+        const std::lock_guard lock(m_mutex);
+        m_failed = false;
+        try {
+            return call();
+        } catch (const serial::PortNotOpenedException&) {
+            throw; // no port was chosen: nothing that could have failed
+        } catch (...) {
+            m_failed = true;
+            throw;
+        }
+    }
+    /// Reads what is there and drops it.
+    void readAway();
+
     std::mutex m_mutex;
+    std::atomic<bool> m_failed{false};
     serial::Serial m_serial;
 };

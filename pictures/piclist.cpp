@@ -11,16 +11,17 @@ PicList::PicList(PicListModel* model, QWidget* parent, CameraSp* client)
     : PictureListWindow(model, new PicListModelDelegate, parent, client), m_model(model) {}
 
 bool PicList::deleteAllPictures() {
-    return ask(&CameraSp::delOriginPic, protocol::originDeleteAll);
+    return ask(tr("删除全部图片"), &CameraSp::delOriginPic, protocol::originDeleteAll);
 }
 
 bool PicList::deletePicture(int row) {
     const unsigned id = m_model->pictureId(row);
     qDebug() << "dele?:" << row << "  pid" << id;
-    return ask(&CameraSp::delOriginPic, static_cast<std::uint8_t>(id));
+    return ask(tr("删除图片 %1").arg(id), &CameraSp::delOriginPic, static_cast<std::uint8_t>(id));
 }
 
 void PicList::downloadPicture(int row) {
-    ask(&CameraSp::getOriginTargetPic, static_cast<std::uint8_t>(m_model->pictureId(row)),
+    const unsigned id = m_model->pictureId(row);
+    ask(tr("下载图片 %1").arg(id), &CameraSp::getOriginTargetPic, static_cast<std::uint8_t>(id),
         static_cast<std::uint32_t>(m_model->pictureSize(row)));
 }

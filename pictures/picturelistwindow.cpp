@@ -41,7 +41,7 @@ PictureListWindow::~PictureListWindow() = default;
 
 void PictureListWindow::reload() {
     m_model->clear();
-    m_model->appendPictures(ask(m_model->generation().catalogue));
+    m_model->appendPictures(ask(tr("读取图片列表"), m_model->generation().catalogue));
 }
 
 template <typename Action>
@@ -64,7 +64,7 @@ void PictureListWindow::deleteAll() {
 }
 
 void PictureListWindow::takePicture() {
-    const bool taken = ask(m_model->generation().capture);
+    const bool taken = ask(tr("拍照"), m_model->generation().capture);
     auto* box = new QMessageBox(QMessageBox::Information, tr("拍照"), taken ? tr("拍照成功") : tr("拍照失败"),
                                 QMessageBox::Yes, this);
     box->setAttribute(Qt::WA_DeleteOnClose);

@@ -1,5 +1,6 @@
 // A window borrows the client: without a client, on the pool, and while links come and go.
 #include "borrow/clientborrower.h"
+#include "tests/support/recordingobserver.h"
 
 #include <QApplication>
 #include <QTest>
@@ -36,21 +37,63 @@ std::unique_ptr<CameraSp> portlessClient() {
 
 TEST(ClientBorrower, WithoutAClientEveryCommandHasFailed) {
     const Window window(nullptr);
-    EXPECT_FALSE(window.ask(&CameraSp::testHeartBeat));
-    EXPECT_EQ(window.ask(&CameraSp::getModelInfo), "");
-    EXPECT_TRUE(window.ask(&CameraSp::getCommonProperty, std::uint8_t{15}, std::uint8_t{2}).empty());
+    EXPECT_FALSE(window.ask(QString(), &CameraSp::testHeartBeat));
+    EXPECT_EQ(window.ask(QString(), &CameraSp::getModelInfo), "");
+    EXPECT_TRUE(
+        window.ask(QString(), &CameraSp::getCommonProperty, std::uint8_t{15}, std::uint8_t{2}).empty());
 }
 
 TEST(ClientBorrower, TellsOfEveryCommandAskedForWithoutAClient) {
     Window window(nullptr);
-    int told = 0;
-    window.setMissingClientHandler([&told] { ++told; });
-    window.ask(&CameraSp::testHeartBeat);
-    EXPECT_EQ(told, 1);
+    RecordingObserver observer;
+    window.setObserver(&observer);
+    window.ask(QStringLiteral("x"), &CameraSp::testHeartBeat);
+    EXPECT_EQ(observer.missing, 1);
     window.runOnPool(
-        &window, [](CameraSp*) { return 0; }, [](int) {});
-    EXPECT_EQ(told, 2);
+        QString(), &window, [](CameraSp*) { return 0; }, [](int) {});
+    EXPECT_EQ(observer.missing, 2);
+    EXPECT_TRUE(observer.began.isEmpty());
     waitForPool();
+}
+
+TEST(ClientBorrower, TellsWhatItDoesAndHowItEnded) {
+    const auto client = portlessClient();
+    Window window(client.get());
+    RecordingObserver observer;
+    window.setObserver(&observer);
+    window.ask(QStringLiteral("heartbeat"), &CameraSp::testHeartBeat);
+    EXPECT_EQ(observer.began, QStringList("heartbeat"));
+    EXPECT_EQ(observer.ended, QStringList("heartbeat failed"));
+    window.ask(QStringLiteral("door"), &CameraSp::opDoor, true);
+    window.runOnPool(
+        QStringLiteral("job"), &window, [](CameraSp*) { return std::string("text"); },
+        [](const std::string&) {});
+    EXPECT_EQ(observer.began, QStringList({"heartbeat", "door", "job"}));
+    waitForPool();
+    EXPECT_EQ(observer.ended, QStringList({"heartbeat failed", "door ok", "job ok"}));
+}
+
+TEST(ClientBorrower, SaysNothingOfTheEndOfAJobThatALaterLinkHasOvertaken) {
+    const auto client = portlessClient();
+    Window window(client.get());
+    RecordingObserver observer;
+    window.setObserver(&observer);
+    window.runOnPool(
+        QStringLiteral("job"), &window, [](CameraSp*) { return true; }, [](bool) {});
+    window.attachClient(nullptr);
+    waitForPool();
+    EXPECT_EQ(observer.began, QStringList("job"));
+    EXPECT_TRUE(observer.ended.isEmpty());
+}
+
+TEST(LinkUse, AListOfValuesSaysSuccessWhenOneWasRead) {
+    using Values = std::vector<std::vector<std::uint8_t>>;
+    EXPECT_FALSE(saysSuccess(Values{}));
+    EXPECT_FALSE(saysSuccess(Values{{}, {}}));
+    EXPECT_TRUE(saysSuccess(Values{{}, {1}}));
+    EXPECT_TRUE(saysSuccess(std::string("x")));
+    EXPECT_FALSE(saysSuccess(std::string()));
+    EXPECT_FALSE(saysSuccess(false));
 }
 
 TEST(ClientBorrower, WorksOnAPoolThreadAndAppliesOnTheUserInterfaceThread) {
@@ -60,7 +103,8 @@ TEST(ClientBorrower, WorksOnAPoolThreadAndAppliesOnTheUserInterfaceThread) {
     QThread* applier = nullptr;
     std::string seen;
     window.runOnPool(
-        &window, [&worker](CameraSp*) { return worker = QThread::currentThread(), std::string("result"); },
+        QString(), &window,
+        [&worker](CameraSp*) { return worker = QThread::currentThread(), std::string("result"); },
         [&](const std::string& result) {
             seen = result;
             applier = QThread::currentThread();
@@ -79,7 +123,7 @@ TEST(ClientBorrower, HandsTheClientToTheJobAndNoneWhereThereIsNone) {
         bool applied = false;
         CameraSp* given = nullptr;
         window.runOnPool(
-            &window, [](CameraSp* borrowed) { return borrowed; },
+            QString(), &window, [](CameraSp* borrowed) { return borrowed; },
             [&](CameraSp* borrowed) {
                 applied = true;
                 given = borrowed;
@@ -95,7 +139,7 @@ TEST(ClientBorrower, DropsTheResultOfAnEarlierLink) {
     Window window(client.get());
     bool applied = false;
     window.runOnPool(
-        &window, [](CameraSp*) { return 1; }, [&applied](int) { applied = true; });
+        QString(), &window, [](CameraSp*) { return 1; }, [&applied](int) { applied = true; });
     window.attachClient(nullptr);
     window.attachClient(next.get());
     waitForPool();
@@ -108,7 +152,8 @@ TEST(ClientBorrower, DropsTheResultForAWindowThatIsGone) {
     bool applied = false;
     std::atomic<bool> worked = false;
     window->runOnPool(
-        window.get(), [&worked](CameraSp*) { return worked = true, 1; }, [&applied](int) { applied = true; });
+        QString(), window.get(), [&worked](CameraSp*) { return worked = true, 1; },
+        [&applied](int) { applied = true; });
     window.reset();
     waitForPool();
     EXPECT_TRUE(worked);
@@ -121,7 +166,7 @@ TEST(ClientBorrower, TheEndOfALinkWaitsForItsJobsAndCutsTheirPausesShort) {
     Window window(client.get());
     std::atomic<bool> ended = false;
     window.runOnPool(
-        &window,
+        QString(), &window,
         [&ended](CameraSp* borrowed) {
             const bool slept = borrowed->pause(std::chrono::seconds(30));
             ended = true;
@@ -145,7 +190,7 @@ TEST(ClientBorrower, ManyJobsInARowLeaveTheClientUnused) {
     int applied = 0;
     for (int job = 0; job < jobs; ++job)
         window.runOnPool(
-            &window, [](CameraSp* borrowed) { return borrowed->stopRequested(); },
+            QString(), &window, [](CameraSp* borrowed) { return borrowed->stopRequested(); },
             [&applied](bool stopped) { applied += stopped ? 0 : 1; });
     EXPECT_TRUE(QTest::qWaitFor([&applied] { return applied == jobs; }));
     client->waitUntilUnused();

@@ -162,6 +162,32 @@ TEST_P(EveryCommand, MakesNoLibraryCallOnceTheLinkIsStopped) {
 INSTANTIATE_TEST_SUITE_P(Link, EveryCommand, testing::ValuesIn(commands()),
                          [](const auto& test) { return std::string(test.param.name); });
 
+TEST_F(Session, RemembersThatThePortFailedUntilItWorksAgain) {
+    CameraSp camera("COM9", 460800);
+    EXPECT_FALSE(camera.portFailed());
+    for (const char* call : {"setTimeout", "flushInput", "write", "read"}) {
+        fake_serial::reset();
+        EXPECT_FALSE(camera.testHeartBeat()); // no answer is no failure of the port
+        EXPECT_FALSE(camera.portFailed());
+        fake_serial::throwOn(call);
+        EXPECT_FALSE(camera.testHeartBeat());
+        EXPECT_TRUE(camera.portFailed()) << call;
+    }
+    fake_serial::reset();
+    EXPECT_FALSE(camera.testHeartBeat());
+    EXPECT_FALSE(camera.portFailed());
+}
+
+TEST_F(Session, SaysOfNoPortChosenAndOfAnInputThatCannotBeDiscardedNothingOfAFailure) {
+    CameraSp none("", 460800);
+    EXPECT_FALSE(none.testHeartBeat());
+    EXPECT_FALSE(none.portFailed());
+    CameraSp camera("COM9", 460800);
+    fake_serial::refuseFlushInput();
+    EXPECT_FALSE(camera.testHeartBeat());
+    EXPECT_FALSE(camera.portFailed());
+}
+
 TEST_F(Session, StoppingEndsAPauseAtOnce) {
     CameraSp camera("COM9", 460800);
     auto pausing = std::async(std::launch::async, [&] { return camera.pause(60s); });

@@ -6,6 +6,7 @@
 #include "tests/pictures/debuglines.h"
 #include "tests/pictures/scriptedcamera.h"
 #include "tests/pictures/unwritabledirectory.h"
+#include "tests/support/recordingobserver.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -468,8 +469,8 @@ TEST_P(PictureListTest, MayBeClosedWithItsViewerOpen) {
 
 TEST_P(PictureListTest, WithoutALinkEveryCommandFailsAndIsSaidToNeedOne) {
     fill({record(9)});
-    int told = 0;
-    window->setMissingClientHandler([&told] { ++told; });
+    RecordingObserver observer;
+    window->setObserver(&observer);
     window->attachClient(nullptr);
     button("btn_delete_all")->click();
     EXPECT_EQ(model()->rowCount(), 1);
@@ -482,7 +483,8 @@ TEST_P(PictureListTest, WithoutALinkEveryCommandFailsAndIsSaidToNeedOne) {
     EXPECT_EQ(box()->text(), "拍照失败");
     button("btn_refresh")->click();
     EXPECT_EQ(model()->rowCount(), 0);
-    EXPECT_EQ(told, 5);
+    EXPECT_EQ(observer.missing, 5);
+    window->setObserver(nullptr);
     EXPECT_TRUE(newRequests().empty());
 }
 

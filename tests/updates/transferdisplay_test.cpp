@@ -54,6 +54,24 @@ TEST(TransferText, TellsWhereAResumedUploadGoesOnAndReckonsFromThere) {
               "已发送 5000 / 9000 字节，1.0 KB/s，剩余 0:04（从第 3000 字节继续）");
 }
 
+TEST(TransferDisplay, ShowsAPictureDownloadOnlyWhileItsBytesCome) {
+    TransferProgress progress;
+    TransferDisplay display;
+    display.followDownload(progress);
+    EXPECT_FALSE(display.isVisible()) << "the flow takes the picture first";
+    {
+        const TransferScope download(progress, Phase::downloading, 2000);
+        progress.done = 500;
+        const auto* const bar = find<QProgressBar>(display, "bar_transfer");
+        ASSERT_TRUE(eventually([&] { return display.isVisible(); }));
+        EXPECT_EQ(text(display, "label_transfer"), "已接收 500 / 2000 字节");
+        EXPECT_EQ(bar->value(), 25);
+        EXPECT_EQ(bar->maximum(), 100);
+    }
+    EXPECT_TRUE(eventually([&] { return !display.isVisible(); }));
+    display.finish();
+}
+
 TEST(TransferText, OfATimeBeyondAllMeasureHasABound) {
     EXPECT_EQ(transferText(sending(0, 1, 0x7FFFFFFF, 1e6)),
               "已发送 1 / 2147483647 字节，0.0 KB/s，剩余 5999:59");

@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QMutex>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QStatusBar>
 
 #ifdef __SANITIZE_ADDRESS__
@@ -66,6 +67,11 @@ bool isEnabled(const QWidget& window, const char* name) {
 }
 
 QString statusText(const QWidget& window) {
+    static const QRegularExpression timeOfDay(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d  "));
+    return statusLine(window).remove(timeOfDay);
+}
+
+QString statusLine(const QWidget& window) {
     return find<QStatusBar>(window, "statusbar")->currentMessage();
 }
 

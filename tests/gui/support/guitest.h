@@ -34,7 +34,9 @@ void trigger(const QWidget& window, const char* name);
 /// The text of a label, button or line edit.
 [[nodiscard]] QString text(const QWidget& window, const char* name);
 [[nodiscard]] bool isEnabled(const QWidget& window, const char* name);
+/// The status bar's line without the time of day that an outcome begins with, and with it.
 [[nodiscard]] QString statusText(const QWidget& window);
+[[nodiscard]] QString statusLine(const QWidget& window);
 
 /// Runs the event loop until the condition holds; false after the time.
 bool eventually(const std::function<bool()>& condition, int timeoutMs = 5000);

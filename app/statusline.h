@@ -1,0 +1,52 @@
+// The status bar's story: what is open, what is being done, and how the last action ended.
+#pragma once
+
+#include "borrow/linkuse.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+#include <vector>
+
+class CameraSp;
+class QLabel;
+class QStatusBar;
+
+/// Writes the status bar. At the left a line that is either a state, an action under way, or an outcome with
+/// the time of day; at the right the link. User-interface thread only.
+class StatusLine final : public QObject, public LinkUseObserver {
+    Q_OBJECT
+
+public:
+    /// The bar belongs to the window, which outlives this.
+    explicit StatusLine(QStatusBar* bar);
+
+    /// The open link's client, or null; actions of an earlier link are forgotten.
+    void setClient(const CameraSp* client);
+    /// What the right side says of the link.
+    void setLinkText(const QString& text);
+
+    /// What is so until something else is said.
+    void showState(const QString& text);
+    /// How an action ended. When the adapter is gone, that is said instead.
+    void showOutcome(const QString& text);
+    /// Whether anything has been said yet.
+    [[nodiscard]] bool isSilent() const;
+
+    void clientMissing() override;
+    void useBegan(const std::shared_ptr<const LinkUse>& use) override;
+    void useEnded(const LinkUse& use, bool succeeded) override;
+
+private:
+    /// The action that began last and is still running, if it has a name.
+    [[nodiscard]] std::shared_ptr<const LinkUse> latestUse();
+    void showRunning();
+
+    QStatusBar* m_bar;
+    QLabel* m_link;
+    const CameraSp* m_client = nullptr;
+    std::vector<std::weak_ptr<const LinkUse>> m_uses;
+    QString m_runningText; ///< what showRunning said last
+    QTimer m_tick;
+};

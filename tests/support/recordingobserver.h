@@ -1,0 +1,18 @@
+// Remembers what a borrower tells of its use of the link.
+#pragma once
+
+#include "borrow/linkuse.h"
+
+#include <QStringList>
+
+struct RecordingObserver final : LinkUseObserver {
+    int missing = 0;
+    QStringList began;
+    QStringList ended; ///< names with " ok" or " failed"
+
+    void clientMissing() override { ++missing; }
+    void useBegan(const std::shared_ptr<const LinkUse>& use) override { began.append(use->name); }
+    void useEnded(const LinkUse& use, bool succeeded) override {
+        ended.append(use.name + (succeeded ? QStringLiteral(" ok") : QStringLiteral(" failed")));
+    }
+};
