@@ -43,7 +43,7 @@ struct MainWindow::ReturnWait {
 
 void MainWindow::connectUpdates() {
     m_transferDisplay = new TransferDisplay(this);
-    m_ui->statusbar->addPermanentWidget(m_transferDisplay);
+    m_ui->statusbar->insertPermanentWidget(0, m_transferDisplay); // the link keeps its place
     connect(m_ui->btn_apppath, &QPushButton::clicked, this,
             [this] { chooseFile(m_appPath, tr("打开app固件"), tr("所有文件 (*.*)"), "filepath:"); });
     connect(m_ui->btn_firewarepath, &QPushButton::clicked, this,

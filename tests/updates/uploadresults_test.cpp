@@ -68,7 +68,7 @@ TEST_P(EveryUpload, SaysThatItFailedWhenTheAnnouncementIsNotAnswered) {
                          : name == "System" ? "升级已完成，结果:失败！false"
                                             : "升级已完成，结果:false");
     EXPECT_EQ(enabledExchanges(), allExchanges());
-    EXPECT_EQ(statusText(*window), "升级没有成功，请检查连接后重新升级");
+    EXPECT_EQ(statusText(*window), "串口转接器已断开，请插好后关闭并重新打开串口");
     EXPECT_TRUE(log.has(name == "App"      ? "app main-ui result: false"
                         : name == "System" ? "fireware main-ui result: false"
                         : name == "Model"  ? "model main-ui result: false"
