@@ -13,25 +13,32 @@ using emulator::CameraType;
 
 namespace {
 
-/// One camera for each way of speaking: first generation, JSON, V1.
-DemoCameras makeCameras() {
-    DemoCameras cameras;
-    for (const CameraType type : {CameraType::ostra, CameraType::quenta, CameraType::salesDynamic}) {
-        emulator::CameraSettings settings = emulator::settingsForType(type);
-        cameras[type] = std::make_unique<emulator::PtyFront>(std::move(settings));
-    }
-    return cameras;
-}
-
+/// Lists the cameras' ports behind the system's and chooses the first camera's.
 void addPorts(MainWindow& window, const DemoCameras& cameras) {
     auto* const ports = window.findChild<QComboBox*>(QStringLiteral("sel_ports"));
-    for (const auto& [type, front] : cameras) {
-        const QString name = QString::fromStdString(front->portName());
-        ports->addItem(name);
-        std::cout << "virtual camera of type " << static_cast<unsigned>(type) << " at " << front->portName()
-                  << std::endl;
+    for (const CameraType type : DemoCameras::types()) {
+        const QString name = QString::fromStdString(cameras.portName(type));
+        if (ports->findText(name) < 0)
+            ports->addItem(name);
+        std::cout << "virtual camera of type " << static_cast<unsigned>(type) << " at "
+                  << cameras.portName(type) << std::endl;
     }
-    ports->setCurrentText(QString::fromStdString(cameras.at(CameraType::ostra)->portName()));
+    ports->setCurrentText(QString::fromStdString(cameras.portName(DemoCameras::types().front())));
+}
+
+/// Pseudo-terminals, or the two ports of the options.
+std::unique_ptr<DemoCameras> makeCameras(const QString& cameraPort, const QString& toolPort) {
+    try {
+        if (cameraPort.isEmpty() && toolPort.isEmpty())
+            return std::make_unique<DemoCameras>();
+        if (cameraPort.isEmpty() || toolPort.isEmpty())
+            throw std::runtime_error("--camera-port and --tool-port belong together");
+        return std::make_unique<DemoCameras>(cameraPort.toStdString(), toolPort.toStdString());
+    } catch (const std::exception& failure) {
+        std::cerr << "shelf-camera-demo: " << failure.what()
+                  << "\nGive two ports that are joined: --camera-port COM6 --tool-port COM5" << std::endl;
+        return nullptr;
+    }
 }
 
 int takeTour(MainWindow& window, DemoCameras& cameras, const QString& folder) {
@@ -58,12 +65,23 @@ int main(int argumentCount, char* arguments[]) {
         QStringLiteral("Drive the window through all it can do, leave screenshots in "
                        "FOLDER and exit; 0 if everything was as it must be."),
         QStringLiteral("FOLDER"));
-    parser.addOption(tour);
+    const QCommandLineOption cameraPort(
+        QStringLiteral("camera-port"),
+        QStringLiteral("Put the cameras on this serial port instead of pseudo-terminals, one at a time."),
+        QStringLiteral("PORT"));
+    const QCommandLineOption toolPort(
+        QStringLiteral("tool-port"),
+        QStringLiteral("The port that a null-modem line joins to the cameras'; the window opens it."),
+        QStringLiteral("PORT"));
+    parser.addOptions({tour, cameraPort, toolPort});
     parser.process(application);
 
-    DemoCameras cameras = makeCameras();
+    const std::unique_ptr<DemoCameras> cameras =
+        makeCameras(parser.value(cameraPort), parser.value(toolPort));
+    if (!cameras)
+        return 2;
     MainWindow window;
-    addPorts(window, cameras);
+    addPorts(window, *cameras);
     window.show();
     if (!parser.isSet(tour))
         return Application::exec();
@@ -75,6 +93,6 @@ int main(int argumentCount, char* arguments[]) {
     }
     // The dialogs of the desktop cannot be driven from here.
     Application::setAttribute(Qt::AA_DontUseNativeDialogs);
-    QTimer::singleShot(0, &window, [&] { Application::exit(takeTour(window, cameras, folder)); });
+    QTimer::singleShot(0, &window, [&] { Application::exit(takeTour(window, *cameras, folder)); });
     return Application::exec();
 }

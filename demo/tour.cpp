@@ -17,6 +17,7 @@ void Tour::run() {
     connectTo(CameraType::ostra);
     showStatusControls();
     showDoorAndAbout();
+    showHeartbeatAfterStaleBytes();
     takePicture(CameraType::ostra);
     listPictures(CameraType::ostra);
     setSerialNumber();
@@ -36,6 +37,7 @@ void Tour::run() {
 
     connectTo(CameraType::salesDynamic);
     takePicture(CameraType::salesDynamic);
+    leaveStaleBytes();
     listPictures(CameraType::salesDynamic);
     uploadAppImageV1();
     disconnect();
@@ -53,6 +55,7 @@ void Tour::showStart() {
 void Tour::connectTo(CameraType type) {
     m_guide.say(QStringLiteral("camera of type %1").arg(static_cast<unsigned>(type)));
     m_type = type;
+    m_cameras.connect(type);
     const auto address = camera([](VirtualCamera& c) { return c.settings().address; });
 
     TourGuide::press(m_window, "actionaddress");
@@ -68,7 +71,7 @@ void Tour::connectTo(CameraType type) {
     TourGuide::expectText(m_window, "label_slaveinfo",
                           QStringLiteral("当前从机地址:") + QString::number(address));
 
-    TourGuide::choose(m_window, "sel_ports", QString::fromStdString(front().portName()));
+    TourGuide::choose(m_window, "sel_ports", QString::fromStdString(m_cameras.portName(type)));
     TourGuide::press(m_window, "btn_open");
     TourGuide::expectText(m_window, "btn_open", QStringLiteral("关闭串口"));
     TourGuide::press(m_window, "btn_heartbeat");
@@ -136,4 +139,24 @@ void Tour::showDoorAndAbout() {
     auto& about = TourGuide::open<AboutDialog>();
     m_guide.screenshot(about, QStringLiteral("about"));
     about.close();
+}
+
+void Tour::leaveStaleBytes() {
+    m_guide.say(QStringLiteral("bytes that nobody asked for are waiting"));
+    camera([](VirtualCamera& c) { c.addFault("raw=AA5A0155AA5A000102030405@door"); });
+    TourGuide::press(m_window, "actionOpenCloseDoor");
+    auto& door = TourGuide::open<DoorOp>();
+    TourGuide::press(door, "btn_open"); // its answer is never read
+    TourGuide::pause(300);
+    door.close();
+    camera([](VirtualCamera& c) { c.faults().clear(); });
+}
+
+void Tour::showHeartbeatAfterStaleBytes() {
+    leaveStaleBytes();
+    auto& lamp = TourGuide::find<QRadioButton>(m_window, "rb_heartbeat");
+    lamp.setChecked(false);
+    TourGuide::press(m_window, "btn_heartbeat");
+    TourGuide::expect(lamp.isChecked(),
+                      QStringLiteral("the heartbeat lamp, with other bytes waiting before"));
 }

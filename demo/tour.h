@@ -2,13 +2,8 @@
 #pragma once
 
 #include "app/mainwindow.h"
+#include "demo/democameras.h"
 #include "demo/tourguide.h"
-#include "emulator/ptyfront.h"
-
-#include <map>
-
-/// Virtual cameras by type, each with a port of its own in the window's list.
-using DemoCameras = std::map<emulator::CameraType, std::unique_ptr<emulator::PtyFront>>;
 
 /// One run of all stations. User-interface thread; the event loop runs meanwhile.
 class Tour {
@@ -28,6 +23,9 @@ private:
     void showStatusControls();
     void showJsonVersion();
     void showDoorAndAbout();
+    /// Leaves bytes in the line that nobody reads.
+    void leaveStaleBytes();
+    void showHeartbeatAfterStaleBytes();
     // tourpictures.cpp
     void takePicture(emulator::CameraType type);
     void listPictures(emulator::CameraType type);
@@ -43,7 +41,7 @@ private:
     void setCaptureAngles();
     void showOrientation();
 
-    [[nodiscard]] emulator::PtyFront& front() { return *m_cameras.at(m_type); }
+    [[nodiscard]] emulator::CameraFront& front() { return m_cameras.front(m_type); }
     /// Runs with the connected camera.
     template <typename Function>
     decltype(auto) camera(Function&& function) {

@@ -1,11 +1,6 @@
 #include "emulator/camerafront.h"
 
 #include <array>
-#include <cerrno>
-#include <fcntl.h>
-#include <poll.h>
-#include <system_error>
-#include <unistd.h>
 
 namespace emulator {
 
@@ -13,10 +8,6 @@ namespace {
 
 constexpr std::size_t readSize = 4096;
 constexpr std::size_t anyAmount = 65536;
-
-bool wouldBlock(int error) {
-    return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
-}
 
 int millisecondsUntil(Time due, Time now) {
     constexpr Time longest = std::chrono::minutes(1);
@@ -28,19 +19,14 @@ int millisecondsUntil(Time due, Time now) {
 
 } // namespace
 
-CameraFront::CameraFront(VirtualCamera camera) : m_camera(std::move(camera)) {
-    if (::pipe2(m_wakePipe, O_NONBLOCK | O_CLOEXEC) != 0)
-        throw std::system_error(errno, std::generic_category(), "pipe");
-}
+CameraFront::CameraFront(VirtualCamera camera) : m_camera(std::move(camera)) {}
 
 CameraFront::~CameraFront() {
     stop();
-    ::close(m_wakePipe[0]);
-    ::close(m_wakePipe[1]);
 }
 
-void CameraFront::start(int descriptor) {
-    setDescriptor(descriptor);
+void CameraFront::start(LineIo::Line line) {
+    setLine(line);
     m_thread = std::thread([this] { run(); });
 }
 
@@ -48,7 +34,7 @@ void CameraFront::stop() {
     if (!m_thread.joinable())
         return;
     m_stopping = true;
-    wake();
+    m_io.wake();
     m_thread.join();
 }
 
@@ -63,17 +49,11 @@ Time CameraFront::now() const {
     return std::chrono::duration_cast<Time>(std::chrono::steady_clock::now() - m_start);
 }
 
-void CameraFront::wake() {
-    const char byte = 0;
-    // A full pipe wakes the thread as well.
-    static_cast<void>(!::write(m_wakePipe[1], &byte, 1));
-}
-
 void CameraFront::runOnThread(const std::function<void()>& task) {
     std::unique_lock lock(m_taskMutex);
     m_taskDone.wait(lock, [this] { return m_task == nullptr; });
     m_task = &task;
-    wake();
+    m_io.wake();
     m_taskDone.wait(lock, [this, &task] { return m_task != &task; });
 }
 
@@ -86,25 +66,26 @@ void CameraFront::runTasks() {
     m_taskDone.notify_all();
 }
 
-void CameraFront::setDescriptor(int descriptor) {
-    m_descriptor = descriptor;
+void CameraFront::setLine(LineIo::Line line) {
+    m_line = line;
     m_outgoing.clear();
-    m_lineOpen = descriptor >= 0;
+    m_lineOpen = line != LineIo::none;
 }
 
 void CameraFront::lose() {
-    if (m_descriptor >= 0)
+    if (m_line != LineIo::none)
         closeLine();
-    setDescriptor(-1);
+    setLine(LineIo::none);
 }
 
 void CameraFront::run() {
     while (!m_stopping) {
         runTasks();
-        waitForLine(stepCamera());
-        if (m_descriptor >= 0 && m_writes)
+        const int timeoutMs = stepCamera();
+        const LineIo::Readiness ready = m_io.wait(m_line, m_wanted, timeoutMs);
+        if (m_line != LineIo::none && ready.writes)
             writeLine();
-        if (m_descriptor >= 0 && m_reads)
+        if (m_line != LineIo::none && ready.reads)
             readLine();
     }
 }
@@ -113,14 +94,14 @@ int CameraFront::stepCamera() {
     const std::lock_guard lock(m_mutex);
     const Time time = now();
     const Bytes due = m_camera.takeDue(time);
-    if (m_descriptor >= 0)
+    if (m_line != LineIo::none)
         protocol::append(m_outgoing, due);
     if (m_camera.hangUpDue(time))
         lose();
 
     const bool paused = m_camera.readingPaused(time);
-    m_reads = !paused && m_readPace.allowed(time, anyAmount) > 0;
-    m_writes = !m_outgoing.empty() && m_writePace.allowed(time, anyAmount) > 0;
+    m_wanted.reads = !paused && m_readPace.allowed(time, anyAmount) > 0;
+    m_wanted.writes = !m_outgoing.empty() && m_writePace.allowed(time, anyAmount) > 0;
     int timeout = -1;
     const auto consider = [&](Time when) {
         const int wait = millisecondsUntil(when, time);
@@ -130,22 +111,9 @@ int CameraFront::stepCamera() {
         consider(*next);
     if (paused)
         consider(m_camera.readingPausedUntil());
-    if ((!paused && !m_reads) || (!m_outgoing.empty() && !m_writes))
+    if ((!paused && !m_wanted.reads) || (!m_outgoing.empty() && !m_wanted.writes))
         consider(time + m_readPace.sliceTime());
     return timeout;
-}
-
-void CameraFront::waitForLine(int timeoutMs) {
-    const auto events = static_cast<short>((m_reads ? POLLIN : 0) | (m_writes ? POLLOUT : 0));
-    // A descriptor nothing is asked of would still report its hang-up, again and again.
-    std::array<pollfd, 2> polled = {
-        {{m_wakePipe[0], POLLIN, 0}, {events == 0 ? -1 : m_descriptor, events, 0}}};
-    ::poll(polled.data(), polled.size(), timeoutMs);
-    std::array<char, 64> drained{};
-    while (::read(m_wakePipe[0], drained.data(), drained.size()) > 0) {
-    }
-    m_writes = (polled[1].revents & (POLLOUT | POLLERR)) != 0;
-    m_reads = (polled[1].revents & (POLLIN | POLLERR | POLLHUP)) != 0;
 }
 
 void CameraFront::writeLine() {
@@ -154,15 +122,15 @@ void CameraFront::writeLine() {
         const std::lock_guard lock(m_mutex);
         most = m_writePace.allowed(now(), m_outgoing.size());
     }
-    const ssize_t written = ::write(m_descriptor, m_outgoing.data(), most);
-    if (written < 0) {
-        if (!wouldBlock(errno))
-            lose();
+    const std::optional<std::size_t> written =
+        LineIo::write(m_line, ByteView(std::span(m_outgoing).first(most)));
+    if (!written) {
+        lose();
         return;
     }
-    m_outgoing.erase(m_outgoing.begin(), m_outgoing.begin() + written);
+    m_outgoing.erase(m_outgoing.begin(), m_outgoing.begin() + static_cast<std::ptrdiff_t>(*written));
     const std::lock_guard lock(m_mutex);
-    m_writePace.spend(static_cast<std::size_t>(written));
+    m_writePace.spend(*written);
 }
 
 void CameraFront::readLine() {
@@ -170,17 +138,15 @@ void CameraFront::readLine() {
     const std::lock_guard lock(m_mutex);
     const Time time = now();
     std::array<std::uint8_t, readSize> buffer{};
-    const ssize_t count = ::read(m_descriptor, buffer.data(), m_readPace.allowed(time, buffer.size()));
-    if (count < 0 && wouldBlock(errno))
-        return;
-    if (count <= 0) {
+    const std::optional<std::size_t> count =
+        LineIo::read(m_line, std::span(buffer).first(m_readPace.allowed(time, buffer.size())));
+    if (!count)
         lose();
+    if (count.value_or(0) == 0)
         return;
-    }
-    const auto size = static_cast<std::size_t>(count);
-    m_readPace.spend(size);
+    m_readPace.spend(*count);
     m_camera.setLineSpeed(speed);
-    m_camera.receive(ByteView(std::span(buffer).first(size)), time);
+    m_camera.receive(ByteView(std::span(buffer).first(*count)), time);
 }
 
 } // namespace emulator

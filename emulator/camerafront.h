@@ -1,6 +1,7 @@
-// Serves a virtual camera on a file descriptor in real time. Unix only.
+// Serves a virtual camera on a serial line in real time.
 #pragma once
 
+#include "emulator/lineio.h"
 #include "emulator/pace.h"
 #include "emulator/virtualcamera.h"
 
@@ -38,15 +39,15 @@ public:
 
 protected:
     explicit CameraFront(VirtualCamera camera);
-    /// Starts serving. The descriptor must not block; it is used by the front's thread only.
-    void start(int descriptor);
+    /// Starts serving. The line must not block; it is used by the front's thread only.
+    void start(LineIo::Line line);
     /// Every derived class calls it first thing in its destructor.
     void stop();
     /// Runs the task on the front's thread between two of its steps and waits for it.
     void runOnThread(const std::function<void()>& task);
-    /// On the front's thread: the descriptor served from now on; -1 for none.
-    void setDescriptor(int descriptor);
-    /// On the front's thread: the line failed or a fault hangs up; the descriptor is to be closed.
+    /// On the front's thread: the line served from now on, or LineIo::none.
+    void setLine(LineIo::Line line);
+    /// On the front's thread: the line failed or a fault hangs up; it is to be closed.
     virtual void closeLine() = 0;
     /// Rate at which the far end runs the line; nothing when it cannot be told.
     [[nodiscard]] virtual std::optional<std::uint32_t> lineSpeed() const = 0;
@@ -54,18 +55,16 @@ protected:
 private:
     struct WakeOnExit {
         CameraFront& front;
-        ~WakeOnExit() { front.wake(); }
+        ~WakeOnExit() { front.m_io.wake(); }
     };
 
     void run();
     void runTasks();
     /// Lets the camera work and returns how long to wait at most, in ms (-1: for ever).
     int stepCamera();
-    void waitForLine(int timeoutMs);
     void readLine();
     void writeLine();
     void lose();
-    void wake();
 
     std::mutex m_mutex; // guards m_camera and the paces
     VirtualCamera m_camera;
@@ -74,14 +73,13 @@ private:
     const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 
     // The front's thread only.
-    int m_descriptor = -1;
+    LineIo::Line m_line = LineIo::none;
     Bytes m_outgoing;
-    bool m_reads = false;
-    bool m_writes = false;
+    LineIo::Readiness m_wanted;
 
     std::atomic<bool> m_lineOpen{false};
     std::atomic<bool> m_stopping{false};
-    int m_wakePipe[2] = {-1, -1};
+    LineIo m_io;
 
     std::mutex m_taskMutex; // guards the two below
     const std::function<void()>* m_task = nullptr;

@@ -1,5 +1,5 @@
-// A virtual camera on a serial device, for a null-modem cable or another program's pseudo-terminal.
-// Unix only.
+// A virtual camera on a serial device, for a null-modem cable or another program's pseudo-terminal:
+// devicefront_unix.cpp, devicefront_windows.cpp.
 #pragma once
 
 #include "emulator/camerafront.h"
@@ -21,7 +21,7 @@ protected:
     [[nodiscard]] std::optional<std::uint32_t> lineSpeed() const override;
 
 private:
-    int m_device = -1;
+    LineIo::Line m_device = LineIo::none;
 };
 
 } // namespace emulator

@@ -1,7 +1,7 @@
 // virtual-camera: serves a virtual camera until it is told to end.
 #include "emulator/devicefront.h"
 #include "emulator/options.h"
-#include "emulator/ptyfront.h"
+#include "emulator/terminalcamera.h"
 
 #include <algorithm>
 #include <csignal>
@@ -101,13 +101,9 @@ int serve(const Options& options) {
         DeviceFront front(makeCamera(options), options.device);
         return serveUntilEnd(front, options, options.device);
     }
-    PtyFront front(makeCamera(options));
-    std::string place = front.portName();
-    if (!options.link.empty()) {
-        front.linkAt(options.link);
-        place += " (" + options.link + ")";
-    }
-    return serveUntilEnd(front, options, place);
+    const TerminalCamera terminal = serveOnNewTerminal(makeCamera(options), options.link);
+    const std::string link = options.link.empty() ? std::string() : " (" + options.link + ")";
+    return serveUntilEnd(*terminal.front, options, terminal.portName + link);
 }
 
 } // namespace

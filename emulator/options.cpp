@@ -44,7 +44,7 @@ const std::array optionRows = {
         [](Options& o, const std::string& t) { o.settings.baudRate = static_cast<std::uint32_t>(numberIn("--baud", t, 1, 4000000)); }},
     OptionRow{"--check-baud", "", "hear nothing while the tool uses another rate",
         [](Options& o, const std::string&) { o.settings.mindsBaudRate = true; }},
-    OptionRow{"--device", "DEV", "serve on this serial device instead of a new pseudo-terminal",
+    OptionRow{"--device", "DEV", "serve on this serial device (/dev/ttyUSB1, COM6) instead of a new pseudo-terminal",
         [](Options& o, const std::string& t) { o.device = t; }},
     OptionRow{"--link", "PATH", "keep a symbolic link to the pseudo-terminal here",
         [](Options& o, const std::string& t) { o.link = t; }},

@@ -105,7 +105,7 @@ void PtyFront::closeLine() {
 void PtyFront::vanish() {
     runOnThread([this] {
         closeLine();
-        setDescriptor(-1);
+        setLine(LineIo::none);
     });
 }
 
@@ -123,7 +123,7 @@ void PtyFront::comeBack() {
             closeLine();
             return;
         }
-        setDescriptor(m_master);
+        setLine(m_master);
         withCamera([this](VirtualCamera& camera) { camera.lineReopened(now()); });
     });
     if (failure)

@@ -6,6 +6,8 @@ project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # What building needs, and what building and running the tests needs besides.
 build_packages=(g++ cmake ninja-build qt6-base-dev libcxx-serial-dev)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev fonts-noto-cjk)
+# What building the Windows program needs, beside Qt and the serial library for Windows.
+windows_build_packages=(g++-mingw-w64-x86-64-posix cmake ninja-build qt6-base-dev qt6-base-dev-tools)
 
 say() {
   printf '== %s\n' "$*"
@@ -58,6 +60,17 @@ ensure_packages() {
   # A broken source that has nothing to do with this must not stop it: the installation below decides.
   as_root "${apt[@]}" update </dev/null || say "apt-get update had errors; going on"
   as_root "${apt[@]}" install --yes --no-install-recommends "${missing[@]}" </dev/null
+}
+
+# windows_dependencies_folder: where Qt and the serial library for Windows are, or shall be.
+windows_dependencies_folder() {
+  printf '%s\n' "${CAMERA_WINDOWS_DEPS:-${XDG_CACHE_HOME:-$HOME/.cache}/shelf-camera-tool/windows}"
+}
+
+# has_windows_dependencies FOLDER: whether they are there.
+has_windows_dependencies() {
+  [ -e "$1/qt/bin/Qt6Widgets.dll" ] && [ -e "$1/qt/plugins/platforms/qwindows.dll" ] &&
+    [ -e "$1/serial/lib/libserial.a" ] && [ -e "$1/serial/include/serial/serial.h" ]
 }
 
 # Qt reads and writes UTF-8 texts and file names by the locale.

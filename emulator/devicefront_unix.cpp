@@ -1,5 +1,4 @@
 #include "emulator/devicefront.h"
-
 #include "emulator/terminal.h"
 
 #include <cerrno>
@@ -12,10 +11,11 @@ namespace emulator {
 
 DeviceFront::DeviceFront(VirtualCamera camera, const std::string& path) : CameraFront(std::move(camera)) {
     const std::uint32_t baudRate = withCamera([](VirtualCamera& held) { return held.settings().baudRate; });
-    m_device = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (m_device < 0)
+    const int descriptor = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
         throw std::runtime_error(path + ": " + std::strerror(errno));
-    if (!makeRaw(m_device, baudRate)) {
+    m_device = descriptor;
+    if (!makeRaw(descriptor, baudRate)) {
         DeviceFront::closeLine();
         throw std::runtime_error(path + " is not a serial device");
     }
@@ -28,13 +28,13 @@ DeviceFront::~DeviceFront() {
 }
 
 void DeviceFront::closeLine() {
-    if (m_device >= 0)
-        ::close(m_device);
-    m_device = -1;
+    if (m_device != LineIo::none)
+        ::close(static_cast<int>(m_device));
+    m_device = LineIo::none;
 }
 
 std::optional<std::uint32_t> DeviceFront::lineSpeed() const {
-    return terminalSpeed(m_device);
+    return terminalSpeed(static_cast<int>(m_device));
 }
 
 } // namespace emulator

@@ -1,0 +1,36 @@
+#include "demo/democameras.h"
+
+#include "emulator/devicefront.h"
+#include "emulator/terminalcamera.h"
+
+using emulator::CameraType;
+
+DemoCameras::DemoCameras() {
+    for (const CameraType type : types()) {
+        emulator::TerminalCamera terminal =
+            emulator::serveOnNewTerminal(emulator::VirtualCamera(emulator::settingsForType(type)));
+        m_terminals[type] = std::move(terminal.portName);
+        m_fronts[type] = std::move(terminal.front);
+    }
+}
+
+DemoCameras::DemoCameras(std::string cameraPort, std::string toolPort)
+    : m_cameraPort(std::move(cameraPort)), m_toolPort(std::move(toolPort)) {
+    connect(types().front());
+}
+
+std::vector<CameraType> DemoCameras::types() {
+    return {CameraType::ostra, CameraType::quenta, CameraType::salesDynamic};
+}
+
+std::string DemoCameras::portName(CameraType type) const {
+    return m_cameraPort.empty() ? m_terminals.at(type) : m_toolPort;
+}
+
+void DemoCameras::connect(CameraType type) {
+    if (m_fronts.contains(type))
+        return;
+    m_fronts.clear(); // closes the port
+    m_fronts[type] = std::make_unique<emulator::DeviceFront>(
+        emulator::VirtualCamera(emulator::settingsForType(type)), m_cameraPort);
+}

@@ -1,0 +1,33 @@
+// The virtual cameras of the demonstration and the ports at which the tool finds them.
+#pragma once
+
+#include "emulator/camerafront.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// One camera for each way of speaking: first generation, JSON, V1. Either each is behind a pseudo-terminal
+/// of its own, or they take turns on one serial port that a line joins to the tool's.
+class DemoCameras {
+public:
+    /// Throws std::runtime_error where the system has no pseudo-terminals.
+    DemoCameras();
+    /// The names of the two ports. Throws std::runtime_error when the camera's cannot be opened.
+    DemoCameras(std::string cameraPort, std::string toolPort);
+
+    [[nodiscard]] static std::vector<emulator::CameraType> types();
+    /// What the tool has to open.
+    [[nodiscard]] std::string portName(emulator::CameraType type) const;
+    /// Puts the camera on its line if it is not there; on a shared one it replaces the one before.
+    void connect(emulator::CameraType type);
+    /// A connected camera.
+    [[nodiscard]] emulator::CameraFront& front(emulator::CameraType type) { return *m_fronts.at(type); }
+
+private:
+    std::string m_cameraPort; ///< empty: pseudo-terminals
+    std::string m_toolPort;
+    std::map<emulator::CameraType, std::string> m_terminals;
+    std::map<emulator::CameraType, std::unique_ptr<emulator::CameraFront>> m_fronts;
+};
