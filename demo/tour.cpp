@@ -37,7 +37,6 @@ void Tour::run() {
 
     connectTo(CameraType::salesDynamic);
     takePicture(CameraType::salesDynamic);
-    leaveStaleBytes();
     listPictures(CameraType::salesDynamic);
     uploadAppImageV1();
     disconnect();
@@ -143,13 +142,19 @@ void Tour::showDoorAndAbout() {
 
 void Tour::leaveStaleBytes() {
     m_guide.say(QStringLiteral("bytes that nobody asked for are waiting"));
-    camera([](VirtualCamera& c) { c.addFault("raw=AA5A0155AA5A000102030405@door"); });
+    camera([](VirtualCamera& c) {
+        c.settings().answersDoor = true;
+        c.addFault("raw=AA5A0155AA5A000102030405@door");
+    });
     TourGuide::press(m_window, "actionOpenCloseDoor");
     auto& door = TourGuide::open<DoorOp>();
     TourGuide::press(door, "btn_open"); // its answer is never read
     TourGuide::pause(300);
     door.close();
-    camera([](VirtualCamera& c) { c.faults().clear(); });
+    camera([](VirtualCamera& c) {
+        c.settings().answersDoor = false;
+        c.faults().clear();
+    });
 }
 
 void Tour::showHeartbeatAfterStaleBytes() {

@@ -81,6 +81,12 @@ void Tour::listPictures(CameraType type) {
     auto& list = TourGuide::find<QListView>(window, "listview");
     TourGuide::waitUntil([&] { return list.model()->rowCount() == 2; }, "the list shows both pictures");
     m_guide.screenshot(window, QStringLiteral("list"));
+    if (v1) { // the only catalogue command that discards what is waiting
+        leaveStaleBytes();
+        TourGuide::press(window, "btn_refresh");
+        TourGuide::waitUntil([&] { return list.model()->rowCount() == 2; },
+                             "the list is read with other bytes waiting before");
+    }
 
     const emulator::Picture first = camera([](VirtualCamera& c) { return c.state().pictures.at(0); });
     chooseForFirstRow(list, QStringLiteral("查看"));
