@@ -12,21 +12,16 @@ QString translated(const char* text) {
     return QCoreApplication::translate("FailureText", text);
 }
 
-/// On Windows the library puts the system's answer into its text instead of an error number.
+/// On Windows the library tells a missing port by its text, where the link has no error number for it.
 bool saysMissing(const QString& what) {
     return what.contains(QLatin1String("does not exist"));
-}
-
-bool saysInUse(const QString& what) {
-    return what.contains(
-        QLatin1String("opening the serial port: 5,")); // access denied: another program has it
 }
 
 QString adviceForPort(int errorNumber, const QString& what) {
     if (errorNumber == ENOENT || errorNumber == ENODEV || errorNumber == ENXIO || errorNumber == EIO ||
         saysMissing(what))
         return translated("串口不存在或已拔出，请插好转接器，再选择串口重试。");
-    if (errorNumber == EBUSY || saysInUse(what))
+    if (errorNumber == EBUSY)
         return translated("串口正被其他程序占用，请关闭占用它的程序后重试。");
     if (errorNumber == EACCES || errorNumber == EPERM)
         return translated("没有使用该串口的权限，请让管理员授权（Linux：加入 dialout 组并重新登录）后重试。");

@@ -1,4 +1,5 @@
 #include "app/application.h"
+#include "app/consoleoutput.h"
 #include "app/mainwindow.h"
 
 #include <cstdlib>
@@ -26,6 +27,7 @@ namespace {
 } // namespace
 
 int main(int argumentCount, char* arguments[]) {
+    const ConsoleOutput console;
     std::set_terminate(printAndAbort);
     Application application(argumentCount, arguments);
     MainWindow window;

@@ -4,6 +4,7 @@
 #include "app/application.h"
 #include "app/keepawake.h"
 #include "app/statusline.h"
+#include "app/systemtext.h"
 #include "app/transferdisplay.h"
 #include "dialogs/aboutdialog.h"
 #include "dialogs/cameratype.h"
@@ -35,9 +36,12 @@ const QString toolVersion = QStringLiteral(CAMERA_TOOL_VERSION);
 std::vector<PortEntry> presentPorts() {
     std::vector<PortEntry> ports;
     for (const serial::PortInfo& port : CameraSp::describePorts()) {
-        const QString adapter = QString::fromStdString(port.description);
-        const QString hardware = QString::fromStdString(port.hardware_id);
-        ports.push_back({QString::fromStdString(port.port), adapter + QLatin1Char('\n') + hardware});
+        QStringList toolTip;
+        for (const std::string& text : {port.description, port.hardware_id}) {
+            if (text != "n/a") // the library's word for nothing
+                toolTip.append(systemText(text));
+        }
+        ports.push_back({QString::fromStdString(port.port), toolTip.join(QLatin1Char('\n'))});
     }
     return ports;
 }

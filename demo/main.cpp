@@ -1,5 +1,6 @@
 // shelf-camera-demo: the tool with virtual cameras attached.
 #include "app/application.h"
+#include "app/consoleoutput.h"
 #include "demo/tour.h"
 
 #include <QComboBox>
@@ -56,6 +57,7 @@ int takeTour(MainWindow& window, DemoCameras& cameras, const QString& folder) {
 } // namespace
 
 int main(int argumentCount, char* arguments[]) {
+    const ConsoleOutput console;
     Application application(argumentCount, arguments);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("The camera tool with virtual cameras attached."));

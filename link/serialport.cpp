@@ -1,9 +1,11 @@
 #include "link/serialport.h"
 
+#include <cerrno>
 #include <string_view>
 
-#ifndef _WIN32
-#include <cerrno>
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <fstream>
 #include <sstream>
 #include <sys/stat.h>
@@ -41,10 +43,41 @@ const std::string& checkedName(const std::string& name) {
     return name;
 }
 
+void throwReasonOfOpening() {
+    // The library's exception has the error number.
+}
+
 #else
 
 const std::string& checkedName(const std::string& name) {
     return name;
+}
+
+/// 0 for what the library's own text may tell better.
+int errorNumberOf(DWORD systemError) {
+    switch (systemError) {
+    case ERROR_ACCESS_DENIED: // what a port that another program has open answers
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_BUSY:
+        return EBUSY;
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_DEV_NOT_EXIST:
+        return ENOENT;
+    case ERROR_GEN_FAILURE: // an adapter that has just been pulled
+    case ERROR_BAD_COMMAND:
+    case ERROR_DEVICE_NOT_CONNECTED:
+        return ENODEV;
+    default:
+        return 0;
+    }
+}
+
+/// To be called while the library's exception is being handled. Its text names an unrelated number and it has
+/// no error number; the system still knows why the port did not open.
+void throwReasonOfOpening() {
+    if (const int errorNumber = errorNumberOf(::GetLastError()); errorNumber != 0)
+        throw serial::IOException(__FILE__, __LINE__, errorNumber);
 }
 
 #endif
@@ -55,9 +88,12 @@ serial::Timeout timeouts(std::uint32_t readMs, std::uint32_t writeMs) {
 
 } // namespace
 
-SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs)
+SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs) try
     : m_serial(checkedName(name), baudRate, timeouts(timeoutMs, timeoutMs), serial::eightbits,
-               serial::parity_none, serial::stopbits_one, serial::flowcontrol_none) {}
+               serial::parity_none, serial::stopbits_one, serial::flowcontrol_none) {
+} catch (const serial::IOException&) {
+    throwReasonOfOpening(); // else the library's exception goes on
+}
 
 void SerialPort::setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) {
     guard([&] {

@@ -15,7 +15,8 @@
 class SerialPort {
 public:
     /// Opens the port: 8 data bits, no parity, one stop bit, no flow control. An empty name opens nothing;
-    /// every later call then fails.
+    /// every later call then fails. Throws the library's serial::IOException, with the error number where the
+    /// system tells one.
     SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs);
 
     SerialPort(const SerialPort&) = delete;

@@ -12,6 +12,9 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
+# Where a message names a source, it names it from the root of the project.
+set(CMAKE_CXX_FLAGS_INIT "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=")
+
 if(NOT CAMERA_WINDOWS_DEPS)
   if(DEFINED ENV{CAMERA_WINDOWS_DEPS})
     set(CAMERA_WINDOWS_DEPS "$ENV{CAMERA_WINDOWS_DEPS}")

@@ -26,15 +26,14 @@ void throwFromTheEventLoop(Failure failure) {
 
 } // namespace
 
-TEST(FailureWords, TellPortsOnWindowsApartByTheLibrarysText) {
+TEST(FailureWords, TellPortsOnWindowsApartByErrorNumberAndText) {
     const FailureText missing =
         textOf(serial::IOException("win.cc", 1, "Specified port, COM7, does not exist."));
     EXPECT_TRUE(missing.advice.contains("串口不存在或已拔出"));
-    const FailureText inUse =
-        textOf(serial::IOException("win.cc", 1, "Unknown error opening the serial port: 5"));
+    const FailureText inUse = textOf(serial::IOException("serialport.cpp", 1, EBUSY));
     EXPECT_TRUE(inUse.advice.contains("串口正被其他程序占用"));
     const FailureText other =
-        textOf(serial::IOException("win.cc", 1, "Unknown error opening the serial port: 57"));
+        textOf(serial::IOException("win.cc", 1, "Unknown error opening the serial port: 16"));
     EXPECT_FALSE(other.advice.contains("占用"));
     EXPECT_TRUE(other.what.startsWith("打开串口失败："));
 }
