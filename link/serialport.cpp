@@ -43,7 +43,7 @@ const std::string& checkedName(const std::string& name) {
     return name;
 }
 
-void throwReasonOfOpening() {
+void throwReasonOfOpening(const std::string&, const serial::IOException&) {
     // The library's exception has the error number.
 }
 
@@ -73,10 +73,23 @@ int errorNumberOf(DWORD systemError) {
     }
 }
 
-/// To be called while the library's exception is being handled. Its text names an unrelated number and it has
-/// no error number; the system still knows why the port did not open.
-void throwReasonOfOpening() {
-    if (const int errorNumber = errorNumberOf(::GetLastError()); errorNumber != 0)
+/// What the system answers to opening this port; 0: it opens, or that tells nothing.
+DWORD answerToOpening(const std::string& name) {
+    const std::string path = "\\\\.\\" + name;
+    const HANDLE port =
+        ::CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (port == INVALID_HANDLE_VALUE)
+        return ::GetLastError();
+    ::CloseHandle(port);
+    return 0;
+}
+
+/// The library does not tell why a port did not open: its exception has no error number, and the number in
+/// its text is an unrelated one. The system is asked once more.
+void throwReasonOfOpening(const std::string& name, const serial::IOException& failure) {
+    if (std::string_view(failure.what()).find("error opening") == std::string_view::npos)
+        return;
+    if (const int errorNumber = errorNumberOf(answerToOpening(name)); errorNumber != 0)
         throw serial::IOException(__FILE__, __LINE__, errorNumber);
 }
 
@@ -91,8 +104,8 @@ serial::Timeout timeouts(std::uint32_t readMs, std::uint32_t writeMs) {
 SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs) try
     : m_serial(checkedName(name), baudRate, timeouts(timeoutMs, timeoutMs), serial::eightbits,
                serial::parity_none, serial::stopbits_one, serial::flowcontrol_none) {
-} catch (const serial::IOException&) {
-    throwReasonOfOpening(); // else the library's exception goes on
+} catch (const serial::IOException& failure) {
+    throwReasonOfOpening(name, failure); // else the library's exception goes on
 }
 
 void SerialPort::setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) {

@@ -80,10 +80,14 @@ use_utf8_locale() {
   fi
 }
 
-# configure_and_build PRESET [CMAKE OPTION...]: into build/PRESET.
+# configure_and_build PRESET [--target NAME] [CMAKE OPTION...]: into build/PRESET.
 configure_and_build() {
-  local preset=$1
+  local preset=$1 target=()
   shift
+  if [ "${1:-}" = --target ]; then
+    target=("$1" "$2")
+    shift 2
+  fi
   if command -v ccache >/dev/null; then
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache # read by the first configuration
   fi
@@ -91,7 +95,7 @@ configure_and_build() {
   (
     cd "$project_root"
     cmake --preset "$preset" --log-level=NOTICE "$@"
-    cmake --build --preset "$preset"
+    cmake --build --preset "$preset" "${target[@]}"
   )
 }
 
