@@ -1,9 +1,26 @@
 #include "app/application.h"
 
 #include <QDebug>
+#include <QIcon>
 #include <QTimer>
 
-Application::Application(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {}
+namespace {
+
+QIcon programIcon() {
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48, 64, 128, 256})
+        icon.addFile(QStringLiteral(":/icons/%1x%1/apps/shelf-camera-tool.png").arg(size), QSize(size, size));
+    return icon;
+}
+
+} // namespace
+
+Application::Application(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
+    setWindowIcon(programIcon());
+    // Desktops find the program's entry, and by it the icon of its windows, under this name.
+    setDesktopFileName(QStringLiteral("shelf-camera-tool"));
+    installTranslator(&m_qtTexts);
+}
 
 Application::~Application() {
     delete m_box;

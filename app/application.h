@@ -1,8 +1,9 @@
 // The application object: an exception that leaves a handler is told to the user and does not end the
-// program.
+// program. It also gives every window the program's icon and Qt's own texts in Chinese.
 #pragma once
 
 #include "app/failuretext.h"
+#include "app/qttexts.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -26,6 +27,7 @@ private:
     void report(const std::exception_ptr& failure);
     void showNextFailure();
 
+    QtTexts m_qtTexts;
     // One box at a time, shown without an event loop of its own; the others wait.
     QQueue<QString> m_failures;
     QPointer<QMessageBox> m_box;

@@ -1,8 +1,15 @@
-// Exceptions that leave a handler: told in words, one box at a time, and nothing ends.
+// Exceptions that leave a handler: told in words, one box at a time, and nothing ends. The program's icon,
+// and what Qt itself writes into windows.
 #include "app/application.h"
 #include "app/failuretext.h"
 #include "tests/gui/support/guitest.h"
 #include "tests/gui/support/printing.h"
+
+#include <QAbstractButton>
+#include <QFile>
+#include <QIcon>
+#include <QJsonDocument>
+#include <QLibraryInfo>
 
 #include <gtest/gtest.h>
 #include <serial/serial.h>
@@ -24,7 +31,43 @@ void throwFromTheEventLoop(Failure failure) {
     QTimer::singleShot(0, qApp, [failure] { throw failure; });
 }
 
+/// Whether Qt's Chinese texts are installed here, by Qt or beside the program.
+bool chineseIsInstalled() {
+    const QString name = QStringLiteral("/qtbase_zh_CN.qm");
+    return QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + name) ||
+           QFile::exists(QCoreApplication::applicationDirPath() + "/translations" + name);
+}
+
+QString buttonText(QMessageBox::StandardButton button) {
+    const QMessageBox box(QMessageBox::Question, "title", "text", button);
+    return box.button(button)->text().remove('&');
+}
+
 } // namespace
+
+TEST(ApplicationWindows, BearTheProgramsIcon) {
+    const QList<QSize> sizes = QApplication::windowIcon().availableSizes();
+    EXPECT_TRUE(sizes.contains(QSize(16, 16)));
+    EXPECT_TRUE(sizes.contains(QSize(256, 256)));
+    for (const QSize size : sizes)
+        EXPECT_EQ(QApplication::windowIcon().pixmap(size).size(), size) << "a picture, not only a promise";
+    EXPECT_EQ(QGuiApplication::desktopFileName(), "shelf-camera-tool");
+}
+
+TEST(QtsOwnTexts, AreChineseWhereQtsTranslationIsInstalled) {
+    const bool chinese = chineseIsInstalled();
+    EXPECT_EQ(buttonText(QMessageBox::Ok), chinese ? "确定" : "OK");
+    EXPECT_EQ(buttonText(QMessageBox::Yes), chinese ? "是(Y)" : "Yes");
+    EXPECT_EQ(buttonText(QMessageBox::No), chinese ? "否(N)" : "No");
+}
+
+TEST(QtsOwnTexts, LeaveTheMessagesOfTheJsonParserAsTheyAre) {
+    QJsonParseError error{};
+    QJsonDocument::fromJson("{]", &error);
+    EXPECT_EQ(error.errorString(), "unterminated object");
+    QJsonDocument::fromJson("no json", &error);
+    EXPECT_EQ(error.errorString(), "illegal value");
+}
 
 TEST(FailureWords, TellPortsOnWindowsApartByErrorNumberAndText) {
     const FailureText missing =
