@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# Builds the packages into one folder, with their SHA-256 sums: the Debian package, and where Qt and the serial
+# library for Windows are at hand (packaging/windows/build-dependencies.sh), the portable ZIP and the installer.
+# The same sources and the same machine give the same packages.
+# Usage: scripts/package.sh [--only linux|windows] [FOLDER]     FOLDER: out/packages if not given
+. "$(dirname "$0")/lib.sh"
+
+# The date that everything packed bears: that of the last commit, or of an unpacked archive's files.
+export_source_date() {
+  if [ -z "${SOURCE_DATE_EPOCH:-}" ]; then
+    SOURCE_DATE_EPOCH=$(git -C "$project_root" log -1 --format=%ct 2>/dev/null ||
+      stat --format=%Y "$project_root/CMakeLists.txt")
+  fi
+  export SOURCE_DATE_EPOCH TZ=UTC
+}
+
+package_linux() {
+  local folder=$1
+  if ! command -v apt-get >/dev/null; then
+    say "skipped: the Debian package, which takes a Debian system"
+    return
+  fi
+  ensure_packages "${build_packages[@]}" dpkg-dev file lintian
+  local build=$project_root/build/deb
+  # Hardened, and without this machine's paths, as the distribution builds its own.
+  (
+    cd "$project_root"
+    CXXFLAGS="$(dpkg-buildflags --get CPPFLAGS) $(dpkg-buildflags --get CXXFLAGS)"
+    LDFLAGS="$(dpkg-buildflags --get LDFLAGS)"
+    export CXXFLAGS LDFLAGS
+    configure_and_build deb
+  )
+  say "packing the Debian package"
+  rm -f "$build"/*.deb
+  (cd "$build" && umask 022 && cpack -G DEB --config CPackConfig.cmake >cpack.log 2>&1) ||
+    { cat "$build/cpack.log" >&2; fail "cpack"; }
+  lintian --fail-on error --tag-display-limit 0 "$build"/*.deb || fail "lintian found errors"
+  cp "$build"/*.deb "$folder"
+}
+
+package_windows() {
+  local folder=$1
+  local packages
+  if packages=$("$project_root/packaging/windows/make-packages.sh" --check); then
+    "$project_root/packaging/windows/make-packages.sh" "$folder"
+  else
+    say "skipped: the ZIP and the installer for Windows: $packages"
+  fi
+}
+
+main() {
+  local only=
+  if [ "${1:-}" = --only ]; then
+    only=${2:?--only what}
+    shift 2
+  fi
+  local folder=${1:-$project_root/out/packages}
+  use_utf8_locale
+  export_source_date
+  mkdir -p "$folder"
+  folder=$(realpath "$folder")
+  rm -f "$folder"/shelf-camera-tool[-_]* "$folder/SHA256SUMS"
+  case $only in
+    "" | linux) package_linux "$folder" ;;&
+    "" | windows) package_windows "$folder" ;;
+    linux) ;;
+    *) fail "--only linux or windows" ;;
+  esac
+  compgen -G "$folder/shelf-camera-tool*" >/dev/null || fail "nothing was packed"
+  (cd "$folder" && sha256sum shelf-camera-tool* >SHA256SUMS)
+  say "packages in $folder:"
+  (cd "$folder" && du --bytes shelf-camera-tool*)
+}
+
+main "$@"
