@@ -1,0 +1,155 @@
+#!/usr/bin/env bash
+# Installs the Windows program silently under Wine, in a prefix of its own, compares what is installed with the
+# portable ZIP, starts it from the start menu and from the ZIP's folder, installs it over itself and uninstalls it.
+# Shows that the uninstaller waits for the program to be closed, and leaves the pictures alone.
+# Usage: packaging/windows/test-packages.sh [FOLDER]     FOLDER of the packages: out/packages if not given
+. "$(dirname "${BASH_SOURCE[0]}")/../../scripts/lib.sh"
+
+uninstall_key='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\shelf-camera-tool'
+
+windows() {
+  "$wine" "$@" 2>>"$work/wine.log"
+}
+
+# wait_for SECONDS COMMAND...: until it succeeds.
+wait_for() {
+  local end=$((SECONDS + $1))
+  shift
+  until "$@"; do
+    [ "$SECONDS" -lt "$end" ] || return 1
+    sleep 0.5
+  done
+}
+
+# The X tools may show the Chinese half of the title as bytes: the other is enough.
+has_window() {
+  xwininfo -root -tree | grep --quiet --fixed-strings "Tessaly v($version)"
+}
+
+has_no_window() {
+  ! has_window
+}
+
+# working_folder: of the running program, as this system knows it.
+working_folder() {
+  local process
+  for process in $(pgrep --full 'shelf-camera-tool[.]exe'); do
+    if grep --quiet --null-data --fixed-strings "WINEPREFIX=$WINEPREFIX" "/proc/$process/environ" 2>/dev/null; then
+      readlink "/proc/$process/cwd"
+    fi
+  done | sort -u
+}
+
+close_program() {
+  windows taskkill /im shelf-camera-tool.exe >/dev/null
+  wait_for 30 has_no_window || fail "the program does not close"
+}
+
+expect_code() {
+  local wanted=$1 code=0
+  shift
+  "$@" || code=$?
+  [ "$code" -eq "$wanted" ] || fail "code $code instead of $wanted: $*"
+}
+
+install_silently() {
+  say "installing silently"
+  expect_code 0 windows "$setup" /S
+  [ -d "$installed" ] || fail "there is no $installed"
+  # All that the ZIP has, and the uninstaller.
+  diff --recursive --brief --exclude=uninstall.exe "$work/zip/$name" "$installed" ||
+    fail "installed and packed files differ"
+  [ -f "$installed/uninstall.exe" ] || fail "there is no uninstaller"
+  [ -f "$shortcut" ] || fail "there is no entry in the start menu"
+  [ -d "$pictures" ] || fail "there is no folder for pictures"
+  windows reg query "$uninstall_key" | tr -d '\r' >"$work/registered"
+  grep --quiet --word-regexp "DisplayVersion.*$version" "$work/registered" || fail "the system does not know the program"
+  say "$(find "$installed" -type f | wc -l) files, $(du --bytes --summarize "$installed" | cut -f1) bytes"
+}
+
+start_from_menu() {
+  say "starting it from the start menu"
+  windows start /unix "$shortcut"
+  wait_for 60 has_window || fail "no window comes"
+  [ "$(working_folder)" = "$pictures" ] || fail "it works in $(working_folder), not in $pictures"
+  import -window root "$screenshots/installed.png"
+  say "it works in ${pictures##*/}; its window is in $screenshots/installed.png"
+}
+
+start_portable() {
+  say "starting it from the ZIP's folder"
+  (cd "$work/zip/$name" && windows ./shelf-camera-tool.exe >"$work/portable.log") &
+  wait_for 60 has_window || fail "no window comes"
+  [ "$(working_folder)" = "$work/zip/$name" ] || fail "it works in $(working_folder)"
+  close_program
+  wait
+  grep --quiet 'Application version:' "$work/portable.log" "$work/wine.log" || fail "it wrote no diagnostic lines"
+}
+
+uninstall_silently() {
+  say "uninstalling silently"
+  echo picture >"$pictures/33.jpg"
+  echo note >"$installed/note.txt"
+  expect_code 0 windows "$installed/uninstall.exe" /S
+  wait_for 60 test ! -e "$installed/uninstall.exe" || fail "the uninstaller stays"
+  wineserver --wait
+  [ "$(ls "$installed")" = note.txt ] || fail "it left $(ls "$installed")"
+  [ ! -e "$shortcut" ] || fail "it left the entry in the start menu"
+  [ "$(cat "$pictures/33.jpg")" = picture ] || fail "it touched the pictures"
+  expect_code 1 windows reg query "$uninstall_key" >/dev/null
+  rm -r "$installed"
+  say "nothing is left but the pictures, and what the user had put there"
+}
+
+# On a display of its own.
+main_inside() {
+  work=$(mktemp -d)
+  trap 'wineserver --kill || true; rm -rf "$work"' EXIT
+  # Wine lends a program the user's own folders: give it some of this test's.
+  export HOME=$work/home WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=-all
+  export WINEDLLOVERRIDES='mscoree,mshtml,winemenubuilder.exe='
+  mkdir "$HOME" "$work/zip"
+  unzip -q "$folder/$name.zip" -d "$work/zip"
+  windows wineboot --init
+  wineserver --wait
+  local user_folder=("$WINEPREFIX"/drive_c/users/*/AppData)
+  user_folder=${user_folder[0]%/AppData}
+  installed=$user_folder/AppData/Local/Programs/shelf-camera-tool
+  shortcut="$user_folder/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/摄像头测试.lnk"
+  pictures=$(realpath "$user_folder/Pictures")/摄像头图片
+
+  install_silently
+  start_from_menu
+  say "uninstalling while it runs"
+  expect_code 0 windows "$installed/uninstall.exe" /S
+  sleep 5
+  [ -f "$installed/shelf-camera-tool.exe" ] || fail "the uninstaller took a program that runs"
+  expect_code 2 windows "$setup" /S
+  close_program
+  install_silently
+  uninstall_silently
+  start_portable
+}
+
+main() {
+  folder=$(realpath "${1:-$project_root/out/packages}")
+  local zip=("$folder"/shelf-camera-tool-*-windows-x64.zip)
+  [ -f "${zip[0]}" ] || fail "no ZIP in $folder; scripts/package.sh makes it"
+  name=$(basename "${zip[0]}" .zip)
+  version=${name#shelf-camera-tool-}
+  version=${version%-windows-x64}
+  setup=$folder/$name-setup.exe
+  screenshots=$project_root/out/windows-packages
+  if [ -z "${SHELF_CAMERA_TEST_DISPLAY:-}" ]; then
+    ensure_packages wine wine64 xvfb xauth x11-utils imagemagick unzip procps fonts-noto-cjk
+    use_utf8_locale
+    SHELF_CAMERA_TEST_DISPLAY=1 exec xvfb-run --auto-servernum --server-args='-screen 0 1280x1024x24' \
+      "${BASH_SOURCE[0]}" "$folder"
+  fi
+  wine=/usr/lib/wine/wine64
+  mkdir -p "$screenshots"
+  main_inside
+  say "the Windows packages install, start and go"
+}
+
+main "$@"
