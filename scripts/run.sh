@@ -5,7 +5,7 @@
 . "$(dirname "$0")/lib.sh"
 
 main() {
-  ensure_packages "${build_packages[@]}" fonts-noto-cjk
+  ensure_packages "${build_packages[@]}" fonts-noto-cjk qt6-translations-l10n
   use_utf8_locale
   configure_and_build release
   local demo=$project_root/build/release/demo/shelf-camera-demo

@@ -66,7 +66,7 @@ main() {
   use_utf8_locale
   local demo=${1:-}
   if [ -z "$demo" ]; then
-    ensure_packages "${build_packages[@]}" fonts-noto-cjk
+    ensure_packages "${build_packages[@]}" fonts-noto-cjk qt6-translations-l10n
     configure_and_build release
     demo=$project_root/build/release/demo/shelf-camera-demo
   fi

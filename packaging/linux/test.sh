@@ -68,6 +68,8 @@ install_package() {
   all_files >"$work/before"
   in_root dpkg --install /tmp/package.deb
   in_root dpkg --verify shelf-camera-tool
+  all_files >"$work/installed"
+  say "$(diff "$work/before" "$work/installed" | grep -c '^>') files and folders came"
 }
 
 # in_background NAME COMMAND: as the user; its output goes to NAME.log, its process to NAME.pid.
@@ -86,7 +88,7 @@ wait_for() {
 }
 
 lists_the_camera() {
-  grep -q 'init port:.*/dev/ttyUSB9' "$work/tool.log"
+  grep -q 'init port:.*/dev/ttyUSB9' "$work/tool.log" 2>/dev/null
 }
 
 # The tool as the menu starts it: it lives, lists the camera's port, and works in the folder for pictures.
@@ -128,16 +130,17 @@ remove_package() {
   all_files >"$work/after"
   diff "$work/before" "$work/after" || fail "the package left or took the files above"
   [ -d "$root/home/$user/摄像头图片" ] || fail "the folder for pictures is gone"
-  say "nothing is left but the user's folder for pictures"
+  say "the same $(wc -l <"$work/after") files and folders as before, and the user's folder for pictures"
 }
 
 clean_up() {
   local file
+  set +e
   for file in "$root"/tmp/*.pid; do
-    kill "$(cat "$file")" 2>/dev/null || true
+    [ -f "$file" ] && kill "$(cat "$file")" 2>/dev/null
   done
   wait
-  umount "$root/proc" "$root/dev/pts" || true
+  umount "$root/proc" "$root/dev/pts"
   rm -rf --one-file-system "$work"
 }
 
