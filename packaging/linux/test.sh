@@ -79,8 +79,7 @@ in_background() {
 
 # wait_for COMMAND...: until it succeeds, 20 s at most.
 wait_for() {
-  local i
-  for i in $(seq 100); do
+  for _ in $(seq 100); do
     "$@" && return
     sleep 0.2
   done

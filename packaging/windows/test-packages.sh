@@ -112,8 +112,8 @@ main_inside() {
   unzip -q "$folder/$name.zip" -d "$work/zip"
   windows wineboot --init
   wineserver --wait
-  local user_folder=("$WINEPREFIX"/drive_c/users/*/AppData)
-  user_folder=${user_folder[0]%/AppData}
+  local data_folders=("$WINEPREFIX"/drive_c/users/*/AppData) user_folder
+  user_folder=${data_folders[0]%/AppData}
   installed=$user_folder/AppData/Local/Programs/shelf-camera-tool
   shortcut="$user_folder/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/摄像头测试.lnk"
   pictures=$(realpath "$user_folder/Pictures")/摄像头图片
