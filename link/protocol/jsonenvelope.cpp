@@ -50,12 +50,9 @@ std::string_view asText(ByteView bytes) {
     return {reinterpret_cast<const char*>(bytes.begin()), bytes.size()};
 }
 
-/// The text with the digits after the key replaced; blanks before them stay. Empty without the key.
+/// The text, which has the key, with the digits after it replaced; blanks before them stay.
 std::string withNumber(const std::string& text, std::string_view key, std::int64_t number) {
-    const std::size_t found = text.find(key);
-    if (found == std::string::npos)
-        return {};
-    const std::size_t first = text.find_first_not_of(' ', found + key.size());
+    const std::size_t first = text.find_first_not_of(' ', text.find(key) + key.size());
     const std::size_t start = std::min(first, text.size());
     const std::size_t stop = std::min(text.find_first_not_of("0123456789", start), text.size());
     return text.substr(0, start) + std::to_string(number) + text.substr(stop);

@@ -10,8 +10,9 @@ namespace {
 using fake_serial::Bytes;
 
 struct ReadStep {
-    Bytes bytes;
+    Bytes bytes = {};
     bool throws = false;
+    std::size_t promised = 0; ///< reported besides the bytes
 };
 
 struct State {
@@ -23,7 +24,7 @@ struct State {
     std::deque<std::size_t> shortWrites;
     std::string throwingCall;
     std::string throwingText;
-    bool flushInputRefused = false;
+    std::string flushInputRefusal; ///< empty: flushInput works
     std::function<void(const Bytes&)> writeReaction;
     std::vector<std::string> calls;
     std::vector<Bytes> writes;
@@ -73,7 +74,7 @@ void reset() {
     s.endlessRead.clear();
     s.shortWrites.clear();
     s.throwingCall.clear();
-    s.flushInputRefused = false;
+    s.flushInputRefusal.clear();
     s.writeReaction = nullptr;
     s.calls.clear();
     s.writes.clear();
@@ -91,7 +92,7 @@ void failOpening(int errorNumber) {
 
 void willRead(Bytes bytes) {
     const std::lock_guard lock(state().mutex);
-    state().reads.push_back({std::move(bytes), false});
+    state().reads.push_back({std::move(bytes)});
 }
 
 void willTimeOut(int times) {
@@ -120,9 +121,14 @@ void throwOn(const std::string& call, const std::string& text) {
     state().throwingText = text;
 }
 
-void refuseFlushInput() {
+void refuseFlushInput(const std::string& text) {
     const std::lock_guard lock(state().mutex);
-    state().flushInputRefused = true;
+    state().flushInputRefusal = text;
+}
+
+void willPromise(std::size_t count) {
+    const std::lock_guard lock(state().mutex);
+    state().reads.push_back({{}, false, count});
 }
 
 void onWrite(std::function<void(const Bytes&)> reaction) {
@@ -209,14 +215,17 @@ void Serial::flush() {
 void Serial::flushInput() {
     record("flushInput");
     const std::lock_guard lock(state().mutex);
-    if (state().flushInputRefused)
-        throw IOException("fake", 0, "flushInput is not supported on Windows.");
+    if (!state().flushInputRefusal.empty())
+        throw IOException("fake", 0, state().flushInputRefusal.c_str());
 }
 
 size_t Serial::available() {
     record("available");
     const std::lock_guard lock(state().mutex);
-    return state().reads.empty() ? 0 : state().reads.front().bytes.size();
+    if (state().reads.empty())
+        return 0;
+    const ReadStep& next = state().reads.front();
+    return next.bytes.size() + next.promised;
 }
 
 size_t Serial::write(const uint8_t* data, size_t size) {
@@ -246,7 +255,7 @@ size_t Serial::read(std::vector<uint8_t>& buffer, size_t size) {
     const std::lock_guard lock(s.mutex);
     if (pimpl_->port.empty())
         throw PortNotOpenedException("Serial::read");
-    ReadStep step{s.endlessRead, false};
+    ReadStep step{s.endlessRead};
     if (!s.reads.empty()) {
         step = s.reads.front();
         s.reads.pop_front();
@@ -257,7 +266,7 @@ size_t Serial::read(std::vector<uint8_t>& buffer, size_t size) {
     const auto cut = step.bytes.begin() + static_cast<std::ptrdiff_t>(taken);
     buffer.insert(buffer.end(), step.bytes.begin(), cut);
     if (cut != step.bytes.end())
-        s.reads.push_front({Bytes(cut, step.bytes.end()), false});
+        s.reads.push_front({Bytes(cut, step.bytes.end())});
     return taken;
 }
 

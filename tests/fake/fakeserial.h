@@ -34,8 +34,11 @@ void willReadForever(Bytes bytes);
 void willWriteOnly(std::size_t count);
 /// Calls of this name ("setTimeout", "flushInput", "flush", "write", "read") throw from now on.
 void throwOn(const std::string& call, const std::string& text = "scripted");
-/// As version 1.2.1 of the library on Windows: flushInput throws that it is not supported.
-void refuseFlushInput();
+/// flushInput throws serial::IOException with this text; the default is that of version 1.2.1 of the library
+/// on Windows.
+void refuseFlushInput(const std::string& text = "flushInput is not supported on Windows.");
+/// available() reports this count although the read to come returns nothing.
+void willPromise(std::size_t count);
 /// Called after every write with the bytes written, on the writing thread; may script reads.
 void onWrite(std::function<void(const Bytes&)> reaction);
 

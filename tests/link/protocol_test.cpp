@@ -116,6 +116,19 @@ TEST(Records, AreReadAndBuiltByTheSameLayout) {
     EXPECT_EQ(hex(buildV1Record(info)), hex(records.front().toBytes()));
 }
 
+TEST(Records, OfTheFirstGenerationAreReadAndBuiltByTheSameLayout) {
+    const Bytes record =
+        bytes("05 01 2D 00 F1 53 65 14 00 00 00 15 49 D1 AA E2 02 14 E0 65 AB 4B 76 AA AC 89 A8");
+    const PictureInfo info = parseOriginRecord(record);
+    EXPECT_EQ(info.id, 5);
+    EXPECT_EQ(info.triggerType, 1);
+    EXPECT_EQ(info.triggerAngle, 45);
+    EXPECT_EQ(info.creationTime, 1700000000U);
+    EXPECT_EQ(info.fileSize, 20U);
+    EXPECT_EQ(paddedHexText(info.digest), "1549d1aae20214e065ab4b76aaac89a8");
+    EXPECT_EQ(hex(buildOriginRecord(info)), hex(record));
+}
+
 TEST(Records, APartOfARecordIsRefused) {
     EXPECT_THROW((void)parseOriginRecord(Bytes(10)), const char*);
     EXPECT_THROW((void)parseV1Record(Bytes(16)), const char*);

@@ -70,6 +70,12 @@ TEST_F(Session, WhatIsNoTerminalIsRefusedWithoutOpeningIt) {
     EXPECT_EQ(fake_serial::calls(), Lines{});
 }
 
+TEST_F(Session, ATerminalsPathIsOpened) {
+    const CameraSp camera("/dev/ptmx", 9600); // by its looks; the recording library opens nothing
+    ASSERT_EQ(fake_serial::calls().size(), 1U);
+    EXPECT_EQ(fake_serial::calls().front().rfind("open /dev/ptmx 9600", 0), 0U);
+}
+
 TEST_F(Session, PortsAreListedByNameInTheOrderReported) {
     EXPECT_TRUE(CameraSp::getPorts().empty());
     fake_serial::setPorts({{"COM10", "b", "2"}, {"COM2", "a", "1"}});
@@ -186,6 +192,13 @@ TEST_F(Session, SaysOfNoPortChosenAndOfAnInputThatCannotBeDiscardedNothingOfAFai
     fake_serial::refuseFlushInput();
     EXPECT_FALSE(camera.testHeartBeat());
     EXPECT_FALSE(camera.portFailed());
+}
+
+TEST_F(Session, SaysWhetherItIsBeingStopped) {
+    CameraSp camera("COM9", 9600);
+    EXPECT_FALSE(camera.stopRequested());
+    camera.requestStop();
+    EXPECT_TRUE(camera.stopRequested());
 }
 
 TEST_F(Session, StoppingEndsAPauseAtOnce) {

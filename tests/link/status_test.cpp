@@ -44,10 +44,31 @@ TEST_F(Heartbeat, DiscardsByReadingWhereTheLibraryCannotDiscard) {
                               "write AA 5A 01 01 01 00 00 00 00 5E FA", "read 100"}));
 }
 
+TEST_F(Heartbeat, DiscardingByReadingEndsWhenThePromisedBytesDoNotCome) {
+    fake_serial::refuseFlushInput();
+    fake_serial::willPromise(4);
+    fake_serial::onWrite([](const auto&) { answer("AA 5A 01 01 01 00 00 00 01 7F EA"); });
+    EXPECT_TRUE(camera.testHeartBeat());
+    EXPECT_EQ(fake_serial::count("available"), 1);
+}
+
 TEST_F(Heartbeat, AnyOtherFailureToDiscardIsAFailure) {
+    fake_serial::refuseFlushInput("device gone");
+    answer("AA 5A 01 01 01 00 00 00 01 7F EA");
+    EXPECT_FALSE(camera.testHeartBeat());
+    EXPECT_EQ(fake_serial::count("write"), 0);
+    EXPECT_EQ(fake_serial::count("available"), 0);
+
+    fake_serial::reset();
     fake_serial::throwOn("flushInput", "device gone");
     EXPECT_FALSE(camera.testHeartBeat());
     EXPECT_EQ(fake_serial::count("write"), 0);
+}
+
+TEST_F(Heartbeat, WhateverElseIsThrownIsAFailureWithALine) {
+    fake_serial::onWrite([](const auto&) { throw 7; });
+    EXPECT_FALSE(camera.testHeartBeat());
+    EXPECT_EQ(out.lines(), Lines{"command failed:unknown error"});
 }
 
 class PropertyRead : public LinkTest {};
@@ -84,6 +105,12 @@ TEST_F(PropertyRead, AnExceptionOfTheLibraryIsEmptyAndLogged) {
     EXPECT_EQ(out.lines().back(),
               "getCommonProperty error3:SerialException device reports readiness to read but "
               "returned no data failed.");
+}
+
+TEST_F(PropertyRead, WhateverElseIsThrownIsEmptyAndLogged) {
+    fake_serial::onWrite([](const auto&) { throw 7; });
+    EXPECT_TRUE(camera.getCommonProperty(15, 2).empty());
+    EXPECT_EQ(out.lines().back(), "getCommonProperty error3:unknown error");
 }
 
 TEST_F(PropertyRead, APayloadOfTwoBytesOrFewerHasNoValue) {

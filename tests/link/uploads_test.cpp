@@ -328,6 +328,16 @@ TEST_F(Upload, AFolderAndAFileOf2GibibytesAreRefusedBeforeAnythingIsSent) {
     EXPECT_EQ(calls(), Lines{});
 }
 
+TEST_F(Upload, AFileThatEndsBeforeItsStatedSizeIsRefusedBeforeAnythingIsSent) {
+    const std::string path = "/sys/devices/system/cpu/online"; // states a page, holds a few bytes
+    if (!std::ifstream(path))
+        GTEST_SKIP() << "no such file here";
+    camera.setAppFilePath(path);
+    EXPECT_FALSE(camera.appUpdate());
+    EXPECT_EQ(fake_serial::writes().size(), 0U);
+    EXPECT_EQ(out.lines(), Lines{"fsize:4096"});
+}
+
 TEST_F(Upload, APathWithChineseCharactersAndBlanksOpens) {
     ScratchFolder::write(std::filesystem::path(u8"新 固件.bin"), abc);
     camera.setAppFilePath("新 固件.bin");
