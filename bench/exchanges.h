@@ -5,7 +5,7 @@
 
 namespace bench {
 
-/// `rounds` exchanges of every rule; the median and the worst count.
-void measureExchanges(Results& results, int rounds);
+/// `rounds` exchanges of every rule whose name contains the text; the median and the worst count.
+void measureExchanges(Results& results, int rounds, const std::string& namePart);
 
 } // namespace bench

@@ -14,13 +14,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* usage = "usage: line_bench [--picture BYTES] [--file BYTES] [--pace BYTES_PER_SECOND] "
-                              "[--rounds N] [--exchanges N] [--csv FILE]\n"
-                              "0 exchanges, a picture or file of 0 bytes: that part is left out\n";
+constexpr const char* usage =
+    "usage: line_bench [--picture BYTES] [--file BYTES] [--pace BYTES_PER_SECOND] "
+    "[--rounds N] [--exchanges N] [--rule TEXT] [--largest BYTES]\n                  [--csv FILE]\n"
+    "--rule: only exchanges whose name contains the text\n"
+    "0 exchanges, a picture, file or largest file of 0 bytes: that part is left out\n";
 
 struct Options {
     bench::TransferSizes sizes{200000, 4 << 20};
     int exchanges = 100;
+    std::string rule;                 ///< a part of the names of the rules to measure; empty: all
+    std::uint32_t largest = 64 << 20; ///< bytes of the largest upload
     std::string csv;
 };
 
@@ -44,6 +48,8 @@ Options parse(const std::vector<std::string>& arguments) {
          }},
         {"--rounds", [&](const std::string& t) { options.sizes.rounds = static_cast<int>(numberIn(t)); }},
         {"--exchanges", [&](const std::string& t) { options.exchanges = static_cast<int>(numberIn(t)); }},
+        {"--rule", [&](const std::string& t) { options.rule = t; }},
+        {"--largest", [&](const std::string& t) { options.largest = numberIn(t); }},
         {"--csv", [&](const std::string& t) { options.csv = fs::absolute(t).string(); }},
     };
     for (std::size_t i = 0; i < arguments.size(); i += 2) {
@@ -84,9 +90,11 @@ int run(const Options& options) {
     if (options.sizes.picture > 0)
         bench::measureDownloads(results, options.sizes);
     if (options.exchanges > 0)
-        bench::measureExchanges(results, options.exchanges);
+        bench::measureExchanges(results, options.exchanges, options.rule);
     if (options.sizes.file > 0)
         bench::measureUploads(results, options.sizes);
+    if (options.largest > 0)
+        bench::measureUploadGrowth(results, options.largest);
     if (!options.csv.empty() && !results.writeCsv(options.csv))
         throw std::runtime_error("cannot write " + options.csv);
     std::fprintf(stderr, "%d figures miss their goal\n", results.missed());

@@ -1,24 +1,21 @@
 #include "bench/measure.h"
 
+#include <algorithm>
 #include <fstream>
 #include <malloc.h>
 #include <sstream>
 #include <stdexcept>
 #include <string>
-#include <sys/resource.h>
+#include <time.h>
 
 namespace bench {
 
 namespace {
 
-double seconds(const timeval& time) {
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-}
-
 double processCpu() {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+    timespec time{};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
 /// A field of /proc/self/status that is stated in kB.
@@ -35,6 +32,11 @@ std::int64_t statusBytes(const std::string& field) {
 }
 
 } // namespace
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
 
 Stopwatch::Stopwatch() : m_start(std::chrono::steady_clock::now()), m_cpuStart(processCpu()) {}
 

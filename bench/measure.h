@@ -3,10 +3,14 @@
 
 #include <chrono>
 #include <cstdint>
+#include <vector>
 
 namespace bench {
 
 using Seconds = std::chrono::duration<double>;
+
+/// The middle one, of an even count the greater of the two.
+[[nodiscard]] double median(std::vector<double> values);
 
 /// From its construction on.
 class Stopwatch {

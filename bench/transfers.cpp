@@ -39,11 +39,6 @@ Bytes randomBytes(std::size_t size) {
     return bytes;
 }
 
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 struct Run {
     double seconds = 0;
     double cpu = 0; ///< seconds
@@ -136,6 +131,12 @@ constexpr UploadWay appWay{"application image", protocol::Command::appAnnounce, 
 constexpr UploadWay systemWay{"system image (flushes every 512 bytes)", protocol::Command::firewareAnnounce,
                               true, &CameraSp::setFirewareFilePath, &CameraSp::firewareUpdate};
 
+void writeRandomFile(const std::string& path, std::uint32_t size) {
+    const Bytes content = randomBytes(size);
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(size));
+}
+
 Arrivals whole(ChildProcess& farEnd, std::size_t size) {
     Arrivals arrivals = farEnd.arrivals();
     while (arrivals.bytes < size) { // the last bytes are on the line
@@ -201,6 +202,41 @@ double measureUpload(Results& results, const UploadWay& way, const std::string& 
     return client.arrivals.seconds;
 }
 
+// --- growth ------------------------------------------------------------------------------------------------
+
+constexpr std::uint32_t smallestUpload = 64 << 10;
+constexpr std::uint32_t growthFactor = 4;
+constexpr std::uint32_t repeatedUpTo = 4 << 20; ///< bytes; shorter ones are measured several times
+constexpr int repetitions = 5;
+constexpr Goal flatness{Goal::Kind::atMost, 1.5};
+
+struct Growth {
+    std::uint32_t size; ///< bytes
+    double seconds;     ///< first to last byte
+    double cpu;         ///< seconds of the client
+    double memory;      ///< bytes of growth at the most
+    [[nodiscard]] double perMegabyte(double value) const { return value * megabyte / size; }
+};
+
+Growth uploadOfSize(const std::string& path, std::uint32_t size) {
+    writeRandomFile(path, size);
+    std::vector<Run> runs;
+    std::vector<double> memory;
+    for (int run = 0; run < (size < repeatedUpTo ? repetitions : 1); ++run) {
+        const Upload upload = uploadByClient(appWay, path, size, 0);
+        runs.push_back({upload.arrivals.seconds, upload.cpu});
+        memory.push_back(upload.memory);
+    }
+    const Run middle = medianOf(runs);
+    return {size, middle.seconds, middle.cpu, median(memory)};
+}
+
+std::string sizeText(std::uint32_t bytes) {
+    return bytes < megabyte ? std::to_string(bytes >> 10) + " KiB" : std::to_string(bytes >> 20) + " MiB";
+}
+
+// --- other programs ----------------------------------------------------------------------------------------
+
 struct Protocol {
     const char* name;
     std::vector<std::string> sender;
@@ -240,14 +276,51 @@ void measureDownloads(Results& results, const TransferSizes& sizes) {
                    "longer than its bytes: client and bare reader pay that alike.");
 }
 
+void measureUploadGrowth(Results& results, std::uint32_t largest) {
+    const std::string path = std::filesystem::absolute("growing.bin").string();
+    std::vector<Growth> all;
+    for (std::uint64_t size = smallestUpload; size <= largest; size *= growthFactor)
+        all.push_back(uploadOfSize(path, static_cast<std::uint32_t>(size)));
+    std::filesystem::remove(path);
+    std::vector<double> times;
+    std::vector<double> cpuTimes;
+    for (const Growth& each : all) {
+        times.push_back(each.perMegabyte(each.seconds));
+        cpuTimes.push_back(each.perMegabyte(each.cpu));
+    }
+    const double middle = median(times);
+    const double middleCpu = median(cpuTimes);
+
+    results.section("Uploads as the file grows, the line as fast as it goes");
+    results.columns({"File", "Time, s", "Time per MiB, ms", "Of the middle one's (goal 1.5)",
+                     "Processor time per MiB, ms", "Of the middle one's (goal 1.5)",
+                     "Peak memory growth, MiB", "Memory beyond the file, MiB (goal 4)"});
+    for (const Growth& each : all) {
+        const double time = each.perMegabyte(each.seconds);
+        const double cpu = each.perMegabyte(each.cpu);
+        results.addRow(sizeText(each.size),
+                       {{"time", each.seconds, "s", {}},
+                        {"time per MiB", time * 1000, "ms", {}},
+                        {"time per MiB, of the middle one's", time / middle, "x", flatness},
+                        {"processor time per MiB", cpu * 1000, "ms", {}},
+                        {"processor time per MiB, of the middle one's", cpu / middleCpu, "x", flatness},
+                        {"peak memory growth", each.memory / megabyte, "MiB", {}},
+                        {"memory beyond the file", (each.memory - each.size) / megabyte, "MiB",
+                         Goal{Goal::Kind::atMost, 4}}});
+    }
+    results.remark(
+        "An application image without its pauses. The time is the sender's pause of a microsecond after "
+        "each 512 bytes, as long as the system makes it, and the calls between; files below 4 MiB are "
+        "sent " +
+        std::to_string(repetitions) +
+        " times, the median counts. The file is held in memory "
+        "once: what comes on top of it has to be the same for every size.");
+}
+
 void measureUploads(Results& results, const TransferSizes& sizes) {
     results.section("Upload of " + std::to_string(sizes.file) + " bytes, the pause of 2 s not counted");
     const std::string path = std::filesystem::absolute("image.bin").string();
-    {
-        const Bytes content = randomBytes(sizes.file);
-        std::ofstream(path, std::ios::binary)
-            .write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(sizes.file));
-    }
+    writeRandomFile(path, sizes.file);
     const UploadFile file = *readUploadFile(path).file;
     const double slow = measureUpload(results, appWay, path, file, sizes.pace, 0.99);
     const double fast = measureUpload(results, appWay, path, file, sizes.fastPace, 0.98);

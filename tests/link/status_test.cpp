@@ -65,6 +65,12 @@ TEST_F(Heartbeat, AnyOtherFailureToDiscardIsAFailure) {
     EXPECT_EQ(fake_serial::count("write"), 0);
 }
 
+TEST_F(Heartbeat, AnExceptionOfTheLibraryIsLoggedByItsText) {
+    fake_serial::throwOn("write", "gone");
+    EXPECT_FALSE(camera.testHeartBeat());
+    EXPECT_EQ(out.lines(), Lines{"command failed:SerialException gone failed."});
+}
+
 TEST_F(Heartbeat, WhateverElseIsThrownIsAFailureWithALine) {
     fake_serial::onWrite([](const auto&) { throw 7; });
     EXPECT_FALSE(camera.testHeartBeat());
