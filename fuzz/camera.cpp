@@ -117,7 +117,7 @@ void step(VirtualCamera& camera, Reader& input, Time& now) {
     default:
         camera.receive(input.take(operation), now);
     }
-    camera.takeDue(now);
+    static_cast<void>(camera.takeDue(now));
     static_cast<void>(camera.hangUpDue(now));
     static_cast<void>(camera.nextDue());
 }

@@ -10,12 +10,13 @@ namespace {
 const std::array<Command, 3> commands{{
     [](CameraSp& c, Input&) {
         for (const auto& record : c.getOriginPicInfos())
-            protocol::parseOriginRecord(
-                std::span<const std::uint8_t>(record.get(), protocol::origin_record::size));
+            static_cast<void>(protocol::parseOriginRecord(
+                std::span<const std::uint8_t>(record.get(), protocol::origin_record::size)));
     },
     [](CameraSp& c, Input&) {
         for (const auto& record : c.getPicInfosV1())
-            protocol::parseV1Record(std::span<const std::uint8_t>(record.get(), protocol::v1_record::size));
+            static_cast<void>(protocol::parseV1Record(
+                std::span<const std::uint8_t>(record.get(), protocol::v1_record::size)));
     },
     [](CameraSp& c, Input&) { c.takePic(); },
 }};

@@ -1,55 +1,125 @@
 #!/usr/bin/env bash
 # Builds the fuzzers with clang and runs each for some seconds on its corpus; what one finds ends the script and
 # is left in out/fuzz. New inputs that reach new code are kept there too, not in the repository.
-# Usage: scripts/fuzz.sh [SECONDS] [FUZZER]...     20 s and all (answers catalogues json transfer uploads camera)
+# Usage: scripts/fuzz.sh [--fixed | --page] [SECONDS] [FUZZER]...
+#        20 s and all fuzzers (answers catalogues json transfer uploads camera) if not given
+#   --fixed  a number of runs instead of seconds, always the same ones, from the repository's corpus alone:
+#            some 10 s each
+#   --page   writes docs/fuzzing.md from what the runs show
 . "$(dirname "$0")/lib.sh"
 
 all_fuzzers=(answers catalogues json transfer uploads camera)
 longest_input=4096
 
+# What the fuzzers feed, and the runs of --fixed.
+declare -A subjects=(
+  [answers]="acceptance of answers, properties, status"
+  [catalogues]="catalogues of both generations, the walk of takePic"
+  [json]="the JSON envelope, its text, picture pieces"
+  [transfer]="picture transfers"
+  [uploads]="announcement answers and verdicts"
+  [camera]="the virtual camera's request decoder"
+)
+declare -A fixed_runs=([answers]=20000 [catalogues]=16000 [json]=16000 [transfer]=16000 [uploads]=10000 [camera]=30000)
+
 build_fuzzers() {
+  local options=()
   if command -v ccache >/dev/null; then
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+  fi
+  if [ -n "${CI:-}" ]; then
+    options+=("-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1 -g1") # builds faster
   fi
   say "building the fuzzers"
   (
     cd "$project_root"
-    cmake --preset fuzz --log-level=NOTICE
+    cmake --preset fuzz --log-level=NOTICE "${options[@]}"
     nice cmake --build --preset fuzz --target fuzz/all
   )
 }
 
+# run_fuzzer NAME LIMIT: LIMIT is libFuzzer's option that ends the run. Prints "NAME executions seconds MB".
 run_fuzzer() {
-  local name=$1 seconds=$2 output=$project_root/out/fuzz/$1
-  mkdir -p "$output/new" "$output/findings"
-  say "fuzzing $name for $seconds s"
+  local name=$1 limit=$2 output=$project_root/out/fuzz/$1 start=$EPOCHREALTIME
+  local kept=$output/new
+  if [ "$fixed" = yes ]; then
+    kept=$output/fixed # what earlier runs have found would change this one
+    rm -rf "$kept"
+  fi
+  mkdir -p "$kept" "$output/findings"
   (
     cd "$output/findings"
     ASAN_OPTIONS=detect_stack_use_after_return=1 UBSAN_OPTIONS=print_stacktrace=1 \
-      nice "$project_root/build/fuzz/fuzz/fuzz_$name" -max_total_time="$seconds" -max_len="$longest_input" \
+      nice "$project_root/build/fuzz/fuzz/fuzz_$name" "$limit" -seed=1 -max_len="$longest_input" \
       -rss_limit_mb=1024 -timeout=10 -verbosity=0 -print_final_stats=1 \
-      -artifact_prefix="$output/findings/" "$output/new" "$project_root/fuzz/corpus/$name"
+      -artifact_prefix="$output/findings/" "$kept" "$project_root/fuzz/corpus/$name"
   ) 2>"$output/log" || {
     tail -n 60 "$output/log" >&2
     fail "$name found something: see $output/findings"
   }
-  awk -v name="$name" '/number_of_executed_units/ { runs = $2 } /peak_rss/ { memory = $2 }
-    END { printf "%s: %s executions, no findings, at most %s MB\n", name, runs, memory }' "$output/log"
+  awk -v name="$name" -v start="$start" -v end="$EPOCHREALTIME" \
+    '/number_of_executed_units/ { runs = $2 } /peak_rss/ { memory = $2 }
+    END { printf "%s %d %.0f %d\n", name, runs, end - start, memory }' "$output/log"
+}
+
+# write_page ROW...: rows as run_fuzzer prints them.
+write_page() {
+  local page=$project_root/docs/fuzzing.md row name runs seconds memory
+  {
+    cat <<'TEXT'
+# Fuzzing
+
+Every decoder has a libFuzzer program with the address and undefined-behaviour sanitizers on; [fuzz](../fuzz/README.md)
+describes their inputs. A finding ends the script and is mended before this page is written again:
+
+    scripts/fuzz.sh --page 60      # a minute each; writes this page
+    scripts/fuzz.sh 3600 json      # an hour of one
+    scripts/fuzz.sh --fixed        # the same runs every time, for a change to pass
+
+TEXT
+    printf 'Seen on %s, %s processors, the load average %s at the end:\n\n' "$(date +%F)" "$(nproc)" \
+      "$(cut -d ' ' -f 1 /proc/loadavg)"
+    printf '| Fuzzer | Feeds | Executions | Time, s | Most memory, MB | Findings |\n|---|---|---:|---:|---:|---:|\n'
+    for row in "$@"; do
+      read -r name runs seconds memory <<<"$row"
+      # A finding has ended the script before.
+      printf '| `%s` | %s | %s | %s | %s | 0 |\n' "$name" "${subjects[$name]}" "$runs" "$seconds" "$memory"
+    done
+  } >"$page"
+  say "written: $page"
 }
 
 main() {
-  local seconds=${1:-20}
-  shift || true
+  local fixed=no page=no
+  case ${1:-} in
+    --fixed) fixed=yes ;;
+    --page) page=yes ;;
+  esac
+  [ "$fixed$page" = nono ] || shift
+  local seconds=20
+  if [[ ${1:-} =~ ^[0-9]+$ ]]; then
+    seconds=$1
+    shift
+  fi
   local fuzzers=("$@")
   if [ ${#fuzzers[@]} -eq 0 ]; then
     fuzzers=("${all_fuzzers[@]}")
   fi
   ensure_packages "${build_packages[@]}" clang
   build_fuzzers
-  local name
+  local name limit rows=()
   for name in "${fuzzers[@]}"; do
-    run_fuzzer "$name" "$seconds"
+    limit=-max_total_time=$seconds
+    if [ "$fixed" = yes ]; then
+      limit=-runs=${fixed_runs[$name]:?}
+    fi
+    rows+=("$(run_fuzzer "$name" "$limit")")
+    read -r name runs took memory <<<"${rows[-1]}"
+    say "$name: $runs executions in $took s, no findings, at most $memory MB"
   done
+  if [ "$page" = yes ]; then
+    write_page "${rows[@]}"
+  fi
 }
 
 main "$@"

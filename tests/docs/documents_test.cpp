@@ -122,10 +122,12 @@ TEST(Documents, AreAllListedInTheReadme) {
 
 TEST(Documents, ShowEveryPictureThatIsKept) {
     const std::set<fs::path> linked = linkedFiles();
-    const std::vector<fs::path> pictures = filesIn("docs/images", ".png");
-    EXPECT_FALSE(pictures.empty());
-    for (const fs::path& picture : pictures)
-        EXPECT_EQ(linked.count(picture.lexically_normal()), 1U) << picture;
+    for (const char* const kind : {".png", ".svg"}) {
+        const std::vector<fs::path> pictures = filesIn("docs/images", kind);
+        EXPECT_FALSE(pictures.empty()) << kind;
+        for (const fs::path& picture : pictures)
+            EXPECT_EQ(linked.count(picture.lexically_normal()), 1U) << picture;
+    }
 }
 
 TEST(Documents, KeepThePicturesThatTheScriptMakes) {

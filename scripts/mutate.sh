@@ -1,0 +1,165 @@
+#!/usr/bin/env bash
+# Breaks the link on purpose, one line at a time, in a copy of the tree under out/mutations, and says which test
+# notices. The mutations stand in tests/mutations/mutations.txt; with all of them done it writes docs/mutations.md.
+# A mutation that does not apply any more, or does not compile, is an error, and so is one that no test notices.
+# Usage: scripts/mutate.sh [--list | NUMBER...]     all if no number is given; about 10 minutes
+. "$(dirname "$0")/lib.sh"
+
+list=$project_root/tests/mutations/mutations.txt
+copy=$project_root/out/mutations/tree
+build=$project_root/out/mutations/build
+log=$project_root/out/mutations/log
+page=$project_root/docs/mutations.md
+
+# Programs of tests, by their folder; asked in this order, the later ones only if none before noticed.
+test_programs=(link/link_tests faults/fault_tests updates/update_link_tests pictures/pictures_emulated_tests)
+
+words=() files=() expressions=()
+
+# The list's blocks: what is wrong in words, the file, the expression for sed.
+read_list() {
+  local line block=()
+  while IFS= read -r line || [ -n "$line" ]; do
+    case $line in
+      '#'*) continue ;;
+      '') [ ${#block[@]} -eq 0 ] || fail "$list: a blank line inside a mutation: ${block[0]}" ;;
+      *) block+=("$line") ;;
+    esac
+    if [ ${#block[@]} -eq 3 ]; then
+      words+=("${block[0]}")
+      files+=("${block[1]}")
+      expressions+=("${block[2]}")
+      block=()
+    fi
+  done <"$list"
+  [ ${#block[@]} -eq 0 ] || fail "$list ends inside a mutation"
+}
+
+# The copy as it is in the checkout; files that are the same keep their times, so that little is built anew.
+refresh_copy() {
+  mkdir -p "$copy"
+  local file
+  while IFS= read -r file; do
+    if ! cmp --silent "$project_root/$file" "$copy/$file"; then
+      mkdir -p "$copy/$(dirname "$file")"
+      cp "$project_root/$file" "$copy/$file"
+    fi
+  done < <(project_files '*')
+}
+
+# build_tests PROGRAM
+build_tests() {
+  nice cmake --build "$build" --target "$(basename "$1")" >"$log" 2>&1
+}
+
+prepare() {
+  if command -v ccache >/dev/null; then
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+  fi
+  refresh_copy
+  cmake -S "$copy" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-g0 --log-level=NOTICE
+  say "building and running the tests of the link as they are"
+  build_tests "${test_programs[0]}" || show_log "the tests do not build"
+  [ -z "$(noticed_by "${test_programs[0]}")" ] || show_log "the tests fail without any mutation"
+}
+
+show_log() {
+  tail -n 40 "$log" >&2
+  fail "$*"
+}
+
+# noticed_by PROGRAM: the names of its tests that fail, one a line; of the folder's other programs nothing.
+noticed_by() {
+  QT_QPA_PLATFORM=offscreen nice ctest --test-dir "$build/tests/$(dirname "$1")" --parallel "$(($(nproc) * 5))" \
+    --exclude-regex '_NOT_BUILT$' --output-on-failure --no-tests=error >"$log" 2>&1 && return
+  grep -q '^The following tests FAILED:$' "$log" || show_log "the tests did not run"
+  sed -n 's/  # GetParam().*\( (\)/\1/; s/^\t *[0-9]* - \(.*\) (Failed)$/\1/p; s/^\t *[0-9]* - \(.*\) (\(.*\))$/\1 (\2)/p' "$log"
+}
+
+# attempt NUMBER: prints what noticed mutation NUMBER; nothing if nothing did.
+attempt() {
+  local index=$(($1 - 1)) program tests
+  local target=$copy/${files[$index]} original=$project_root/out/mutations/original
+  [ -f "$target" ] || fail "mutation $1: no file ${files[$index]}"
+  cp "$target" "$original"
+  sed -i "${expressions[$index]}" "$target"
+  if cmp --silent "$original" "$target"; then
+    fail "mutation $1 (${words[$index]}) does not apply any more"
+  fi
+  for program in "${test_programs[@]}"; do
+    build_tests "$program" || show_log "mutation $1 (${words[$index]}) does not compile"
+    tests=$(noticed_by "$program")
+    [ -z "$tests" ] || break
+  done
+  cp "$original" "$target"
+  [ -z "$tests" ] || printf '%s\n' "$tests"
+}
+
+# The first tests by name, the others by number.
+in_short() {
+  awk '{ name[NR] = $0 }
+    END {
+      for (i = 1; i <= NR && i <= 2; ++i) printf "%s`%s`", (i > 1 ? ", " : ""), name[i]
+      if (NR > 2) printf " and %d more", NR - 2
+    }'
+}
+
+write_page() { # write_page ROWS
+  {
+    cat <<'TEXT'
+# Mutations of the link
+
+Each row is one deliberate mistake in `link/`, made in a copy of the tree, and the tests that failed because of it.
+`tests/link` is asked first; the tests against the virtual camera only where it noticed nothing. The mistakes stand
+in [mutations.txt](../tests/mutations/mutations.txt). This page is written by
+
+    scripts/mutate.sh          # all of them
+    scripts/mutate.sh 7        # one, without writing
+
+| # | File | Mistake | Noticed by |
+|---:|---|---|---|
+TEXT
+    cat "$1"
+  } >"$page"
+  say "written: $page"
+}
+
+main() {
+  read_list
+  local count=${#words[@]} number
+  if [ "${1:-}" = --list ]; then
+    for ((number = 1; number <= count; ++number)); do
+      printf '%3d %s: %s\n' "$number" "${files[$((number - 1))]}" "${words[$((number - 1))]}"
+    done
+    return
+  fi
+  ensure_packages "${build_packages[@]}" "${test_packages[@]}"
+  use_utf8_locale
+  local numbers=("$@")
+  if [ $# -eq 0 ]; then
+    mapfile -t numbers < <(seq "$count")
+  fi
+  mkdir -p "$project_root/out/mutations"
+  prepare
+  local rows=$project_root/out/mutations/rows survivors=0 tests
+  : >"$rows"
+  for number in "${numbers[@]}"; do
+    [ "$number" -ge 1 ] && [ "$number" -le "$count" ] || fail "there are mutations 1 to $count"
+    tests=$(attempt "$number")
+    if [ -z "$tests" ]; then
+      survivors=$((survivors + 1))
+      tests='**nothing**'
+    else
+      tests=$(in_short <<<"$tests")
+    fi
+    printf '| %d | `%s` | %s | %s |\n' "$number" "${files[$((number - 1))]#link/}" "${words[$((number - 1))]}" "$tests" |
+      tee -a "$rows"
+  done
+  if [ $# -eq 0 ]; then
+    write_page "$rows"
+  fi
+  [ "$survivors" -eq 0 ] || fail "$survivors mutations were not noticed: tests are missing"
+  say "${#numbers[@]} mutations, all noticed"
+}
+
+main "$@"
