@@ -3,6 +3,7 @@
 #include "emulator/jsonlayout.h"
 #include "link/protocol/crc16.h"
 #include "link/protocol/frame.h"
+#include "link/protocol/jsonenvelope.h"
 
 namespace emulator {
 
@@ -63,7 +64,9 @@ std::optional<FrameScanner::Item> FrameScanner::next() {
         return std::nullopt;
     if (const std::size_t garbage = garbageCount(m_buffer); garbage > 0)
         return take(Item::Kind::garbage, garbage);
-    return startsFrame(m_buffer) ? frameAtStart() : jsonAtStart();
+    if (startsFrame(m_buffer))
+        return frameAtStart();
+    return m_side == Side::tool ? jsonAtStart() : jsonAnswerAtStart();
 }
 
 std::optional<FrameScanner::Item> FrameScanner::frameAtStart() {
@@ -71,7 +74,7 @@ std::optional<FrameScanner::Item> FrameScanner::frameAtStart() {
     if (!bytes.has(protocol::frame_layout::payloadLength))
         return std::nullopt;
     const std::uint32_t payloadLength = bytes.get(protocol::frame_layout::payloadLength);
-    if (payloadLength > longestPayload)
+    if (payloadLength > (m_side == Side::tool ? longestPayload : longestAnswerPayload))
         return take(Item::Kind::badFrame, protocol::frame_layout::headerSize);
     const std::size_t size = payloadLength + protocol::frameOverhead;
     if (bytes.size() < size)
@@ -93,6 +96,19 @@ std::optional<FrameScanner::Item> FrameScanner::jsonAtStart() {
     if (bytes.size() < size)
         return std::nullopt;
     const bool right = jsonEnvelopeRight(bytes.range(0, size), textLength);
+    return take(right ? Item::Kind::json : Item::Kind::badJson, size);
+}
+
+std::optional<FrameScanner::Item> FrameScanner::jsonAnswerAtStart() {
+    const ByteView bytes(m_buffer);
+    if (!bytes.has(json_layout::answerCount))
+        return std::nullopt;
+    const auto size = static_cast<std::size_t>(protocol::jsonForm.statedSize(bytes));
+    if (bytes.size() < size)
+        return std::nullopt;
+    const std::size_t covered = size - protocol::frame_layout::checkCodeSize;
+    const bool right =
+        bytes.get(Field<std::uint16_t>{covered}) == protocol::crc16Modbus(bytes.range(0, covered));
     return take(right ? Item::Kind::json : Item::Kind::badJson, size);
 }
 

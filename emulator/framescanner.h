@@ -18,21 +18,31 @@ public:
         Bytes bytes;
     };
 
-    /// Longest payload that is waited for; a longer stated length is a bad frame.
+    /// Whose bytes these are: the envelopes of requests and answers differ, and answers carry pictures.
+    enum class Side { tool, camera };
+
+    /// Longest payloads that are waited for; a longer stated length is a bad frame.
     static constexpr std::uint32_t longestPayload = 65536;
+    static constexpr std::uint32_t longestAnswerPayload = 64 << 20;
+
+    explicit FrameScanner(Side side = Side::tool) : m_side(side) {}
 
     void add(ByteView bytes) { protocol::append(m_buffer, bytes); }
     /// The next thing found, or nothing while more bytes are needed.
     [[nodiscard]] std::optional<Item> next();
     /// Bytes not yet taken; empties the scanner.
     [[nodiscard]] Bytes takeRest() { return std::exchange(m_buffer, {}); }
+    /// Bytes not yet taken, as they are.
+    [[nodiscard]] ByteView waiting() const { return m_buffer; }
     [[nodiscard]] bool empty() const { return m_buffer.empty(); }
 
 private:
     [[nodiscard]] Item take(Item::Kind kind, std::size_t count);
     std::optional<Item> frameAtStart();
     std::optional<Item> jsonAtStart();
+    std::optional<Item> jsonAnswerAtStart();
 
+    Side m_side;
     Bytes m_buffer;
 };
 

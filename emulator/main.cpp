@@ -1,41 +1,19 @@
 // virtual-camera: serves a virtual camera until it is told to end.
+#include "emulator/console.h"
 #include "emulator/devicefront.h"
-#include "emulator/options.h"
 #include "emulator/terminalcamera.h"
 
 #include <algorithm>
-#include <csignal>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iomanip>
 #include <iostream>
 #include <iterator>
-#include <sstream>
 #include <thread>
 
 namespace {
 
 using namespace emulator;
 namespace fs = std::filesystem;
-
-constexpr int badInput = 2;
-constexpr int lineLost = 1;
-
-volatile std::sig_atomic_t endAsked = 0;
-
-void askForEnd(int) {
-    endAsked = 1;
-}
-
-void printEvent(const Event& event) {
-    constexpr std::array<const char*, 3> marks = {"<- ", "-> ", "   "};
-    std::ostringstream line; // one write a line: a reader of a pipe sees whole lines
-    line << std::fixed << std::setprecision(3) << std::setw(9)
-         << std::chrono::duration<double>(event.at).count() << "  "
-         << marks[static_cast<std::size_t>(event.kind)] << event.text << "\n";
-    std::cout << line.str() << std::flush;
-}
 
 bool isJpeg(const fs::path& path) {
     std::string extension = path.extension().string();
@@ -86,17 +64,16 @@ int serveUntilEnd(CameraFront& front, const Options& options, const std::string&
     std::cout << "serving a camera of type " << static_cast<std::uint32_t>(settings.type) << ", address "
               << static_cast<unsigned>(settings.address) << ", " << settings.baudRate << " baud, on " << place
               << std::endl;
-    while (endAsked == 0 && front.lineOpen())
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    if (endAsked != 0)
-        return 0;
-    std::cerr << "virtual-camera: the line is gone" << std::endl;
+    while (!endAsked() && front.lineOpen())
+        std::this_thread::sleep_for(lookEvery);
+    if (endAsked())
+        return done;
+    printFailure("the line is gone");
     return lineLost;
 }
 
 int serve(const Options& options) {
-    std::signal(SIGINT, &askForEnd);
-    std::signal(SIGTERM, &askForEnd);
+    watchForEnd();
     if (!options.device.empty()) {
         DeviceFront front(makeCamera(options), options.device);
         return serveUntilEnd(front, options, options.device);
@@ -114,15 +91,19 @@ int main(int argc, char** argv) {
         switch (options.action) {
         case Options::Action::help:
             std::cout << helpText();
-            return 0;
+            return done;
         case Options::Action::listFaults:
             std::cout << faultListText();
-            return 0;
+            return done;
         case Options::Action::serve:
             return serve(options);
+        case Options::Action::tap:
+            return runTap(options);
+        case Options::Action::replay:
+            return runReplay(options);
         }
     } catch (const std::exception& error) {
-        std::cerr << "virtual-camera: " << error.what() << std::endl;
+        printFailure(error.what());
     }
     return badInput;
 }

@@ -29,7 +29,7 @@ CameraType typeIn(const std::string& text) {
 
 struct OptionRow {
     std::string_view name;
-    std::string_view parameter; ///< empty: none
+    std::string_view parameter; ///< empty: none; in brackets: may be left out
     std::string_view help;
     void (*apply)(Options& options, const std::string& text);
 };
@@ -58,6 +58,16 @@ const std::array optionRows = {
         [](Options& o, const std::string&) { o.settings.holdsAnnouncedImage = true; }},
     OptionRow{"--fault", "FAULT", "kind[=parameter][@request][#occurrence]; may be repeated",
         [](Options& o, const std::string& t) { o.faults.push_back(parseFault(t)); }},
+    OptionRow{"--tap", "DEV", "stand between the tool and the real camera on this device, and record",
+        [](Options& o, const std::string& t) { o.tapDevice = t; o.action = Options::Action::tap; }},
+    OptionRow{"--record", "FILE", "the recording of --tap (a new one in the working directory)",
+        [](Options& o, const std::string& t) { o.recordFile = t; }},
+    OptionRow{"--blank-serials", "", "leave serial numbers out of the recording of --tap",
+        [](Options& o, const std::string&) { o.blankSerials = true; }},
+    OptionRow{"--replay", "FILE", "answer from this recording",
+        [](Options& o, const std::string& t) { o.replayFile = t; o.action = Options::Action::replay; }},
+    OptionRow{"--at-once", "", "--replay without the recorded delays",
+        [](Options& o, const std::string&) { o.atOnce = true; }},
     OptionRow{"--list-faults", "", "print the kinds of faults and the names of the requests",
         [](Options& o, const std::string&) { o.action = Options::Action::listFaults; }},
     OptionRow{"--help", "", "print this",
@@ -70,29 +80,51 @@ struct Given {
     std::string value;
 };
 
+/// The value behind "=", or else the next argument, which `i` then passes over.
+std::string valueOf(const OptionRow& row, const std::vector<std::string>& arguments, std::size_t& i) {
+    const std::string name(row.name);
+    const std::size_t equals = arguments[i].find('=');
+    if (row.parameter.empty() && equals != std::string::npos)
+        throw OptionError(name + " takes no value");
+    if (row.parameter.empty())
+        return {};
+    if (equals != std::string::npos && equals + 1 < arguments[i].size())
+        return arguments[i].substr(equals + 1);
+    const bool mayBeLeftOut = row.parameter.front() == '[';
+    const bool another = i + 1 < arguments.size() && !(mayBeLeftOut && arguments[i + 1].starts_with("--"));
+    if (equals == std::string::npos && another && !arguments[i + 1].empty())
+        return arguments[++i];
+    if (mayBeLeftOut)
+        return {};
+    throw OptionError(name + " needs a value: " + std::string(row.parameter));
+}
+
 /// "--name value" or "--name=value".
 std::vector<Given> splitArguments(const std::vector<std::string>& arguments) {
     std::vector<Given> given;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::size_t equals = arguments[i].find('=');
-        const std::string name = arguments[i].substr(0, equals);
+        const std::string name = arguments[i].substr(0, arguments[i].find('='));
         const auto* const row = std::find_if(optionRows.begin(), optionRows.end(),
                                              [&name](const OptionRow& r) { return r.name == name; });
         if (row == optionRows.end())
             throw OptionError("unknown option \"" + arguments[i] + "\"; see --help");
-        std::string value;
-        if (row->parameter.empty() && equals != std::string::npos)
-            throw OptionError(name + " takes no value");
-        if (!row->parameter.empty()) {
-            if (equals == std::string::npos && i + 1 == arguments.size())
-                throw OptionError(name + " needs a value: " + std::string(row->parameter));
-            value = equals == std::string::npos ? arguments[++i] : arguments[i].substr(equals + 1);
-            if (value.empty())
-                throw OptionError(name + " needs a value: " + std::string(row->parameter));
-        }
-        given.push_back({row, value});
+        given.push_back({row, valueOf(*row, arguments, i)});
     }
     return given;
+}
+
+/// What makes no sense together.
+void checkTogether(const Options& options) {
+    if (!options.device.empty() && !options.link.empty())
+        throw OptionError("--link belongs to a new pseudo-terminal; leave it out with --device");
+    if (!options.tapDevice.empty() && !options.replayFile.empty())
+        throw OptionError("--tap and --replay exclude each other");
+    if (!options.tapDevice.empty() && !options.device.empty())
+        throw OptionError("--device is the line of a virtual camera; --tap names the real one's itself");
+    if (options.tapDevice.empty() && (options.blankSerials || !options.recordFile.empty()))
+        throw OptionError("--record and --blank-serials belong to --tap");
+    if (options.replayFile.empty() && options.atOnce)
+        throw OptionError("--at-once belongs to --replay");
 }
 
 std::string padded(std::string text, std::size_t width) {
@@ -113,8 +145,7 @@ Options parseOptions(const std::vector<std::string>& arguments) {
     options.settings = settingsForType(type);
     for (const Given& option : given)
         option.row->apply(options, option.value);
-    if (!options.device.empty() && !options.link.empty())
-        throw OptionError("--link belongs to a new pseudo-terminal; leave it out with --device");
+    checkTogether(options);
     return options;
 }
 

@@ -11,7 +11,7 @@
 namespace emulator {
 
 struct Options {
-    enum class Action { serve, help, listFaults };
+    enum class Action { serve, help, listFaults, tap, replay };
 
     Action action = Action::serve;
     CameraSettings settings;
@@ -20,6 +20,12 @@ struct Options {
     std::string pictureFolder;
     std::uint32_t bytesPerSecond = 0;
     std::vector<Fault> faults;
+
+    std::string tapDevice;  ///< the camera's serial device
+    std::string recordFile; ///< empty: a name that says when
+    bool blankSerials = false;
+    std::string replayFile;
+    bool atOnce = false;
 };
 
 /// What is wrong with the command line, for people.

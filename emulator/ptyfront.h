@@ -2,6 +2,7 @@
 #pragma once
 
 #include "emulator/camerafront.h"
+#include "emulator/pty.h"
 
 #include <string>
 
@@ -22,10 +23,10 @@ public:
     ~PtyFront() override;
 
     /// Path of the device; another one after comeBack. Empty while it has vanished.
-    [[nodiscard]] std::string portName() const;
+    [[nodiscard]] std::string portName() const { return m_pty.portName(); }
     /// Keeps a symbolic link to the device at the path, through vanish and comeBack, until destruction.
     /// Replaces a link that is there; throws std::runtime_error when something else is.
-    void linkAt(const std::string& path);
+    void linkAt(const std::string& path) { m_pty.linkAt(path); }
     /// The device disappears, as when the adapter is pulled. An open port fails from then on.
     /// Not from inside withCamera or an event handler; nor comeBack.
     void vanish();
@@ -39,15 +40,7 @@ protected:
     [[nodiscard]] std::optional<std::uint32_t> lineSpeed() const override;
 
 private:
-    void openPair();
-    void makeLink();
-    void removeLink() const;
-
-    mutable std::mutex m_nameMutex; // guards m_portName and m_link
-    std::string m_portName;
-    std::string m_link;
-    int m_master = -1; // these two: front's thread only once it runs
-    int m_slave = -1;  ///< kept open, so that the pair outlives the tool's closing
+    Pty m_pty; // but for its names: the front's thread only once it runs
 };
 
 } // namespace emulator

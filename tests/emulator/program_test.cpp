@@ -1,66 +1,14 @@
 // The virtual-camera program, started as a user starts it.
 #include "emulator/fault.h"
+#include "program.h"
 #include "ptyclient.h"
 
-#include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <spawn.h>
-#include <sstream>
-#include <sys/wait.h>
-
-extern char** environ;
 
 namespace emulatortest {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The program with its output in two files of the working directory.
-class Program {
-public:
-    explicit Program(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), VIRTUAL_CAMERA_PROGRAM);
-        std::vector<char*> pointers;
-        for (std::string& argument : arguments)
-            pointers.push_back(argument.data());
-        pointers.push_back(nullptr);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 1, "out", O_CREAT | O_WRONLY | O_TRUNC, 0600);
-        posix_spawn_file_actions_addopen(&actions, 2, "err", O_CREAT | O_WRONLY | O_TRUNC, 0600);
-        const int failed =
-            posix_spawn(&m_process, VIRTUAL_CAMERA_PROGRAM, &actions, nullptr, pointers.data(), environ);
-        posix_spawn_file_actions_destroy(&actions);
-        if (failed != 0)
-            m_process = -1;
-    }
-    ~Program() {
-        if (m_process > 0) {
-            ::kill(m_process, SIGKILL);
-            ::waitpid(m_process, nullptr, 0);
-        }
-    }
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
-
-    void signal(int number) const { ::kill(m_process, number); }
-    /// The exit code; -1 for an end by a signal.
-    int wait() {
-        int status = 0;
-        ::waitpid(m_process, &status, 0);
-        m_process = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    static std::string text(const char* file) {
-        std::ostringstream text;
-        text << std::ifstream(file).rdbuf();
-        return text.str();
-    }
-
-private:
-    pid_t m_process = -1;
-};
 
 TEST(Program, HelpNamesEveryOption) {
     EXPECT_EQ(Program({"--help"}).wait(), 0);

@@ -1,0 +1,62 @@
+// A camera that answers from a recording.
+#pragma once
+
+#include "emulator/answerqueue.h"
+#include "emulator/camerarecord.h"
+#include "emulator/tap/byteline.h"
+#include "emulator/tap/recording.h"
+
+namespace emulator {
+
+/// Bytes in, timed bytes out, as VirtualCamera: no clock, no line, no threads. A request is looked for in the
+/// recording from where the last one was found, then from the beginning; it gets what the camera sent between
+/// that request and the next one, with the same delays. A request that the recording does not have gets
+/// nothing, and a line says so. What the camera sent before the first request is not played.
+class ReplayCamera {
+public:
+    /// At once: every answer comes without its delay.
+    explicit ReplayCamera(const Recording& recording, bool atOnce = false);
+
+    void receive(ByteView bytes, Time now);
+    /// When takeDue is to be asked next; nothing while the camera only waits.
+    [[nodiscard]] std::optional<Time> nextDue() const { return m_queue.nextDue(); }
+    [[nodiscard]] Bytes takeDue(Time now);
+
+    [[nodiscard]] std::size_t requests() const { return m_exchanges.size(); }
+    /// Requests so far that the recording does not have.
+    [[nodiscard]] std::size_t unknownRequests() const { return m_unknown; }
+    /// Called for every line for people, in the caller's thread.
+    void onEvent(std::function<void(const Event&)> handler) { m_onEvent = std::move(handler); }
+
+private:
+    struct Piece {
+        Time delay{0}; ///< from the end of the request
+        Bytes bytes;
+    };
+    struct Exchange {
+        LineItem request;
+        Bytes compared; ///< what a request must have to be this one
+        std::vector<Piece> answer;
+    };
+
+    void learn(const std::vector<LineItem>& items);
+    [[nodiscard]] Bytes comparable(const LineItem& request) const;
+    [[nodiscard]] const Exchange* find(const LineItem& request) const;
+    void answer(const LineItem& request, Time now);
+    void note(Time at, Event::Kind kind, std::string text) const;
+
+    RecordingHead m_head;
+    bool m_atOnce;
+    std::vector<Exchange> m_exchanges;
+    std::size_t m_next = 0; ///< where the search begins
+    std::size_t m_unknown = 0;
+    LineFollower m_follower; ///< of the line that is played on
+    AnswerQueue m_queue;
+    std::function<void(const Event&)> m_onEvent;
+};
+
+/// Has the camera answer on the line until it is to end (asked several times a second), in the caller's
+/// thread. False when the line is gone.
+bool serveReplay(ReplayCamera& camera, ByteLine& line, const std::function<bool()>& endAsked);
+
+} // namespace emulator

@@ -1,0 +1,59 @@
+// The modes --tap and --replay of virtual-camera.
+#include "emulator/console.h"
+#include "emulator/tap/linetap.h"
+#include "emulator/tap/recordingfile.h"
+#include "emulator/tap/replaycamera.h"
+
+#include <iostream>
+
+namespace emulator {
+
+namespace {
+
+RecordingHead headFor(const Options& options) {
+    RecordingHead head;
+    head.start = wallClockText();
+    head.device = options.tapDevice;
+    head.baudRate = options.settings.baudRate;
+    head.pictureOffset = options.settings.pictureOffset;
+    head.serialsBlanked = options.blankSerials;
+    return head;
+}
+
+} // namespace
+
+int runTap(const Options& options) {
+    const std::string path = options.recordFile.empty() ? freshRecordingName() : options.recordFile;
+    const auto camera = openDeviceLine(options.tapDevice, options.settings.baudRate);
+    const auto tool = openToolLine(options.link);
+    const auto file = std::make_shared<RecordingFile>(path);
+    Recorder recorder(headFor(options), [file](const std::string& lines) { file->append(lines); });
+    recorder.onEvent(&printEvent);
+    watchForEnd();
+    LineTap tap(*tool, *camera, std::move(recorder));
+    std::cout << "passing " << tool->name() << " on to " << camera->name() << " at "
+              << options.settings.baudRate << " baud, recording to " << path << std::endl;
+    while (!endAsked() && tap.running())
+        std::this_thread::sleep_for(lookEvery);
+    tap.stop();
+    if (tap.failure().empty())
+        return done;
+    printFailure(tap.failure());
+    return lineLost;
+}
+
+int runReplay(const Options& options) {
+    ReplayCamera camera(loadRecording(options.replayFile), options.atOnce);
+    camera.onEvent(&printEvent);
+    const auto line = options.device.empty() ? openToolLine(options.link)
+                                             : openDeviceLine(options.device, options.settings.baudRate);
+    watchForEnd();
+    std::cout << "answering " << camera.requests() << " requests of " << options.replayFile << " on "
+              << line->name() << std::endl;
+    if (serveReplay(camera, *line, [] { return endAsked(); }))
+        return done;
+    printFailure("the line is gone: " + line->name());
+    return lineLost;
+}
+
+} // namespace emulator

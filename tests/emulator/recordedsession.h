@@ -1,0 +1,22 @@
+// A session with every kind of exchange, made once with a virtual camera and kept as a recording.
+#pragma once
+
+#include "emulator/virtualcamera.h"
+#include "link/camerasp.h"
+
+#include <string>
+#include <vector>
+
+namespace emulatortest {
+
+/// The camera of the session: nothing about it depends on chance or on the time of day.
+[[nodiscard]] emulator::CameraSettings sessionSettings(emulator::CameraType type);
+void fillSessionCamera(emulator::VirtualCamera& camera);
+
+/// Everything that the camera type knows, through the real client; a line of text for each result. Uses files
+/// of the working directory.
+[[nodiscard]] std::vector<std::string> runSession(emulator::CameraType type, CameraSp& client);
+/// What it brings with the session's camera.
+[[nodiscard]] std::vector<std::string> sessionResults(emulator::CameraType type);
+
+} // namespace emulatortest
