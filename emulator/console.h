@@ -26,5 +26,6 @@ inline constexpr std::chrono::milliseconds lookEvery{50};
 /// std::exception with a text for people when they cannot begin.
 int runTap(const Options& options);
 int runReplay(const Options& options);
+int runLesson(const Options& options);
 
 } // namespace emulator

@@ -1,6 +1,7 @@
 // virtual-camera: serves a virtual camera until it is told to end.
 #include "emulator/console.h"
 #include "emulator/devicefront.h"
+#include "emulator/lessons.h"
 #include "emulator/terminalcamera.h"
 
 #include <algorithm>
@@ -95,12 +96,17 @@ int main(int argc, char** argv) {
         case Options::Action::listFaults:
             std::cout << faultListText();
             return done;
+        case Options::Action::listLessons:
+            std::cout << lessonListText();
+            return done;
         case Options::Action::serve:
             return serve(options);
         case Options::Action::tap:
             return runTap(options);
         case Options::Action::replay:
             return runReplay(options);
+        case Options::Action::lesson:
+            return runLesson(options);
         }
     } catch (const std::exception& error) {
         printFailure(error.what());

@@ -68,6 +68,8 @@ const std::array optionRows = {
         [](Options& o, const std::string& t) { o.replayFile = t; o.action = Options::Action::replay; }},
     OptionRow{"--at-once", "", "--replay without the recorded delays",
         [](Options& o, const std::string&) { o.atOnce = true; }},
+    OptionRow{"--lesson", "[N]", "training, lesson N; without a number: print the lessons (in Chinese)",
+        [](Options& o, const std::string& t) { o.lesson = t; o.action = t.empty() ? Options::Action::listLessons : Options::Action::lesson; }},
     OptionRow{"--list-faults", "", "print the kinds of faults and the names of the requests",
         [](Options& o, const std::string&) { o.action = Options::Action::listFaults; }},
     OptionRow{"--help", "", "print this",
@@ -117,8 +119,10 @@ std::vector<Given> splitArguments(const std::vector<std::string>& arguments) {
 void checkTogether(const Options& options) {
     if (!options.device.empty() && !options.link.empty())
         throw OptionError("--link belongs to a new pseudo-terminal; leave it out with --device");
-    if (!options.tapDevice.empty() && !options.replayFile.empty())
-        throw OptionError("--tap and --replay exclude each other");
+    const int modes = (options.tapDevice.empty() ? 0 : 1) + (options.replayFile.empty() ? 0 : 1) +
+                      (options.lesson.empty() ? 0 : 1);
+    if (modes > 1)
+        throw OptionError("--tap, --replay and --lesson exclude each other");
     if (!options.tapDevice.empty() && !options.device.empty())
         throw OptionError("--device is the line of a virtual camera; --tap names the real one's itself");
     if (options.tapDevice.empty() && (options.blankSerials || !options.recordFile.empty()))

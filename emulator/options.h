@@ -11,7 +11,7 @@
 namespace emulator {
 
 struct Options {
-    enum class Action { serve, help, listFaults, tap, replay };
+    enum class Action { serve, help, listFaults, tap, replay, lesson, listLessons };
 
     Action action = Action::serve;
     CameraSettings settings;
@@ -26,6 +26,7 @@ struct Options {
     bool blankSerials = false;
     std::string replayFile;
     bool atOnce = false;
+    std::string lesson; ///< its number
 };
 
 /// What is wrong with the command line, for people.

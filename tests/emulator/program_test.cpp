@@ -13,8 +13,9 @@ namespace fs = std::filesystem;
 TEST(Program, HelpNamesEveryOption) {
     EXPECT_EQ(Program({"--help"}).wait(), 0);
     const std::string help = Program::text("out");
-    for (const char* const option : {"--type", "--address", "--device", "--link", "--pace", "--fault",
-                                     "--pictures", "--offset", "--list-faults", "--help"})
+    for (const char* const option :
+         {"--type", "--address", "--device", "--link", "--pace", "--fault", "--pictures", "--offset", "--tap",
+          "--record", "--blank-serials", "--replay", "--at-once", "--lesson", "--list-faults", "--help"})
         EXPECT_THAT(help, testing::HasSubstr(option));
 }
 
