@@ -19,22 +19,22 @@ enum class Plug { stays, comesOut, goesIn };
 
 /// Said once, when it comes true within a step.
 struct LessonHint {
-    bool (*applies)(const LessonView& view);
-    const char* text;
+    bool (*applies)(const LessonView& view) = nullptr;
+    const char* text = nullptr;
 };
 
 struct LessonStep {
-    bool (*done)(const LessonView& view);
-    const char* text; ///< said when done: praise, and what to do next
+    bool (*done)(const LessonView& view) = nullptr;
+    const char* text = nullptr; ///< said when done: praise, and what to do next
     /// Changes the camera for the next step; may be null.
-    void (*change)(VirtualCamera& camera);
+    void (*change)(VirtualCamera& camera) = nullptr;
     Plug plug = Plug::stays;
 };
 
 struct Lesson {
-    const char* title;
-    const char* introduction; ///< what the technician sees and is to do
-    void (*setUp)(VirtualCamera& camera);
+    const char* title = nullptr;
+    const char* introduction = nullptr;             ///< what the technician sees and is to do
+    void (*setUp)(VirtualCamera& camera) = nullptr; ///< may be null
     std::vector<LessonStep> steps;
     std::vector<LessonHint> hints;
 };

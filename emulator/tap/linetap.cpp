@@ -52,19 +52,21 @@ void LineTap::carry(Side from, ByteLine& source, ByteLine& target) {
     try {
         Bytes bytes;
         while (!m_ending) {
+            carryChunk(from, bytes, source, target);
             bytes.clear();
-            if (!source.read(bytes, glance)) {
-                fail("the line is gone: " + source.name());
-                return;
-            }
-            if (bytes.empty())
-                passTime(from);
-            else
-                pass(from, bytes, target);
         }
     } catch (const std::exception& error) {
         fail(error.what());
     }
+}
+
+void LineTap::carryChunk(Side from, Bytes& bytes, ByteLine& source, ByteLine& target) {
+    if (!source.read(bytes, glance))
+        fail("the line is gone: " + source.name());
+    else if (bytes.empty())
+        passTime(from);
+    else
+        pass(from, bytes, target);
 }
 
 void LineTap::passTime(Side from) {

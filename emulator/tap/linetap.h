@@ -29,6 +29,7 @@ public:
 
 private:
     void carry(Side from, ByteLine& source, ByteLine& target);
+    void carryChunk(Side from, Bytes& bytes, ByteLine& source, ByteLine& target);
     void pass(Side from, ByteView bytes, ByteLine& target);
     void passTime(Side from);
     void fail(const std::string& sentence);
