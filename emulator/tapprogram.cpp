@@ -23,13 +23,13 @@ RecordingHead headFor(const Options& options) {
 } // namespace
 
 int runTap(const Options& options) {
+    watchForEnd(); // before there is a link that only an orderly end removes
     const std::string path = options.recordFile.empty() ? freshRecordingName() : options.recordFile;
     const auto camera = openDeviceLine(options.tapDevice, options.settings.baudRate);
     const auto tool = openToolLine(options.link);
     const auto file = std::make_shared<RecordingFile>(path);
     Recorder recorder(headFor(options), [file](const std::string& lines) { file->append(lines); });
     recorder.onEvent(&printEvent);
-    watchForEnd();
     LineTap tap(*tool, *camera, std::move(recorder));
     std::cout << "passing " << tool->name() << " on to " << camera->name() << " at "
               << options.settings.baudRate << " baud, recording to " << path << std::endl;
@@ -43,11 +43,11 @@ int runTap(const Options& options) {
 }
 
 int runReplay(const Options& options) {
+    watchForEnd();
     ReplayCamera camera(loadRecording(options.replayFile), options.atOnce);
     camera.onEvent(&printEvent);
     const auto line = options.device.empty() ? openToolLine(options.link)
                                              : openDeviceLine(options.device, options.settings.baudRate);
-    watchForEnd();
     std::cout << "answering " << camera.requests() << " requests of " << options.replayFile << " on "
               << line->name() << std::endl;
     if (serveReplay(camera, *line, [] { return endAsked(); }))
