@@ -46,17 +46,17 @@ int runLesson(const Options& options) {
     VirtualCamera camera(CameraType::ostra);
     if (!options.device.empty()) {
         DeviceFront front(std::move(camera), options.device);
+        LessonRun run(*lesson, front, &say);
         say(title);
         say("摄像头在串口 " + options.device + " 的另一端。");
-        LessonRun run(*lesson, front, &say);
         return teach(run, front);
     }
     PtyFront front(std::move(camera));
+    LessonRun run(*lesson, front, &say, &movePlug); // the camera is set up before anybody can find it
     if (!options.link.empty())
         front.linkAt(options.link);
     say(title);
     say("串口：" + (options.link.empty() ? front.portName() : options.link));
-    LessonRun run(*lesson, front, &say, &movePlug);
     return teach(run, front);
 }
 
