@@ -1,5 +1,4 @@
-// A virtual camera on a serial device, for a null-modem cable or another program's pseudo-terminal:
-// devicefront_unix.cpp, devicefront_windows.cpp.
+// A virtual camera on a serial device, for a null-modem cable or another program's pseudo-terminal.
 #pragma once
 
 #include "emulator/camerafront.h"

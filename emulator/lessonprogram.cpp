@@ -2,7 +2,7 @@
 #include "emulator/console.h"
 #include "emulator/devicefront.h"
 #include "emulator/lessonrun.h"
-#include "emulator/ptyfront.h"
+#include "emulator/terminalcamera.h"
 
 #include <iostream>
 
@@ -25,14 +25,6 @@ int teach(LessonRun& run, CameraFront& front) {
     return lineLost;
 }
 
-void movePlug(CameraFront& front, Plug plug) {
-    auto& pty = static_cast<PtyFront&>(front);
-    if (plug == Plug::comesOut)
-        pty.vanish();
-    else
-        pty.comeBack();
-}
-
 } // namespace
 
 int runLesson(const Options& options) {
@@ -43,21 +35,18 @@ int runLesson(const Options& options) {
     }
     watchForEnd();
     const std::string title = "第 " + options.lesson + " 课：" + lesson->title;
-    VirtualCamera camera(CameraType::ostra);
     if (!options.device.empty()) {
-        DeviceFront front(std::move(camera), options.device);
+        DeviceFront front(lessonCamera(*lesson), options.device);
         LessonRun run(*lesson, front, &say);
         say(title);
         say("摄像头在串口 " + options.device + " 的另一端。");
         return teach(run, front);
     }
-    PtyFront front(std::move(camera));
-    LessonRun run(*lesson, front, &say, &movePlug); // the camera is set up before anybody can find it
-    if (!options.link.empty())
-        front.linkAt(options.link);
+    const TerminalCamera terminal = serveOnNewTerminal(lessonCamera(*lesson), options.link);
+    LessonRun run(*lesson, *terminal.front, &say, terminal.plug);
     say(title);
-    say("串口：" + (options.link.empty() ? front.portName() : options.link));
-    return teach(run, front);
+    say("串口：" + (options.link.empty() ? terminal.portName : options.link));
+    return teach(run, *terminal.front);
 }
 
 } // namespace emulator

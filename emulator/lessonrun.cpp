@@ -3,8 +3,7 @@
 namespace emulator {
 
 LessonRun::LessonRun(const Lesson& lesson, CameraFront& front, Say say, MovePlug movePlug)
-    : m_front(front), m_say(std::move(say)), m_movePlug(std::move(movePlug)),
-      m_coach(front.withCamera([&lesson](VirtualCamera& camera) { return LessonCoach(lesson, camera); })) {}
+    : m_front(front), m_say(std::move(say)), m_movePlug(std::move(movePlug)), m_coach(lesson) {}
 
 void LessonRun::look() {
     const Time now = m_front.now();
@@ -19,7 +18,7 @@ void LessonRun::look() {
 void LessonRun::move(Plug plug) {
     m_unplugged = plug == Plug::comesOut;
     if (m_movePlug) {
-        m_movePlug(m_front, plug);
+        m_movePlug(plug == Plug::goesIn);
         return;
     }
     m_front.withCamera([this](VirtualCamera& camera) {

@@ -11,7 +11,7 @@ namespace emulator {
 class LessonRun {
 public:
     using Say = std::function<void(const std::string& line)>;
-    using MovePlug = std::function<void(CameraFront& front, Plug plug)>;
+    using MovePlug = std::function<void(bool in)>;
 
     /// The lesson and the front, with a camera of type ostra, outlive the run. An empty movePlug: the front
     /// has no plug.

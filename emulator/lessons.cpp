@@ -173,10 +173,11 @@ std::string lessonListText() {
     return text + "开始一课：virtual-camera --lesson 1\n";
 }
 
-LessonCoach::LessonCoach(const Lesson& lesson, VirtualCamera& camera)
-    : m_lesson(lesson), m_hinted(lesson.hints.size(), false) {
+VirtualCamera lessonCamera(const Lesson& lesson) {
+    VirtualCamera camera(CameraType::ostra);
     if (lesson.setUp != nullptr)
         lesson.setUp(camera);
+    return camera;
 }
 
 LessonCoach::Remark LessonCoach::look(VirtualCamera& camera, Time now) {

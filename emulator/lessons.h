@@ -45,12 +45,15 @@ struct Lesson {
 /// Numbers and titles.
 [[nodiscard]] std::string lessonListText();
 
-/// Goes through one lesson with one camera. No clock and no line: whoever serves the camera looks now and
+/// The camera of a lesson, as it is at the beginning.
+[[nodiscard]] VirtualCamera lessonCamera(const Lesson& lesson);
+
+/// Goes through one lesson with its camera. No clock and no line: whoever serves the camera looks now and
 /// then.
 class LessonCoach {
 public:
-    /// The lesson outlives the coach. The camera is as CameraType::ostra comes.
-    LessonCoach(const Lesson& lesson, VirtualCamera& camera);
+    /// The lesson outlives the coach.
+    explicit LessonCoach(const Lesson& lesson) : m_lesson(lesson), m_hinted(lesson.hints.size(), false) {}
 
     struct Remark {
         std::vector<std::string> lines; ///< to be said

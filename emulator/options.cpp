@@ -123,8 +123,6 @@ void checkTogether(const Options& options) {
                       (options.lesson.empty() ? 0 : 1);
     if (modes > 1)
         throw OptionError("--tap, --replay and --lesson exclude each other");
-    if (!options.tapDevice.empty() && !options.device.empty())
-        throw OptionError("--device is the line of a virtual camera; --tap names the real one's itself");
     if (options.tapDevice.empty() && (options.blankSerials || !options.recordFile.empty()))
         throw OptionError("--record and --blank-serials belong to --tap");
     if (options.replayFile.empty() && options.atOnce)

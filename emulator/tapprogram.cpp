@@ -20,13 +20,19 @@ RecordingHead headFor(const Options& options) {
     return head;
 }
 
+/// The line that leads to the tool: a new pseudo-terminal, or a device, such as one COM port of a pair.
+std::unique_ptr<ByteLine> openFarLine(const Options& options) {
+    return options.device.empty() ? openToolLine(options.link)
+                                  : openDeviceLine(options.device, options.settings.baudRate);
+}
+
 } // namespace
 
 int runTap(const Options& options) {
     watchForEnd(); // before there is a link that only an orderly end removes
     const std::string path = options.recordFile.empty() ? freshRecordingName() : options.recordFile;
     const auto camera = openDeviceLine(options.tapDevice, options.settings.baudRate);
-    const auto tool = openToolLine(options.link);
+    const auto tool = openFarLine(options);
     const auto file = std::make_shared<RecordingFile>(path);
     Recorder recorder(headFor(options), [file](const std::string& lines) { file->append(lines); });
     recorder.onEvent(&printEvent);
@@ -46,8 +52,7 @@ int runReplay(const Options& options) {
     watchForEnd();
     ReplayCamera camera(loadRecording(options.replayFile), options.atOnce);
     camera.onEvent(&printEvent);
-    const auto line = options.device.empty() ? openToolLine(options.link)
-                                             : openDeviceLine(options.device, options.settings.baudRate);
+    const auto line = openFarLine(options);
     std::cout << "answering " << camera.requests() << " requests of " << options.replayFile << " on "
               << line->name() << std::endl;
     if (serveReplay(camera, *line, [] { return endAsked(); }))

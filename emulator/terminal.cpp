@@ -2,12 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
-#include <stdexcept>
 #include <termios.h>
-#include <unistd.h>
 
 namespace emulator {
 
@@ -34,17 +29,6 @@ bool makeRaw(int descriptor, std::optional<std::uint32_t> baudRate) {
     if (rate != rates.end())
         ::cfsetspeed(&settings, rate->constant);
     return ::tcsetattr(descriptor, TCSANOW, &settings) == 0;
-}
-
-int openSerialDevice(const std::string& path, std::uint32_t baudRate) {
-    const int device = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (device < 0)
-        throw std::runtime_error(path + ": " + std::strerror(errno));
-    if (!makeRaw(device, baudRate)) {
-        ::close(device);
-        throw std::runtime_error(path + " is not a serial device");
-    }
-    return device;
 }
 
 std::optional<std::uint32_t> terminalSpeed(int descriptor) {

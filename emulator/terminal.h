@@ -3,17 +3,12 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 
 namespace emulator {
 
 /// 8 data bits, no parity, nothing interpreted; at the rate, when one is given and known.
 /// False when the descriptor is no terminal.
 bool makeRaw(int descriptor, std::optional<std::uint32_t> baudRate);
-
-/// Opens the device raw, at the rate, not blocking. Throws std::runtime_error with a text for people when it
-/// cannot be opened as a terminal. The caller closes it.
-[[nodiscard]] int openSerialDevice(const std::string& path, std::uint32_t baudRate);
 
 /// The output rate of the terminal; nothing for an unusual one.
 [[nodiscard]] std::optional<std::uint32_t> terminalSpeed(int descriptor);

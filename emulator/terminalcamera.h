@@ -4,6 +4,7 @@
 
 #include "emulator/camerafront.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -12,6 +13,8 @@ namespace emulator {
 struct TerminalCamera {
     std::unique_ptr<CameraFront> front;
     std::string portName;
+    /// Pulls the adapter (false) and plugs it in again; the front outlives the call.
+    std::function<void(bool in)> plug;
 };
 
 /// Serves the camera on a new pseudo-terminal; at a path that is not empty a symbolic link leads to it.

@@ -20,9 +20,10 @@ constexpr const char* endText = "这一课完成了。按 Ctrl+C 结束。";
 class Classroom {
 public:
     explicit Classroom(const char* lesson)
-        : m_run(
+        : m_front(lessonCamera(*findLesson(lesson))),
+          m_run(
               *findLesson(lesson), m_front, [this](const std::string& line) { m_said += line + '\n'; },
-              &movePlug) {
+              [this](bool in) { in ? m_front.comeBack() : m_front.vanish(); }) {
         m_run.look();
     }
 
@@ -43,11 +44,6 @@ public:
     }
 
 private:
-    static void movePlug(CameraFront& front, Plug plug) {
-        auto& pty = static_cast<PtyFront&>(front);
-        plug == Plug::comesOut ? pty.vanish() : pty.comeBack();
-    }
-
     PtyFront m_front;
     std::string m_said;
     LessonRun m_run;
@@ -158,7 +154,7 @@ TEST(Lesson, SixIsSilentAfterARestartThenLateThenWell) {
 }
 
 TEST(Lesson, FourOnADeviceWithoutAPlugIsSilentInstead) {
-    PtyFront front;
+    PtyFront front(lessonCamera(*findLesson("4")));
     std::string said;
     LessonRun run(*findLesson("4"), front, [&](const std::string& line) { said += line; });
     CameraSp client(front.portName(), usualRate);

@@ -133,7 +133,6 @@ TEST(ReplayProgram, RefusesWhatIsNoRecording) {
 TEST(TapProgram, RefusesOptionsThatDoNotGoTogether) {
     for (const std::vector<std::string>& arguments :
          std::vector<std::vector<std::string>>{{"--tap", "a", "--replay", "b"},
-                                               {"--tap", "a", "--device", "b"},
                                                {"--record", "a"},
                                                {"--blank-serials"},
                                                {"--at-once"},

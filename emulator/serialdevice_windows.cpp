@@ -1,4 +1,4 @@
-#include "emulator/devicefront.h"
+#include "emulator/serialdevice.h"
 
 #include <stdexcept>
 #include <system_error>
@@ -39,37 +39,28 @@ bool prepare(HANDLE port, std::uint32_t baudRate) {
 
 } // namespace
 
-DeviceFront::DeviceFront(VirtualCamera camera, const std::string& path) : CameraFront(std::move(camera)) {
-    const std::uint32_t baudRate = withCamera([](VirtualCamera& held) { return held.settings().baudRate; });
+LineIo::Line openSerialDevice(const std::string& path, std::uint32_t baudRate) {
     // Without the prefix only COM1 to COM9 are found.
     const std::wstring name = L"\\\\.\\" + std::wstring(path.begin(), path.end());
     const HANDLE port =
         ::CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     if (port == INVALID_HANDLE_VALUE)
         throw std::runtime_error(path + ": " + lastErrorText());
-    m_device = reinterpret_cast<LineIo::Line>(port);
     if (!prepare(port, baudRate)) {
-        DeviceFront::closeLine();
+        ::CloseHandle(port);
         throw std::runtime_error(path + " is not a serial device");
     }
-    start(m_device);
+    return reinterpret_cast<LineIo::Line>(port);
 }
 
-DeviceFront::~DeviceFront() {
-    stop();
-    closeLine();
+void closeSerialDevice(LineIo::Line device) {
+    ::CloseHandle(handleOf(device));
 }
 
-void DeviceFront::closeLine() {
-    if (m_device != LineIo::none)
-        ::CloseHandle(handleOf(m_device));
-    m_device = LineIo::none;
-}
-
-std::optional<std::uint32_t> DeviceFront::lineSpeed() const {
+std::optional<std::uint32_t> serialDeviceRate(LineIo::Line device) {
     DCB settings{};
     settings.DCBlength = sizeof settings;
-    if (::GetCommState(handleOf(m_device), &settings) == 0)
+    if (::GetCommState(handleOf(device), &settings) == 0)
         return std::nullopt;
     return settings.BaudRate;
 }

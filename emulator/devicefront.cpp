@@ -1,7 +1,6 @@
 #include "emulator/devicefront.h"
-#include "emulator/terminal.h"
 
-#include <unistd.h>
+#include "emulator/serialdevice.h"
 
 namespace emulator {
 
@@ -18,12 +17,12 @@ DeviceFront::~DeviceFront() {
 
 void DeviceFront::closeLine() {
     if (m_device != LineIo::none)
-        ::close(static_cast<int>(m_device));
+        closeSerialDevice(m_device);
     m_device = LineIo::none;
 }
 
 std::optional<std::uint32_t> DeviceFront::lineSpeed() const {
-    return terminalSpeed(static_cast<int>(m_device));
+    return serialDeviceRate(m_device);
 }
 
 } // namespace emulator
