@@ -5,6 +5,7 @@
 #include "dialogs/doorop.h"
 #include "dialogs/setcameraprotocol.h"
 
+#include <QComboBox>
 #include <QMessageBox>
 #include <QRadioButton>
 #include <QSpinBox>
@@ -47,6 +48,10 @@ void Tour::showStart() {
     TourGuide::expect(m_window.windowTitle() == QStringLiteral("摄像头测试-Tessaly v(0.2.2)"),
                       QStringLiteral("window title"));
     TourGuide::expectText(m_window, "btn_open", QStringLiteral("打开串口"));
+    const auto& ports = TourGuide::find<QComboBox>(m_window, "sel_ports");
+    for (int row = 0; row < ports.count(); ++row)
+        m_guide.say(QStringLiteral("port %1 %2")
+                        .arg(ports.itemText(row), ports.itemData(row, Qt::ToolTipRole).toString()));
     TourGuide::pause(200);
     m_guide.screenshot(m_window, QStringLiteral("start"));
 }

@@ -2,7 +2,7 @@
 # Builds the Windows programs and proves them under Wine, without a display: the tool itself with a virtual camera
 # behind COM5, the tour of all windows between COM12 and COM6, the virtual camera on COM6. Its log, pictures and
 # files are left in out/windows. Where Qt for Windows is missing it says so and ends well.
-# Usage: packaging/windows/test.sh [--no-build]
+# Usage: packaging/windows/test.sh [--no-build] [--pictures]      --pictures: copies what docs/windows.md shows
 . "$(dirname "$0")/../../scripts/lib.sh"
 
 here=$project_root/packaging/windows
@@ -11,6 +11,16 @@ program=$out/program
 lines=$out/lines
 wine=(env "LOCPATH=$out/locale" LC_ALL=zh_CN.UTF-8 /usr/lib/wine/wine64)
 started=()
+
+# Name in docs/images, what it is made of in out/windows, which one of those of that name.
+chosen=(
+  "windows-tool tool-versions 1"
+  "windows-port-in-use tool-port-in-use 1"
+  "windows-picture tour/*-picture 1"
+  "windows-list-v1 tour/*-list 2"
+  "windows-upload tour/*-upload-awaiting-return 1"
+  "windows-serial-number tour/*-sn-success 1"
+)
 
 # --- what is needed ------------------------------------------------------------------------------------------
 
@@ -142,19 +152,22 @@ prove_tool() {
 # The tour of all windows; the files that it uploads are in a folder with a Chinese name.
 prove_tour() {
   say "the tour, COM12 to COM6"
-  local folder=$out/巡检
-  rm -rf "$folder"
+  local folder=$WINEPREFIX/drive_c/巡检
   mkdir -p "$folder"
   in_background line.log "$here/portpair.py" "$lines/com12" "$lines/com6"
   wait_for line.log joined
-  cd "$folder"
+  cd "$folder" # the pictures go into the working directory
   timeout --kill-after=10 240 "${wine[@]}" "$program/shelf-camera-demo.exe" \
-    --tour . --camera-port COM6 --tool-port COM12 >"$out/tour.log" 2>"$out/tour-debug.log" </dev/null || {
+    --tour 'C:\巡检' --camera-port COM6 --tool-port COM12 >"$out/tour.log" 2>"$out/tour-debug.log" </dev/null || {
     grep '^tour' "$out"/tour*.log >&2
     fail "the tour ended with code $?"
   }
   cd "$out"
   grep '^tour' tour.log
+  # The adapter's name, which comes in this Windows's code page from a program without its manifest.
+  wait_for tour.log 'port COM5 USB 转串口适配器 (COM5)'
+  rm -rf "$out/tour"
+  cp -r "$folder" "$out/tour"
 }
 
 # The virtual camera's program on a port; a Linux program at the other end asks for a heartbeat.
@@ -164,6 +177,17 @@ prove_camera() {
   wait_for windows-camera.log "on COM6"
   "$here/heartbeat.py" "$lines/com12"
   wait_for windows-camera.log heartbeat
+}
+
+copy_pictures() {
+  local entry name source number files
+  for entry in "${chosen[@]}"; do
+    read -r name source number <<<"$entry"
+    mapfile -t files < <(compgen -G "$out/$source.png" | grep -v -e '-json-' | sort)
+    # The desktop around a window is of one colour.
+    convert "${files[number - 1]}" -trim +repage -strip "$project_root/docs/images/$name.png"
+  done
+  say "${#chosen[@]} pictures in docs/images"
 }
 
 prove() {
@@ -180,7 +204,7 @@ main() {
   ensure_packages "${windows_build_packages[@]}" "${build_packages[@]}" wine64 xvfb xauth xdotool imagemagick locales \
     fonts-noto-cjk python3
   use_utf8_locale
-  if [ "${1:-}" != --no-build ]; then
+  if [[ " $* " != *" --no-build "* ]]; then
     configure_and_build mingw -DCAMERA_WARNINGS_AS_ERRORS=ON
     configure_and_build release --target virtual-camera
   fi
@@ -188,6 +212,9 @@ main() {
   lay_out_programs
   xvfb-run --auto-servernum --server-args='-screen 0 1280x1024x24' "$0" --prove
   say "the Windows programs work under Wine, proven in $((SECONDS - start)) s; pictures in $out"
+  if [[ " $* " == *" --pictures "* ]]; then
+    copy_pictures
+  fi
 }
 
 if [ "${1:-}" = --prove ]; then # inside the virtual display
