@@ -10,6 +10,10 @@ else()
     $<$<BOOL:${CAMERA_WARNINGS_AS_ERRORS}>:-Werror>)
 endif()
 
+if(WIN32) # the system's headers define macros named min and max
+  target_compile_definitions(camera_options INTERFACE NOMINMAX)
+endif()
+
 if(CAMERA_SANITIZE)
   add_compile_options(-fsanitize=${CAMERA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${CAMERA_SANITIZE})

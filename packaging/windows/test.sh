@@ -118,8 +118,10 @@ press() {
   done
 }
 
+# picture NAME: of all windows; the desktop around them is of one colour.
 picture() {
   import -window root "$out/$1.png"
+  convert "$out/$1.png" -trim +repage "$out/$1.png"
 }
 
 # --- the proofs ----------------------------------------------------------------------------------------------
@@ -184,8 +186,7 @@ copy_pictures() {
   for entry in "${chosen[@]}"; do
     read -r name source number <<<"$entry"
     mapfile -t files < <(compgen -G "$out/$source.png" | grep -v -e '-json-' | sort)
-    # The desktop around a window is of one colour.
-    convert "${files[number - 1]}" -trim +repage -strip "$project_root/docs/images/$name.png"
+    cp "${files[number - 1]}" "$project_root/docs/images/$name.png"
   done
   say "${#chosen[@]} pictures in docs/images"
 }
