@@ -5,36 +5,48 @@
 #include <QByteArray>
 
 #include <cstdio>
+#include <fcntl.h>
+#include <io.h>
 #include <windows.h>
 
 namespace {
 
-bool goesSomewhere(DWORD stream) {
-    const HANDLE handle = ::GetStdHandle(stream);
+bool isOpen(HANDLE handle) {
     return handle != nullptr && handle != INVALID_HANDLE_VALUE && ::GetFileType(handle) != FILE_TYPE_UNKNOWN;
 }
 
+/// Into a file, a pipe, or nowhere.
+bool isRedirected(DWORD stream) {
+    const HANDLE handle = ::GetStdHandle(stream);
+    DWORD mode = 0;
+    return isOpen(handle) && ::GetConsoleMode(handle, &mode) == 0;
+}
+
+/// Whole lines, as they are: taken byte by byte, or through the C library's own idea of the code page, UTF-8
+/// would not arrive. Each line is flushed by whoever writes it.
 void sendToConsole(std::FILE* stream) {
     std::FILE* reopened = nullptr;
-    static_cast<void>(::freopen_s(&reopened, "CONOUT$", "w", stream));
+    if (::freopen_s(&reopened, "CONOUT$", "w", stream) != 0)
+        return;
+    ::_setmode(::_fileno(stream), _O_BINARY);
+    static_cast<void>(std::setvbuf(stream, nullptr, _IOFBF, BUFSIZ));
 }
 
 } // namespace
 
 ConsoleOutput::ConsoleOutput() {
-    const bool outputIsRedirected = goesSomewhere(STD_OUTPUT_HANDLE);
-    const bool errorIsRedirected = goesSomewhere(STD_ERROR_HANDLE);
-    if ((!outputIsRedirected || !errorIsRedirected) && ::AttachConsole(ATTACH_PARENT_PROCESS) != 0) {
-        if (!outputIsRedirected)
+    if (!isRedirected(STD_OUTPUT_HANDLE) || !isRedirected(STD_ERROR_HANDLE))
+        ::AttachConsole(ATTACH_PARENT_PROCESS); // fails where there is none, or this has it already
+    m_previousCodePage = ::GetConsoleOutputCP();
+    if (m_previousCodePage != 0) {
+        ::SetConsoleOutputCP(CP_UTF8);
+        if (!isRedirected(STD_OUTPUT_HANDLE))
             sendToConsole(stdout);
-        if (!errorIsRedirected)
+        if (!isRedirected(STD_ERROR_HANDLE))
             sendToConsole(stderr);
     }
-    m_previousCodePage = ::GetConsoleOutputCP();
-    if (m_previousCodePage != 0)
-        ::SetConsoleOutputCP(CP_UTF8);
     // Qt's own lines would otherwise go to a debugger only.
-    if (goesSomewhere(STD_ERROR_HANDLE))
+    if (m_previousCodePage != 0 || isOpen(::GetStdHandle(STD_ERROR_HANDLE)))
         qputenv("QT_FORCE_STDERR_LOGGING", "1");
 }
 

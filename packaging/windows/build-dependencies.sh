@@ -119,6 +119,7 @@ build_serial() {
   for source in serial impl/win impl/list_ports/list_ports_win; do
     objects+=("serial/$(basename "$source").o")
     x86_64-w64-mingw32-g++-posix -O2 -DUNICODE -D_UNICODE -I "$serial_source/include" \
+      "-fmacro-prefix-map=${serial_source}=" \
       -c "$serial_source/src/$source.cc" -o "${objects[-1]}"
   done
   x86_64-w64-mingw32-ar rcs "$installed/lib/libserial.a" "${objects[@]}"
