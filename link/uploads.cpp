@@ -190,8 +190,8 @@ bool CameraSp::awaitVerdict(const UploadKind& kind) {
     if (!kind.named)
         return view.get(image_answer::status) == 0;
     const std::uint8_t result = view.get(named_answer::result);
-    diagnostics::line("update end-result:", unsigned{result},
-                      "  type:", static_cast<char>(view.get(named_answer::type)));
+    const char type = static_cast<char>(view.get(named_answer::type));
+    diagnostics::line("update end-result:", unsigned{result}, "  type:", type);
     return result == 0;
 }
 

@@ -1,85 +1,32 @@
 #!/usr/bin/env bash
-# Runs all tests and reports which lines of the product they ran: pages in out/coverage, a table for each folder and
-# the lines of link/ that no test ran in docs/coverage.md.
+# Runs all tests and reports which lines of the product they ran: pages in out/coverage, and in docs/coverage.md a
+# table for each folder and what of link/ no test reached. tests/coverage/unreached.txt says why that is so; without a
+# reason it is an error.
 # Usage: scripts/coverage.sh [--no-run]     --no-run: from what the last run left
 . "$(dirname "$0")/lib.sh"
 
 pages=$project_root/out/coverage
 page=$project_root/docs/coverage.md
-# Why a line of link/ is not run: "FILE:TEXT OF THE LINE<tab>reason"; nothing else may be unrun.
-reasons=$project_root/tests/coverage/unreached.txt
-folders=(link link/protocol borrow pictures updates dialogs app emulator demo)
-
-report() {
-  gcovr --root . --object-directory build/coverage \
-    --exclude build/ --exclude tests/ --exclude bench/ --exclude fuzz/ --exclude-throw-branches \
-    --exclude-unreachable-branches "$@"
-}
-
-# folder_row FOLDER: its line of the table, from the JSON summary (files directly in the folder).
-folder_rows() {
-  python3 - "$pages/summary.json" "${folders[@]}" <<'PYTHON'
-import json, os, sys
-files = json.load(open(sys.argv[1]))["files"]
-def row(name, chosen):
-    count = lambda key: sum(each[key] for each in chosen)
-    lines, run = count("line_total"), count("line_covered")
-    branches, taken = count("branch_total"), count("branch_covered")
-    share = lambda part, whole: "%.1f %%" % (100 * part / whole) if whole else "-"
-    print(f"| {name} | {len(chosen)} | {lines} | {lines - run} | {share(run, lines)} | {share(taken, branches)} |")
-for folder in sys.argv[2:]:
-    chosen = [each for each in files if os.path.dirname(each["filename"]) == folder]
-    if chosen:
-        row(f"`{folder}/`", chosen)
-row("all", files)
-PYTHON
-}
-
-# Lines of link/ that no test runs: "FILE:NUMBER:TEXT".
-unrun_link_lines() {
-  python3 - "$pages/coverage.json" <<'PYTHON'
-import json, sys
-for file in json.load(open(sys.argv[1]))["files"]:
-    name = file["file"]
-    if not name.startswith("link/"):
-        continue
-    text = open(name).read().splitlines()
-    for line in sorted({each["line_number"] for each in file["lines"] if each["count"] == 0}):
-        if any(each["line_number"] == line and each["count"] > 0 for each in file["lines"]):
-            continue  # run as another instance of the same template
-        print(f"{name}:{line}:{text[line - 1].strip()}")
-PYTHON
-}
 
 write_page() {
-  local unexplained=0 file number text reason
+  local reached=yes
   {
     cat <<'TEXT'
 # Coverage
 
-Which lines of the product the tests run, written by
+What of the product the tests run, written by
 
     scripts/coverage.sh
 
-Every line of `link/` has to be run by a test; [mutations](mutations.md) shows that the tests would fail without it.
-Branches that only an exception of the standard library takes are not counted.
+Every line of `link/` has to be run by a test, and every decision in it taken both ways; [mutations](mutations.md)
+show that tests fail when such a line is wrong. A decision is an `if`, a loop or a case as gcovr finds them; those that
+it cannot judge are left out.
 
-| Folder | Files | Lines | Not run | Lines run | Branches taken |
-|---|---:|---:|---:|---:|---:|
 TEXT
-    folder_rows
-    printf '\n## Lines of link/ that no test runs\n\n'
-    if [ ! -s "$pages/unrun" ]; then
-      printf 'None.\n'
-    fi
-    while IFS=: read -r file number text; do
-      reason=$(awk -F '\t' -v key="$file:$text" '$1 == key { print $2 }' "$reasons" 2>/dev/null)
-      printf -- '- `%s:%s`: `%s`: %s\n' "$file" "$number" "$text" "${reason:-**a test is missing**}"
-    done <"$pages/unrun"
+    python3 scripts/coverage_report.py "$pages/coverage.json" tests/coverage/unreached.txt || reached=no
   } >"$page"
   say "written: $page"
-  unexplained=$(grep -c 'a test is missing' "$page" || true)
-  [ "$unexplained" -eq 0 ] || fail "$unexplained lines of link/ are run by no test"
+  [ "$reached" = yes ] || fail "something of link/ is reached by no test: see $page"
 }
 
 main() {
@@ -93,9 +40,9 @@ main() {
   mkdir -p "$pages"
   cd "$project_root"
   say "lines run by the tests (pages: $pages/index.html)"
-  report --html-details "$pages/index.html" --json-summary "$pages/summary.json" --json "$pages/coverage.json" \
-    --txt /dev/stdout
-  unrun_link_lines >"$pages/unrun"
+  gcovr --root . --object-directory build/coverage --decisions --exclude-throw-branches \
+    --exclude build/ --exclude tests/ --exclude bench/ --exclude fuzz/ --exclude out/ \
+    --html-details "$pages/index.html" --json "$pages/coverage.json" --txt /dev/stdout
   write_page
 }
 

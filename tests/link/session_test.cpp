@@ -252,6 +252,17 @@ TEST_F(Session, WaitingForLeasesEndsWithTheLast) {
     job.join();
 }
 
+TEST_F(Session, ALeaseMovedOntoItselfIsStillHeld) {
+    CameraSp camera("COM9", 460800);
+    CameraSp::Lease lease(camera);
+    CameraSp::Lease& same = lease;
+    lease = std::move(same);
+    auto waiting = std::async(std::launch::async, [&] { camera.waitUntilUnused(); });
+    EXPECT_EQ(waiting.wait_for(50ms), std::future_status::timeout);
+    lease = CameraSp::Lease();
+    EXPECT_EQ(waiting.wait_for(10s), std::future_status::ready);
+}
+
 TEST_F(Session, ClosingAndOpeningAgainIsPossibleAtOnce) {
     for (int i = 0; i < 3; ++i)
         const CameraSp camera("COM9", 9600);
