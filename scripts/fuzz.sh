@@ -42,15 +42,21 @@ build_fuzzers() {
 run_fuzzer() {
   local name=$1 limit=$2 output=$project_root/out/fuzz/$1 start=$EPOCHREALTIME
   local kept=$output/new
+  local launcher=(nice) options=()
   if [ "$fixed" = yes ]; then
-    kept=$output/fixed # what earlier runs have found would change this one
+    # What earlier runs have found, random addresses and looking for news by the clock would change this one.
+    kept=$output/fixed
     rm -rf "$kept"
+    options=(-reload=0)
+    if setarch --addr-no-randomize true 2>/dev/null; then
+      launcher+=(setarch --addr-no-randomize)
+    fi
   fi
   mkdir -p "$kept" "$output/findings"
   (
     cd "$output/findings"
     ASAN_OPTIONS=detect_stack_use_after_return=1 UBSAN_OPTIONS=print_stacktrace=1 \
-      nice "$project_root/build/fuzz/fuzz/fuzz_$name" "$limit" -seed=1 -max_len="$longest_input" \
+      "${launcher[@]}" "$project_root/build/fuzz/fuzz/fuzz_$name" "$limit" "${options[@]}" -seed=1 -max_len="$longest_input" \
       -rss_limit_mb=1024 -timeout=10 -verbosity=0 -print_final_stats=1 \
       -artifact_prefix="$output/findings/" "$kept" "$project_root/fuzz/corpus/$name"
   ) 2>"$output/log" || {
