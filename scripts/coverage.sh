@@ -20,7 +20,7 @@ What of the product the tests run, written by
 
 Every line of `link/` has to be run by a test, and every decision in it taken both ways; [mutations](mutations.md)
 show that tests fail when such a line is wrong. A decision is an `if`, a loop or a case as gcovr finds them; those that
-it cannot judge are left out.
+it cannot judge are left out. The demonstration is run by the tour, which is no part of these tests.
 
 TEXT
     python3 scripts/coverage_report.py "$pages/coverage.json" tests/coverage/unreached.txt || reached=no

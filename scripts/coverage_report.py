@@ -20,6 +20,8 @@ class Source:
         runs = {}
         self.decisions = {}  # (line, outcome): count
         for line in report["lines"]:
+            if line.get("gcovr/noncode"):
+                continue
             number = line["line_number"]
             # Templates stand in the report once for each instance.
             runs[number] = runs.get(number, 0) + line["count"]

@@ -122,12 +122,12 @@ TEST(Documents, AreAllListedInTheReadme) {
 
 TEST(Documents, ShowEveryPictureThatIsKept) {
     const std::set<fs::path> linked = linkedFiles();
-    for (const char* const kind : {".png", ".svg"}) {
-        const std::vector<fs::path> pictures = filesIn("docs/images", kind);
-        EXPECT_FALSE(pictures.empty()) << kind;
-        for (const fs::path& picture : pictures)
-            EXPECT_EQ(linked.count(picture.lexically_normal()), 1U) << picture;
-    }
+    std::vector<fs::path> pictures = filesIn("docs/images", ".png");
+    EXPECT_FALSE(pictures.empty());
+    const std::vector<fs::path> plots = filesIn("docs/images", ".svg");
+    pictures.insert(pictures.end(), plots.begin(), plots.end());
+    for (const fs::path& picture : pictures)
+        EXPECT_EQ(linked.count(picture.lexically_normal()), 1U) << picture;
 }
 
 TEST(Documents, KeepThePicturesThatTheScriptsMake) {
