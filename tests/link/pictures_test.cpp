@@ -155,6 +155,14 @@ TEST_F(Pictures, DownloadReadsOnOverSilenceUntilAllIsThere) {
     EXPECT_EQ(ScratchFolder::read("5.jpg"), upTo(0x13));
 }
 
+TEST_F(Pictures, DownloadReadsTheLastByteOfTheCheckCodeToo) {
+    answer("AA 5A 01 09 04 00 00 00 00 00 01 02 FF");
+    answer("BB");
+    camera.getOriginTargetPic(5, 3);
+    EXPECT_EQ(fake_serial::count("read"), 2);
+    EXPECT_EQ(ScratchFolder::read("5.jpg"), upTo(2));
+}
+
 TEST_F(Pictures, DownloadSizesStayDecimalInAHexadecimalLog) {
     std::cout << std::hex;
     answer(originTransfer);
