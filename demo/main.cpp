@@ -6,6 +6,10 @@
 #include <QComboBox>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFileInfo>
+#include <QPalette>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QTimer>
 
 #include <iostream>
@@ -42,6 +46,24 @@ std::unique_ptr<DemoCameras> makeCameras(const QString& cameraPort, const QStrin
     }
 }
 
+/// As a desktop in a dark style has it.
+void darken() {
+    Application::setStyle(QStringLiteral("Fusion"));
+    const QColor ground(0x2b, 0x2b, 0x2b);
+    QPalette palette(ground);
+    palette.setColor(QPalette::Base, ground.darker(130));
+    palette.setColor(QPalette::Highlight, QColor(0x2e, 0x7d, 0xd7));
+    Application::setPalette(palette);
+}
+
+/// Opens the link and saves the window once it has answered. False when it did not or cannot be saved.
+bool takePicture(MainWindow& window, const QString& file) {
+    window.findChild<QPushButton*>(QStringLiteral("btn_open"))->click();
+    window.findChild<QPushButton*>(QStringLiteral("btn_heartbeat"))->click();
+    const bool alive = window.findChild<QRadioButton*>(QStringLiteral("rb_heartbeat"))->isChecked();
+    return window.grab().save(file) && alive;
+}
+
 int takeTour(MainWindow& window, DemoCameras& cameras, const QString& folder) {
     try {
         Tour(window, cameras, folder).run();
@@ -75,8 +97,15 @@ int main(int argumentCount, char* arguments[]) {
         QStringLiteral("tool-port"),
         QStringLiteral("The port that a null-modem line joins to the cameras'; the window opens it."),
         QStringLiteral("PORT"));
-    parser.addOptions({tour, cameraPort, toolPort});
+    const QCommandLineOption picture(
+        QStringLiteral("picture"),
+        QStringLiteral("Open the link, save the window as FILE and exit; 0 if the camera answered."),
+        QStringLiteral("FILE"));
+    const QCommandLineOption dark(QStringLiteral("dark"), QStringLiteral("Show everything in a dark style."));
+    parser.addOptions({tour, picture, dark, cameraPort, toolPort});
     parser.process(application);
+    if (parser.isSet(dark))
+        darken();
 
     const std::unique_ptr<DemoCameras> cameras =
         makeCameras(parser.value(cameraPort), parser.value(toolPort));
@@ -85,6 +114,11 @@ int main(int argumentCount, char* arguments[]) {
     MainWindow window;
     addPorts(window, *cameras);
     window.show();
+    if (parser.isSet(picture)) {
+        const QString file = QFileInfo(parser.value(picture)).absoluteFilePath();
+        QTimer::singleShot(500, &window, [&, file] { Application::exit(takePicture(window, file) ? 0 : 1); });
+        return Application::exec();
+    }
     if (!parser.isSet(tour))
         return Application::exec();
 

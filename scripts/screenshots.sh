@@ -62,6 +62,23 @@ copy_chosen() {
   say "${#chosen[@]} pictures in $image_folder"
 }
 
+# Pictures of the window in other styles: name, dark or plain, scale.
+styles=(
+  "dark-style dark 1"
+  "double-size plain 2"
+)
+
+take_styles() {
+  local entry name style scale options
+  for entry in "${styles[@]}"; do
+    read -r name style scale <<<"$entry"
+    options=(--picture "$image_folder/$name.png")
+    [ "$style" = plain ] || options+=("--$style")
+    env -u QT_QPA_PLATFORM -u WAYLAND_DISPLAY QT_SCALE_FACTOR="$scale" xvfb-run --auto-servernum \
+      --server-args='-screen 0 2560x1440x24' "$1" "${options[@]}" </dev/null >/dev/null
+  done
+}
+
 main() {
   use_utf8_locale
   local demo=${1:-}
@@ -74,6 +91,7 @@ main() {
   # Those of the Windows programs are made by packaging/windows/test.sh.
   find "$image_folder" -name '*.png' ! -name 'windows-*' -delete
   copy_chosen
+  take_styles "$(realpath "$demo")"
   rm -rf "$tour_folder"
 }
 
