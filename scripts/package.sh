@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the packages into one folder, with their SHA-256 sums: the Debian package, and where Qt and the serial
 # library for Windows are at hand (packaging/windows/build-dependencies.sh), the portable ZIP and the installer.
-# The same sources and the same machine give the same packages.
+# Packing the same programs again gives the same packages.
 # Usage: scripts/package.sh [--only linux|windows] [FOLDER]     FOLDER: out/packages if not given
 . "$(dirname "$0")/lib.sh"
 
@@ -22,9 +22,10 @@ package_linux() {
   fi
   ensure_packages "${build_packages[@]}" dpkg-dev file lintian
   local build=$project_root/build/deb
-  # Hardened, and without this machine's paths, as the distribution builds its own.
+  # Hardened, and without this machine's paths, as the distribution builds its own; nobody gets what -g adds.
   (
     cd "$project_root"
+    export DEB_CXXFLAGS_MAINT_STRIP=-g CCACHE_BASEDIR=
     CXXFLAGS="$(dpkg-buildflags --get CPPFLAGS) $(dpkg-buildflags --get CXXFLAGS)"
     LDFLAGS="$(dpkg-buildflags --get LDFLAGS)"
     export CXXFLAGS LDFLAGS

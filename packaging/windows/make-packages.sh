@@ -159,7 +159,10 @@ main() {
   ensure_packages "${windows_build_packages[@]}" binutils-mingw-w64-x86-64 qt6-translations-l10n zip nsis
   : "${SOURCE_DATE_EPOCH:=$(git -C "$project_root" log -1 --format=%ct)}"
   export SOURCE_DATE_EPOCH
-  configure_and_build mingw
+  (
+    export CXXFLAGS="-ffile-prefix-map=$project_root=." CCACHE_BASEDIR=
+    configure_and_build mingw
+  )
   say "packing for Windows"
   stage "$staging/$name"
   make_zip "$name" "$target/$name.zip"
