@@ -141,6 +141,8 @@ std::vector<Costs> measure(const std::vector<Command>& commands, const StartSett
         const Started program(commands[i]);
         std::this_thread::sleep_for(settling);
         const double before = cpuMs(program);
+        if (before <= 0) // it has started: zero is no account at all
+            throw std::runtime_error("this system does not tell processor times in /proc");
         std::this_thread::sleep_for(std::chrono::seconds(settings.idleSeconds));
         const double idle = cpuMs(program) - before;
         costs.push_back({median(startMs[i]), memoryOf(program), idle});
