@@ -153,8 +153,10 @@ std::vector<Costs> measure(const std::vector<Command>& commands, const StartSett
 constexpr Goal startGoal{Goal::Kind::atMost, 1.5};
 constexpr Goal idleGoal{Goal::Kind::atMost, 10}; // ms: one tick of the system's accounting
 
-bool isKept(double ratio) {
-    return ratio <= startGoal.limit;
+std::string millisecondsText(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f ms", value);
+    return text;
 }
 
 std::string megabytesText(double value) {
@@ -205,10 +207,11 @@ void measureStarts(Results& results, const StartSettings& settings) {
     const std::string idle = "processor time in " + std::to_string(settings.idleSeconds) + " s of idleness, ";
     results.add({idle + "a bare window", bare.idleCpuMs, "ms", {}});
     results.add({idle + "the tool", tool.idleCpuMs, "ms", idleGoal});
-    if (!isKept(tool.startMs / bare.startMs) && isKept(tool.startMs / withText.startMs))
-        results.remark(
-            "The start beyond the bare window is the first line of Chinese text, whatever shows it: finding "
-            "and opening its font takes the window with nothing else as long.");
+    if (tool.startMs > bare.startMs * startGoal.limit)
+        results.remark("Of the tool's " + millisecondsText(tool.startMs - bare.startMs) +
+                       " beyond the bare window, a first line of Chinese alone takes " +
+                       millisecondsText(withText.startMs - bare.startMs) +
+                       ": its font is found and opened. The rest is the window's own widgets.");
     const char* const platform = std::getenv("QT_QPA_PLATFORM");
     results.remark(
         "The tool is its own main with a second source that reports the first painted window; the bare "
