@@ -29,6 +29,7 @@ function(camera_library name)
   add_library(${name} STATIC ${arg_SOURCES})
   target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE camera_options)
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ${CAMERA_FAST_BUILD} UNITY_BUILD_BATCH_SIZE 6)
 endfunction()
 
 # camera_program(name SOURCES... [LINK targets...])

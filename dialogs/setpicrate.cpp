@@ -7,7 +7,7 @@
 #include <QDebug>
 
 namespace {
-constexpr int storeSeconds = 2;
+constexpr int rateStoreSeconds = 2;
 }
 
 SetPicRate::SetPicRate(QWidget* parent, CameraSp* client)
@@ -20,7 +20,7 @@ SetPicRate::SetPicRate(QWidget* parent, CameraSp* client)
         new SettingWrite(this, {.hint = m_ui->label_hint,
                                 .controls = {m_ui->btn_setsn, m_ui->btn_getsn, m_ui->et_setsn},
                                 .readBack = m_ui->btn_getsn,
-                                .seconds = storeSeconds,
+                                .seconds = rateStoreSeconds,
                                 .emptyValue = tr("字符串为空,请填写后下发"),
                                 .started = tr("开始设置图片压缩率:"),
                                 .countdown = tr("设置中，倒计时:%1%2,请勿断电!"),

@@ -6,7 +6,7 @@
 #include <QDebug>
 
 namespace {
-constexpr int storeSeconds = 2;
+constexpr int heaterStoreSeconds = 2;
 }
 
 SetPwmHeat::SetPwmHeat(QWidget* parent, CameraSp* client)
@@ -21,7 +21,7 @@ SetPwmHeat::SetPwmHeat(QWidget* parent, CameraSp* client)
         this, {.hint = m_ui->label_hint,
                .controls = {m_ui->btn_setheat, m_ui->btn_getheat, m_ui->et_setheat, m_ui->cb_setheat},
                .readBack = m_ui->btn_getheat,
-               .seconds = storeSeconds,
+               .seconds = heaterStoreSeconds,
                .emptyValue = {}, // the combo box always has a text
                .started = tr("开始设置加热丝占空比:"),
                .countdown = tr("设置中，倒计时:%1%2,请勿断电!"),

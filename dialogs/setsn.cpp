@@ -14,7 +14,7 @@ namespace {
 constexpr qsizetype snFirstDigit = 8;
 constexpr qsizetype snDigits = 16;
 constexpr int randomBound = 1'000'000'000;
-constexpr int storeSeconds = 6; // the camera needs this long to store the number
+constexpr int snStoreSeconds = 6; // the camera needs this long to store the number
 
 } // namespace
 
@@ -31,7 +31,7 @@ SetSN::SetSN(QWidget* parent, CameraSp* client)
         new SettingWrite(this, {.hint = m_ui->label_hint,
                                 .controls = {m_ui->btn_setsn, m_ui->btn_getsn, m_ui->et_setsn},
                                 .readBack = m_ui->btn_getsn,
-                                .seconds = storeSeconds,
+                                .seconds = snStoreSeconds,
                                 .emptyValue = tr("字符串为空,请填写SN后下发"),
                                 .started = tr("开始设置SN:"),
                                 .countdown = tr("SN设置中，倒计时:%1%2,请勿断电!"),

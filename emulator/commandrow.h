@@ -15,6 +15,10 @@ enum class Generation : std::uint8_t {
     second,      ///< V1 pictures, second application-update protocol
 };
 
+// Result bytes of answers.
+inline constexpr std::uint8_t succeeded = 0;
+inline constexpr std::uint8_t failed = 1;
+
 /// A code that no request has.
 inline constexpr std::uint16_t unknownCode = 0x1FF;
 

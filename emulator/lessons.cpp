@@ -120,7 +120,7 @@ Lesson refusingCamera() {
             [](VirtualCamera& camera) { camera.addFault("result=1@setProperty"); },
             {{&settingHeard,
               "摄像头回答了，结果是拒绝：线路和地址都没有问题，再试也没有用。下一步：点击菜单“功能 → "
-              "重启摄像头”，确认“Yes”。",
+              "重启摄像头”，确认“是”。",
               nullptr},
              {&rebootHeard, "摄像头正在重启，约 3 秒。等心跳恢复之后，再设置一次加热丝占空比。", &noFaults},
              {&settingHeard, "做得好：重启之后摄像头接受了设置，显示“设置成功!”。", nullptr}},
@@ -130,7 +130,7 @@ Lesson refusingCamera() {
 Lesson slowBoot() {
     return {"启动很慢",
             "摄像头正常，但是启动很慢。\n"
-            "1. 打开串口，点击菜单“功能 → 重启摄像头”，确认“Yes”。\n"
+            "1. 打开串口，点击菜单“功能 → 重启摄像头”，确认“是”。\n"
             "2. 点击“心跳测试”：灯不亮。不要断电，不要拔线，过几秒再试。",
             [](VirtualCamera& camera) { camera.settings().rebootTime = slowBootTime; },
             {{&rebootHeard, "摄像头开始重启，约 12 秒没有应答。请隔几秒点击一次“心跳测试”，直到灯变绿。",

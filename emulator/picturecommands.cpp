@@ -13,8 +13,6 @@ using protocol::code;
 using protocol::Command;
 using protocol::PictureInfo;
 
-constexpr std::uint8_t succeeded = 0;
-constexpr std::uint8_t failed = 1;
 /// No fault lists more records; far beyond what the tool can read.
 constexpr std::int64_t mostRecords = 4096;
 

@@ -13,8 +13,6 @@ using protocol::code;
 using protocol::Field;
 using protocol::PropertyId;
 
-constexpr std::uint8_t succeeded = 0;
-constexpr std::uint8_t failed = 1;
 /// Reads of the orientation that are further apart begin again with pitch.
 constexpr Time orientationGap = std::chrono::seconds(2);
 

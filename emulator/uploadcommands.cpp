@@ -15,8 +15,6 @@ using protocol::Command;
 using protocol::Field;
 using std::chrono::milliseconds;
 
-constexpr std::uint8_t succeeded = 0;
-constexpr std::uint8_t failed = 1;
 constexpr std::uint8_t modelVerdictType = 2;
 /// The tool waits two seconds between the announcement answer and the first byte.
 constexpr Time leastQuietTime = milliseconds(1900);

@@ -16,6 +16,14 @@ sources_to_check() {
   project_files '*.cpp' | grep -Ev '^(tests|bench|fuzz)/' | xargs -r -d '\n' ls -t
 }
 
+# The command of each source, and the headers generated from forms; nothing is compiled.
+commands=$project_root/build/tidy
+prepare_commands() {
+  cmake --preset dev -B "$commands" --log-level=NOTICE
+  ninja -C "$commands" -t targets all | sed -n 's/: phony$//p' | grep '_autogen$' |
+    xargs ninja -C "$commands" >/dev/null
+}
+
 # check_with_tidy SECONDS SOURCE...: in batches of one file for every processor.
 check_with_tidy() {
   local seconds=$1 batch=$(nproc) done=0 bad=0 start=$SECONDS
@@ -26,7 +34,7 @@ check_with_tidy() {
     shift ${#now[@]}
     # The tool's count of warnings that it was told not to show is noise.
     printf '%s\0' "${now[@]}" |
-      xargs -0 -n 1 -P "$batch" clang-tidy -p build/dev --quiet 2> >(grep -v 'warnings generated' >&2) ||
+      xargs -0 -n 1 -P "$batch" clang-tidy -p "$commands" --quiet 2> >(grep -v 'warnings generated' >&2) ||
       bad=1
     done=$((done + ${#now[@]}))
   done
@@ -45,8 +53,7 @@ main() {
   cd "$project_root"
   local failed=0
   check_layout || failed=1
-  # The forms' and the meta-objects' generated headers must be there.
-  configure_and_build dev
+  prepare_commands
   local sources=("$@")
   if [ $# -eq 0 ]; then
     mapfile -t sources < <(sources_to_check)

@@ -81,6 +81,15 @@ TEST(Lesson, TwoIsSolvedByTheRightAddress) {
     EXPECT_THAT(room.hear(), HasSubstr(endText));
 }
 
+/// A loaded machine may answer later than the tool waits.
+bool answersSoon(CameraSp& client) {
+    for (int tries = 0; tries < 5; ++tries) {
+        if (client.testHeartBeat())
+            return true;
+    }
+    return false;
+}
+
 TEST(Lesson, ThreeIsSolvedByTheRightRate) {
     Classroom room("3");
     EXPECT_THAT(room.hear(), HasSubstr("波特率 230400"));
@@ -90,7 +99,7 @@ TEST(Lesson, ThreeIsSolvedByTheRightRate) {
     }
     EXPECT_THAT(room.hear(), HasSubstr("另一个波特率"));
     CameraSp client(room.portName(), 230400);
-    EXPECT_TRUE(client.testHeartBeat());
+    EXPECT_TRUE(answersSoon(client));
     EXPECT_THAT(room.hear(), HasSubstr(endText));
 }
 
