@@ -52,6 +52,8 @@ void darken() {
     const QColor ground(0x2b, 0x2b, 0x2b);
     QPalette palette(ground);
     palette.setColor(QPalette::Base, ground.darker(130));
+    for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x80, 0x80, 0x80));
     palette.setColor(QPalette::Highlight, QColor(0x2e, 0x7d, 0xd7));
     Application::setPalette(palette);
 }
@@ -61,6 +63,7 @@ bool takePicture(MainWindow& window, const QString& file) {
     window.findChild<QPushButton*>(QStringLiteral("btn_open"))->click();
     window.findChild<QPushButton*>(QStringLiteral("btn_heartbeat"))->click();
     const bool alive = window.findChild<QRadioButton*>(QStringLiteral("rb_heartbeat"))->isChecked();
+    QApplication::processEvents(); // texts that have grown get their place
     return window.grab().save(file) && alive;
 }
 

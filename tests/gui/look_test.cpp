@@ -20,6 +20,7 @@ namespace {
 
 constexpr QSize smallScreen(1280, 680);  // without title and task bar
 constexpr double readableContrast = 4.5; // of texts on their ground
+constexpr double visibleContrast = 3;    // of hints
 
 /// From 0 (black) to 1, as the eye weighs colours.
 double luminance(const QColor& color) {
@@ -104,6 +105,7 @@ TEST_F(Look, TextsStayReadableInALightAndInADarkStyle) {
         for (const char* const name : {"btn_open", "btn_heartbeat", "label_slaveinfo", "label_link"})
             EXPECT_GT(contrast(find<QWidget>(window, name)), readableContrast)
                 << name << " on " << ground.name().toStdString();
+        EXPECT_GT(contrast(find<QWidget>(window, "label")), visibleContrast) << ground.name().toStdString();
         const QImage image = window.grab().toImage();
         const double corner = luminance(image.pixelColor(3, image.height() - 3));
         EXPECT_EQ(corner > 0.5, ground.lightness() > 128) << "the window follows the style";
