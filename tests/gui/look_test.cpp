@@ -1,7 +1,7 @@
 // The windows on a small screen, at twice the size of texts, and in a dark style.
 #include "app/mainwindow.h"
-#include "tests/fake/fakeserial.h"
 #include "tests/gui/support/guitest.h"
+#include "tests/gui/support/oneport.h"
 
 #include <QApplication>
 #include <QImage>
@@ -46,26 +46,16 @@ double contrast(QWidget* widget) {
     return (lightest + 0.05) / (darkest + 0.05);
 }
 
-class Look : public testing::Test {
-protected:
-    void SetUp() override {
-        fake_serial::reset();
-        serial::PortInfo port;
-        port.port = "COM3";
-        fake_serial::setPorts({port});
-    }
-};
+class Look : public OnePort {};
 
 } // namespace
 
 TEST_F(Look, EveryWindowFitsASmallScreen) {
     MainWindow window;
     window.show();
-    for (const char* const entry : {"actionSnSet", "actionPwmHeatSet", "actionInstallLocation",
-                                    "actionCaptureDegree", "actionactionPicRateSet", "actionOpenCloseDoor",
-                                    "actionPicInfo", "actionPicInfoV1", "actionaddress", "actionAbout"})
+    for (const char* const entry : menuWindows)
         trigger(window, entry);
-    int looked = 0;
+    std::size_t looked = 0;
     for (const QWidget* const top : QApplication::topLevelWidgets()) {
         if (!top->isVisible())
             continue;
@@ -74,7 +64,7 @@ TEST_F(Look, EveryWindowFitsASmallScreen) {
         EXPECT_LE(top->minimumSizeHint().height(), smallScreen.height()) << top->metaObject()->className();
         ++looked;
     }
-    EXPECT_EQ(looked, 11);
+    EXPECT_EQ(looked, 1 + menuWindows.size());
 }
 
 TEST_F(Look, ThePictureAreaGetsTheSpaceThatIsLeftAndKeepsItsPlaceWhenEmpty) {

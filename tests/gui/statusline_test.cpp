@@ -2,8 +2,8 @@
 #include "app/mainwindow.h"
 #include "app/statusline.h"
 #include "link/camerasp.h"
-#include "tests/fake/fakeserial.h"
 #include "tests/gui/support/guitest.h"
+#include "tests/gui/support/oneport.h"
 #include "tests/gui/support/printing.h"
 
 #include <QLabel>
@@ -22,22 +22,11 @@ namespace {
 constexpr const char* heartbeatAnswer = "AA 5A EE 01 01 00 00 00 01 75 78";
 constexpr const char* goneText = "串口转接器已断开，请插好后关闭并重新打开串口";
 
-class StatusBar : public testing::Test {
+class StatusBar : public OnePort {
 protected:
-    void SetUp() override {
-        fake_serial::reset();
-        serial::PortInfo port;
-        port.port = "COM3";
-        fake_serial::setPorts({port});
-        window = std::make_unique<MainWindow>();
-        window->show();
-    }
-    void TearDown() override {
-        window.reset();
-        fake_serial::reset();
-    }
+    StatusBar() { window->show(); }
 
-    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
 };
 
 /// A line of its own, without a window.

@@ -3,8 +3,8 @@
 #include "dialogs/doorop.h"
 #include "dialogs/setsn.h"
 #include "pictures/piclist.h"
-#include "tests/fake/fakeserial.h"
 #include "tests/gui/support/guitest.h"
+#include "tests/gui/support/oneport.h"
 
 #include <QPushButton>
 
@@ -14,14 +14,9 @@ using namespace guitest;
 
 namespace {
 
-class Keys : public testing::Test {
+class Keys : public OnePort {
 protected:
-    void SetUp() override {
-        fake_serial::reset();
-        serial::PortInfo port;
-        port.port = "COM3";
-        fake_serial::setPorts({port});
-        window = std::make_unique<MainWindow>();
+    Keys() {
         window->show();
         window->activateWindow();
     }
@@ -35,15 +30,13 @@ protected:
         return opened;
     }
 
-    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
 };
 
 } // namespace
 
 TEST_F(Keys, EscapeClosesEveryWindowOfTheMenuAndNotTheMainWindow) {
-    for (const char* const entry : {"actionSnSet", "actionPwmHeatSet", "actionInstallLocation",
-                                    "actionCaptureDegree", "actionactionPicRateSet", "actionOpenCloseDoor",
-                                    "actionPicInfo", "actionPicInfoV1", "actionaddress", "actionAbout"}) {
+    for (const char* const entry : menuWindows) {
         trigger(*window, entry);
         QWidget* opened = nullptr;
         for (QWidget* const widget : QApplication::topLevelWidgets()) {
@@ -79,9 +72,7 @@ TEST_F(Keys, EnterPressesTheButtonThatHasTheFocusAndNoOther) {
 }
 
 TEST_F(Keys, EveryControlHasANameToBeReadAloud) {
-    for (const char* const entry : {"actionSnSet", "actionPwmHeatSet", "actionInstallLocation",
-                                    "actionCaptureDegree", "actionactionPicRateSet", "actionOpenCloseDoor",
-                                    "actionPicInfo", "actionPicInfoV1", "actionaddress"})
+    for (const char* const entry : menuWindows)
         trigger(*window, entry);
     int looked = 0;
     for (const QWidget* const top : QApplication::topLevelWidgets()) {
