@@ -114,7 +114,7 @@ run_tests() {
   (
     cd "$project_root"
     export QT_QPA_PLATFORM=offscreen
-    "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 5))" "$@"
+    "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 7))" "$@"
   )
 }
 
