@@ -217,6 +217,7 @@ TEST_F(EmulatedDialogTest, TheNextLinkServesTheWindowsThatStayedOpen) {
     const QWidget* const window = open<SetCaptureDegree>();
     closeLink();
     settle();
+    QTest::qWait(200); // what the camera still answers to the old link is not to come to the new one
     openLink(m_front.portName());
     for (const char* button : {"btn_get1", "btn_get2", "btn_get3"}) {
         press(window, button);
