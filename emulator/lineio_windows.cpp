@@ -1,10 +1,9 @@
-#include "emulator/lineio.h"
+#include "emulator/handle_windows.h"
 
 #include <algorithm>
 #include <chrono>
 #include <limits>
 #include <system_error>
-#include <windows.h>
 
 namespace emulator {
 
@@ -12,10 +11,6 @@ namespace {
 
 // A port opened without overlapped operations cannot be waited for; it is looked at this often.
 constexpr int lookIntervalMs = 2;
-
-HANDLE handleOf(LineIo::Line line) {
-    return reinterpret_cast<HANDLE>(line); // NOLINT(performance-no-int-to-ptr): a handle is a number
-}
 
 /// A port that cannot tell has failed, which reading will tell.
 bool hasInput(HANDLE port) {

@@ -1,16 +1,12 @@
+#include "emulator/handle_windows.h"
 #include "emulator/serialdevice.h"
 
 #include <stdexcept>
 #include <system_error>
-#include <windows.h>
 
 namespace emulator {
 
 namespace {
-
-HANDLE handleOf(LineIo::Line line) {
-    return reinterpret_cast<HANDLE>(line); // NOLINT(performance-no-int-to-ptr): a handle is a number
-}
 
 std::string lastErrorText() {
     return std::system_category().message(static_cast<int>(::GetLastError()));
