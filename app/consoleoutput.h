@@ -7,7 +7,7 @@
 class ConsoleOutput final {
 public:
     ConsoleOutput();
-    ~ConsoleOutput();
+    ~ConsoleOutput(); // NOLINT(performance-trivially-destructible): on Windows it has something to do
     ConsoleOutput(const ConsoleOutput&) = delete;
     ConsoleOutput& operator=(const ConsoleOutput&) = delete;
 
