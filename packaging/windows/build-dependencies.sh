@@ -33,6 +33,7 @@ mkdir -p "$folder"
 folder=$(realpath "$folder")
 
 if [ -n "$archive" ]; then
+  ensure_packages xz-utils
   say "unpacking $archive into $folder"
   tar --extract --file "$archive" --directory "$folder"
   has_windows_dependencies "$folder" || fail "$archive holds no qt/ and serial/ for Windows"
