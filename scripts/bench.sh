@@ -174,6 +174,8 @@ main() {
     --benchmark_out="$csv_folder/parts.csv" --benchmark_out_format=csv 2>/dev/null | tee "$log_folder/parts.txt"
   load_after=$(load_averages)
   draw_plots
+  # Where the project lies on this machine is nobody's business.
+  sed -i "s#$project_root/##g" "$csv_folder"/*.csv "$image_folder"/benchmark-*.svg
   write_page "$page"
 }
 
