@@ -1,11 +1,11 @@
 #include "app/captureflow.h"
 
+#include "app/reportwords.h"
 #include "dialogs/cameratype.h"
 #include "pictures/localpicture.h"
 #include "pictures/picturegeneration.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QLabel>
 
 using namespace std::chrono_literals;
@@ -62,7 +62,8 @@ struct CaptureFlow::Capture {
     std::atomic<int> state{waiting};    ///< set last
     // User-interface thread only:
     std::uint64_t run = 0;
-    bool fresh = true; ///< no old file of this name is left
+    bool taken = true; ///< false: the camera took no picture, an older one may be there
+    std::shared_ptr<const LinkUse> use;
 
     /// Runs on the pool. False when there is nothing to download.
     bool waitUntilKnown(CameraSp& camera) const;
@@ -71,9 +72,7 @@ struct CaptureFlow::Capture {
 /// How the pool job of a run ended.
 struct CaptureFlow::Download {
     bool tried = false; ///< false: there was nothing to download
-    bool written = false;
-
-    explicit operator bool() const { return written; }
+    CommandReport report;
 };
 
 bool CaptureFlow::Capture::waitUntilKnown(CameraSp& camera) const {
@@ -101,8 +100,10 @@ void CaptureFlow::attachClient(CameraSp* client) {
 
 void CaptureFlow::start(std::uint32_t cameraType) {
     m_picture->clear();
-    if (client() == nullptr)
+    if (client() == nullptr) {
+        reportMissingClient();
         return;
+    }
     if (cameraType == cameratype::quenta)
         startJson();
     else
@@ -111,30 +112,35 @@ void CaptureFlow::start(std::uint32_t cameraType) {
 
 void CaptureFlow::startFrames(const Path& path) {
     const auto capture = std::make_shared<Capture>();
+    capture->use = beginUse(tr("拍照"), true);
     capture->run = holdControls();
+    const ReportScope scope;
     if (!path.deleteBefore(*client())) {
+        tellEnd(capture,
+                {scope.report(), false, tr("旧图片没有删除（%1）").arg(reportWords(scope.report()))});
         releaseControls(capture->run);
         return;
     }
-    afterDelay(captureDelay, [this, &path, capture] { takePicture(path, capture->run); });
+    afterDelay(captureDelay, [this, &path, capture] { takePicture(path, capture); });
     afterDelay(catalogueDelay, [this, &path, capture] { findPicture(path, capture); });
     runOnPool(
-        tr("拍照"), this,
+        QString(), this,
         [&path, capture](CameraSp* camera) {
             if (!capture->waitUntilKnown(*camera))
                 return Download{};
             const std::uint8_t id = capture->id;
             const std::uint32_t size = capture->size;
             qDebug() << "pic start " << id << "  " << size;
+            const ReportScope download;
             path.download(*camera, id, size);
             qDebug() << "pic end";
-            return Download{true, QFile::exists(localPictureName(id))};
+            return Download{true, download.report()};
         },
         [this, capture](const Download& download) {
             if (!download.tried)
                 return;
             qDebug() << "in timer";
-            showPicture(capture->id, capture->fresh);
+            endDownload(capture, download.report);
             releaseControls(capture->run);
         });
 }
@@ -146,58 +152,91 @@ void CaptureFlow::afterDelay(std::chrono::milliseconds delay, std::function<void
     });
 }
 
-void CaptureFlow::takePicture(const Path& path, std::uint64_t run) {
+void CaptureFlow::takePicture(const Path& path, const SharedCapture& capture) {
+    const ReportScope scope;
     if (ask(QString(), path.generation.capture))
         return;
-    releaseControls(run); // the catalogue is read all the same: an older picture may be there
+    capture->taken = false;
+    tellEnd(capture, {scope.report()});
+    // The catalogue is read all the same: an older picture may be there.
+    capture->use = beginUse(tr("查找以前的图片"), false);
+    releaseControls(capture->run);
     qDebug() << "take failed";
 }
 
 void CaptureFlow::findPicture(const Path& path, const SharedCapture& capture) {
+    const ReportScope first;
     auto records = ask(QString(), path.generation.catalogue);
-    if (records.empty())
+    CommandReport report = first.report();
+    if (records.empty()) {
+        const ReportScope second;
         records = ask(QString(), path.generation.catalogue);
+        report = second.report();
+    }
     if (records.empty()) {
         capture->state = Capture::noPicture;
+        tellEnd(capture,
+                {report, false,
+                 report.succeeded() ? QString() : tr("没有读到图片列表（%1）").arg(reportWords(report))});
         releaseControls(capture->run);
         return;
     }
     const protocol::PictureInfo info = path.generation.parse(records.front());
     const auto id = static_cast<std::uint8_t>(info.id & 0xFFU);
-    capture->fresh = removeLocalPicture(id);
+    removeLocalPicture(id);
     capture->id = id;
     capture->size = info.fileSize;
     capture->state = Capture::known;
     qDebug() << " picture infos:" << id << "  size:" << info.fileSize;
 }
 
+/// A picture is shown only if this download has written its file.
+void CaptureFlow::endDownload(const SharedCapture& capture, const CommandReport& report) {
+    UseOutcome outcome{report};
+    if (report.end == CommandEnd::done && !showPicture(capture->id))
+        outcome.text = tr("图片已下载，但数据错误，无法显示");
+    else if (report.end == CommandEnd::done && !capture->taken)
+        outcome.text = tr("拍照没有成功，显示的是以前的图片");
+    else if (!report.succeeded())
+        outcome.text = tr("图片没有下载（%1）").arg(reportWords(report));
+    tellEnd(capture, outcome);
+}
+
+void CaptureFlow::tellEnd(const SharedCapture& capture, const UseOutcome& outcome) const {
+    if (const auto use = std::exchange(capture->use, nullptr))
+        endUse(*use, outcome);
+}
+
 void CaptureFlow::startJson() {
-    const bool fresh = removeLocalPicture(jsonPicture);
-    const std::uint64_t run = holdControls();
+    removeLocalPicture(jsonPicture);
+    const auto capture = std::make_shared<Capture>();
+    capture->id = jsonPicture;
+    capture->use = beginUse(tr("拍照"), false);
+    capture->run = holdControls();
     runOnPool(
-        tr("拍照"), this,
+        QString(), this,
         [](CameraSp* camera) {
+            const ReportScope download;
             qDebug() << "quenta pic start";
-            const bool downloaded = camera->getQuentaModbusPic(jsonPicture);
+            camera->getQuentaModbusPic(jsonPicture);
             qDebug() << "quenta pic end";
-            return downloaded;
+            return Download{true, download.report()};
         },
-        [this, run, fresh](bool downloaded) {
-            releaseControls(run);
-            if (!downloaded)
-                return;
-            qDebug() << "in quenta timer";
-            showPicture(jsonPicture, fresh);
+        [this, capture](const Download& download) {
+            releaseControls(capture->run);
+            if (download.report.end == CommandEnd::done)
+                qDebug() << "in quenta timer";
+            endDownload(capture, download.report);
         });
 }
 
-/// A file that is missing, broken or older than the download leaves the label empty.
-void CaptureFlow::showPicture(unsigned id, bool fresh) {
-    const QImage image = fresh ? QImage(localPictureName(id)) : QImage(); // never from the pixmap cache
+bool CaptureFlow::showPicture(unsigned id) {
+    const QImage image(localPictureName(id)); // never from the pixmap cache
     if (image.isNull())
-        return;
+        return false;
     const QPixmap picture = QPixmap::fromImage(image);
     m_picture->setPixmap(picture.scaledToWidth(m_picture->width()).scaledToHeight(m_picture->height()));
+    return true;
 }
 
 std::uint64_t CaptureFlow::holdControls() {

@@ -43,9 +43,13 @@ private:
     void startJson();
 
     void afterDelay(std::chrono::milliseconds delay, std::function<void()> step);
-    void takePicture(const Path& path, std::uint64_t run);
+    void takePicture(const Path& path, const SharedCapture& capture);
     void findPicture(const Path& path, const SharedCapture& capture);
-    void showPicture(unsigned id, bool fresh);
+    void endDownload(const SharedCapture& capture, const CommandReport& report);
+    /// False when the file holds no picture.
+    bool showPicture(unsigned id);
+    /// Tells the observer how the run, or the part of it under way, ended.
+    void tellEnd(const SharedCapture& capture, const UseOutcome& outcome) const;
 
     /// Takes the controls; the number returned gives them back.
     [[nodiscard]] std::uint64_t holdControls();

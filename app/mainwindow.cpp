@@ -3,9 +3,11 @@
 
 #include "app/application.h"
 #include "app/keepawake.h"
+#include "app/responsiveness.h"
 #include "app/statusline.h"
 #include "app/systemtext.h"
 #include "app/transferdisplay.h"
+#include "borrow/cameratext.h"
 #include "dialogs/aboutdialog.h"
 #include "dialogs/cameratype.h"
 #include "dialogs/doorop.h"
@@ -21,6 +23,7 @@
 
 #include <QCloseEvent>
 #include <QDebug>
+#include <QThread>
 #include <QTimer>
 
 #include <array>
@@ -31,6 +34,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto finishStartDelay = 100ms;
+// Jobs mostly wait: each open window may read while another job has the line.
+constexpr int poolThreads = 16;
 const QString toolVersion = QStringLiteral(CAMERA_TOOL_VERSION);
 
 std::vector<PortEntry> presentPorts() {
@@ -54,6 +59,8 @@ MainWindow::MainWindow(QWidget* parent)
     setWindowTitle(tr("摄像头测试-Tessaly v(%1)").arg(toolVersion));
     // A lamp, not a control; accessibility tools still read it.
     m_ui->rb_heartbeat->setAttribute(Qt::WA_TransparentForMouseEvents);
+    QThreadPool* const pool = QThreadPool::globalInstance();
+    pool->setMaxThreadCount(std::max(pool->maxThreadCount(), poolThreads));
     m_statusLine = std::make_unique<StatusLine>(m_ui->statusbar);
     setObserver(m_statusLine.get());
     fillChoices();
@@ -238,6 +245,12 @@ void MainWindow::openLink() {
     // An exception from opening leaves the handler here, before anything has changed.
     auto camera = std::make_unique<CameraSp>(m_portName, m_baudRate);
     camera->setSlaveAddress(static_cast<std::int32_t>(m_slaveAddress));
+    camera->setWaitCallback([this, userInterface = QThread::currentThread()] {
+        if (QThread::currentThread() != userInterface)
+            return;
+        m_statusLine->keepCounting();
+        tellSystemAlive();
+    });
     m_camera = std::move(camera);
     lendClient(m_camera.get());
     m_ui->btn_open->setText(tr("关闭串口"));
@@ -249,7 +262,7 @@ void MainWindow::openLink() {
 void MainWindow::closeLink() {
     if (m_camera == nullptr)
         return;
-    m_ui->tv_appversion->clear();
+    showCameraText(m_ui->tv_appversion, {});
     m_ui->btn_open->setText(tr("打开串口"));
     lendClient(nullptr);
     m_camera->requestStop();
@@ -292,7 +305,7 @@ void MainWindow::openAbout() {
 
 void MainWindow::lendTo(ClientBorrower& borrower) {
     borrower.setObserver(m_statusLine.get());
-    // What the window asked for while it was being made has failed already.
+    // A command that the window asked for in its constructor has failed already.
     if (m_camera == nullptr)
         m_statusLine->clientMissing();
 }

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -19,6 +20,7 @@ class AppUpdateTask;
 class AppUpdateV1Task;
 class FirewareTask;
 class KeepAwake;
+class LineWait;
 class ModelUpdateTask;
 class QPushButton;
 class StatusLine;
@@ -95,11 +97,7 @@ private:
     void lendTo(ClientBorrower& borrower);
 
     // --- the status controls (mainwindow_status.cpp) ---
-    struct Versions {
-        std::string app;
-        std::string system;
-        std::string qv;
-    };
+    struct Versions;
     /// What a question box asks, does on Yes, and says afterwards.
     struct ConfirmedCommand {
         QString name; ///< for the status bar
@@ -129,14 +127,18 @@ private:
     /// Starts the task with the exchange controls disabled and shows its result, if the link is still the
     /// same.
     template <typename Task>
-    void runTask(Task* task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool));
+    void runTask(Task*& task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool));
+    /// Keeps everybody else from the line until the result is shown.
+    void beginUpload();
     void disablePressed(QPushButton* button, bool started);
     void appupdateEnd(bool result);
     void appupdateV1End(bool result);
     void firewareEnd(bool result);
     void modelUpdateEnd(bool result);
     void awaitReturn(const ReturnWait& wait);
-    void showUploadResult(QPushButton* button, bool success, const QString& text);
+    /// The outcome is for the status bar, the text for the box.
+    void showUploadResult(QPushButton* button, const QString& outcome, const QString& text);
+    [[nodiscard]] QString uploadOutcome(bool success) const;
     void endInterruptible();
     /// Blocks until no upload thread runs any more; the link has to be stopped before.
     void waitForTasks();
@@ -159,8 +161,12 @@ private:
     ModelUpdateTask* m_modelUpdateTask = nullptr;
     std::unique_ptr<StatusLine> m_statusLine;
     TransferDisplay* m_transferDisplay = nullptr;
+    LineWait* m_lineWait = nullptr;
+    CommandReport m_uploadReport;           ///< of the last upload
     std::unique_ptr<KeepAwake> m_keepAwake; ///< present while an upload or a return wait runs
     bool m_interruptible = false;           ///< the same: closing asks first
+    /// The same: a change of address takes effect afterwards.
+    std::optional<CameraSp::AddressHold> m_addressHold;
 
     std::unique_ptr<CaptureFlow> m_captureFlow;
     OpenWindows m_windows;

@@ -1,5 +1,8 @@
 // The status controls: heartbeat, versions, model information, gyro, reboot, factory reset, picture offset.
 #include "app/mainwindow.h"
+#include "app/reportwords.h"
+#include "app/statusline.h"
+#include "borrow/cameratext.h"
 #include "dialogs/cameratype.h"
 #include "link/protocol/commands.h"
 #include "ui_mainwindow.h"
@@ -16,6 +19,8 @@ constexpr std::uint8_t gyroProperty = 0x03;
 constexpr std::uint8_t gyroCommand = 0x0F;
 constexpr std::uint32_t gyroTimeoutMs = 50;
 constexpr std::uint32_t gyroReadSize = 100; // bytes
+constexpr qsizetype longestBoxText = 200;   // characters
+constexpr QByteArrayView gyroPassed = "3success";
 constexpr int highestPictureOffset = 250;
 
 /// The version stands at the top, or inside "result".
@@ -29,6 +34,26 @@ QString versionOf(const QJsonObject& answer) {
 }
 
 } // namespace
+
+struct MainWindow::Versions {
+    std::string app;
+    std::string system;
+    std::string qv;
+
+    [[nodiscard]] QString outcomeText(const CommandReport& report) const {
+        QStringList missing;
+        if (app.empty())
+            missing.append(tr("SDK版本"));
+        if (system.empty())
+            missing.append(tr("系统版本"));
+        if (qv.empty())
+            missing.append(tr("QV-APP版本"));
+        if (missing.empty() || missing.size() == 3)
+            return {};
+        const CommandReport reason = report.succeeded() ? CommandReport{CommandEnd::empty} : report;
+        return tr("缺少 %1（%2）").arg(missing.join(tr("、")), reportWords(reason));
+    }
+};
 
 void MainWindow::testHeartBeat() {
     const bool alive = ask(tr("测试心跳"), &CameraSp::testHeartBeat);
@@ -50,6 +75,7 @@ void MainWindow::queryVersionsOnPool() {
     const auto query = [](CameraSp* camera) {
         Versions versions;
         if (camera != nullptr) {
+            const LineTurn::Hold turn = camera->takeLine(LineUser::versions);
             versions.app = camera->getAppVersion();
             versions.system = camera->getSystemVersion();
             versions.qv = camera->getQvVersion();
@@ -60,10 +86,10 @@ void MainWindow::queryVersionsOnPool() {
         return versions;
     };
     runOnPool(tr("读取版本号"), this, query, [this](const Versions& versions) {
-        m_ui->tv_appversion->setText(tr("SDK版本:") + QString::fromStdString(versions.app) +
-                                     QLatin1Char('\n') + tr("系统版本:") +
-                                     QString::fromStdString(versions.system) + QLatin1Char('\n') +
-                                     tr("QV-APP版本:") + QString::fromStdString(versions.qv));
+        showCameraText(m_ui->tv_appversion, tr("SDK版本:") + cameraText(versions.app) + QLatin1Char('\n') +
+                                                tr("系统版本:") + cameraText(versions.system) +
+                                                QLatin1Char('\n') + tr("QV-APP版本:") +
+                                                cameraText(versions.qv));
         allowExchange(true);
     });
 }
@@ -74,25 +100,39 @@ void MainWindow::queryQuentaVersion() {
     qDebug() << "quenta-jintai-version:" << QString::fromStdString(answer);
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(answer), &error);
-    m_ui->tv_appversion->setText(error.error == QJsonParseError::NoError
-                                     ? tr("APP版本:") + versionOf(document.object())
-                                     : tr("解析失败:") + error.errorString());
+    if (error.error != QJsonParseError::NoError) {
+        m_ui->tv_appversion->setText(tr("解析失败:") + error.errorString());
+        if (!answer.empty())
+            m_statusLine->showOutcome(tr("读取版本号：应答不是有效的 JSON，请重试"));
+        return;
+    }
+    const QString version = versionOf(document.object());
+    showCameraText(m_ui->tv_appversion, tr("APP版本:") + version);
+    if (version.isEmpty())
+        m_statusLine->showOutcome(tr("读取版本号：应答里没有版本号"));
 }
 
 void MainWindow::queryModelInfo() {
-    m_ui->label_modelinfo->clear();
-    const QString info = QString::fromStdString(ask(tr("读取模型信息"), &CameraSp::getModelInfo));
-    qDebug() << "modelInfo:" << info;
-    m_ui->label_modelinfo->setText(tr("模型信息:") + info);
+    showCameraText(m_ui->label_modelinfo, {});
+    const std::string info = ask(tr("读取模型信息"), &CameraSp::getModelInfo);
+    qDebug() << "modelInfo:" << QString::fromStdString(info);
+    showCameraText(m_ui->label_modelinfo, tr("模型信息:") + cameraText(info));
 }
 
 void MainWindow::testGyro() {
     const std::vector<std::uint8_t> answer = ask(tr("测试陀螺仪"), &CameraSp::getCommonPropertyWithoutParse,
                                                  gyroProperty, gyroCommand, gyroTimeoutMs, gyroReadSize);
-    const QString text =
-        QString::fromUtf8(QByteArrayView(answer.data(), static_cast<qsizetype>(answer.size())));
-    const bool passed = text == QLatin1String("3success");
-    QMessageBox::information(this, QString(), passed ? tr("陀螺仪测试成功") : tr("陀螺仪测试失败:") + text);
+    const QByteArrayView bytes(answer.data(), static_cast<qsizetype>(answer.size()));
+    const bool passed = bytes == gyroPassed;
+    if (!passed && !bytes.empty())
+        m_statusLine->showOutcome(tr("测试陀螺仪：没有通过"));
+    const std::string_view text(bytes.data(), static_cast<std::size_t>(bytes.size()));
+    QMessageBox box(QMessageBox::Information, QString(),
+                    passed ? tr("陀螺仪测试成功")
+                           : tr("陀螺仪测试失败:") + shortened(cameraText(text), longestBoxText),
+                    QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
 }
 
 void MainWindow::runConfirmed(const ConfirmedCommand& action) {
@@ -118,8 +158,16 @@ void MainWindow::resetToFactory() {
 void MainWindow::enterPictureOffset() {
     const QPointer<MainWindow> self(this);
     // A cancelled input gives the initial value, which is set as well: cancelling resets the offset.
+    bool entered = false;
     const int offset = QInputDialog::getInt(this, tr("设置附加值"), tr("请输入需要附加到图片命令的值"), 0, 0,
-                                            highestPictureOffset, 1);
-    if (self != nullptr && m_camera != nullptr)
-        m_camera->setOriginPicCmdExtraAdd(static_cast<std::uint8_t>(offset));
+                                            highestPictureOffset, 1, &entered);
+    if (self == nullptr)
+        return;
+    if (m_camera == nullptr) {
+        m_statusLine->showState(tr("请先打开串口，图片命令附加值没有设置"));
+        return;
+    }
+    m_camera->setOriginPicCmdExtraAdd(static_cast<std::uint8_t>(offset));
+    m_statusLine->showOutcome(entered ? tr("图片命令附加值：%1").arg(offset)
+                                      : tr("已取消输入，图片命令附加值恢复为 0"));
 }

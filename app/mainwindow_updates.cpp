@@ -1,6 +1,8 @@
 // Uploads: choosing the files, starting the tasks, their results, and the wait for the camera's return.
 #include "app/keepawake.h"
+#include "app/linewait.h"
 #include "app/mainwindow.h"
+#include "app/reportwords.h"
 #include "app/statusline.h"
 #include "app/transferdisplay.h"
 #include "dialogs/cameratype.h"
@@ -44,6 +46,7 @@ struct MainWindow::ReturnWait {
 void MainWindow::connectUpdates() {
     m_transferDisplay = new TransferDisplay(this);
     m_ui->statusbar->insertPermanentWidget(0, m_transferDisplay); // the link keeps its place
+    m_lineWait = new LineWait(this);
     connect(m_ui->btn_apppath, &QPushButton::clicked, this,
             [this] { chooseFile(m_appPath, tr("打开app固件"), tr("所有文件 (*.*)"), "filepath:"); });
     connect(m_ui->btn_firewarepath, &QPushButton::clicked, this,
@@ -106,22 +109,35 @@ void MainWindow::startModelUpdate() {
 }
 
 template <typename Task>
-void MainWindow::runTask(Task* task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool)) {
+void MainWindow::runTask(Task*& task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool)) {
     // A result that comes after the link was closed or opened anew is not shown.
-    connect(task, ended, this, [this, showResult, generation = linkGeneration()](bool result) {
-        if (generation == linkGeneration())
-            (this->*showResult)(result);
+    connect(task, ended, this, [this, task = task, showResult, generation = linkGeneration()](bool result) {
+        if (generation != linkGeneration())
+            return;
+        m_uploadReport = task->report();
+        (this->*showResult)(result);
     });
-    if (m_camera != nullptr) {
-        m_statusLine->showState(tr("正在升级，请勿断电、勿拔线"));
-        m_interruptible = true;
-        m_keepAwake = std::make_unique<KeepAwake>();
-        m_transferDisplay->followTransfer(m_camera->progress());
-    } else {
+    if (m_camera != nullptr)
+        beginUpload();
+    else
         m_statusLine->showState(tr("请先打开串口"));
-    }
     allowExchange(false);
     task->start();
+    if (task->isRunning() || task->isFinished())
+        return;
+    delete std::exchange(task, nullptr);
+    endInterruptible();
+    allowExchange(true);
+    m_statusLine->showOutcome(tr("升级没有开始：系统资源不足，请关闭其他程序后重试"));
+}
+
+void MainWindow::beginUpload() {
+    m_statusLine->showState(tr("正在升级，请勿断电、勿拔线"));
+    m_interruptible = true;
+    m_addressHold.emplace(*m_camera);
+    m_keepAwake = std::make_unique<KeepAwake>();
+    m_transferDisplay->followUpload(*m_camera);
+    m_lineWait->follow(*m_camera);
 }
 
 /// The pressed button stays disabled even when nothing was started; it comes back with all the others.
@@ -138,7 +154,7 @@ void MainWindow::appupdateEnd(bool result) {
     if (result)
         awaitReturn({8, 2000ms, "app-update heartbeatResult:", m_ui->btn_appupdate});
     else
-        showUploadResult(m_ui->btn_appupdate, false, tr("升级已完成，结果:失败！"));
+        showUploadResult(m_ui->btn_appupdate, uploadOutcome(false), tr("升级已完成，结果:失败！"));
 }
 
 void MainWindow::firewareEnd(bool result) {
@@ -146,17 +162,19 @@ void MainWindow::firewareEnd(bool result) {
     if (result)
         awaitReturn({40, 3000ms, "system-ota-update heartbeatResult:", m_ui->btn_firewareupdate});
     else
-        showUploadResult(m_ui->btn_firewareupdate, false, tr("升级已完成，结果:失败！") + boolText(false));
+        showUploadResult(m_ui->btn_firewareupdate, uploadOutcome(false),
+                         tr("升级已完成，结果:失败！") + boolText(false));
 }
 
 void MainWindow::modelUpdateEnd(bool result) {
     qDebug() << "model main-ui result:" << result;
-    showUploadResult(m_ui->btn_modelupdate, result, tr("升级已完成，结果:") + boolText(result));
+    showUploadResult(m_ui->btn_modelupdate, uploadOutcome(result),
+                     tr("升级已完成，结果:") + boolText(result));
 }
 
 void MainWindow::appupdateV1End(bool result) {
     qDebug() << "appv1 update main-ui result:" << result;
-    showUploadResult(m_ui->btn_appupdate, result, tr("升级已完成，结果:") + boolText(result));
+    showUploadResult(m_ui->btn_appupdate, uploadOutcome(result), tr("升级已完成，结果:") + boolText(result));
 }
 
 void MainWindow::awaitReturn(const ReturnWait& wait) {
@@ -175,15 +193,24 @@ void MainWindow::awaitReturn(const ReturnWait& wait) {
         return alive;
     };
     runOnPool(QString(), this, probe, [this, button = wait.button](bool alive) {
-        showUploadResult(button, alive, tr("升级已完成，结果:") + boolText(alive));
+        const QString outcome =
+            alive ? uploadOutcome(true) : tr("文件已发送，但摄像头没有恢复应答，请检查供电后测试心跳");
+        showUploadResult(button, outcome, tr("升级已完成，结果:") + boolText(alive));
     });
 }
 
-void MainWindow::showUploadResult(QPushButton* button, bool success, const QString& text) {
+/// An image that the camera wanted to go on behind its end counts as a success, although nothing was sent.
+QString MainWindow::uploadOutcome(bool success) const {
+    if (success && m_uploadReport.succeeded())
+        return tr("升级完成");
+    return (success ? tr("没有发送数据：%1") : tr("升级没有成功：%1")).arg(reportWords(m_uploadReport));
+}
+
+void MainWindow::showUploadResult(QPushButton* button, const QString& outcome, const QString& text) {
     endInterruptible();
     button->setEnabled(true);
     allowExchange(true);
-    m_statusLine->showOutcome(success ? tr("升级完成") : tr("升级没有成功，请检查连接后重新升级"));
+    m_statusLine->showOutcome(outcome);
     QMessageBox::information(nullptr, QString(), text, QMessageBox::Ok);
 }
 
@@ -201,7 +228,9 @@ bool MainWindow::confirmInterruption() {
 
 void MainWindow::endInterruptible() {
     m_interruptible = false;
+    m_addressHold.reset();
     m_keepAwake.reset();
+    m_lineWait->finish();
     m_transferDisplay->finish();
 }
 

@@ -1,5 +1,6 @@
 #include "app/statusline.h"
 
+#include "app/reportwords.h"
 #include "link/camerasp.h"
 
 #include <QLabel>
@@ -13,6 +14,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto worthTelling = 500ms; // shorter actions are over before anybody wonders
+constexpr auto worthCounting = 1s;   // of a command that blocks; it was announced when it began
 constexpr auto tickInterval = 250ms;
 
 std::chrono::milliseconds ageOf(const LinkUse& use) {
@@ -27,7 +29,7 @@ StatusLine::StatusLine(QStatusBar* bar) : m_bar(bar), m_link(new QLabel(bar)) {
     m_link->setAccessibleName(tr("连接"));
     m_bar->addPermanentWidget(m_link);
     m_tick.setInterval(tickInterval);
-    connect(&m_tick, &QTimer::timeout, this, &StatusLine::showRunning);
+    connect(&m_tick, &QTimer::timeout, this, &StatusLine::tick);
 }
 
 void StatusLine::setClient(const CameraSp* client) {
@@ -61,25 +63,24 @@ void StatusLine::clientMissing() {
 void StatusLine::useBegan(const std::shared_ptr<const LinkUse>& use) {
     if (use->name.isEmpty())
         return;
-    if (use->blocking) {
-        // Nothing can be painted before it ends, however long it takes.
-        showState(tr("正在%1…").arg(use->name));
-        m_bar->repaint();
-        return;
-    }
     m_uses.push_back(use);
+    if (use->blocking) {
+        m_runningText = tr("正在%1…").arg(use->name);
+        showState(m_runningText);
+        m_bar->repaint(); // no events are processed before it ends
+    }
     m_tick.start();
 }
 
-void StatusLine::useEnded(const LinkUse& use, bool succeeded) {
+void StatusLine::useEnded(const LinkUse& use, const UseOutcome& outcome) {
     std::erase_if(m_uses, [&use](const auto& other) {
         const auto running = other.lock();
         return running == nullptr || running.get() == &use;
     });
     if (use.name.isEmpty())
         return;
-    QString text = succeeded ? tr("%1：完成").arg(use.name)
-                             : tr("%1：没有得到结果，请检查接线、从机地址和波特率").arg(use.name);
+    const QString words = outcome.text.isEmpty() ? reportWords(outcome.report) : outcome.text;
+    QString text = (outcome.partly ? tr("%1：部分没有读到（%2）") : tr("%1：%2")).arg(use.name, words);
     if (const auto age = ageOf(use); age >= worthTelling)
         text += tr("（用时 %1 秒）").arg(std::chrono::duration<double>(age).count(), 0, 'f', 1);
     showOutcome(text);
@@ -90,15 +91,30 @@ std::shared_ptr<const LinkUse> StatusLine::latestUse() {
     return m_uses.empty() ? nullptr : m_uses.back().lock();
 }
 
-void StatusLine::showRunning() {
+bool StatusLine::showRunning(std::chrono::milliseconds from) {
     const auto use = latestUse();
-    if (use == nullptr) {
-        m_tick.stop();
-        if (m_bar->currentMessage() == m_runningText) // its window was closed before the end
-            m_bar->clearMessage();
-    } else if (ageOf(*use) >= worthTelling) {
-        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(ageOf(*use)).count();
-        m_runningText = tr("正在%1…（%2 秒）").arg(use->name).arg(seconds);
-        showState(m_runningText);
+    if (use == nullptr || ageOf(*use) < from)
+        return false;
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(ageOf(*use)).count();
+    const QString text = tr("正在%1…（%2 秒）").arg(use->name).arg(seconds);
+    if (text == m_bar->currentMessage())
+        return false;
+    m_runningText = text;
+    showState(text);
+    return true;
+}
+
+void StatusLine::tick() {
+    if (latestUse() != nullptr) {
+        showRunning(worthTelling);
+        return;
     }
+    m_tick.stop();
+    if (m_bar->currentMessage() == m_runningText) // its window was closed before the end
+        m_bar->clearMessage();
+}
+
+void StatusLine::keepCounting() {
+    if (showRunning(worthCounting))
+        m_bar->repaint();
 }

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -27,26 +28,32 @@ public:
     /// What the right side says of the link.
     void setLinkText(const QString& text);
 
-    /// What is so until something else is said.
+    /// Shows a message until the next one.
     void showState(const QString& text);
-    /// How an action ended. When the adapter is gone, that is said instead.
+    /// Shows how an action ended, with the time of day; when the adapter is gone, that instead.
     void showOutcome(const QString& text);
     /// Whether anything has been said yet.
     [[nodiscard]] bool isSilent() const;
 
     void clientMissing() override;
     void useBegan(const std::shared_ptr<const LinkUse>& use) override;
-    void useEnded(const LinkUse& use, bool succeeded) override;
+    void useEnded(const LinkUse& use, const UseOutcome& outcome) override;
+
+    /// Paints the seconds that the action under way has taken. For a command that blocks this thread: no
+    /// event is processed. To be called often.
+    void keepCounting();
 
 private:
     /// The action that began last and is still running, if it has a name.
     [[nodiscard]] std::shared_ptr<const LinkUse> latestUse();
-    void showRunning();
+    /// True when the line has changed.
+    bool showRunning(std::chrono::milliseconds from);
+    void tick();
 
     QStatusBar* m_bar;
     QLabel* m_link;
     const CameraSp* m_client = nullptr;
     std::vector<std::weak_ptr<const LinkUse>> m_uses;
-    QString m_runningText; ///< what showRunning said last
+    QString m_runningText; ///< the last one of showRunning
     QTimer m_tick;
 };

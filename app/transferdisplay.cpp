@@ -1,5 +1,8 @@
 #include "app/transferdisplay.h"
 
+#include "app/reportwords.h"
+#include "link/camerasp.h"
+
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -57,6 +60,8 @@ int transferPercent(const TransferSnapshot& snapshot) {
 
 QString transferText(const TransferSnapshot& snapshot) {
     switch (snapshot.phase) {
+    case Phase::reading:
+        return translated("正在读取文件…（%1%）").arg(transferPercent(snapshot));
     case Phase::announcing:
         return translated("正在通知摄像头准备升级…");
     case Phase::sending:
@@ -88,13 +93,16 @@ TransferDisplay::TransferDisplay(QWidget* parent)
     hide();
 }
 
-void TransferDisplay::followTransfer(const TransferProgress& progress) {
-    follow(&progress, false);
+void TransferDisplay::followUpload(const CameraSp& client) {
+    finish();
+    m_uploading = &client;
+    follow(&client.progress());
     show();
 }
 
 void TransferDisplay::followDownload(const TransferProgress& progress) {
-    follow(&progress, true);
+    finish();
+    follow(&progress);
 }
 
 void TransferDisplay::followReturnWait(std::shared_ptr<const ReturnWaitProgress> progress) {
@@ -105,10 +113,8 @@ void TransferDisplay::followReturnWait(std::shared_ptr<const ReturnWaitProgress>
     show();
 }
 
-void TransferDisplay::follow(const TransferProgress* transfer, bool download) {
-    finish();
+void TransferDisplay::follow(const TransferProgress* transfer) {
     m_transfer = transfer;
-    m_download = download;
     refresh();
     m_poll.start();
 }
@@ -117,19 +123,33 @@ void TransferDisplay::finish() {
     m_poll.stop();
     m_sending.invalidate();
     m_transfer = nullptr;
+    m_uploading = nullptr;
     m_returnWait.reset();
     hide();
 }
 
 void TransferDisplay::refresh() {
-    if (m_returnWait == nullptr) {
-        refreshTransfer();
+    if (m_returnWait != nullptr) {
+        showWait(tr("等待摄像头重启…（第 %1 次，共 %2 次）")
+                     .arg(std::max(1, m_returnWait->attempt.load()))
+                     .arg(m_returnWait->attempts));
         return;
     }
-    m_bar->setRange(0, 0);
-    m_label->setText(tr("等待摄像头重启…（第 %1 次，共 %2 次）")
-                         .arg(std::max(1, m_returnWait->attempt.load()))
-                         .arg(m_returnWait->attempts));
+    if (m_uploading != nullptr) {
+        const LineTurn::State line = m_uploading->lineState();
+        if (line.waitingJob == LineUser::upload) {
+            showWait(line.holder == LineUser::none
+                         ? tr("等待线路空闲")
+                         : tr("等待线路空闲（正在%1）").arg(lineUserWords(line.holder)));
+            return;
+        }
+    }
+    refreshTransfer();
+}
+
+void TransferDisplay::showWait(const QString& text) {
+    m_bar->setRange(0, 0); // an empty range is the busy indicator
+    m_label->setText(text);
 }
 
 void TransferDisplay::refreshTransfer() {
@@ -138,14 +158,14 @@ void TransferDisplay::refreshTransfer() {
     snapshot.startOffset = m_transfer->startOffset;
     snapshot.done = m_transfer->done;
     snapshot.total = m_transfer->total;
-    if (m_download)
+    if (m_uploading == nullptr)
         setVisible(snapshot.phase == Phase::downloading);
     const bool sending = snapshot.phase == Phase::sending;
-    const bool counted = sending || snapshot.phase == Phase::downloading;
+    const bool counted = sending || snapshot.phase == Phase::reading || snapshot.phase == Phase::downloading;
     if (sending && !m_sending.isValid())
         m_sending.start();
     snapshot.seconds = m_sending.isValid() ? static_cast<double>(m_sending.elapsed()) / 1000.0 : 0.0;
-    m_bar->setRange(0, counted ? 100 : 0); // an empty range is the busy indicator
+    m_bar->setRange(0, counted ? 100 : 0);
     if (counted)
         m_bar->setValue(transferPercent(snapshot));
     m_label->setText(transferText(snapshot));

@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class CameraSp;
 class QLabel;
 class QProgressBar;
 
@@ -39,8 +40,9 @@ class TransferDisplay final : public QWidget {
 public:
     explicit TransferDisplay(QWidget* parent = nullptr);
 
-    /// Shows a transfer until finish() is called. The progress must outlive that call.
-    void followTransfer(const TransferProgress& progress);
+    /// Shows an upload, and its wait for the line, until finish() is called. The client must outlive that
+    /// call.
+    void followUpload(const CameraSp& client);
     /// Shows a picture download as soon as its bytes come; until then nothing is to be seen.
     void followDownload(const TransferProgress& progress);
     /// Shows the wait for the camera's return instead.
@@ -48,15 +50,16 @@ public:
     void finish();
 
 private:
-    void follow(const TransferProgress* transfer, bool download);
+    void follow(const TransferProgress* transfer);
     void refresh();
     void refreshTransfer();
+    void showWait(const QString& text);
 
     QLabel* m_label;
     QProgressBar* m_bar;
     QTimer m_poll;
     QElapsedTimer m_sending;
     const TransferProgress* m_transfer = nullptr;
-    bool m_download = false; ///< what is followed is a picture download
+    const CameraSp* m_uploading = nullptr; ///< the client of an upload
     std::shared_ptr<const ReturnWaitProgress> m_returnWait;
 };

@@ -4,6 +4,7 @@
 #include "bench/measure.h"
 #include "emulator/ptyfront.h"
 #include "link/camerasp.h"
+#include "link/protocol/exchangetable.h"
 
 #include <algorithm>
 #include <chrono>
@@ -45,7 +46,7 @@ struct Row {
 double mandated(const ExchangeRule& rule) {
     if (rule.reading == protocol::Reading::none)
         return 0;
-    return (rule.timeoutMs == protocol::kept ? keptMs : rule.timeoutMs) + rule.pauseAfterWriteMs;
+    return rule.timeoutMs.value_or(keptMs) + rule.pauseAfterWriteMs;
 }
 
 Row row(const ExchangeRule& rule, bool (*works)(CameraSp& client), CameraType type = CameraType::ostra) {

@@ -5,6 +5,7 @@
 #include "bench/relay.h"
 #include "emulator/ptyfront.h"
 #include "link/camerasp.h"
+#include "link/protocol/commands.h"
 #include "link/protocol/uploads.h"
 #include "link/uploadfile.h"
 
@@ -149,22 +150,23 @@ Arrivals whole(ChildProcess& farEnd, std::size_t size) {
 }
 
 /// The same announcement and pause, then the bytes: in one go, or in flushed slices as the client has to.
-Arrivals copyBare(const UploadWay& way, const UploadFile& file, std::uint32_t pace) {
+Arrivals copyBare(const UploadWay& way, const Bytes& content, std::uint32_t pace) {
     FarEnd farEnd(CameraType::ostra, pace);
     serial::Serial port(farEnd.portName(), baudRate, constantTimeouts(600000));
+    const Bytes digest = digestOf(content, [](auto, auto) { return true; })->bytes;
     port.write(protocol::buildFrame(
         protocol::code(way.command),
-        protocol::buildAnnouncement(static_cast<std::uint32_t>(file.content.size()), file.digest), 1));
+        protocol::buildAnnouncement(static_cast<std::uint32_t>(content.size()), digest), 1));
     Bytes answer;
     port.read(answer, 15);
     ::sleep(2);
-    const std::size_t step = way.flushes ? protocol::rawChunkSize : file.content.size();
-    for (std::size_t at = 0; at < file.content.size(); at += step) {
+    const std::size_t step = way.flushes ? protocol::rawChunkSize : content.size();
+    for (std::size_t at = 0; at < content.size(); at += step) {
         if (way.flushes)
             port.flush();
-        port.write(file.content.data() + at, std::min(step, file.content.size() - at));
+        port.write(content.data() + at, std::min(step, content.size() - at));
     }
-    return whole(farEnd, file.content.size());
+    return whole(farEnd, content.size());
 }
 
 struct Upload {
@@ -185,11 +187,11 @@ Upload uploadByClient(const UploadWay& way, const std::string& path, std::uint32
 }
 
 /// Returns the seconds from the first to the last byte of the client's upload.
-double measureUpload(Results& results, const UploadWay& way, const std::string& path, const UploadFile& file,
+double measureUpload(Results& results, const UploadWay& way, const std::string& path, const Bytes& content,
                      std::uint32_t pace, double goal) {
-    const auto size = static_cast<std::uint32_t>(file.content.size());
+    const auto size = static_cast<std::uint32_t>(content.size());
     const Upload client = uploadByClient(way, path, size, pace);
-    const Arrivals bare = copyBare(way, file, pace);
+    const Arrivals bare = copyBare(way, content, pace);
     const std::string words = std::string(way.name) + " at " + std::to_string(pace) + " bytes/s: ";
     results.add({words + "time, first to last byte", client.arrivals.seconds, "s", {}});
     results.add({words + "rate, of the plain copy", bare.seconds / client.arrivals.seconds, "x",
@@ -321,10 +323,10 @@ void measureUploads(Results& results, const TransferSizes& sizes) {
     results.section("Upload of " + std::to_string(sizes.file) + " bytes, the pause of 2 s not counted");
     const std::string path = std::filesystem::absolute("image.bin").string();
     writeRandomFile(path, sizes.file);
-    const UploadFile file = *readUploadFile(path).file;
-    const double slow = measureUpload(results, appWay, path, file, sizes.pace, 0.99);
-    const double fast = measureUpload(results, appWay, path, file, sizes.fastPace, 0.98);
-    measureUpload(results, systemWay, path, file, sizes.fastPace, 0.99);
+    const Bytes content = readUploadFile(path, [](auto, auto) { return true; }).content;
+    const double slow = measureUpload(results, appWay, path, content, sizes.pace, 0.99);
+    const double fast = measureUpload(results, appWay, path, content, sizes.fastPace, 0.98);
+    measureUpload(results, systemWay, path, content, sizes.fastPace, 0.99);
 
     if (!isInstalled("sz") || !isInstalled("rz")) {
         results.remark("lrzsz is not installed: no comparison with its protocols.");

@@ -11,9 +11,12 @@
 #include <QWidget>
 #include <QtConcurrentRun>
 
+#include <atomic>
 #include <memory>
 #include <tuple>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 /// A window (or the main window itself) that uses the client without owning it. The owner of the link
 /// attaches the client when a link opens and detaches it before the link ends, so that the pointer is
@@ -30,8 +33,8 @@ public:
 
     /// Null detaches. Results of jobs that were started before are dropped.
     void attachClient(CameraSp* client);
-    /// Told of every command and job from now on, and of those asked for without a client; null: nobody is.
-    void setObserver(LinkUseObserver* observer) { m_observer = observer; }
+    /// Told of every command and job that runs or is asked for from now on; null: nobody is.
+    void setObserver(LinkUseObserver* observer);
     /// Called before (false) and after (true) somebody else uses the client for a longer time (upload,
     /// capture, return wait): the window is disabled in between, so that it starts no exchange.
     void setExchangeAllowed(bool allowed);
@@ -51,19 +54,21 @@ protected:
             return Result();
         }
         const auto use = beginUse(name, true);
+        const ReportScope scope;
         if constexpr (std::is_void_v<Result>) {
             (m_client->*command)(std::forward<Arguments>(arguments)...);
-            endUse(*use, true);
+            endUse(*use, {scope.report()});
         } else {
             Result result = (m_client->*command)(std::forward<Arguments>(arguments)...);
-            endUse(*use, saysSuccess(result));
+            endUse(*use, {scope.report()});
             return result;
         }
     }
 
     /// Runs `work(CameraSp*)` on the global thread pool with the client leased, then `apply(result)` on the
     /// user-interface thread, unless the context has died or the link has changed meanwhile. `work` must not
-    /// touch the window; its client may be null. The name is for the observer (LinkUse::name).
+    /// touch the window; its client may be null. What it throws makes its result a default one. The name is
+    /// for the observer (LinkUse::name).
     template <typename Work, typename Apply>
     void runOnPool(const QString& name, QObject* context, Work work, Apply apply) {
         struct Job {
@@ -80,32 +85,52 @@ protected:
             m_client, m_client != nullptr ? CameraSp::Lease(*m_client) : CameraSp::Lease(), std::move(work)});
         // The pointers are made here and only looked at here again: the context may die at any time.
         auto deliver = [this, context = QPointer<QObject>(context), generation = m_generation,
-                        use = std::move(use), apply = std::move(apply)](auto&& result) mutable {
+                        use = std::move(use),
+                        apply = std::move(apply)](auto&& result, const CommandReport& report) mutable {
             if (context == nullptr || generation != m_generation)
                 return;
             if (use != nullptr)
-                endUse(*use, saysSuccess(result));
+                endUse(*use, outcomeOf(result, report));
             apply(std::forward<decltype(result)>(result));
         };
         std::ignore = QtConcurrent::run(
             QThreadPool::globalInstance(), [job = std::move(job), deliver = std::move(deliver)]() mutable {
-                auto result = job->work(job->client);
-                QTimer::singleShot(0, qApp,
-                                   [deliver = std::move(deliver), result = std::move(result)]() mutable {
-                                       deliver(std::move(result));
-                                   });
+                const ReportScope scope;
+                auto result = resultOf([&job] { return job->work(job->client); });
+                QTimer::singleShot(
+                    0, qApp,
+                    [deliver = std::move(deliver), result = std::move(result),
+                     report = scope.report()]() mutable { deliver(std::move(result), report); });
                 // The client is given back last: whoever waits for that may end the application next.
                 job.reset();
             });
     }
 
-private:
+    /// Says that a use begins, of which the caller tells the end itself.
     [[nodiscard]] std::shared_ptr<const LinkUse> beginUse(const QString& name, bool blocking) const;
-    void endUse(const LinkUse& use, bool succeeded) const;
+    void endUse(const LinkUse& use, const UseOutcome& outcome) const;
     void reportMissingClient() const;
+
+    /// False as soon as this window is gone; to be looked at by its jobs, on any thread.
+    using Wanted = std::shared_ptr<const std::atomic<bool>>;
+    [[nodiscard]] Wanted wanted() const { return m_wanted; }
+
+private:
+    template <typename Work>
+    static std::invoke_result_t<Work> resultOf(Work work) {
+        try {
+            return work();
+        } catch (...) {
+            tellException();
+            return {};
+        }
+    }
+    static void tellException();
 
     QWidget* m_window;
     CameraSp* m_client;
     std::uint64_t m_generation = 0;
     LinkUseObserver* m_observer = nullptr;
+    mutable std::vector<std::weak_ptr<const LinkUse>> m_jobs; ///< asked for before there was an observer
+    std::shared_ptr<std::atomic<bool>> m_wanted = std::make_shared<std::atomic<bool>>(true);
 };

@@ -1,5 +1,6 @@
 #include "dialogs/setsn.h"
 
+#include "borrow/cameratext.h"
 #include "dialogs/settingwrite.h"
 #include "ui_setsn.h"
 
@@ -79,7 +80,7 @@ void SetSN::showCameraSn() {
     m_ui->label_setsn->clear();
     const std::string answer = ask(tr("读取序列号"), &CameraSp::getSn);
     // A camera may give back the zero byte that ends the number on the wire.
-    const QString sn = QString::fromUtf8(answer.c_str());
+    const QString sn = cameraText(answer);
     qDebug() << "sn:" << sn;
-    m_ui->label_setsn->setText(tr("当前序列号:  ") + sn);
+    showCameraText(m_ui->label_setsn, tr("当前序列号:  ") + sn);
 }

@@ -5,8 +5,6 @@
 #include <QDebug>
 #include <QLabel>
 
-#include <mutex>
-
 namespace {
 
 constexpr std::uint8_t readCommand = protocol::code(protocol::Command::getProperty);
@@ -41,17 +39,20 @@ void SettingBorrower::showByteSetting(SettingId id, QLabel* label, const QString
 
 std::vector<SettingBorrower::Value> SettingBorrower::readSettings(CameraSp* camera,
                                                                   const std::vector<SettingId>& ids,
-                                                                  std::chrono::milliseconds pauseAfterEach) {
+                                                                  std::chrono::milliseconds pauseAfterEach,
+                                                                  const std::atomic<bool>& wanted) {
     std::vector<Value> values(ids.size());
     if (camera == nullptr)
         return values;
-    // Several windows may fetch at once. Their reads must not mix: two exchanges would take each other's
-    // answers, and the orientation's quantities come in turn. A stopped link ends the reads and the pauses,
-    // so that nobody waits here for long.
-    static std::mutex oneFetchAtATime;
-    const std::lock_guard lock(oneFetchAtATime);
-    for (std::size_t i = 0; i < ids.size(); ++i) {
-        values[i] = camera->getCommonProperty(code(ids[i]), readCommand);
+    // The orientation's quantities come in turn: the reads of two windows must not mix.
+    const LineTurn::Hold order = camera->takeReadings();
+    for (std::size_t i = 0; i < ids.size() && wanted; ++i) {
+        {
+            const LineTurn::Hold turn = camera->takeLine(LineUser::reading);
+            values[i] = camera->getCommonProperty(code(ids[i]), readCommand);
+            if (!turn)
+                break;
+        }
         if (pauseAfterEach.count() > 0)
             camera->pause(pauseAfterEach);
     }

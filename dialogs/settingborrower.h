@@ -38,14 +38,16 @@ protected:
 
     /// Reads the settings on the pool, in order, with a pause after each (the last included), hands the
     /// values to `log` there and to `apply` on the user-interface thread. One value for each id, empty when
-    /// its read failed.
+    /// its read failed or was given up: for a whole job that asks for the line, or because the window is
+    /// closed.
     template <typename Log, typename Apply>
     void fetchSettings(QObject* context, std::vector<SettingId> ids, std::chrono::milliseconds pauseAfterEach,
                        Log log, Apply apply) {
         runOnPool(
             readName(), context,
-            [ids = std::move(ids), pauseAfterEach, log = std::move(log)](CameraSp* camera) {
-                auto values = readSettings(camera, ids, pauseAfterEach);
+            [ids = std::move(ids), pauseAfterEach, log = std::move(log),
+             wanted = wanted()](CameraSp* camera) {
+                auto values = readSettings(camera, ids, pauseAfterEach, *wanted);
                 log(values);
                 return values;
             },
@@ -53,8 +55,9 @@ protected:
     }
 
 private:
-    /// What the observer is told that a read is.
+    /// Status bar name of a read.
     static QString readName();
     static std::vector<Value> readSettings(CameraSp* camera, const std::vector<SettingId>& ids,
-                                           std::chrono::milliseconds pauseAfterEach);
+                                           std::chrono::milliseconds pauseAfterEach,
+                                           const std::atomic<bool>& wanted);
 };

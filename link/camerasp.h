@@ -1,20 +1,20 @@
 // The camera client: one object is one open serial link to one camera.
 #pragma once
 
-#include "link/protocol/exchangetable.h"
+#include "link/commandreport.h"
+#include "link/lineturn.h"
 #include "link/protocol/picturerecords.h"
-#include "link/serialport.h"
 #include "link/transferprogress.h"
 
-#include <atomic>
+#include <serial/serial.h>
+
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
+
+class CameraLine;
 
 /// Speaks the camera's protocol over one serial port. Construction opens the port, destruction closes it;
 /// there is no reconnect.
@@ -22,10 +22,12 @@
 /// Commands block their caller for one exchange (an upload or a download: for the whole transfer) and
 /// report failure by value: false, an empty text or an empty vector. Nothing is thrown but by the
 /// constructors and, for a file that cannot be opened, by appUpdate, firewareUpdate and modelUpdate.
+/// A ReportScope tells why a command failed.
 ///
-/// Threads: one command at a time; the user interface keeps that rule, there is no lock around an exchange.
-/// requestStop, pause, lease, setSlaveAddress, setOriginPicCmdExtraAdd and progress may be used from any
-/// thread at any time.
+/// Threads: commands may be called on any thread. One is in flight at a time: each takes its turn on the
+/// line, in the order of asking. A command waits for the exchange under way; while a download, a version
+/// query or an upload has the line it fails at once (CommandEnd::lineBusy). An upload waits for its turn.
+/// Everything but the commands may be used from any thread at any time.
 ///
 /// Ending a link: requestStop(), waitUntilUnused(), delete. At most about one library time-out long.
 class CameraSp {
@@ -113,10 +115,37 @@ public:
     bool modelUpdate();
     bool appUpdateV1(const std::string& fileName, const std::string& path);
 
+    // --- the turn on the line --------------------------------------------------------------------------
+    /// The line for several commands of the calling thread: LineUser::reading for one exchange of a sequence
+    /// of background reads, LineUser::versions for a whole version query. Refused while a whole job has the
+    /// line.
+    [[nodiscard]] LineTurn::Hold takeLine(LineUser user);
+    /// Waits until no other sequence of background reads runs; refused only when the link is stopped.
+    [[nodiscard]] LineTurn::Hold takeReadings();
+    [[nodiscard]] LineTurn::State lineState() const;
+    /// Ends the download that has the line, if one has it: it fails at its next use of the port.
+    void endDownload();
+    /// Called between two reads and while the turn is awaited, on the thread of the command. To be set before
+    /// the first command.
+    void setWaitCallback(std::function<void()> callback);
+
+    /// While one lives, requests carry the address of its construction; setSlaveAddress takes effect when the
+    /// last one is gone. The client outlives it.
+    class AddressHold {
+    public:
+        explicit AddressHold(CameraSp& client);
+        ~AddressHold();
+        AddressHold(const AddressHold&) = delete;
+        AddressHold& operator=(const AddressHold&) = delete;
+
+    private:
+        CameraSp& m_client;
+    };
+
     // --- life of the link ------------------------------------------------------------------------------
     /// Makes every running and later command fail at its next step and ends every pause at once.
     void requestStop();
-    [[nodiscard]] bool stopRequested() const { return m_stop.load(); }
+    [[nodiscard]] bool stopRequested() const;
     /// Sleeps; returns early (false) when the link is stopped.
     bool pause(std::chrono::nanoseconds duration);
 
@@ -139,71 +168,31 @@ public:
 
     /// Whether the last use of the port failed in the device, as it does when the adapter has been pulled
     /// out. False again as soon as the port works. Any thread.
-    [[nodiscard]] bool portFailed() const { return m_port->hasFailed(); }
+    [[nodiscard]] bool portFailed() const;
+    /// The rate that the port was opened with.
+    [[nodiscard]] std::uint32_t baudRate() const { return m_baudRate; }
 
-    [[nodiscard]] const TransferProgress& progress() const { return m_progress; }
+    [[nodiscard]] const TransferProgress& progress() const;
 
     /// For tests: called instead of sleeping, with the time asked for. Empty restores real sleeping.
     /// Not to be changed while a command runs.
     static void replaceSleep(std::function<void(std::chrono::nanoseconds)> sleep);
 
 private:
-    struct Answer {
-        bool accepted = false;
-        protocol::Bytes bytes;
+    /// What setAppFilePath and its like have set.
+    struct UploadTexts {
+        std::string appPath;
+        std::string firewarePath;
+        std::string modelPath;
+        std::string modelName;
     };
-    struct UploadKind;
 
-    /// The one exchange: time-outs, discarding, flushing, the request in one write, and the answer by the
-    /// rule's reading. `wanted` is the byte count of Reading::blocks. Throws what the port throws.
-    Answer exchange(const protocol::ExchangeRule& rule, protocol::ByteView payload, std::uint64_t wanted = 0);
-    [[nodiscard]] protocol::Bytes buildRequest(const protocol::ExchangeRule& rule,
-                                               protocol::ByteView payload) const;
-    bool readAnswer(protocol::Bytes& answer, std::int32_t readSize, std::int32_t tries,
-                    const protocol::AnswerForm& form);
     bool checkData(std::vector<std::uint8_t>& answer, std::int32_t readSize, std::int32_t tries);
-    /// The port for the next library call; throws a text when the link is being stopped.
-    SerialPort& port();
-    void readBlocks(protocol::Bytes& answer, std::size_t blockSize, std::uint64_t wanted);
-    [[nodiscard]] protocol::ExchangeRule withOffset(const protocol::ExchangeRule& rule) const;
+    std::string getPropertyValue(std::uint8_t id, std::uint8_t command);
 
-    std::vector<std::uint8_t> readProperty(const protocol::ExchangeRule& rule, std::uint8_t id);
-    std::string getPropertyValue(protocol::PropertyId id, protocol::Command command);
-    bool restart(const protocol::ExchangeRule& rule);
-
-    bool capture(const protocol::ExchangeRule& rule, const char* failureText);
-    bool deletePictures(const protocol::ExchangeRule& rule, protocol::ByteView payload,
-                        const char* failureText);
-    std::vector<protocol::RecordBytes> readCatalogue(const protocol::ExchangeRule& rule,
-                                                     const protocol::RecordForm& form,
-                                                     const char* failureText);
-    Answer download(const protocol::ExchangeRule& rule, protocol::ByteView request, std::uint32_t size);
-
-    std::optional<protocol::Bytes> downloadJsonPicture();
-
-    /// One raw-chunk upload; throws kind.cannotOpenText when the file cannot be opened.
-    bool upload(const UploadKind& kind, const std::string& path, const std::string& name);
-    std::optional<std::int32_t> announce(const UploadKind& kind, protocol::ByteView payload);
-    void sendChunks(const UploadKind& kind, protocol::ByteView file, std::size_t offset);
-    bool awaitVerdict(const UploadKind& kind);
-    bool appCanUpdate(const std::vector<std::uint8_t>& answer, std::uint32_t& offset) const;
-    std::optional<protocol::Bytes> announceV1(protocol::ByteView payload);
-    std::uint8_t sendClosingPackets(std::uint32_t fileSize);
-
-    std::unique_ptr<SerialPort> m_port;
+    std::unique_ptr<CameraLine> m_line;
     std::uint32_t m_workingValue = 0;
     std::uint8_t m_doorSequence = 0;
     std::uint32_t m_baudRate = 9600;
-    std::atomic<std::uint8_t> m_pictureOffset{0};
-    std::atomic<std::int32_t> m_slaveAddress{1};
-    std::string m_appFilePath;
-    std::string m_firewareFilePath;
-    std::string m_modelFilePath;
-    std::string m_modelName;
-
-    TransferProgress m_progress;
-    std::atomic<bool> m_stop{false};
-    std::mutex m_lifeMutex; // guards m_leases; m_lifeChanged tells of it and of m_stop
-    std::condition_variable m_lifeChanged;
-    int m_leases = 0;
+    UploadTexts m_texts;
 };

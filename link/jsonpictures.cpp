@@ -1,29 +1,28 @@
 // Pictures and properties of cameras that speak JSON.
 #include "link/camerasp.h"
 #include "link/diagnostics.h"
-#include "link/guarded.h"
 #include "link/picturefile.h"
 #include "link/protocol/jsonenvelope.h"
+#include "link/runcommand.h"
 
 using namespace protocol;
 
-std::string CameraSp::getQuentaModbusProperty(const std::string& request) {
-    return guarded(std::string(), [&]() -> std::string {
-        const std::string json = request.empty() ? std::string(jsonPropertyQuery()) : request;
-        const Answer answer = exchange(rules::quentaProperty, bytesOf(json));
-        if (!answer.accepted) {
-            diagnostics::line("error");
-            return {};
-        }
-        return jsonBody(answer.bytes).toText();
-    });
+namespace {
+
+constexpr const char* unanswered = "error";
+
+void logLaterPieceFailed() {
+    diagnostics::line("check2 failed");
+    diagnostics::line("read failed");
 }
 
 /// All pieces in order; nothing, with its line logged, when one is missing or the size is not told.
-std::optional<Bytes> CameraSp::downloadJsonPicture() {
-    const Answer first = exchange(rules::quentaFirstChunk, bytesOf(jsonChunkRequest(0, jsonFirstChunk)));
+/// `logFailure` is set to what the piece under way logs when it fails.
+std::optional<Bytes> downloadPicture(CameraLine& line, std::function<void()>& logFailure) {
+    const CameraLine::Answer first =
+        line.exchange(rules::quentaFirstChunk, bytesOf(jsonChunkRequest(0, jsonFirstChunk)));
     if (!first.accepted) {
-        diagnostics::line("error");
+        logFailure();
         return std::nullopt;
     }
     diagnostics::line("first end");
@@ -31,16 +30,18 @@ std::optional<Bytes> CameraSp::downloadJsonPicture() {
     Bytes picture = jsonPictureData(body).toBytes();
     const std::optional<int> stated = jsonPictureSize(body);
     if (!stated) {
+        line.setEnd(CommandEnd::unusable);
         diagnostics::line("picture size missing");
         return std::nullopt;
     }
+    logFailure = logLaterPieceFailed;
     const std::int64_t total = *stated; // may be negative: then the first piece was the whole picture
     for (std::int64_t offset = jsonFirstChunk; offset < total;) {
         const std::int64_t length = std::min(total - offset, jsonLaterChunk);
-        const Answer later = exchange(rules::quentaLaterChunk, bytesOf(jsonChunkRequest(offset, length)));
+        const CameraLine::Answer later =
+            line.exchange(rules::quentaLaterChunk, bytesOf(jsonChunkRequest(offset, length)));
         if (!later.accepted) {
-            diagnostics::line("check2 failed");
-            diagnostics::line("read failed");
+            logFailure();
             return std::nullopt;
         }
         offset += length;
@@ -49,9 +50,30 @@ std::optional<Bytes> CameraSp::downloadJsonPicture() {
     return picture;
 }
 
+} // namespace
+
+std::string CameraSp::getQuentaModbusProperty(const std::string& request) {
+    return runCommand(*m_line, LineUser::command, unanswered, std::string(), [&]() -> std::string {
+        const std::string json = request.empty() ? std::string(jsonPropertyQuery()) : request;
+        const CameraLine::Answer answer = m_line->exchange(rules::quentaProperty, bytesOf(json));
+        if (!answer.accepted) {
+            diagnostics::line(unanswered);
+            return {};
+        }
+        return jsonBody(answer.bytes).toText();
+    });
+}
+
 bool CameraSp::getQuentaModbusPic(std::uint8_t number) {
-    return guarded(false, [&] {
-        const std::optional<Bytes> picture = downloadJsonPicture();
-        return picture && writePicture(std::to_string(number) + ".jpg", *picture);
+    std::function<void()> logFailure = [] { diagnostics::line(unanswered); };
+    const FailureLog log("command failed:", [&] { logFailure(); });
+    return runCommand(*m_line, LineUser::download, log, false, [&] {
+        const std::optional<Bytes> picture = downloadPicture(*m_line, logFailure);
+        if (!picture)
+            return false;
+        const bool written = writePicture(std::to_string(number) + ".jpg", *picture);
+        if (!written)
+            m_line->setEnd(CommandEnd::fileUnusable);
+        return written;
     });
 }

@@ -1,6 +1,7 @@
 #include "link/serialport.h"
 
 #include <cerrno>
+#include <chrono>
 #include <string_view>
 
 #ifdef _WIN32
@@ -43,7 +44,7 @@ const std::string& checkedName(const std::string& name) {
     return name;
 }
 
-void throwReasonOfOpening(const std::string&, const serial::IOException&) {
+void throwReasonOfOpening(const std::string&, const serial::IOException&, std::chrono::nanoseconds) {
     // The library's exception has the error number.
 }
 
@@ -84,10 +85,15 @@ DWORD answerToOpening(const std::string& name) {
     return 0;
 }
 
+constexpr auto slowOpening = std::chrono::milliseconds(500);
+
 /// The library does not tell why a port did not open: its exception has no error number, and the number in
-/// its text is an unrelated one. The system is asked once more.
-void throwReasonOfOpening(const std::string& name, const serial::IOException& failure) {
-    if (std::string_view(failure.what()).find("error opening") == std::string_view::npos)
+/// its text is an unrelated one. The system is asked once more, unless the first answer took long: the second
+/// would take as long again.
+void throwReasonOfOpening(const std::string& name, const serial::IOException& failure,
+                          std::chrono::nanoseconds taken) {
+    if (taken > slowOpening ||
+        std::string_view(failure.what()).find("error opening") == std::string_view::npos)
         return;
     if (const int errorNumber = errorNumberOf(answerToOpening(name)); errorNumber != 0)
         throw serial::IOException(__FILE__, __LINE__, errorNumber);
@@ -99,14 +105,21 @@ serial::Timeout timeouts(std::uint32_t readMs, std::uint32_t writeMs) {
     return serial::Timeout(serial::Timeout::max(), readMs, 0, writeMs, 0);
 }
 
+serial::Serial openPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs) {
+    const auto began = std::chrono::steady_clock::now();
+    try {
+        return serial::Serial(checkedName(name), baudRate, timeouts(timeoutMs, timeoutMs), serial::eightbits,
+                              serial::parity_none, serial::stopbits_one, serial::flowcontrol_none);
+    } catch (const serial::IOException& failure) {
+        throwReasonOfOpening(name, failure, std::chrono::steady_clock::now() - began);
+        throw;
+    }
+}
+
 } // namespace
 
-SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs) try
-    : m_serial(checkedName(name), baudRate, timeouts(timeoutMs, timeoutMs), serial::eightbits,
-               serial::parity_none, serial::stopbits_one, serial::flowcontrol_none) {
-} catch (const serial::IOException& failure) {
-    throwReasonOfOpening(name, failure); // else the library's exception goes on
-}
+SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs)
+    : m_serial(openPort(name, baudRate, timeoutMs)) {}
 
 void SerialPort::setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) {
     guard([&] {

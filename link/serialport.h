@@ -6,12 +6,11 @@
 #include <serial/serial.h>
 
 #include <atomic>
-#include <mutex>
 #include <string>
 
-/// Owns the library's port object. One library call runs at a time: the library guards its single reads and
-/// writes itself, but not its time-out record, which a second thread may set.
-/// Every call may throw the library's exceptions.
+/// Owns the library's port object. One call at a time: the library guards its single reads and writes, but
+/// not its time-out record; the turn on the line keeps callers apart. Every call may throw the library's
+/// exceptions.
 class SerialPort {
 public:
     /// Opens the port: 8 data bits, no parity, one stop bit, no flow control. An empty name opens nothing;
@@ -37,10 +36,9 @@ public:
     [[nodiscard]] bool hasFailed() const { return m_failed; }
 
 private:
-    /// Makes one library call alone and remembers whether it failed.
+    /// Makes one library call and remembers whether it failed.
     template <typename Call>
     auto guard(Call call) {
-        const std::lock_guard lock(m_mutex);
         m_failed = false;
         try {
             return call();
@@ -54,7 +52,6 @@ private:
     /// Reads what is there and drops it.
     void readAway();
 
-    std::mutex m_mutex;
     std::atomic<bool> m_failed{false};
     serial::Serial m_serial;
 };

@@ -7,7 +7,7 @@
 /// Written by the thread that runs the transfer (upload or picture download), read by any thread; values
 /// read at one moment need not belong together.
 struct TransferProgress {
-    enum class Phase : int { idle, announcing, sending, awaitingVerdict, downloading };
+    enum class Phase : int { idle, reading, announcing, sending, awaitingVerdict, downloading };
 
     std::atomic<Phase> phase{Phase::idle};
     std::atomic<std::uint64_t> startOffset{0}; ///< bytes that the camera already held (uploads), else 0

@@ -1,24 +1,32 @@
 // Reading a file that is to be uploaded.
 #pragma once
 
+#include "link/commandreport.h"
 #include "link/protocol/bytes.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
-/// A whole file in memory with its digest; neither changes during an upload.
-struct UploadFile {
-    protocol::Bytes content;
-    protocol::Bytes digest; ///< MD5, 16 raw bytes
-    std::string digestText; ///< the same in 32 lower-case hexadecimal digits
-};
+/// Called while a file is read or its digest is made, at least every 50 ms of work that a slow disk does not
+/// lengthen, with the bytes that are through; false ends it.
+using FileProgress = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
 /// What became of an attempt to read.
 struct UploadFileResult {
-    bool opened = false;            ///< false: the file could not be opened, nothing was logged
-    std::optional<UploadFile> file; ///< empty: a directory, 2 GiB or more, or a read that failed
+    CommandEnd end =
+        CommandEnd::done;    ///< fileMissing (nothing was logged), fileTooLarge, fileUnreadable, stopped
+    protocol::Bytes content; ///< the whole file, when done
 };
 
 /// Reads the file at a UTF-8 path and logs "fsize:" with its size. Announcements carry the size as a signed
 /// 32-bit count, so 2 GiB - 1 is the most that can be uploaded.
-[[nodiscard]] UploadFileResult readUploadFile(const std::string& utf8Path);
+[[nodiscard]] UploadFileResult readUploadFile(const std::string& utf8Path, const FileProgress& progress);
+
+struct UploadDigest {
+    protocol::Bytes bytes; ///< MD5, 16 raw bytes
+    std::string text;      ///< the same in 32 lower-case hexadecimal digits
+};
+
+/// Nothing when the progress ended it.
+[[nodiscard]] std::optional<UploadDigest> digestOf(protocol::ByteView content, const FileProgress& progress);

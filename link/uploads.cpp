@@ -3,7 +3,7 @@
 
 #include "link/camerasp.h"
 #include "link/diagnostics.h"
-#include "link/guarded.h"
+#include "link/runcommand.h"
 #include "link/uploadfile.h"
 
 #include <algorithm>
@@ -11,8 +11,21 @@
 using namespace protocol;
 using namespace std::chrono_literals;
 
+namespace {
+
+constexpr auto pauseAfterAnnouncement = 2s;
+constexpr auto pauseBetweenChunks = 1000ns;
+constexpr int v1Announcements = 5;
+constexpr auto v1PauseBetweenAnnouncements = 50ms;
+constexpr auto v1PauseAfterAnnouncements = 1s;
+constexpr auto v1PauseBeforePacket = 30ms;
+constexpr int v1ClosingPackets = 11;
+constexpr std::uint8_t v1LastGoodResult = 1;
+constexpr std::uint8_t v1NoResult = 0xFF; // as bad as any above the last good one
+constexpr const char* v1UnansweredText = "appupdateV1 queryCanUpdate checkfailed";
+
 /// What the three kinds of raw-chunk upload differ in.
-struct CameraSp::UploadKind {
+struct UploadKind {
     const ExchangeRule& rule;
     bool named; ///< announced with a name, answered with type and result before the offset
     bool flushesChunks;
@@ -28,17 +41,283 @@ struct CameraSp::UploadKind {
     const char* noVerdictText;
 };
 
-namespace {
+/// One file while it is uploaded. Any kind; the calling thread has the turn on the line.
+class Upload {
+public:
+    /// Reads the file; failed() tells why it could not.
+    Upload(CameraLine& line, const std::string& path);
 
-constexpr auto pauseAfterAnnouncement = 2s;
-constexpr auto pauseBetweenChunks = 1000ns;
-constexpr int v1Announcements = 5;
-constexpr auto v1PauseBetweenAnnouncements = 50ms;
-constexpr auto v1PauseAfterAnnouncements = 1s;
-constexpr auto v1PauseBeforePacket = 30ms;
-constexpr int v1ClosingPackets = 11;
-constexpr std::uint8_t v1LastGoodResult = 1;
-constexpr std::uint8_t v1NoResult = 0xFF; // as bad as any above the last good one
+    [[nodiscard]] CommandEnd failed() const { return m_file.end; }
+    [[nodiscard]] ByteView content() const { return m_file.content; }
+    [[nodiscard]] std::uint32_t size() const { return static_cast<std::uint32_t>(m_file.content.size()); }
+    /// Throws LinkStopped when the link is closed meanwhile.
+    [[nodiscard]] UploadDigest digest();
+    /// The transfer proper begins: the progress counts the file's bytes from now on.
+    void beginTransfer();
+
+private:
+    [[nodiscard]] FileProgress countFrom(std::uint64_t firstByte);
+
+    CameraLine& m_line;
+    TransferScope m_scope;
+    UploadFileResult m_file;
+};
+
+Upload::Upload(CameraLine& line, const std::string& path)
+    : m_line(line), m_scope(line.progress, TransferProgress::Phase::reading, 0),
+      m_file(readUploadFile(path, countFrom(0))) {}
+
+/// The file is gone through twice: it is read, and its digest is made.
+FileProgress Upload::countFrom(std::uint64_t firstByte) {
+    return [this, firstByte](std::uint64_t done, std::uint64_t total) {
+        m_line.progress.total = 2 * total;
+        m_line.progress.done = firstByte + done;
+        return !m_line.stopRequested();
+    };
+}
+
+UploadDigest Upload::digest() {
+    std::optional<UploadDigest> digest = digestOf(content(), countFrom(size()));
+    if (!digest)
+        throw LinkStopped();
+    return std::move(*digest);
+}
+
+void Upload::beginTransfer() {
+    m_line.progress.done = 0;
+    m_line.progress.total = size();
+    m_line.progress.phase = TransferProgress::Phase::announcing;
+}
+
+bool appCanUpdate(ByteView answer, std::uint32_t& offset) {
+    offset = answer.get(image_answer::offset);
+    return answer.get(image_answer::status) == 0;
+}
+
+/// The offset at which the camera wants the upload to go on, as a signed number; nothing when there is no
+/// answer or, for a model, when the camera refuses. An image is sent even if the camera says that it cannot
+/// update: cameras say so and take it.
+std::optional<std::int32_t> announce(CameraLine& line, const UploadKind& kind, ByteView payload) {
+    ExchangeRule rule = kind.rule;
+    rule.timeoutMs = kept; // set before the digest was made
+    const CameraLine::Answer answer = line.exchange(rule, payload);
+    if (!answer.accepted) {
+        diagnostics::line(kind.unansweredText);
+        return std::nullopt;
+    }
+    line.pause(pauseAfterAnnouncement);
+    std::uint32_t offset = 0;
+    if (kind.named) {
+        const ByteView view(answer.bytes);
+        const unsigned type = view.get(named_answer::type);
+        const unsigned result = view.get(named_answer::result);
+        if (result != 0 || type != 1) {
+            line.setEnd(CommandEnd::refused);
+            diagnostics::line(kind.cannotUpdateText, result, "  ", type);
+            return std::nullopt;
+        }
+        offset = view.get(named_answer::offset);
+        diagnostics::line(kind.canUpdateTag, "0"); // a literal zero, whatever the offset is
+    } else if (appCanUpdate(answer.bytes, offset)) {
+        diagnostics::line(kind.canUpdateTag, static_cast<std::int32_t>(offset));
+    } else {
+        diagnostics::line(kind.cannotUpdateText);
+    }
+    diagnostics::line(kind.offsetTag, static_cast<std::int32_t>(offset));
+    return static_cast<std::int32_t>(offset);
+}
+
+/// Raw slices of the file, neither framed nor acknowledged. A short write is logged and not made good: the
+/// camera finds the gap by the digest and asks for the rest at the next upload.
+void sendChunks(CameraLine& line, const UploadKind& kind, ByteView file, std::size_t offset) {
+    TransferProgress& progress = line.progress;
+    // No more than the file has, wherever the camera wants to go on.
+    progress.startOffset = std::min(offset, file.size());
+    progress.done = progress.startOffset.load();
+    progress.phase = TransferProgress::Phase::sending;
+    while (offset < file.size()) {
+        const ByteView chunk = file.range(offset, offset + rawChunkSize);
+        if (kind.flushesChunks)
+            line.flush();
+        const std::size_t written = line.write(chunk);
+        line.pause(pauseBetweenChunks);
+        if (written != chunk.size())
+            diagnostics::line(kind.shortWriteTag, written, kind.shortWriteTargetTag, chunk.size());
+        offset += chunk.size();
+        progress.done = offset;
+    }
+}
+
+bool isGoodVerdict(const UploadKind& kind, ByteView answer) {
+    if (!kind.named)
+        return answer.get(image_answer::status) == 0;
+    const std::uint8_t result = answer.get(named_answer::result);
+    const char type = static_cast<char>(answer.get(named_answer::type));
+    diagnostics::line("update end-result:", unsigned{result}, "  type:", type);
+    return result == 0;
+}
+
+bool awaitVerdict(CameraLine& line, const UploadKind& kind) {
+    if (kind.verdictTries == 0) {
+        line.setEnd(line.stopRequested() ? CommandEnd::stopped : CommandEnd::done);
+        return !line.stopRequested(); // what was broken off is never called a success
+    }
+    line.progress.phase = TransferProgress::Phase::awaitingVerdict;
+    Bytes answer;
+    if (!line.readAnswer(answer, rules::verdictReadSize, kind.verdictTries, frameForm)) {
+        line.setEnd(CommandEnd::noVerdict);
+        diagnostics::line(kind.noVerdictText);
+        return false;
+    }
+    const bool good = isGoodVerdict(kind, answer);
+    line.setEnd(good ? CommandEnd::done : CommandEnd::verdictBad);
+    return good;
+}
+
+/// Announcement to verdict. `failureText` is set to the line of the phase under way.
+bool transfer(CameraLine& line, const UploadKind& kind, Upload& upload, const std::string& name,
+              const char*& failureText) {
+    line.setTimeouts(*kind.rule.timeoutMs, *kind.rule.timeoutMs);
+    const UploadDigest digest = upload.digest();
+    diagnostics::line(kind.digestTag, digest.text);
+    upload.beginTransfer();
+    const std::optional<std::int32_t> offset =
+        announce(line, kind,
+                 kind.named ? buildNamedAnnouncement(upload.size(), digest.bytes, name)
+                            : buildAnnouncement(upload.size(), digest.bytes));
+    if (!offset)
+        return false;
+    failureText = kind.noVerdictText;
+    const bool beyondFile = *offset < 0 || static_cast<std::uint32_t>(*offset) > upload.size();
+    bool success = false;
+    // An offset beyond 31 bits reads as negative: no place in any file.
+    if (*offset >= 0) {
+        sendChunks(line, kind, upload.content(), static_cast<std::size_t>(*offset));
+        success = awaitVerdict(line, kind);
+    }
+    if (beyondFile)
+        line.setEnd(CommandEnd::offsetBeyondFile);
+    return success;
+}
+
+/// One raw-chunk upload; throws kind.cannotOpenText when the file cannot be opened.
+bool uploadRaw(CameraLine& line, const UploadKind& kind, const std::string& path, const std::string& name) {
+    bool missing = false;
+    const char* failureText = kind.unansweredText;
+    const FailureLog log("command failed:", [&] {
+        if (failureText != nullptr)
+            diagnostics::line(failureText);
+    });
+    const bool success = runCommand(line, LineUser::upload, log, false, [&] {
+        Upload upload(line, path);
+        if (upload.failed() != CommandEnd::done) {
+            missing = upload.failed() == CommandEnd::fileMissing;
+            line.setEnd(upload.failed());
+            return false;
+        }
+        return transfer(line, kind, upload, name, failureText);
+    });
+    if (missing)
+        throw kind.cannotOpenText; // the one failure that leaves a command
+    return success;
+}
+
+// --- second protocol -------------------------------------------------------------------------------------
+
+/// Always five announcements, answered or not; only the answer to the last one counts.
+std::optional<Bytes> announceV1(CameraLine& line, const Bytes& request) {
+    for (int attempt = 1;; ++attempt) {
+        CameraLine::Answer answer = line.exchangeRequest(rules::appUpdateV1Announce, request);
+        const bool last = attempt == v1Announcements;
+        if (answer.accepted && last)
+            return std::move(answer.bytes);
+        if (answer.accepted)
+            continue;
+        diagnostics::line(v1UnansweredText);
+        if (last)
+            return std::nullopt;
+        line.pause(v1PauseBetweenAnnouncements);
+    }
+}
+
+/// The offset at which the camera wants to go on; nothing when it refuses or does not say.
+std::optional<std::uint32_t> offsetV1(CameraLine& line, ByteView answer) {
+    if (!answer.has(named_answer::offset)) {
+        line.setEnd(CommandEnd::unusable);
+        return std::nullopt;
+    }
+    const std::uint32_t offset = answer.get(named_answer::offset);
+    if (answer.get(named_answer::result) != 0) {
+        line.setEnd(CommandEnd::refused);
+        diagnostics::line("cant update");
+        return std::nullopt;
+    }
+    diagnostics::line("can update,offset is ", offset);
+    return offset;
+}
+
+/// Always eleven closing packets; the last result that came is the one that counts.
+std::uint8_t sendClosingPackets(CameraLine& line, std::uint32_t fileSize) {
+    diagnostics::line("after data-send2");
+    line.progress.phase = TransferProgress::Phase::awaitingVerdict;
+    const Bytes request = line.buildRequest(rules::appUpdateV1Closing, buildPacket(fileSize, {}));
+    std::uint8_t packageResult = v1NoResult;
+    for (int sent = 0; sent < v1ClosingPackets; ++sent) {
+        const CameraLine::Answer answer = line.exchangeRequest(rules::appUpdateV1Closing, request);
+        if (!answer.accepted) {
+            diagnostics::line("continue last cmd");
+        } else if (answer.bytes.size() <= answer_layout::status.offset) {
+            diagnostics::line("packageResult little2");
+        } else {
+            packageResult = ByteView(answer.bytes).get(answer_layout::status);
+            diagnostics::line("now packageResult:", unsigned{packageResult});
+        }
+    }
+    return packageResult;
+}
+
+/// This version sends no data packets: the camera has to hold the whole file already.
+bool logPacketInsteadOfSending(CameraLine& line, ByteView file, std::uint32_t offset) {
+    const Bytes packet = buildPacket(offset, file.range(offset, offset + packetDataSize));
+    line.pause(v1PauseBeforePacket);
+    diagnostics::line("data cmd:", paddedHexText(line.buildRequest(rules::appUpdateV1Closing, packet)));
+    line.setEnd(CommandEnd::dataNotSupported);
+    return false;
+}
+
+bool closeV1(CameraLine& line, std::uint32_t offset, std::uint32_t size) {
+    diagnostics::line("after data-send");
+    const std::uint8_t packageResult = offset == size ? sendClosingPackets(line, size) : v1NoResult;
+    diagnostics::line("after data-send3");
+    line.setEnd(offset > size                      ? CommandEnd::offsetBeyondFile
+                : packageResult == v1NoResult      ? CommandEnd::noVerdict
+                : packageResult > v1LastGoodResult ? CommandEnd::verdictBad
+                                                   : CommandEnd::done);
+    if (packageResult > v1LastGoodResult)
+        return false;
+    diagnostics::line("packageResult:", unsigned{packageResult});
+    return true;
+}
+
+bool transferV1(CameraLine& line, Upload& upload, const std::string& fileName) {
+    line.setTimeouts(appV1AnnounceTimeoutMs, appV1AnnounceTimeoutMs);
+    const UploadDigest digest = upload.digest();
+    upload.beginTransfer();
+    const Bytes request = line.buildRequest(rules::appUpdateV1Announce,
+                                            buildNamedAnnouncement(upload.size(), digest.bytes, fileName));
+    diagnostics::line("1D cmd:", paddedHexText(request));
+    const std::optional<Bytes> answer = announceV1(line, request);
+    if (!answer)
+        return false;
+    line.pause(v1PauseAfterAnnouncements);
+    const std::optional<std::uint32_t> offset = offsetV1(line, *answer);
+    if (!offset)
+        return false;
+    line.setTimeouts(appV1ReadTimeoutMs, appV1WriteTimeoutMs);
+    if (*offset < upload.size())
+        return logPacketInsteadOfSending(line, upload.content(), *offset);
+    return closeV1(line, *offset, upload.size());
+}
 
 } // namespace
 
@@ -58,7 +337,7 @@ bool CameraSp::appUpdate() {
         .shortWriteTargetTag = " targetgap:",
         .noVerdictText = "appupdate update-end failed",
     };
-    return upload(kind, m_appFilePath, {});
+    return uploadRaw(*m_line, kind, m_texts.appPath, {});
 }
 
 bool CameraSp::firewareUpdate() {
@@ -75,9 +354,9 @@ bool CameraSp::firewareUpdate() {
         .offsetTag = "fireware offset:",
         .shortWriteTag = "warning:::::: writeLength:",
         .shortWriteTargetTag = "  targetGap:",
-        .noVerdictText = "",
+        .noVerdictText = nullptr,
     };
-    return upload(kind, m_firewareFilePath, {});
+    return uploadRaw(*m_line, kind, m_texts.firewarePath, {});
 }
 
 bool CameraSp::modelUpdate() {
@@ -96,185 +375,18 @@ bool CameraSp::modelUpdate() {
         .shortWriteTargetTag = " targetgap:",
         .noVerdictText = "modelupdate update-end failed2",
     };
-    return upload(kind, m_modelFilePath, m_modelName);
+    return uploadRaw(*m_line, kind, m_texts.modelPath, m_texts.modelName);
 }
-
-bool CameraSp::upload(const UploadKind& kind, const std::string& path, const std::string& name) {
-    const UploadFileResult read = readUploadFile(path);
-    if (!read.opened)
-        throw kind.cannotOpenText; // the one failure that leaves a command
-    if (!read.file)
-        return false;
-    return guarded(false, [&] {
-        const UploadFile& file = *read.file;
-        const TransferScope transfer(m_progress, TransferProgress::Phase::announcing, file.content.size());
-        const auto size = static_cast<std::uint32_t>(file.content.size());
-        diagnostics::line(kind.digestTag, file.digestText);
-        const std::optional<std::int32_t> offset =
-            announce(kind, kind.named ? buildNamedAnnouncement(size, file.digest, name)
-                                      : buildAnnouncement(size, file.digest));
-        // An offset beyond 31 bits reads as negative: no place in any file.
-        if (!offset || *offset < 0)
-            return false;
-        sendChunks(kind, file.content, static_cast<std::size_t>(*offset));
-        return awaitVerdict(kind);
-    });
-}
-
-bool CameraSp::appCanUpdate(const std::vector<std::uint8_t>& answer, std::uint32_t& offset) const {
-    const ByteView view(answer);
-    offset = view.get(image_answer::offset);
-    return view.get(image_answer::status) == 0;
-}
-
-/// The offset at which the camera wants the upload to go on, as a signed number; nothing when there is no
-/// answer or, for a model, when the camera refuses. An image is sent even if the camera says that it cannot
-/// update: cameras say so and take it.
-std::optional<std::int32_t> CameraSp::announce(const UploadKind& kind, ByteView payload) {
-    const Answer answer = exchange(kind.rule, payload);
-    if (!answer.accepted) {
-        diagnostics::line(kind.unansweredText);
-        return std::nullopt;
-    }
-    pause(pauseAfterAnnouncement);
-    std::uint32_t offset = 0;
-    if (kind.named) {
-        const ByteView view(answer.bytes);
-        const unsigned type = view.get(named_answer::type);
-        const unsigned result = view.get(named_answer::result);
-        if (result != 0 || type != 1) {
-            diagnostics::line(kind.cannotUpdateText, result, "  ", type);
-            return std::nullopt;
-        }
-        offset = view.get(named_answer::offset);
-        diagnostics::line(kind.canUpdateTag, "0"); // a literal zero, whatever the offset is
-    } else if (appCanUpdate(answer.bytes, offset)) {
-        diagnostics::line(kind.canUpdateTag, static_cast<std::int32_t>(offset));
-    } else {
-        diagnostics::line(kind.cannotUpdateText);
-    }
-    diagnostics::line(kind.offsetTag, static_cast<std::int32_t>(offset));
-    return static_cast<std::int32_t>(offset);
-}
-
-/// Raw slices of the file, neither framed nor acknowledged. A short write is logged and not made good: the
-/// camera finds the gap by the digest and asks for the rest at the next upload.
-void CameraSp::sendChunks(const UploadKind& kind, ByteView file, std::size_t offset) {
-    // No more than the file has, wherever the camera wants to go on.
-    m_progress.startOffset = std::min(offset, file.size());
-    m_progress.done = m_progress.startOffset.load();
-    m_progress.phase = TransferProgress::Phase::sending;
-    while (offset < file.size()) {
-        const ByteView chunk = file.range(offset, offset + rawChunkSize);
-        if (kind.flushesChunks)
-            port().flush();
-        const std::size_t written = port().write(chunk);
-        pause(pauseBetweenChunks);
-        if (written != chunk.size())
-            diagnostics::line(kind.shortWriteTag, written, kind.shortWriteTargetTag, chunk.size());
-        offset += chunk.size();
-        m_progress.done = offset;
-    }
-}
-
-bool CameraSp::awaitVerdict(const UploadKind& kind) {
-    if (kind.verdictTries == 0)
-        return !m_stop; // what was broken off is never called a success
-    m_progress.phase = TransferProgress::Phase::awaitingVerdict;
-    Bytes answer;
-    if (!checkData(answer, rules::verdictReadSize, kind.verdictTries)) {
-        diagnostics::line(kind.noVerdictText);
-        return false;
-    }
-    const ByteView view(answer);
-    if (!kind.named)
-        return view.get(image_answer::status) == 0;
-    const std::uint8_t result = view.get(named_answer::result);
-    const char type = static_cast<char>(view.get(named_answer::type));
-    diagnostics::line("update end-result:", unsigned{result}, "  type:", type);
-    return result == 0;
-}
-
-// --- second protocol -------------------------------------------------------------------------------------
 
 bool CameraSp::appUpdateV1(const std::string& fileName, const std::string& path) {
-    const UploadFileResult read = readUploadFile(path);
-    if (!read.opened)
-        diagnostics::line("appupdate2 file cant open");
-    if (!read.file)
-        return false;
-    return guarded(false, [&] {
-        const UploadFile& file = *read.file;
-        const TransferScope transfer(m_progress, TransferProgress::Phase::announcing, file.content.size());
-        const auto size = static_cast<std::uint32_t>(file.content.size());
-        port().setTimeouts(appV1AnnounceTimeoutMs, appV1AnnounceTimeoutMs);
-        const Bytes announcementPayload = buildNamedAnnouncement(size, file.digest, fileName);
-        diagnostics::line("1D cmd:",
-                          paddedHexText(buildRequest(rules::appUpdateV1Announce, announcementPayload)));
-        const std::optional<Bytes> answer = announceV1(announcementPayload);
-        if (!answer)
-            return false;
-        pause(v1PauseAfterAnnouncements);
-        const ByteView view(*answer);
-        if (!view.has(named_answer::offset))
-            return false;
-        const std::uint32_t offset = view.get(named_answer::offset);
-        if (view.get(named_answer::result) != 0) {
-            diagnostics::line("cant update");
+    return runCommand(*m_line, LineUser::upload, v1UnansweredText, false, [&] {
+        Upload upload(*m_line, path);
+        if (upload.failed() == CommandEnd::fileMissing)
+            diagnostics::line("appupdate2 file cant open");
+        if (upload.failed() != CommandEnd::done) {
+            m_line->setEnd(upload.failed());
             return false;
         }
-        diagnostics::line("can update,offset is ", offset);
-        port().setTimeouts(appV1ReadTimeoutMs, appV1WriteTimeoutMs);
-        if (offset < size) {
-            // This version sends no data packets: the camera has to hold the whole file already.
-            const Bytes packet =
-                buildPacket(offset, ByteView(file.content).range(offset, offset + packetDataSize));
-            pause(v1PauseBeforePacket);
-            diagnostics::line("data cmd:", paddedHexText(buildRequest(rules::appUpdateV1Closing, packet)));
-            return false;
-        }
-        diagnostics::line("after data-send");
-        const std::uint8_t packageResult = offset == size ? sendClosingPackets(size) : v1NoResult;
-        diagnostics::line("after data-send3");
-        if (packageResult > v1LastGoodResult)
-            return false;
-        diagnostics::line("packageResult:", unsigned{packageResult});
-        return true;
+        return transferV1(*m_line, upload, fileName);
     });
-}
-
-/// Always five announcements, answered or not; only the answer to the last one counts.
-std::optional<Bytes> CameraSp::announceV1(ByteView payload) {
-    for (int attempt = 1;; ++attempt) {
-        Answer answer = exchange(rules::appUpdateV1Announce, payload);
-        const bool last = attempt == v1Announcements;
-        if (answer.accepted && last)
-            return std::move(answer.bytes);
-        if (answer.accepted)
-            continue;
-        diagnostics::line("appupdateV1 queryCanUpdate checkfailed");
-        if (last)
-            return std::nullopt;
-        pause(v1PauseBetweenAnnouncements);
-    }
-}
-
-/// Always eleven closing packets; the last result that came is the one that counts.
-std::uint8_t CameraSp::sendClosingPackets(std::uint32_t fileSize) {
-    diagnostics::line("after data-send2");
-    m_progress.phase = TransferProgress::Phase::awaitingVerdict;
-    const Bytes payload = buildPacket(fileSize, {});
-    std::uint8_t packageResult = v1NoResult;
-    for (int sent = 0; sent < v1ClosingPackets; ++sent) {
-        const Answer answer = exchange(rules::appUpdateV1Closing, payload);
-        if (!answer.accepted) {
-            diagnostics::line("continue last cmd");
-        } else if (answer.bytes.size() <= answer_layout::status.offset) {
-            diagnostics::line("packageResult little2");
-        } else {
-            packageResult = ByteView(answer.bytes).get(answer_layout::status);
-            diagnostics::line("now packageResult:", unsigned{packageResult});
-        }
-    }
-    return packageResult;
 }

@@ -6,7 +6,6 @@ QString localPictureName(unsigned id) {
     return QStringLiteral("%1.jpg").arg(id);
 }
 
-bool removeLocalPicture(unsigned id) {
-    const QString name = localPictureName(id);
-    return QFile::remove(name) || !QFile::exists(name);
+void removeLocalPicture(unsigned id) {
+    QFile::remove(localPictureName(id));
 }

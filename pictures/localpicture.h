@@ -6,6 +6,6 @@
 /// "<id>.jpg"
 [[nodiscard]] QString localPictureName(unsigned id);
 
-/// Deletes the local picture of this id before a new one is fetched. False when an old file stays: it must
-/// not be shown as the new one, because the download cannot have replaced it either.
-[[nodiscard]] bool removeLocalPicture(unsigned id);
+/// Deletes the local picture of this id before a new one is fetched. One that stays is replaced by the
+/// download or is none of it: whether it is new, the download's report says.
+void removeLocalPicture(unsigned id);

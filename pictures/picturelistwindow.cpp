@@ -97,12 +97,14 @@ void PictureListWindow::viewRow(const QPersistentModelIndex& index) {
         return;
     const int row = index.row();
     const unsigned id = m_model->pictureId(row);
-    const bool oldPictureGone = removeLocalPicture(id);
+    removeLocalPicture(id);
     qDebug() << "get picture:" << row << "  size:" << m_model->pictureSize(row);
+    const ReportScope download;
     downloadPicture(row);
     qDebug() << "get picture end";
+    const bool written = client() != nullptr && download.report().end == CommandEnd::done;
     auto* dialog = new ImgDialog(this);
     qDebug() << id;
     // An old file that could not be deleted is no picture of this download.
-    dialog->showPicture(oldPictureGone ? QString::number(id) : QString());
+    dialog->showPicture(written ? QString::number(id) : QString());
 }

@@ -6,7 +6,9 @@ UploadTask::UploadTask(CameraSp* camera, QObject* parent)
 
 void UploadTask::run() {
     logStart();
+    const ReportScope scope;
     const bool result = m_camera != nullptr && upload(*m_camera);
+    m_report = scope.report();
     m_lease = CameraSp::Lease();
     emitEnd(result);
     quit();

@@ -11,6 +11,10 @@
 class UploadTask : public QThread {
     Q_OBJECT
 
+public:
+    /// Why it failed. To be read when the end signal has come.
+    [[nodiscard]] const CommandReport& report() const { return m_report; }
+
 protected:
     UploadTask(CameraSp* camera, QObject* parent);
 
@@ -25,4 +29,5 @@ private:
 
     CameraSp* m_camera;
     CameraSp::Lease m_lease;
+    CommandReport m_report;
 };

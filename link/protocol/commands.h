@@ -5,8 +5,8 @@
 
 namespace protocol {
 
-enum class Command : std::uint8_t {
-    callers = 0x00, ///< not a code of its own: the caller of the command gives it
+enum class Command : std::uint16_t {
+    callers = 0x100, ///< no code: the caller of the command gives it
     heartbeat = 0x01,
     getProperty = 0x02,
     setProperty = 0x03,
@@ -31,7 +31,7 @@ enum class Command : std::uint8_t {
 };
 
 [[nodiscard]] constexpr std::uint8_t code(Command command) {
-    return static_cast<std::uint8_t>(command);
+    return static_cast<std::uint8_t>(static_cast<std::uint16_t>(command) & 0xFFU);
 }
 
 /// Property ids that the link itself asks for. The settings dialogs own those of their settings.

@@ -4,6 +4,7 @@
 #include "link/protocol/commands.h"
 
 #include <array>
+#include <optional>
 #include <string_view>
 
 namespace protocol {
@@ -27,19 +28,19 @@ enum class RequestLog : std::uint8_t {
 };
 
 /// Marks of the columns below.
-inline constexpr std::uint32_t kept = 0xFFFFFFFF; ///< time-outs stay as the previous command set them
-inline constexpr bool discard = true;             ///< input received so far is thrown away first
-inline constexpr bool flush = true;               ///< pending output is pushed out before the request
+inline constexpr std::nullopt_t kept = std::nullopt; ///< time-outs stay as the previous command set them
+inline constexpr bool discard = true;                ///< input received so far is thrown away first
+inline constexpr bool flush = true;                  ///< pending output is pushed out before the request
 inline constexpr bool no = false;
 
 struct ExchangeRule {
     std::string_view name;
     Command command;
-    std::uint32_t timeoutMs; ///< read and write time-out constant, or `kept`
+    std::optional<std::uint32_t> timeoutMs; ///< read and write time-out constant, or `kept`
     bool discardInput;
     bool flushOutput;
     Reading reading;
-    std::int32_t readSize; ///< bytes
+    std::uint32_t readSize; ///< bytes
     std::int32_t tries;
     RequestLog requestLog = RequestLog::none;
     bool logsWriteCount = false;         ///< "serialDataLength:" right after the write
@@ -120,7 +121,7 @@ inline constexpr ExchangeRule appUpdateV1Closing
 // clang-format on
 
 /// Reads that end an upload: 15 bytes each, tries by kind.
-inline constexpr std::int32_t verdictReadSize = 15;
+inline constexpr std::uint32_t verdictReadSize = 15;
 inline constexpr std::int32_t appVerdictTries = 10;
 inline constexpr std::int32_t modelVerdictTries = 30;
 

@@ -1,6 +1,7 @@
 // A window borrows the client: without a client, on the pool, and while links come and go.
 #include "borrow/clientborrower.h"
 #include "tests/support/recordingobserver.h"
+#include "tests/support/stdoutcapture.h"
 
 #include <QApplication>
 #include <QTest>
@@ -70,7 +71,7 @@ TEST(ClientBorrower, TellsWhatItDoesAndHowItEnded) {
         [](const std::string&) {});
     EXPECT_EQ(observer.began, QStringList({"heartbeat", "door", "job"}));
     waitForPool();
-    EXPECT_EQ(observer.ended, QStringList({"heartbeat failed", "door ok", "job ok"}));
+    EXPECT_EQ(observer.ended, QStringList({"heartbeat failed", "door failed", "job ok"}));
 }
 
 TEST(ClientBorrower, SaysNothingOfTheEndOfAJobThatALaterLinkHasOvertaken) {
@@ -86,14 +87,54 @@ TEST(ClientBorrower, SaysNothingOfTheEndOfAJobThatALaterLinkHasOvertaken) {
     EXPECT_TRUE(observer.ended.isEmpty());
 }
 
-TEST(LinkUse, AListOfValuesSaysSuccessWhenOneWasRead) {
+TEST(LinkUse, AListOfValuesIsPartlyReadWhenOneWas) {
     using Values = std::vector<std::vector<std::uint8_t>>;
-    EXPECT_FALSE(saysSuccess(Values{}));
-    EXPECT_FALSE(saysSuccess(Values{{}, {}}));
-    EXPECT_TRUE(saysSuccess(Values{{}, {1}}));
-    EXPECT_TRUE(saysSuccess(std::string("x")));
-    EXPECT_FALSE(saysSuccess(std::string()));
-    EXPECT_FALSE(saysSuccess(false));
+    const CommandReport failure{CommandEnd::noAnswer};
+    EXPECT_FALSE(outcomeOf(Values{}, failure).partly);
+    EXPECT_FALSE(outcomeOf(Values{{}, {}}, failure).partly);
+    EXPECT_TRUE(outcomeOf(Values{{}, {1}}, failure).partly);
+    EXPECT_FALSE(outcomeOf(Values{{1}, {1}}, CommandReport{}).partly);
+}
+
+TEST(LinkUse, ResultTellsItsOwnWords) {
+    struct Result {
+        [[nodiscard]] QString outcomeText(const CommandReport& report) const {
+            return report.succeeded() ? QStringLiteral("good") : QStringLiteral("bad");
+        }
+    };
+    EXPECT_EQ(outcomeOf(Result{}, CommandReport{}).text, "good");
+    EXPECT_EQ(outcomeOf(Result{}, CommandReport{CommandEnd::refused}).text, "bad");
+}
+
+TEST(ClientBorrower, TellsJobsBegunBeforeTheObserverCame) {
+    const auto client = portlessClient();
+    Window window(client.get());
+    RecordingObserver observer;
+    window.runOnPool(
+        QStringLiteral("early"), &window, [](CameraSp*) { return 1; }, [](int) {});
+    window.setObserver(&observer);
+    EXPECT_EQ(observer.began, QStringList("early"));
+    waitForPool();
+    EXPECT_EQ(observer.ended, QStringList("early ok"));
+    window.setObserver(nullptr);
+}
+
+TEST(ClientBorrower, JobThatThrowsHasFailed) {
+    const auto client = portlessClient();
+    Window window(client.get());
+    RecordingObserver observer;
+    window.setObserver(&observer);
+    int applied = -1;
+    const StdoutCapture out;
+    window.runOnPool(
+        QStringLiteral("job"), &window, [](CameraSp*) -> int { throw std::runtime_error("scripted"); },
+        [&](int result) { applied = result; });
+    waitForPool();
+    EXPECT_EQ(applied, 0);
+    EXPECT_EQ(observer.ended, QStringList("job failed"));
+    EXPECT_EQ(observer.last.report.end, CommandEnd::failed);
+    EXPECT_EQ(out.lines(), std::vector<std::string>{"command failed:scripted"});
+    client->waitUntilUnused(); // the lease was given back
 }
 
 TEST(ClientBorrower, WorksOnAPoolThreadAndAppliesOnTheUserInterfaceThread) {

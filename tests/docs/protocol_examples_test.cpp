@@ -1,5 +1,6 @@
 // The byte examples of docs/protocol.md against what the client sends and what the layouts make of them.
 #include "link/camerasp.h"
+#include "link/protocol/commands.h"
 #include "link/protocol/crc16.h"
 #include "link/protocol/frame.h"
 #include "link/protocol/jsonenvelope.h"

@@ -124,7 +124,7 @@ markdown::Row rowOf(const ExchangeRule& rule) {
     const auto yesNo = [](bool value) { return std::string(value ? "yes" : "no"); };
     return {std::string(rule.name),
             codeOf(rule),
-            rule.timeoutMs == kept ? "kept" : std::to_string(rule.timeoutMs),
+            rule.timeoutMs ? std::to_string(*rule.timeoutMs) : "kept",
             yesNo(rule.discardInput),
             yesNo(rule.flushOutput),
             wordOf(rule.reading),

@@ -59,7 +59,7 @@ TEST_F(StatusBar, TellsTheOutcomeOfTheLastActionWithTheTimeOfDay) {
     const QString line = statusLine(*window);
     EXPECT_TRUE(QRegularExpression("^\\d\\d:\\d\\d:\\d\\d  ").match(line).hasMatch()) << line.toStdString();
     click(*window, "btn_heartbeat");
-    EXPECT_EQ(statusText(*window), "测试心跳：没有得到结果，请检查接线、从机地址和波特率");
+    EXPECT_EQ(statusText(*window), "测试心跳：没有应答，请检查接线、从机地址和波特率");
 }
 
 TEST_F(StatusBar, SaysThatTheAdapterIsGoneUntilThePortWorksAgain) {
@@ -75,7 +75,7 @@ TEST_F(StatusBar, SaysThatTheAdapterIsGoneUntilThePortWorksAgain) {
     click(*window, "btn_open");
     EXPECT_EQ(statusText(*window), "已打开 COM3");
     click(*window, "btn_heartbeat");
-    EXPECT_EQ(statusText(*window), "测试心跳：没有得到结果，请检查接线、从机地址和波特率");
+    EXPECT_EQ(statusText(*window), "测试心跳：没有应答，请检查接线、从机地址和波特率");
 }
 
 TEST_F(StatusBar, SaysNothingOfAnAdapterWhenNoPortWasChosen) {
@@ -84,7 +84,7 @@ TEST_F(StatusBar, SaysNothingOfAnAdapterWhenNoPortWasChosen) {
     window = std::make_unique<MainWindow>();
     click(*window, "btn_open");
     click(*window, "btn_heartbeat");
-    EXPECT_EQ(statusText(*window), "测试心跳：没有得到结果，请检查接线、从机地址和波特率");
+    EXPECT_EQ(statusText(*window), "测试心跳：没有打开任何串口，请关闭串口，选择串口后再打开");
 }
 
 TEST(StatusLine, TellsABlockingActionBeforeItBlocks) {
@@ -100,7 +100,7 @@ TEST(StatusLine, TellsAJobAfterHalfASecondAndHowLongItTakes) {
     EXPECT_EQ(status.bar.currentMessage(), "");
     EXPECT_TRUE(eventually([&] { return status.bar.currentMessage() == "正在拍照…（0 秒）"; }));
     EXPECT_TRUE(eventually([&] { return status.bar.currentMessage() == "正在拍照…（1 秒）"; }));
-    status.line.useEnded(*job, true);
+    status.line.useEnded(*job, {});
     EXPECT_TRUE(QRegularExpression("^\\d\\d:\\d\\d:\\d\\d  拍照：完成（用时 1\\.\\d 秒）$")
                     .match(status.bar.currentMessage())
                     .hasMatch())
@@ -121,6 +121,6 @@ TEST(StatusLine, SaysNothingOfActionsWithoutAName) {
     const auto use = Line::use(QString(), 900ms, false);
     status.line.useBegan(use);
     QTest::qWait(400);
-    status.line.useEnded(*use, false);
+    status.line.useEnded(*use, {{CommandEnd::noAnswer}});
     EXPECT_EQ(status.bar.currentMessage(), "");
 }

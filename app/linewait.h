@@ -1,0 +1,37 @@
+// An upload that waits for the line while a download does not end.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <cstdint>
+
+class CameraSp;
+class QMessageBox;
+class QWidget;
+
+/// Watches an upload that waits for its turn. When a picture download has the line and no bytes come any
+/// more, asks whether to end it. User-interface thread only.
+class LineWait final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit LineWait(QWidget* window);
+
+    /// From the start of an upload until finish(); the client lives that long.
+    void follow(CameraSp& client);
+    void finish();
+
+private:
+    void look();
+    void ask();
+
+    QWidget* m_window;
+    CameraSp* m_client = nullptr;
+    QTimer m_poll;
+    QElapsedTimer m_standstill; ///< since the last byte of the download
+    std::uint64_t m_done = 0;
+    QPointer<QMessageBox> m_question;
+};

@@ -1,0 +1,3 @@
+#include "app/responsiveness.h"
+
+void tellSystemAlive() {}

@@ -1,0 +1,9 @@
+#include "app/responsiveness.h"
+
+#include <windows.h>
+
+// Windows calls a program hung that has not looked at its messages for five seconds.
+void tellSystemAlive() {
+    MSG message;
+    ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+}

@@ -1,0 +1,130 @@
+// The open line: its port, whose turn it is, and the exchange.
+#pragma once
+
+#include "link/commandreport.h"
+#include "link/lineturn.h"
+#include "link/protocol/exchangetable.h"
+#include "link/protocol/frame.h"
+#include "link/serialport.h"
+#include "link/transferprogress.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+
+/// Thrown inside commands when the link is being closed.
+struct LinkStopped : std::runtime_error {
+    LinkStopped() : std::runtime_error("link is closing") {}
+};
+
+/// Thrown inside a download that was ended so that somebody else can use the line.
+struct DownloadEnded : std::runtime_error {
+    DownloadEnded() : std::runtime_error("download ended") {}
+};
+
+/// What the commands are built on. The exchange and the calls below it belong to the thread that has the turn
+/// and throw what the port throws; everything else may be used from any thread.
+class CameraLine {
+public:
+    /// Opens the port; throws as SerialPort does.
+    CameraLine(const std::string& portName, std::uint32_t baudRate, std::uint32_t timeoutMs);
+
+    CameraLine(const CameraLine&) = delete;
+    CameraLine& operator=(const CameraLine&) = delete;
+
+    // --- the turn --------------------------------------------------------------------------------------
+    /// As LineTurn::take. After somebody else's request without an answer, what still comes of it is thrown
+    /// away before the line is given.
+    [[nodiscard]] LineTurn::Hold take(LineUser user);
+    [[nodiscard]] const LineTurn& turn() const { return m_turn; }
+    /// In the order of asking, one whole sequence of background reads at a time.
+    [[nodiscard]] LineTurn::Hold takeReadings() { return m_readings.take(LineUser::reading); }
+
+    // --- the exchange ----------------------------------------------------------------------------------
+    struct Answer {
+        bool accepted = false;
+        protocol::Bytes bytes;
+    };
+    /// The one exchange: time-outs, discarding, flushing, the request in one write, and the answer by the
+    /// rule's reading. `wanted` is the byte count of Reading::blocks.
+    Answer exchange(const protocol::ExchangeRule& rule, protocol::ByteView payload, std::uint64_t wanted = 0);
+    /// The same with a request that was built before.
+    Answer exchangeRequest(const protocol::ExchangeRule& rule, const protocol::Bytes& request,
+                           std::uint64_t wanted = 0);
+    [[nodiscard]] protocol::Bytes buildRequest(const protocol::ExchangeRule& rule,
+                                               protocol::ByteView payload) const;
+    /// Reads until the answer is whole; false when it is not after so many reads.
+    bool readAnswer(protocol::Bytes& answer, std::uint32_t readSize, std::int32_t tries,
+                    const protocol::AnswerForm& form);
+    void setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) { port().setTimeouts(readMs, writeMs); }
+    void flush() { port().flush(); }
+    std::size_t write(protocol::ByteView bytes) { return port().write(bytes); }
+    /// How the command under way ended, as far as is known; exchange() sets it.
+    void setEnd(CommandEnd end) { m_end = end; }
+    [[nodiscard]] CommandEnd end() const { return m_end; }
+    /// Bytes that the exchange under way has received.
+    [[nodiscard]] std::size_t received() const { return m_received; }
+
+    // --- waiting and ending ----------------------------------------------------------------------------
+    void requestStop();
+    [[nodiscard]] bool stopRequested() const { return m_stop.load(); }
+    /// Sleeps; returns early (false) when the link is stopped. Times below 1 ms are spent looking at the
+    /// clock: a sleeping thread may come back a whole tick of the system later.
+    bool pause(std::chrono::nanoseconds duration);
+    void addLease();
+    void removeLease();
+    void waitUntilUnused();
+    /// The download that has the line, if any, fails at its next use of the port.
+    void endDownload();
+    /// Called between two reads and while the turn is awaited, on the thread of the command. Set before the
+    /// first command.
+    void setWaitCallback(std::function<void()> callback) { m_waitCallback = std::move(callback); }
+
+    [[nodiscard]] bool portFailed() const { return m_port.hasFailed(); }
+
+    // --- what enters frames ----------------------------------------------------------------------------
+    /// While the address is held this takes effect at the last releaseAddress().
+    void setAddress(std::int32_t address);
+    void holdAddress();
+    void releaseAddress();
+    std::atomic<std::uint8_t> pictureOffset{0};
+
+    TransferProgress progress;
+
+private:
+    /// The port for the next library call. Throws when the link is being stopped, or when the calling thread
+    /// does not have the turn.
+    SerialPort& port();
+    void readBlocks(protocol::Bytes& answer, std::size_t blockSize, std::uint64_t wanted);
+    void discardLateAnswers();
+    void callBack() const;
+
+    SerialPort m_port;
+    LineTurn m_turn;
+    LineTurn m_readings;
+    std::function<void()> m_waitCallback;
+
+    // Belong to the turn's holder:
+    CommandEnd m_end = CommandEnd::done;
+    std::size_t m_received = 0;
+    int m_unanswered = 0; ///< requests whose answers have not been taken
+    std::chrono::steady_clock::time_point m_lastRequest;
+
+    std::atomic<bool> m_stop{false};
+    std::atomic<bool> m_endDownload{false};
+    std::mutex m_lifeMutex; // guards m_leases; m_lifeChanged tells of it and of m_stop
+    std::condition_variable m_lifeChanged;
+    int m_leases = 0;
+
+    mutable std::mutex m_addressMutex; // guards the following
+    std::int32_t m_address = 1;        ///< of the requests
+    std::int32_t m_nextAddress = 1;    ///< the same when nobody holds it
+    int m_addressHolds = 0;
+};
+
+/// For tests: called instead of sleeping, with the time asked for. Empty restores real sleeping.
+void replaceSleepOfLines(std::function<void(std::chrono::nanoseconds)> sleep);
