@@ -3,7 +3,7 @@
 #include <QLabel>
 
 namespace {
-constexpr qsizetype longestLine = 60; // characters; a serial number has 16, a version about 20
+constexpr qsizetype longestLine = 120; // characters; a serial number has 16, a version about 20
 }
 
 QString cameraText(std::string_view bytes) {

@@ -10,7 +10,7 @@ class QLabel;
 /// The bytes up to the first zero as text.
 [[nodiscard]] QString cameraText(std::string_view bytes);
 
-/// Shows a text that holds camera text: never as markup, selectable, each line cut after 60 characters, then
+/// Shows a text that holds camera text: never as markup, selectable, each line cut after 120 characters, then
 /// with the whole text as tool tip.
 void showCameraText(QLabel* label, const QString& text);
 

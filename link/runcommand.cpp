@@ -26,8 +26,8 @@ CommandEnd endOfException() {
         return CommandEnd::portFailed;
     } catch (const serial::IOException&) {
         return CommandEnd::portFailed;
-    } catch (const char* text) {
-        return text == protocol::shortAnswerText ? CommandEnd::unusable : CommandEnd::failed;
+    } catch (const protocol::ShortAnswer&) {
+        return CommandEnd::unusable;
     } catch (...) {
         return CommandEnd::failed;
     }
@@ -59,6 +59,8 @@ void RunningCommand::fail(const FailureLog& log) {
     m_failed = true;
     m_report = {endOfException(), m_turn.busyWith()};
     diagnostics::line(log.exceptionTag, exceptionText());
-    if (log.ownLine)
+    const bool thrownByPort = m_report.end == CommandEnd::portFailed ||
+                              m_report.end == CommandEnd::portNotOpen || m_report.end == CommandEnd::failed;
+    if (thrownByPort && log.ownLine)
         log.ownLine();
 }

@@ -6,7 +6,8 @@
 #include <functional>
 #include <utility>
 
-/// What a command logs when something is thrown in it: the tag with the exception's text, then its own line.
+/// What a command logs when something is thrown in it: the tag with the exception's text, then, when the port
+/// threw it, its own line.
 struct FailureLog {
     FailureLog() = default;
     /// The text is the command's own line.

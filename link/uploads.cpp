@@ -174,6 +174,14 @@ bool awaitVerdict(CameraLine& line, const UploadKind& kind) {
     return good;
 }
 
+/// Logs the text that is current when the port throws, if there is one.
+FailureLog logOfPhase(const char* const& failureText) {
+    return {"command failed:", [&failureText] {
+                if (failureText != nullptr)
+                    diagnostics::line(failureText);
+            }};
+}
+
 /// Announcement to verdict. `failureText` is set to the line of the phase under way.
 bool transfer(CameraLine& line, const UploadKind& kind, Upload& upload, const std::string& name,
               const char*& failureText) {
@@ -204,11 +212,7 @@ bool transfer(CameraLine& line, const UploadKind& kind, Upload& upload, const st
 bool uploadRaw(CameraLine& line, const UploadKind& kind, const std::string& path, const std::string& name) {
     bool missing = false;
     const char* failureText = kind.unansweredText;
-    const FailureLog log("command failed:", [&] {
-        if (failureText != nullptr)
-            diagnostics::line(failureText);
-    });
-    const bool success = runCommand(line, LineUser::upload, log, false, [&] {
+    const bool success = runCommand(line, LineUser::upload, logOfPhase(failureText), false, [&] {
         Upload upload(line, path);
         if (upload.failed() != CommandEnd::done) {
             missing = upload.failed() == CommandEnd::fileMissing;
@@ -299,7 +303,7 @@ bool closeV1(CameraLine& line, std::uint32_t offset, std::uint32_t size) {
     return true;
 }
 
-bool transferV1(CameraLine& line, Upload& upload, const std::string& fileName) {
+bool transferV1(CameraLine& line, Upload& upload, const std::string& fileName, const char*& failureText) {
     line.setTimeouts(appV1AnnounceTimeoutMs, appV1AnnounceTimeoutMs);
     const UploadDigest digest = upload.digest();
     upload.beginTransfer();
@@ -309,6 +313,7 @@ bool transferV1(CameraLine& line, Upload& upload, const std::string& fileName) {
     const std::optional<Bytes> answer = announceV1(line, request);
     if (!answer)
         return false;
+    failureText = nullptr;
     line.pause(v1PauseAfterAnnouncements);
     const std::optional<std::uint32_t> offset = offsetV1(line, *answer);
     if (!offset)
@@ -379,7 +384,8 @@ bool CameraSp::modelUpdate() {
 }
 
 bool CameraSp::appUpdateV1(const std::string& fileName, const std::string& path) {
-    return runCommand(*m_line, LineUser::upload, v1UnansweredText, false, [&] {
+    const char* failureText = v1UnansweredText;
+    return runCommand(*m_line, LineUser::upload, logOfPhase(failureText), false, [&] {
         Upload upload(*m_line, path);
         if (upload.failed() == CommandEnd::fileMissing)
             diagnostics::line("appupdate2 file cant open");
@@ -387,6 +393,6 @@ bool CameraSp::appUpdateV1(const std::string& fileName, const std::string& path)
             m_line->setEnd(upload.failed());
             return false;
         }
-        return transferV1(*m_line, upload, fileName);
+        return transferV1(*m_line, upload, fileName, failureText);
     });
 }

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,8 +26,10 @@ struct Field {
     [[nodiscard]] constexpr std::size_t end() const { return offset + size; }
 };
 
-/// Thrown (as a plain text) by ByteView::get when the bytes end before the field does.
-inline constexpr const char* shortAnswerText = "answer too short";
+/// Thrown by ByteView::get when the bytes end before the field does.
+struct ShortAnswer : std::runtime_error {
+    ShortAnswer() : std::runtime_error("answer too short") {}
+};
 
 /// A borrowed, read-only, bounds-checked look at bytes. It never reads past its end:
 /// a missing field is an exception, a missing slice is empty.
@@ -46,11 +49,11 @@ public:
         return field.end() <= m_bytes.size();
     }
 
-    /// The field's value; throws shortAnswerText (const char*) when the bytes end before it.
+    /// The field's value; throws ShortAnswer when the bytes end before it.
     template <std::unsigned_integral T>
     [[nodiscard]] constexpr T get(Field<T> field) const {
         if (!has(field))
-            throw shortAnswerText;
+            throw ShortAnswer();
         std::uint64_t value = 0;
         for (std::size_t i = 0; i < sizeof(T); ++i)
             value |= static_cast<std::uint64_t>(m_bytes[field.offset + i]) << (8 * i);

@@ -47,7 +47,7 @@ struct PictureInfo {
     Bytes digest;                   ///< MD5 of the picture, 16 bytes
 };
 
-/// Both throw shortAnswerText for fewer bytes than a record has.
+/// Both throw ShortAnswer for fewer bytes than a record has.
 [[nodiscard]] PictureInfo parseOriginRecord(ByteView record);
 [[nodiscard]] PictureInfo parseV1Record(ByteView record);
 

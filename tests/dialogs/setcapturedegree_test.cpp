@@ -319,7 +319,7 @@ TEST_F(SetCaptureDegreeInMidFetch, StaysResponsive) {
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度:30,60");
 }
 
-TEST_F(SetCaptureDegreeInMidFetch, MayBeClosedAndTheResultIsDropped) {
+TEST_F(SetCaptureDegreeInMidFetch, EndsItsReadingWhenItIsClosed) {
     const QPointer<QWidget> window = open<SetCaptureDegree>();
     ASSERT_TRUE(m_held.waitForFirst());
     window->close();
@@ -327,7 +327,7 @@ TEST_F(SetCaptureDegreeInMidFetch, MayBeClosedAndTheResultIsDropped) {
     EXPECT_TRUE(window.isNull());
     m_held.release();
     settle();
-    EXPECT_EQ(requests(), readAll);
+    EXPECT_EQ(requests().size(), 1U);
 }
 
 TEST_F(SetCaptureDegreeInMidFetch, MayBeHiddenAndShowsTheResultAllTheSame) {

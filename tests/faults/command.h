@@ -79,7 +79,15 @@ std::ostream& operator<<(std::ostream& out, const Command& command);
 struct Lines {
     std::vector<std::string> good;
     std::vector<std::string> unanswered;
-    std::vector<std::string> lost{"command failed:*"};
+    std::vector<std::string> lost{}; ///< empty: the exception's line and the unanswered command's
+
+    [[nodiscard]] std::vector<std::string> whenLost() const {
+        if (!lost.empty())
+            return lost;
+        std::vector<std::string> all{"command failed:*"};
+        all.insert(all.end(), unanswered.begin(), unanswered.end());
+        return all;
+    }
 };
 
 /// What every command that waits for a whole frame does. Answers are found behind garbage and in pieces;

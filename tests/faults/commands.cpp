@@ -30,7 +30,7 @@ const char* nameOf(Ending ending) {
 Column frameColumn(const Lines& lines) {
     const Expected good{Ending::works, lines.good, {}};
     const Expected unanswered{Ending::fails, lines.unanswered, {}};
-    const Expected lost{Ending::fails, lines.lost, {}};
+    const Expected lost{Ending::fails, lines.whenLost(), {}};
     return {
         {"silent", unanswered},
         {"delay=60", good},

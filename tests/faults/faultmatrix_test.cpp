@@ -97,7 +97,7 @@ TEST(FaultMatrixTable, HasARowForEveryCommandOfTheClient) {
     std::ifstream in(CAMERA_SOURCE_DIR "/link/camerasp.h");
     const std::string header{std::istreambuf_iterator<char>(in), {}};
     std::set<std::string> methods =
-        methodsBetween(header, "// --- status and properties", "// --- life of the link");
+        methodsBetween(header, "// --- status and properties", "// --- the turn on the line");
     EXPECT_EQ(methods.erase("checkQuentaData"), 1U) << "reads the answers of the two JSON commands";
     std::set<std::string> rows;
     for (const Command& command : commands())

@@ -50,7 +50,7 @@ Command firstPiece() {
     const Expected other{otherValue, lines.good, {}};
     return row("getQuentaModbusPic", "first piece", "jsonPicture#1", &download, 2500ms, lines,
                {{"no-marker", other}, // adds nothing and does not fail
-                {"hang-up=200", {fails, lines.lost, {}}},
+                {"hang-up=200", {fails, lines.whenLost(), {}}},
                 {"no-size", sizeless},
                 {"size-text=\"x\"", sizeless},
                 {"size-text=99999999999", sizeless},
@@ -67,7 +67,7 @@ Command laterPiece() {
     const Expected other{otherValue, lines.good, {}};
     return row("getQuentaModbusPic", "later piece", "jsonPicture#2", &download, 250s, lines,
                {{"no-marker", other},
-                {"hang-up=200", {fails, lines.lost, {}}},
+                {"hang-up=200", {fails, lines.whenLost(), {}}},
                 {"short-json=13", other},
                 {"invalid-json", {works, lines.good, {}}}});
 }

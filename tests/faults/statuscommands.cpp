@@ -59,7 +59,7 @@ Command heartbeat() {
     const Expected nothing = other("");
     const Expected goodAndMore = other("AA5A110001?*");
     return row("testHeartBeat", "heartbeat", [](Bench& b) { return endingOf(b.client.testHeartBeat()); },
-               200ms, {{"hex str:AA5A110001"}, {"hex str:"}},
+               200ms, {{"hex str:AA5A110001"}, {"hex str:"}, {"command failed:*"}},
                {{"before=33", other("33AA1110001")},
                 {"before=AA", other("AAAA1110001")},
                 {"before=AA33", other("AA335A1110001")},
@@ -89,7 +89,7 @@ Command rawProperty() {
                 const auto answer = b.client.getCommonPropertyWithoutParse(3, 0x0F, 200, 100);
                 return endingOf(std::string(answer.begin(), answer.end()), std::string("3success"));
             },
-            200ms, {end, end},
+            200ms, {end, end, {"command failed:*"}},
             {{"delay=400", empty},
              {"glue", other},
              {"raw=414243", other},

@@ -16,7 +16,6 @@ constexpr const char* family = "Uploads";
 constexpr milliseconds announcementTries = 10s;
 /// Announcement, the pause of two seconds, the data with three writes that time out, ten reads for a verdict.
 constexpr milliseconds throughVerdict = 17s;
-const std::vector<std::string> lost{"command failed:*"};
 
 /// Success is one only when the camera has the file.
 Ending endingOfUpload(Bench& b, bool success) {
@@ -56,23 +55,25 @@ std::vector<std::string> joined(std::vector<std::string> lines, const std::strin
 }
 
 /// Of an image, in 15 bytes: what stands behind its announcement answer is not read with it.
-Column imageCells(const Lines& lines, const std::string& offsetLine, const char* refusedLine) {
+Column imageCells(const Lines& lines, const std::string& offsetLine, const char* refusedLine,
+                  const std::vector<std::string>& noVerdict) {
+    Expected lost{fails, joined(lines.good, "command failed:*"), throughVerdict};
+    lost.lines.insert(lost.lines.end(), noVerdict.begin(), noVerdict.end());
     const Expected good{works, lines.good, {}};
     const Expected short2{fails, {"command failed:answer too short"}, {}};
     const Expected refused{works, {refusedLine}, {}}; // says that it cannot, and takes it
-    return with(frameColumn(lines),
-                {{"glue", good},
-                 {"stray=1", good},
-                 {"delay=1500", good},
-                 {"payload=0", short2},
-                 {"payload=2", short2},
-                 {"result=1", refused},
-                 {"result=0xFF", refused},
-                 {"refuse", short2},
-                 {"upload-hang-up=50", {fails, joined(lines.good, "command failed:*"), throughVerdict}},
-                 {"upload-hang-up=100", {fails, joined(lines.good, "command failed:*"), throughVerdict}},
-                 {"stall=50,600", {works, lines.good, throughVerdict}},
-                 {"offset=0xFFFFFFFF", {fails, {offsetLine}, {}}}});
+    return with(frameColumn(lines), {{"glue", good},
+                                     {"stray=1", good},
+                                     {"delay=1500", good},
+                                     {"payload=0", short2},
+                                     {"payload=2", short2},
+                                     {"result=1", refused},
+                                     {"result=0xFF", refused},
+                                     {"refuse", short2},
+                                     {"upload-hang-up=50", lost},
+                                     {"upload-hang-up=100", lost},
+                                     {"stall=50,600", {works, lines.good, throughVerdict}},
+                                     {"offset=0xFFFFFFFF", {fails, {offsetLine}, {}}}});
 }
 
 Command appUpdate() {
@@ -88,7 +89,8 @@ Command appUpdate() {
             return endingOfUpload(b, b.client.appUpdate());
         },
         announcementTries, lines,
-        with(imageCells(lines, "can update,offset is ffffffff", "cant update"),
+        with(imageCells(lines, "can update,offset is ffffffff", "cant update",
+                        {"appupdate update-end failed"}),
              {{"offset=100", wrongOffset("64")},
               {"offset=size", wrongOffset("514")},
               {"offset=size+1", wrongOffset("515")},
@@ -115,7 +117,7 @@ Command firewareUpdate() {
             return endingOfUpload(b, b.client.firewareUpdate());
         },
         announcementTries, lines,
-        with(imageCells(lines, "fireware can update,offset is -1", "fireware cant update"),
+        with(imageCells(lines, "fireware can update,offset is -1", "fireware cant update", {}),
              {{"upload-hang-up=100", {works, lines.good, {}}}, // nobody can know of it
               {"offset=100", wrongOffset("100")},
               {"offset=size", wrongOffset("1300")},
@@ -156,8 +158,8 @@ Command modelUpdate() {
               {"verdict=1", {fails, ended("1"), {}}},
               {"verdict-delay=12000", {works, lines.good, patient}},
               {"no-verdict", {fails, noVerdict, patient}},
-              {"upload-hang-up=50", {fails, {accepted, "command failed:*"}, throughVerdict}},
-              {"upload-hang-up=100", {fails, {accepted, "command failed:*"}, throughVerdict}},
+              {"upload-hang-up=50", {fails, joined(noVerdict, "command failed:*"), throughVerdict}},
+              {"upload-hang-up=100", {fails, joined(noVerdict, "command failed:*"), throughVerdict}},
               {"stall=50,600", {works, lines.good, throughVerdict}},
               {"stall=50,3000",
                {fails, joined(noVerdict, "Warning :write length !=targetGap  writeLength:*"),
@@ -181,7 +183,8 @@ Command rowV1(const char* part, const char* request, milliseconds longest, Colum
 
 Command firstAnnouncement() {
     // The four that follow are answered.
-    const Lines lines{closed, joined(closed, "appupdateV1 queryCanUpdate checkfailed")};
+    const std::string unanswered = "appupdateV1 queryCanUpdate checkfailed";
+    const Lines lines{closed, joined(closed, unanswered), {"command failed:*", unanswered}};
     Column cells = with(frameColumn(lines), {{"length=-1", {}}, {"result=1", {}}, {"payload=2", {}}});
     for (auto& [fault, expected] : cells) {
         const bool gone = fault.starts_with("hang-up");
@@ -218,7 +221,7 @@ Command everyAnnouncement() {
 
 Command everyPacket() {
     const std::vector<std::string> missed{"continue last cmd"};
-    const Lines lines{closed, missed};
+    const Lines lines{closed, missed, {"command failed:*"}};
     Command command = rowV1("every closing packet", "packetV1", 76s,
                             with(frameColumn(lines), {// each answer comes with the next packet's
                                                       {"late", {works, joined(closed, missed.front()), {}}},
@@ -229,7 +232,7 @@ Command everyPacket() {
 
 Command lastPacket() {
     // The result of the tenth is the last one that came.
-    const Lines lines{closed, joined(closed, "continue last cmd")};
+    const Lines lines{closed, joined(closed, "continue last cmd"), {"command failed:*"}};
     Column cells = with(frameColumn(lines), {{"result=1", {works, {"packageResult:1"}, {}}},
                                              {"result=2", {fails, {"now packageResult:2"}, {}}}});
     for (auto& [fault, expected] : cells) {

@@ -130,8 +130,8 @@ TEST(Records, OfTheFirstGenerationAreReadAndBuiltByTheSameLayout) {
 }
 
 TEST(Records, APartOfARecordIsRefused) {
-    EXPECT_THROW((void)parseOriginRecord(Bytes(10)), const char*);
-    EXPECT_THROW((void)parseV1Record(Bytes(16)), const char*);
+    EXPECT_THROW((void)parseOriginRecord(Bytes(10)), ShortAnswer);
+    EXPECT_THROW((void)parseV1Record(Bytes(16)), ShortAnswer);
 }
 
 TEST(PictureSize, IsFoundByIdAndIsFourOnesOtherwise) {
