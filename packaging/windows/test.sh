@@ -5,12 +5,8 @@
 # Usage: packaging/windows/test.sh [--no-build] [--pictures]      --pictures: copies what docs/windows.md shows
 . "$(dirname "$0")/../../scripts/lib.sh"
 
-here=$project_root/packaging/windows
 out=$project_root/out/windows
-program=$out/program
-lines=$out/lines
-wine=(env "LOCPATH=$out/locale" LC_ALL=zh_CN.UTF-8 /usr/lib/wine/wine64)
-started=()
+. "$project_root/packaging/windows/wine.sh"
 
 # Name in docs/images, what it is made of in out/windows, which one of those of that name.
 chosen=(
@@ -22,92 +18,7 @@ chosen=(
   "windows-serial-number tour/*-sn-success 1"
 )
 
-# --- what is needed ------------------------------------------------------------------------------------------
-
-# A filled folder, or the archive of one beside the repository.
-find_dependencies() {
-  local folder archive=$project_root/../shared/windows-deps.tar.xz
-  folder=$(windows_dependencies_folder)
-  if ! has_windows_dependencies "$folder" && [ -e "$archive" ]; then
-    "$here/build-dependencies.sh" --archive "$archive" "$folder"
-  fi
-  if ! has_windows_dependencies "$folder"; then
-    say "no Windows test: there is no Qt for Windows in $folder (packaging/windows/build-dependencies.sh)"
-    exit 0
-  fi
-  export CAMERA_WINDOWS_DEPS=$folder
-}
-
-# The programs with all that they need beside them, as on a Windows machine.
-lay_out_programs() {
-  local library plugin
-  rm -rf "$program"
-  mkdir -p "$program"
-  cp "$project_root"/build/mingw/{app,demo,emulator}/*.exe "$CAMERA_WINDOWS_DEPS"/qt/bin/*.dll "$program"
-  for plugin in platforms imageformats styles; do
-    cp -r "$CAMERA_WINDOWS_DEPS/qt/plugins/$plugin" "$program"
-  done
-  for library in libgcc_s_seh-1 libstdc++-6 libwinpthread-1; do
-    cp "$(x86_64-w64-mingw32-g++-posix "-print-file-name=$library.dll")" "$program"
-  done
-}
-
-stop_windows() {
-  /usr/lib/wine/wineserver64 --kill=15 2>/dev/null || true
-  /usr/lib/wine/wineserver64 --wait
-}
-
-# A Windows of its own with Chinese settings: its code page is 936.
-make_windows() {
-  export WINEPREFIX=$out/prefix WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
-  rm -rf "$WINEPREFIX" "$lines"
-  mkdir -p "$lines" "$out/locale"
-  [ -d "$out/locale/zh_CN.UTF-8" ] || localedef -f UTF-8 -i zh_CN "$out/locale/zh_CN.UTF-8"
-  DISPLAY= "${wine[@]}" wineboot --init >/dev/null 2>&1
-  { printf '\xff\xfe' && iconv -f UTF-8 -t UTF-16LE "$here/wine-prefix.reg"; } >"$out/wine-prefix.reg"
-  DISPLAY= "${wine[@]}" regedit "$out/wine-prefix.reg"
-  stop_windows # its desktop has no display
-  local port
-  for port in com5 com6 com12; do
-    ln -sfn "$lines/$port" "$WINEPREFIX/dosdevices/$port"
-  done
-  # A port that refuses to be opened, as one does that another program has open.
-  ln -sfn "$lines" "$WINEPREFIX/dosdevices/com19"
-}
-
 # --- running -------------------------------------------------------------------------------------------------
-
-# in_background LOG COMMAND...: its output goes into out/windows/LOG.
-in_background() {
-  local log=$1
-  shift
-  "$@" >"$out/$log" 2>&1 </dev/null &
-  started+=($!)
-}
-
-clean_up() {
-  local process
-  for process in "${started[@]}"; do
-    kill "$process" 2>/dev/null || true
-  done
-  if [ -n "${WINEPREFIX:-}" ]; then
-    stop_windows
-  fi
-}
-
-# wait_for LOG TEXT [SECONDS]
-wait_for() {
-  local tries
-  for ((tries = 0; tries < ${3:-30} * 5; tries++)); do
-    if grep -qF -- "$2" "$out/$1" 2>/dev/null; then
-      say "$1: $2"
-      return
-    fi
-    sleep 0.2
-  done
-  tail -n 20 "$out/$1" >&2
-  fail "$1 does not say: $2"
-}
 
 # press KEY...: to the window that has the focus.
 press() {
@@ -165,7 +76,7 @@ tour_windows() {
 # their answer, which a machine under load may miss: the tour is taken twice at most, and says so.
 prove_tour() {
   say "the tour, COM12 to COM6"
-  in_background line.log "$here/portpair.py" "$lines/com12" "$lines/com6"
+  in_background line.log "$windows_folder/portpair.py" "$lines/com12" "$lines/com6"
   wait_for line.log joined
   local attempt code=1
   for attempt in 1 2; do
@@ -187,7 +98,7 @@ prove_camera() {
   say "the virtual camera on COM6"
   in_background windows-camera.log "${wine[@]}" "$program/virtual-camera.exe" --device COM6
   wait_for windows-camera.log "on COM6"
-  "$here/heartbeat.py" "$lines/com12"
+  "$windows_folder/heartbeat.py" "$lines/com12"
   wait_for windows-camera.log heartbeat
 }
 
@@ -212,15 +123,15 @@ prove() {
 
 main() {
   find_dependencies
-  ensure_packages "${windows_build_packages[@]}" "${build_packages[@]}" wine64 xvfb xauth xdotool imagemagick locales \
-    fonts-noto-cjk python3
+  ensure_packages "${windows_build_packages[@]}" "${build_packages[@]}" "${wine_packages[@]}" xvfb xauth xdotool \
+    imagemagick fonts-noto-cjk python3
   use_utf8_locale
   if [[ " $* " != *" --no-build "* ]]; then
     configure_and_build mingw -DCAMERA_WARNINGS_AS_ERRORS=ON
     configure_and_build release --target virtual-camera
   fi
   local start=$SECONDS
-  lay_out_programs
+  lay_out_programs app demo emulator
   xvfb-run --auto-servernum --server-args='-screen 0 1280x1024x24' "$0" --prove
   say "the Windows programs work under Wine, proven in $((SECONDS - start)) s; pictures in $out"
   if [[ " $* " == *" --pictures "* ]]; then
