@@ -4,12 +4,14 @@
 #include "emulator/ptyfront.h"
 
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <memory>
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace bench {
@@ -21,6 +23,8 @@ using emulator::PtyFront;
 using emulator::VirtualCamera;
 
 constexpr std::size_t nameSize = 256;
+/// A buffer of the line takes less, at any pace that is measured.
+constexpr std::chrono::seconds patience{30};
 
 Arrivals uploadArrivals(const CameraRecord& record) {
     if (record.uploads.empty() || !record.uploads.back().firstByteAt)
@@ -98,5 +102,18 @@ FarEnd::FarEnd(emulator::CameraType type, std::uint32_t bytesPerSecond, const Pr
                               [](VirtualCamera& camera) { return uploadArrivals(camera.record()); });
                       }};
       }) {}
+
+Arrivals FarEnd::wholeUpload(std::size_t size) {
+    using namespace std::chrono_literals;
+    const auto end = std::chrono::steady_clock::now() + patience;
+    Arrivals arrived = arrivals();
+    while (arrived.bytes < size && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(10ms);
+        arrived = arrivals();
+    }
+    if (arrived.bytes != size || !arrived.intact)
+        throw std::runtime_error("the far end received other bytes");
+    return arrived;
+}
 
 } // namespace bench

@@ -51,6 +51,10 @@ class FarEnd final : public ChildProcess {
 public:
     using Prepare = std::function<void(emulator::PtyFront&)>;
     FarEnd(emulator::CameraType type, std::uint32_t bytesPerSecond, const Prepare& prepare = {});
+
+    /// Waits for the last bytes, which are on the line when the sender has ended. Throws when they do not
+    /// come or the digest is wrong.
+    [[nodiscard]] Arrivals wholeUpload(std::size_t size);
 };
 
 } // namespace bench

@@ -1,6 +1,7 @@
 // line_bench: measures the camera client on a line. The tables go to standard output as Markdown.
 #include "bench/exchanges.h"
 #include "bench/lognowhere.h"
+#include "bench/senders.h"
 #include "bench/transfers.h"
 
 #include <cstdio>
@@ -15,10 +16,15 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* usage =
-    "usage: line_bench [--picture BYTES] [--file BYTES] [--pace BYTES_PER_SECOND] "
-    "[--rounds N] [--exchanges N] [--rule TEXT] [--largest BYTES]\n                  [--csv FILE]\n"
+    "usage: line_bench [--picture BYTES] [--file BYTES] [--pace BYTES_PER_SECOND] [--rounds N]\n"
+    "                  [--exchanges N] [--rule TEXT] [--largest BYTES] [--csv FILE]\n"
+    "       line_bench --sender WORD... --sender-link PATH [--file BYTES] [--pace BYTES_PER_SECOND]\n"
+    "                  [--rounds N] [--csv FILE]\n"
     "--rule: only exchanges whose name contains the text\n"
-    "0 exchanges, a picture, file or largest file of 0 bytes: that part is left out\n";
+    "0 exchanges, a picture, file or largest file of 0 bytes: that part is left out\n"
+    "--sender: measures uploads by another program, nothing else; a word of the command that starts\n"
+    "          upload_sender with its port, repeated for each word\n"
+    "--sender-link: path at which upload_sender looks for that port\n";
 
 struct Options {
     bench::TransferSizes sizes{200000, 4 << 20};
@@ -26,6 +32,7 @@ struct Options {
     std::string rule;                 ///< a part of the names of the rules to measure; empty: all
     std::uint32_t largest = 64 << 20; ///< bytes of the largest upload
     std::string csv;
+    bench::Sender sender; ///< no program: the client in this process is measured
 };
 
 std::uint32_t numberIn(const std::string& text) {
@@ -51,6 +58,8 @@ Options parse(const std::vector<std::string>& arguments) {
         {"--rule", [&](const std::string& t) { options.rule = t; }},
         {"--largest", [&](const std::string& t) { options.largest = numberIn(t); }},
         {"--csv", [&](const std::string& t) { options.csv = fs::absolute(t).string(); }},
+        {"--sender", [&](const std::string& t) { options.sender.program.push_back(t); }},
+        {"--sender-link", [&](const std::string& t) { options.sender.link = fs::absolute(t).string(); }},
     };
     for (std::size_t i = 0; i < arguments.size(); i += 2) {
         const auto option = known.find(arguments[i]);
@@ -58,6 +67,8 @@ Options parse(const std::vector<std::string>& arguments) {
             throw std::invalid_argument(arguments[i]);
         option->second(arguments[i + 1]);
     }
+    if (options.sender.program.empty() != options.sender.link.empty())
+        throw std::invalid_argument("--sender and --sender-link belong together");
     return options;
 }
 
@@ -83,10 +94,7 @@ private:
     fs::path m_path;
 };
 
-int run(const Options& options) {
-    const WorkingDirectory directory;
-    const bench::LogToNowhere quiet;
-    bench::Results results;
+void measureClient(bench::Results& results, const Options& options) {
     if (options.sizes.picture > 0)
         bench::measureDownloads(results, options.sizes);
     if (options.exchanges > 0)
@@ -95,6 +103,16 @@ int run(const Options& options) {
         bench::measureUploads(results, options.sizes);
     if (options.largest > 0)
         bench::measureUploadGrowth(results, options.largest);
+}
+
+int run(const Options& options) {
+    const WorkingDirectory directory;
+    const bench::LogToNowhere quiet;
+    bench::Results results;
+    if (options.sender.program.empty())
+        measureClient(results, options);
+    else
+        bench::measureSender(results, options.sender, options.sizes);
     if (!options.csv.empty() && !results.writeCsv(options.csv))
         throw std::runtime_error("cannot write " + options.csv);
     std::fprintf(stderr, "%d figures miss their goal\n", results.missed());

@@ -1,6 +1,7 @@
 #include "bench/relay.h"
 
 #include "bench/measure.h"
+#include "bench/process.h"
 #include "emulator/pace.h"
 #include "emulator/terminal.h"
 
@@ -15,7 +16,6 @@
 #include <optional>
 #include <sstream>
 #include <stdexcept>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -29,20 +29,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::uint32_t anyBaudRate = 460800;
 constexpr int tickMs = 2;
 constexpr std::size_t bufferSize = 4096;
-
-/// In the child between fork and exec: the descriptors become standard input and output.
-[[noreturn]] void become(const std::vector<std::string>& program, int input, int output) {
-    ::dup2(input, STDIN_FILENO);
-    ::dup2(output, STDOUT_FILENO);
-    const int nowhere = ::open("/dev/null", O_WRONLY);
-    ::dup2(nowhere, STDERR_FILENO);
-    std::vector<char*> arguments;
-    for (const std::string& word : program)
-        arguments.push_back(const_cast<char*>(word.c_str()));
-    arguments.push_back(nullptr);
-    ::execvp(arguments.front(), arguments.data());
-    ::_exit(127);
-}
 
 /// One direction: from a descriptor to another at the pace.
 class Lane {
@@ -144,17 +130,6 @@ PacedRelay::PacedRelay(const std::vector<std::string>& receiver, const std::stri
           const auto relay = std::make_shared<Relay>(receiver, directory, bytesPerSecond);
           return Side{[relay] { return relay->portName(); }, [relay] { return relay->arrivals(); }};
       }) {}
-
-int runOnPort(const std::vector<std::string>& program, const std::string& portName) {
-    const int child = ::fork();
-    if (child == 0) {
-        const int port = ::open(portName.c_str(), O_RDWR | O_NOCTTY);
-        become(program, port, port);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
 
 bool isInstalled(const std::string& program) {
     const char* const path = std::getenv("PATH");

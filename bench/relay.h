@@ -13,9 +13,6 @@ public:
                std::uint32_t bytesPerSecond);
 };
 
-/// Runs the program on the port (as its standard input and output) to its end; its exit code.
-int runOnPort(const std::vector<std::string>& program, const std::string& portName);
-
 /// Whether a program of this name is found.
 [[nodiscard]] bool isInstalled(const std::string& program);
 

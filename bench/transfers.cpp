@@ -2,6 +2,9 @@
 
 #include "bench/farend.h"
 #include "bench/measure.h"
+#include "bench/plaincopy.h"
+#include "bench/process.h"
+#include "bench/randomfile.h"
 #include "bench/relay.h"
 #include "emulator/ptyfront.h"
 #include "link/camerasp.h"
@@ -12,11 +15,8 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <random>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace bench {
 
@@ -25,20 +25,12 @@ namespace {
 using emulator::CameraType;
 using protocol::Bytes;
 
-constexpr std::uint32_t baudRate = 460800;
 constexpr std::uint32_t downloadTimeoutMs = 50; // as the catalogue leaves it
 constexpr std::uint8_t pictureId = 5;
 constexpr std::size_t readBlock = 512;
 /// The pace lets a fiftieth of a second pass at once after a silence.
 constexpr double paceAllowance = 1.0 / 50;
 constexpr double megabyte = 1 << 20;
-
-Bytes randomBytes(std::size_t size) {
-    std::mt19937 source(1);
-    Bytes bytes(size);
-    std::generate(bytes.begin(), bytes.end(), [&source] { return static_cast<std::uint8_t>(source()); });
-    return bytes;
-}
 
 struct Run {
     double seconds = 0;
@@ -132,41 +124,12 @@ constexpr UploadWay appWay{"application image", protocol::Command::appAnnounce, 
 constexpr UploadWay systemWay{"system image (flushes every 512 bytes)", protocol::Command::firewareAnnounce,
                               true, &CameraSp::setFirewareFilePath, &CameraSp::firewareUpdate};
 
-void writeRandomFile(const std::string& path, std::uint32_t size) {
-    const Bytes content = randomBytes(size);
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(size));
-}
-
-Arrivals whole(ChildProcess& farEnd, std::size_t size) {
-    Arrivals arrivals = farEnd.arrivals();
-    while (arrivals.bytes < size) { // the last bytes are on the line
-        ::usleep(10000);
-        arrivals = farEnd.arrivals();
-    }
-    if (!arrivals.intact)
-        throw std::runtime_error("the far end received other bytes");
-    return arrivals;
-}
-
-/// The same announcement and pause, then the bytes: in one go, or in flushed slices as the client has to.
+/// In one go, or in flushed slices as the client has to.
 Arrivals copyBare(const UploadWay& way, const Bytes& content, std::uint32_t pace) {
     FarEnd farEnd(CameraType::ostra, pace);
-    serial::Serial port(farEnd.portName(), baudRate, constantTimeouts(600000));
-    const Bytes digest = digestOf(content, [](auto, auto) { return true; })->bytes;
-    port.write(protocol::buildFrame(
-        protocol::code(way.command),
-        protocol::buildAnnouncement(static_cast<std::uint32_t>(content.size()), digest), 1));
-    Bytes answer;
-    port.read(answer, 15);
-    ::sleep(2);
-    const std::size_t step = way.flushes ? protocol::rawChunkSize : content.size();
-    for (std::size_t at = 0; at < content.size(); at += step) {
-        if (way.flushes)
-            port.flush();
-        port.write(content.data() + at, std::min(step, content.size() - at));
-    }
-    return whole(farEnd, content.size());
+    copyPlainly({way.command, way.flushes ? protocol::rawChunkSize : content.size(), way.flushes},
+                farEnd.portName(), content);
+    return farEnd.wholeUpload(content.size());
 }
 
 struct Upload {
@@ -183,7 +146,7 @@ Upload uploadByClient(const UploadWay& way, const std::string& path, std::uint32
     const Stopwatch watch;
     if (!(client.*way.upload)())
         throw std::runtime_error("the upload failed");
-    return {whole(farEnd, size), watch.cpuSeconds(), static_cast<double>(memory.growthBytes())};
+    return {farEnd.wholeUpload(size), watch.cpuSeconds(), static_cast<double>(memory.growthBytes())};
 }
 
 /// Returns the seconds from the first to the last byte of the client's upload.
@@ -254,7 +217,7 @@ void measureProtocol(Results& results, const Protocol& protocol, const std::stri
     PacedRelay relay(protocol.receiver, folder, pace);
     std::vector<std::string> sender = protocol.sender;
     sender.push_back(path);
-    const int code = runOnPort(sender, relay.portName());
+    const int code = runOn(sender, relay.portName());
     const Arrivals arrivals = relay.arrivals();
     if (code != 0 || arrivals.bytes < size) {
         results.remark(words + "did not get through (code " + std::to_string(code) + ", " +
