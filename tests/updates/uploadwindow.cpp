@@ -19,7 +19,6 @@ using emulator::VirtualCamera;
 
 namespace {
 
-constexpr auto dialogPoll = 5ms;
 constexpr auto shortPause = 3ms;
 
 const QStringList exchangeControls{
@@ -51,21 +50,6 @@ const WindowUpload modelUpload{"Model",
 
 void PrintTo(const WindowUpload& upload, std::ostream* out) {
     *out << upload.name;
-}
-
-FileChooser::FileChooser(QString path) : m_path(std::move(path)) {
-    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { answer(); });
-    m_timer.start(dialogPoll);
-}
-
-void FileChooser::answer() {
-    auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-    if (dialog == nullptr)
-        return;
-    m_seen.push_back({dialog->windowTitle(), dialog->nameFilters(), dialog->parent()});
-    if (!m_path.isEmpty()) // typed: selectFile leaves a name field alone that has the focus
-        find<QLineEdit>(*dialog, "fileNameEdit")->setText(m_path);
-    QMetaObject::invokeMethod(dialog, m_path.isEmpty() ? "reject" : "accept");
 }
 
 /// What the link was asked to sleep, from any thread.

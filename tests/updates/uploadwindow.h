@@ -7,31 +7,11 @@
 #include "tests/gui/support/printing.h"
 #include "tests/support/stdoutcapture.h"
 
-#include <QFileDialog>
-
 #include <gtest/gtest.h>
 
 #include <functional>
 
-/// Answers the next file dialogs as long as it lives: chooses the path, or cancels if that is empty.
-class FileChooser {
-public:
-    explicit FileChooser(QString path);
-
-    struct Seen {
-        QString title;
-        QStringList filters;
-        QObject* parent = nullptr;
-    };
-    [[nodiscard]] const std::vector<Seen>& seen() const { return m_seen; }
-
-private:
-    void answer();
-
-    QString m_path;
-    std::vector<Seen> m_seen;
-    QTimer m_timer;
-};
+using guitest::FileChooser;
 
 /// One kind of upload as the window offers it.
 struct WindowUpload {

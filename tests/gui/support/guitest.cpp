@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -20,7 +21,7 @@ namespace guitest {
 
 namespace {
 
-constexpr int boxPollMs = 5;
+constexpr int dialogPollMs = 5;
 constexpr int indicatorInset = 8; // pixels
 
 // The debug stream is written by pool threads as well.
@@ -83,7 +84,7 @@ BoxAnswerer::BoxAnswerer() : BoxAnswerer(QMessageBox::Ok) {}
 
 BoxAnswerer::BoxAnswerer(int button) : m_button(button) {
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { answer(); });
-    m_timer.start(boxPollMs);
+    m_timer.start(dialogPollMs);
 }
 
 bool BoxAnswerer::waitFor(std::size_t count, int timeoutMs) {
@@ -104,6 +105,21 @@ void BoxAnswerer::answer() {
     if (chosen == nullptr)
         chosen = box->button(QMessageBox::Ok);
     chosen->click();
+}
+
+FileChooser::FileChooser(QString path) : m_path(std::move(path)) {
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { answer(); });
+    m_timer.start(dialogPollMs);
+}
+
+void FileChooser::answer() {
+    auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    if (dialog == nullptr)
+        return;
+    m_seen.push_back({dialog->windowTitle(), dialog->nameFilters(), dialog->parent()});
+    if (!m_path.isEmpty()) // typed: selectFile leaves a name field alone that has the focus
+        find<QLineEdit>(*dialog, "fileNameEdit")->setText(m_path);
+    QMetaObject::invokeMethod(dialog, m_path.isEmpty() ? "reject" : "accept");
 }
 
 DebugLog::DebugLog() : m_previous(qInstallMessageHandler(keepLine)) {

@@ -80,6 +80,26 @@ private:
     QTimer m_timer;
 };
 
+/// Answers the next file dialogs as long as it lives: chooses the path, or cancels if that is empty.
+class FileChooser {
+public:
+    explicit FileChooser(QString path);
+
+    struct Seen {
+        QString title;
+        QStringList filters;
+        QObject* parent = nullptr;
+    };
+    [[nodiscard]] const std::vector<Seen>& seen() const { return m_seen; }
+
+private:
+    void answer();
+
+    QString m_path;
+    std::vector<Seen> m_seen;
+    QTimer m_timer;
+};
+
 /// Collects the lines of the Qt debug stream as long as it lives; blanks at the ends are kept.
 class DebugLog {
 public:
