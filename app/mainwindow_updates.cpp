@@ -132,7 +132,7 @@ void MainWindow::runTask(Task*& task, void (Task::*ended)(bool), void (MainWindo
 }
 
 void MainWindow::beginUpload() {
-    m_statusLine->showState(tr("正在升级，请勿断电、勿拔线"));
+    m_statusLine->holdState(tr("正在升级，请勿断电、勿拔线"));
     m_interruptible = true;
     m_addressHold.emplace(*m_camera);
     m_keepAwake = std::make_unique<KeepAwake>();
@@ -228,6 +228,7 @@ bool MainWindow::confirmInterruption() {
 
 void MainWindow::endInterruptible() {
     m_interruptible = false;
+    m_statusLine->releaseState();
     m_addressHold.reset();
     m_keepAwake.reset();
     m_lineWait->finish();

@@ -43,12 +43,19 @@ void StatusLine::setLinkText(const QString& text) {
 }
 
 void StatusLine::showState(const QString& text) {
-    m_bar->showMessage(text);
+    if (!m_held)
+        m_bar->showMessage(text);
+}
+
+void StatusLine::holdState(const QString& text) {
+    m_held = false;
+    showState(text);
+    m_held = true;
 }
 
 void StatusLine::showOutcome(const QString& text) {
     const bool adapterGone = m_client != nullptr && m_client->portFailed();
-    m_bar->showMessage(QTime::currentTime().toString(QStringLiteral("HH:mm:ss  ")) +
+    showState(QTime::currentTime().toString(QStringLiteral("HH:mm:ss  ")) +
                        (adapterGone ? tr("串口转接器已断开，请插好后关闭并重新打开串口") : text));
 }
 

@@ -30,6 +30,9 @@ public:
 
     /// Shows a message until the next one.
     void showState(const QString& text);
+    /// Shows a message until it is released: what other actions tell meanwhile is not shown.
+    void holdState(const QString& text);
+    void releaseState() { m_held = false; }
     /// Shows how an action ended, with the time of day; when the adapter is gone, that instead.
     void showOutcome(const QString& text);
     /// Whether anything has been said yet.
@@ -56,4 +59,5 @@ private:
     std::vector<std::weak_ptr<const LinkUse>> m_uses;
     QString m_runningText; ///< the last one of showRunning
     QTimer m_tick;
+    bool m_held = false;
 };

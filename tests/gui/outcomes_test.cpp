@@ -12,13 +12,19 @@
 #include "tests/gui/support/printing.h"
 #include "tests/pictures/scriptedcamera.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
 #include <QInputDialog>
 #include <QLabel>
 #include <QListView>
 #include <QMenu>
+#include <QMessageBox>
 #include <QRegularExpression>
 #include <QStatusBar>
 #include <QThreadPool>
+
+#include <algorithm>
 
 using namespace guitest;
 using namespace std::chrono_literals;
@@ -67,6 +73,17 @@ protected:
     std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
 };
 
+/// Every message of the status bar, in order.
+struct Messages {
+    explicit Messages(const QWidget& window) {
+        QObject::connect(find<QStatusBar>(window, "statusbar"), &QStatusBar::messageChanged, &listener,
+                         [this](const QString& text) { texts.append(text); });
+    }
+
+    QStringList texts;
+    QObject listener;
+};
+
 constexpr const char* adviceNoAnswer = "没有应答，请检查接线、从机地址和波特率";
 
 } // namespace
@@ -98,13 +115,10 @@ TEST_F(Outcomes, WholeVersionQueryIsDone) {
 // --- taking a picture ------------------------------------------------------------------------------------
 
 TEST_F(Outcomes, CaptureIsToldBeforeItStarts) {
-    QStringList messages;
-    const QObject listener;
-    QObject::connect(find<QStatusBar>(*window, "statusbar"), &QStatusBar::messageChanged, &listener,
-                     [&](const QString& text) { messages.append(text); });
+    const Messages messages(*window);
     takePicture();
-    ASSERT_GE(messages.size(), 2);
-    EXPECT_EQ(messages.front(), "正在拍照…");
+    ASSERT_GE(messages.texts.size(), 2);
+    EXPECT_EQ(messages.texts.front(), "正在拍照…");
 }
 
 TEST_F(Outcomes, CaptureTellsThatTheDeletionWasNotAnswered) {
@@ -320,4 +334,79 @@ TEST(StatusLine, DoesNotCountShortCommands) {
     line.useBegan(use);
     line.keepCounting();
     EXPECT_EQ(bar.currentMessage(), "正在读取图片列表…");
+}
+
+// --- an upload while a download has the line ------------------------------------------------------------
+
+namespace {
+
+/// The camera refuses to take a picture; the older one that it lists never becomes whole.
+class WaitingUpload : public Outcomes {
+protected:
+    WaitingUpload() {
+        scripted::writeFile("app.bin", {'a', 'b', 'c'});
+        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        const FileChooser chooser(QDir::current().absoluteFilePath("app.bin"));
+        click(*window, "btn_apppath");
+        camera.willSay(0x08, 0);
+        camera.willSay(0x06, 1);
+        camera.willList(0x07, {scripted::record(scripted::originRecord, 7, 5, 1000)});
+        takePicture();
+        EXPECT_TRUE(eventually([] { return DebugLog::has("pic start  5    1000"); }));
+        click(*window, "btn_appupdate");
+    }
+
+    [[nodiscard]] QString progress() const { return text(*window, "label_transfer"); }
+    static QMessageBox* question() {
+        for (QMessageBox* const box : openWindows<QMessageBox>()) {
+            if (box->windowTitle() == "图片下载没有结束")
+                return box;
+        }
+        return nullptr;
+    }
+    /// After three seconds without a byte.
+    static bool asks() {
+        return eventually([] { return question() != nullptr; }, 8000);
+    }
+    [[nodiscard]] bool announced() const {
+        const std::vector<int> codes = camera.codes();
+        return std::count(codes.begin(), codes.end(), 0x1B) == 1;
+    }
+};
+
+} // namespace
+
+TEST_F(WaitingUpload, IsShownWithWhatHoldsTheLine) {
+    EXPECT_TRUE(eventually([this] { return progress() == "等待线路空闲（正在下载图片）"; }));
+    EXPECT_FALSE(announced());
+}
+
+TEST_F(WaitingUpload, EndsAnEndlessDownloadAfterAQuestion) {
+    ASSERT_TRUE(asks());
+    const Messages messages(*window);
+    question()->button(QMessageBox::Yes)->click();
+    BoxAnswerer result;
+    ASSERT_TRUE(result.waitFor(1));
+    EXPECT_EQ(result.seen().front().text, "升级已完成，结果:失败！");
+    EXPECT_TRUE(announced());
+    EXPECT_FALSE(messages.texts.filter(QString("升级没有成功：") + adviceNoAnswer).isEmpty());
+}
+
+TEST_F(WaitingUpload, WarningStaysWhileOtherActionsEnd) {
+    EXPECT_EQ(statusText(*window), "正在升级，请勿断电、勿拔线");
+    QTimer::singleShot(50, window.get(), [] {
+        if (auto* const dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget()))
+            dialog->accept();
+    });
+    trigger(*window, "actionOriginCmdExtraAdd"); // stays enabled during an upload
+    EXPECT_EQ(statusText(*window), "正在升级，请勿断电、勿拔线");
+}
+
+TEST_F(WaitingUpload, KeepsWaitingOnNo) {
+    ASSERT_TRUE(asks());
+    question()->button(QMessageBox::No)->click();
+    EXPECT_TRUE(eventually([] { return question() == nullptr; }));
+    EXPECT_EQ(progress(), "等待线路空闲（正在下载图片）");
+    EXPECT_FALSE(announced());
+    EXPECT_TRUE(asks()) << "asked again while the download stands still";
 }
