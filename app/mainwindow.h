@@ -125,9 +125,9 @@ private:
     void startFirewareUpdate();
     void startModelUpdate();
     /// Starts the task with the exchange controls disabled and shows its result, if the link is still the
-    /// same.
+    /// same. False when the system starts no thread: then the controls are enabled again.
     template <typename Task>
-    void runTask(Task*& task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool));
+    bool runTask(Task*& task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool));
     /// Keeps everybody else from the line until the result is shown.
     void beginUpload();
     void disablePressed(QPushButton* button, bool started);

@@ -82,10 +82,12 @@ void MainWindow::startAppUpdate() {
         const QString fileName = QFileInfo(m_appPath).fileName();
         qDebug() << "get fileName " << fileName;
         m_appUpdateV1Task = new AppUpdateV1Task(client(), m_appPath, fileName, this);
-        runTask(m_appUpdateV1Task, &AppUpdateV1Task::appupdateV1End, &MainWindow::appupdateV1End);
+        if (!runTask(m_appUpdateV1Task, &AppUpdateV1Task::appupdateV1End, &MainWindow::appupdateV1End))
+            return;
     } else if (startable) {
         m_appUpdateTask = new AppUpdateTask(client(), m_appPath, this);
-        runTask(m_appUpdateTask, &AppUpdateTask::appupdateEnd, &MainWindow::appupdateEnd);
+        if (!runTask(m_appUpdateTask, &AppUpdateTask::appupdateEnd, &MainWindow::appupdateEnd))
+            return;
     }
     disablePressed(m_ui->btn_appupdate, startable);
 }
@@ -94,7 +96,8 @@ void MainWindow::startFirewareUpdate() {
     const bool startable = canUpload(m_firewarePath);
     if (startable) {
         m_firewareTask = new FirewareTask(client(), m_firewarePath, this);
-        runTask(m_firewareTask, &FirewareTask::firewareEnd, &MainWindow::firewareEnd);
+        if (!runTask(m_firewareTask, &FirewareTask::firewareEnd, &MainWindow::firewareEnd))
+            return;
     }
     disablePressed(m_ui->btn_firewareupdate, startable);
 }
@@ -103,13 +106,14 @@ void MainWindow::startModelUpdate() {
     const bool startable = canUpload(m_modelPath);
     if (startable) {
         m_modelUpdateTask = new ModelUpdateTask(client(), m_modelPath, m_modelName, this);
-        runTask(m_modelUpdateTask, &ModelUpdateTask::modelUpdateEnd, &MainWindow::modelUpdateEnd);
+        if (!runTask(m_modelUpdateTask, &ModelUpdateTask::modelUpdateEnd, &MainWindow::modelUpdateEnd))
+            return;
     }
     disablePressed(m_ui->btn_modelupdate, startable);
 }
 
 template <typename Task>
-void MainWindow::runTask(Task*& task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool)) {
+bool MainWindow::runTask(Task*& task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool)) {
     // A result that comes after the link was closed or opened anew is not shown.
     connect(task, ended, this, [this, task = task, showResult, generation = linkGeneration()](bool result) {
         if (generation != linkGeneration())
@@ -124,11 +128,12 @@ void MainWindow::runTask(Task*& task, void (Task::*ended)(bool), void (MainWindo
     allowExchange(false);
     task->start();
     if (task->isRunning() || task->isFinished())
-        return;
+        return true;
     delete std::exchange(task, nullptr);
     endInterruptible();
     allowExchange(true);
     m_statusLine->showOutcome(tr("升级没有开始：系统资源不足，请关闭其他程序后重试"));
+    return false;
 }
 
 void MainWindow::beginUpload() {

@@ -56,7 +56,7 @@ void StatusLine::holdState(const QString& text) {
 void StatusLine::showOutcome(const QString& text) {
     const bool adapterGone = m_client != nullptr && m_client->portFailed();
     showState(QTime::currentTime().toString(QStringLiteral("HH:mm:ss  ")) +
-                       (adapterGone ? tr("串口转接器已断开，请插好后关闭并重新打开串口") : text));
+              (adapterGone ? tr("串口转接器已断开，请插好后关闭并重新打开串口") : text));
 }
 
 bool StatusLine::isSilent() const {
