@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the Windows programs and proves them under Wine, without a display: the tool itself with a virtual camera
-# behind COM5, the tour of all windows between COM12 and COM6, the virtual camera on COM6. Its log, pictures and
-# files are left in out/windows. Where Qt for Windows is missing it says so and ends well.
+# behind COM5, the tour of all windows and the tests of turns between COM12 and COM6, the virtual camera on COM6. Its
+# log, pictures and files are left in out/windows. Where Qt for Windows is missing it says so and ends well.
 # Usage: packaging/windows/test.sh [--no-build] [--pictures]      --pictures: copies what docs/windows.md shows
 . "$(dirname "$0")/../../scripts/lib.sh"
 
@@ -93,6 +93,16 @@ prove_tour() {
   cp -r "$WINEPREFIX/drive_c/巡检" "$out/tour"
 }
 
+# One command at a time reaches the camera, whatever is pressed meanwhile.
+prove_turns() {
+  say "turns, COM12 to COM6"
+  local code=0
+  timeout --kill-after=10 400 "${wine[@]}" "$program/turns_test.exe" --ports COM6 COM12 \
+    >"$out/turns.log" 2>"$out/turns-debug.log" </dev/null || code=$?
+  grep --text -E '^(PASS|FAIL|QINFO|Totals)' "$out/turns.log" || true
+  [ "$code" -eq 0 ] || fail "$code of the turns' tests failed"
+}
+
 # The virtual camera's program on a port; a Linux program at the other end asks for a heartbeat.
 prove_camera() {
   say "the virtual camera on COM6"
@@ -118,6 +128,7 @@ prove() {
   prove_tool
   stop_windows
   prove_tour
+  prove_turns
   prove_camera
 }
 
@@ -127,11 +138,11 @@ main() {
     imagemagick fonts-noto-cjk python3
   use_utf8_locale
   if [[ " $* " != *" --no-build "* ]]; then
-    configure_and_build mingw -DCAMERA_WARNINGS_AS_ERRORS=ON
+    configure_and_build mingw -DCAMERA_WARNINGS_AS_ERRORS=ON -DCAMERA_WINDOWS_TESTS=ON
     configure_and_build release --target virtual-camera
   fi
   local start=$SECONDS
-  lay_out_programs app demo emulator
+  lay_out_programs app demo emulator tests/windows
   xvfb-run --auto-servernum --server-args='-screen 0 1280x1024x24' "$0" --prove
   say "the Windows programs work under Wine, proven in $((SECONDS - start)) s; pictures in $out"
   if [[ " $* " == *" --pictures "* ]]; then
