@@ -223,11 +223,13 @@ void MainWindow::showPaths() {
 }
 
 void MainWindow::showLink() {
-    m_statusLine->setLinkText(m_camera == nullptr ? tr("串口未打开")
-                                                  : tr("%1，%2，从机地址 %3")
-                                                        .arg(QString::fromStdString(m_portName))
-                                                        .arg(m_baudRate)
-                                                        .arg(m_slaveAddress));
+    if (m_camera == nullptr) {
+        m_statusLine->setLinkText(tr("串口未打开"));
+        return;
+    }
+    const QString rateAndAddress = tr("%1，从机地址 %2").arg(m_opened.baudRate).arg(m_slaveAddress);
+    m_statusLine->setLinkText(m_opened.port.isEmpty() ? rateAndAddress
+                                                      : tr("%1，%2").arg(m_opened.port, rateAndAddress));
 }
 
 // --- the link ----------------------------------------------------------------------------------------------
@@ -252,6 +254,7 @@ void MainWindow::openLink() {
         tellSystemAlive();
     });
     m_camera = std::move(camera);
+    m_opened = {port, m_baudRate};
     lendClient(m_camera.get());
     m_ui->btn_open->setText(tr("关闭串口"));
     freeExchange();

@@ -71,7 +71,7 @@ private:
     void freeExchange();
     /// Shows the chosen files.
     void showPaths();
-    /// The right end of the status bar: the open port, its rate, the address.
+    /// Shows the open port, its rate and the slave address at the right end of the status bar.
     void showLink();
 
     // --- the link ---
@@ -143,8 +143,15 @@ private:
     /// Blocks until no upload thread runs any more; the link has to be stopped before.
     void waitForTasks();
 
+    /// What a link was opened with; the choices may change while it is open.
+    struct OpenedPort {
+        QString port; ///< empty: none was chosen
+        std::uint32_t baudRate = 0;
+    };
+
     std::unique_ptr<Ui::MainWindow> m_ui;
     std::unique_ptr<CameraSp> m_camera; ///< present exactly while a link is open
+    OpenedPort m_opened;                ///< of the open link
     std::uint32_t m_baudRate = 460800;
     std::string m_portName;
     QString m_appPath;

@@ -1,11 +1,13 @@
 // What the status bar tells, against the recording library and with a device that goes away.
 #include "app/mainwindow.h"
 #include "app/statusline.h"
+#include "dialogs/setcameraprotocol.h"
 #include "link/camerasp.h"
 #include "tests/gui/support/guitest.h"
 #include "tests/gui/support/oneport.h"
 #include "tests/gui/support/printing.h"
 
+#include <QComboBox>
 #include <QLabel>
 #include <QRegularExpression>
 #include <QStatusBar>
@@ -25,6 +27,14 @@ constexpr const char* goneText = "串口转接器已断开，请插好后关闭�
 class StatusBar : public OnePort {
 protected:
     StatusBar() { window->show(); }
+
+    void chooseCamera(const char* radioButton) const {
+        trigger(*window, "actionaddress");
+        SetCameraProtocol* const dialog = openWindows<SetCameraProtocol>().at(0);
+        click(*dialog, radioButton);
+        click(*dialog, "btn_confirm");
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 
     std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
 };
@@ -49,6 +59,30 @@ TEST_F(StatusBar, TellsAtItsRightEndWhatIsOpen) {
     EXPECT_EQ(text(*window, "label_link"), "COM3，460800，从机地址 1");
     click(*window, "btn_open");
     EXPECT_EQ(text(*window, "label_link"), "串口未打开");
+}
+
+TEST_F(StatusBar, TellsTheRateThatThePortWasOpenedWith) {
+    find<QComboBox>(*window, "sel_baund")->setCurrentText("115200");
+    click(*window, "btn_open");
+    chooseCamera("rb_quenta");
+    EXPECT_EQ(find<QComboBox>(*window, "sel_baund")->currentText(), "230400");
+    EXPECT_EQ(text(*window, "label_link"), "COM3，115200，从机地址 3");
+    click(*window, "btn_open");
+    click(*window, "btn_open");
+    EXPECT_EQ(text(*window, "label_link"), "COM3，230400，从机地址 3");
+}
+
+TEST_F(StatusBar, TellsThePortThatWasOpened) {
+    click(*window, "btn_open");
+    find<QComboBox>(*window, "sel_ports")->setItemText(0, "COM4"); // the list has changed since
+    chooseCamera("rb_quenta");
+    EXPECT_EQ(text(*window, "label_link"), "COM3，460800，从机地址 3");
+}
+
+TEST_F(StatusBar, BeginsWithTheRateWhenNoPortWasChosen) {
+    find<QComboBox>(*window, "sel_ports")->clear();
+    click(*window, "btn_open");
+    EXPECT_EQ(text(*window, "label_link"), "460800，从机地址 1");
 }
 
 TEST_F(StatusBar, TellsTheOutcomeOfTheLastActionWithTheTimeOfDay) {
