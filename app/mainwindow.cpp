@@ -88,6 +88,13 @@ MainWindow::~MainWindow() {
     waitForTasks();
 }
 
+bool MainWindow::event(QEvent* event) {
+    // Menus send one for each entry under the mouse, empty or not. Only StatusLine writes the status bar.
+    if (event->type() == QEvent::StatusTip)
+        return true;
+    return QMainWindow::event(event);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
     if (!confirmInterruption()) {
         event->ignore();

@@ -48,6 +48,7 @@ public:
     ~MainWindow() override;
 
 protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:

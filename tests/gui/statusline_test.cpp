@@ -9,6 +9,8 @@
 
 #include <QComboBox>
 #include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
 #include <QRegularExpression>
 #include <QStatusBar>
 
@@ -83,6 +85,31 @@ TEST_F(StatusBar, BeginsWithTheRateWhenNoPortWasChosen) {
     find<QComboBox>(*window, "sel_ports")->clear();
     click(*window, "btn_open");
     EXPECT_EQ(text(*window, "label_link"), "460800，从机地址 1");
+}
+
+TEST_F(StatusBar, KeepsItsTextUnderAMouseOverTheMenuBar) {
+    click(*window, "btn_open");
+    const QString before = statusLine(*window);
+    const auto* const bar = find<QMenuBar>(*window, "menubar");
+    hoverEntries(*bar);
+    EXPECT_EQ(statusLine(*window), before);
+    QTest::mouseMove(window->windowHandle(), window->rect().center());
+    EXPECT_EQ(statusLine(*window), before);
+}
+
+TEST_F(StatusBar, KeepsItsTextUnderAMouseOverMenuEntries) {
+    click(*window, "btn_open");
+    const QString before = statusLine(*window);
+    const auto* const bar = find<QMenuBar>(*window, "menubar");
+    for (QAction* const entry : bar->actions()) {
+        const QPoint place = bar->actionGeometry(entry).center();
+        QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, bar->mapTo(window.get(), place));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(entry->menu()));
+        hoverEntries(*entry->menu());
+        EXPECT_EQ(statusLine(*window), before) << entry->text().toStdString();
+        QTest::keyClick(entry->menu(), Qt::Key_Escape);
+        EXPECT_EQ(statusLine(*window), before) << entry->text().toStdString();
+    }
 }
 
 TEST_F(StatusBar, TellsTheOutcomeOfTheLastActionWithTheTimeOfDay) {

@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QThread>
 
 #include <filesystem>
@@ -73,6 +74,15 @@ TEST_P(EveryUpload, SaysThatItFailedWhenTheAnnouncementIsNotAnswered) {
                         : name == "System" ? "fireware main-ui result: false"
                         : name == "Model"  ? "model main-ui result: false"
                                            : "appv1 update main-ui result: false"));
+}
+
+TEST_F(UploadResults, KeepTheWarningUnderAMouseOverTheMenuBar) {
+    open();
+    fault("delay=100@systemUpdate");
+    start(systemUpload);
+    hoverEntries(*find<QMenuBar>(*window, "menubar"));
+    EXPECT_EQ(statusText(*window), "正在升级，请勿断电、勿拔线");
+    EXPECT_EQ(outcome(), "升级已完成，结果:true");
 }
 
 TEST_F(UploadResults, OfAnApplicationImage) {

@@ -7,6 +7,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
+#include <QWindow>
 
 #include <functional>
 #include <optional>
@@ -29,6 +30,13 @@ void click(const QWidget& window, const char* name);
 /// A click whose handler throws. Qt's widgets are built without the code that cleans up while an exception
 /// passes: the copies of the mouse event made on the way are lost, which the leak check is told to expect.
 void clickThatThrows(const QWidget& window, const char* name);
+/// Moves the mouse over each entry of a menu or menu bar that is on the screen.
+template <typename Menu>
+void hoverEntries(const Menu& menu) {
+    QWindow* const screen = menu.window()->windowHandle();
+    for (QAction* const entry : menu.actions())
+        QTest::mouseMove(screen, menu.mapTo(menu.window(), menu.actionGeometry(entry).center()));
+}
 /// Chooses a menu entry.
 void trigger(const QWidget& window, const char* name);
 /// The text of a label, button or line edit.
