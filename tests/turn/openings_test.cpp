@@ -1,0 +1,147 @@
+// A reading window is opened, and perhaps closed again, shortly before an upload starts.
+#include "dialogs/cameratype.h"
+#include "link/protocol/commands.h"
+#include "tests/turn/users.h"
+
+using namespace guitest;
+using namespace std::chrono_literals;
+using namespace turn;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr int endLimitMs = 20000;
+
+/// How the camera answers reads of properties; to uploads it always answers.
+struct Reads {
+    const char* name;
+    milliseconds answerDelay;
+    bool answered;
+    std::vector<milliseconds> openFor;   ///< before the upload starts; the window stays open
+    std::vector<milliseconds> closedFor; ///< the window is closed before the upload starts
+};
+
+const Reads readsOf[]{{"AnsweredAfter30ms", 30ms, true, {0ms, 20ms, 100ms, 200ms, 500ms}, {0ms, 20ms, 200ms}},
+                      {"AnsweredAfter90ms", 90ms, true, {0ms, 20ms, 100ms, 200ms, 500ms}, {0ms, 20ms, 200ms}},
+                      // Each of the four reads takes half a second.
+                      {"NotAnswered", 30ms, false, {0ms, 20ms, 100ms, 200ms, 500ms}, {20ms, 200ms}}};
+
+using Opening = std::tuple<std::string, std::string, Reads>;
+
+void PrintTo(const Reads& reads, std::ostream* out) {
+    *out << reads.name;
+}
+
+class Openings : public testing::TestWithParam<Opening> {
+protected:
+    void open(milliseconds lead, bool closesAgain);
+    void uploadAfter(milliseconds lead, bool closesAgain, TurnWindow& bench);
+
+    const User& reader = userCalled(std::get<0>(GetParam()));
+    const User& uploader = userCalled(std::get<1>(GetParam()));
+    const Reads reads = std::get<2>(GetParam());
+    std::unique_ptr<TurnWindow> bench;
+
+    StdoutCapture quiet;
+    DebugLog alsoQuiet;
+};
+
+void expectUndisturbed(TurnWindow& bench, const std::set<std::uint8_t>& silentCodes) {
+    EXPECT_TRUE(eventually([&bench] { return bench.isIdle(); }, endLimitMs)) << "a job still runs";
+    LineRules rules = bench.lineRules();
+    rules.silentCodes = silentCodes;
+    const emulator::CameraRecord record = bench.record();
+    for (const QString& fault : uploadFaults(record, rules) + overlaps(record, rules))
+        ADD_FAILURE() << "on the line: " << fault.toStdString();
+}
+
+void Openings::open(milliseconds lead, bool closesAgain) {
+    SCOPED_TRACE(std::string(reader.name) + " opened " + std::to_string(lead.count()) + " ms before " +
+                 uploader.name + (closesAgain ? " and closed again" : ""));
+    const bool failedBefore = HasFailure();
+    if (bench == nullptr)
+        bench = std::make_unique<TurnWindow>(
+            TurnWindow::Setup{.cameraType = uploader.cameraTypes.front(), .answerDelay = reads.answerDelay});
+    bench->renewCamera();
+    std::set<std::uint8_t> silentCodes;
+    if (!reads.answered) {
+        bench->fault("silent@0x02");
+        silentCodes.insert(protocol::code(protocol::Command::getProperty));
+    }
+    uploadAfter(lead, closesAgain, *bench);
+    expectUndisturbed(*bench, silentCodes);
+    if (HasFailure() && !failedBefore)
+        bench.reset(); // what is left on the line would spoil the next one
+}
+
+void Openings::uploadAfter(milliseconds lead, bool closesAgain, TurnWindow& used) {
+    Work reading = prepared(reader, used);
+    Work upload = prepared(uploader, used);
+    reader.start(reading);
+    QTest::qWait(static_cast<int>(lead.count()));
+    if (closesAgain)
+        closeOwnWindow(reading);
+    ASSERT_TRUE(uploader.canStart(upload));
+    uploader.start(upload);
+    EXPECT_TRUE(eventually([&] { return uploader.ended(upload); }, endLimitMs))
+        << "the upload shows no result";
+    expectOwnValues(uploader, upload, false);
+    if (closesAgain)
+        return;
+    EXPECT_TRUE(eventually([&] { return reader.ended(reading); }, endLimitMs)) << "the window shows nothing";
+    expectOwnValues(reader, reading, false);
+    EXPECT_TRUE(reading.window->isEnabled());
+    closeOwnWindow(reading);
+}
+
+TEST_P(Openings, LeaveTheUploadAlone) {
+    for (const milliseconds lead : reads.openFor)
+        open(lead, false);
+    for (const milliseconds lead : reads.closedFor)
+        open(lead, true);
+}
+
+std::string nameOf(const testing::TestParamInfo<Opening>& test) {
+    const auto& [reader, uploader, reads] = test.param;
+    return reader + uploader + reads.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Every, Openings,
+    testing::Combine(testing::Values(std::string("Location"), std::string("Degree")),
+                     testing::Values(std::string("AppUpload"), std::string("AppUploadV1"),
+                                     std::string("SystemUpload"), std::string("ModelUpload")),
+                     testing::ValuesIn(readsOf)),
+    nameOf);
+
+/// Nothing comes from the camera at all.
+class OpeningsWithADeadCamera : public testing::TestWithParam<std::string> {
+protected:
+    StdoutCapture quiet;
+    DebugLog alsoQuiet;
+};
+
+TEST_P(OpeningsWithADeadCamera, LetTheUploadFailByItself) {
+    const User& reader = userCalled(GetParam());
+    const User& uploader = userCalled("SystemUpload");
+    TurnWindow bench({.cameraType = cameratype::ostra});
+    bench.fault("silent");
+    Work reading = prepared(reader, bench);
+    Work upload = prepared(uploader, bench);
+    reader.start(reading);
+    QTest::qWait(100);
+    uploader.start(upload);
+    EXPECT_TRUE(eventually([&] { return uploader.ended(upload) && reader.ended(reading); }, endLimitMs));
+    const auto code = protocol::code(protocol::Command::firewareAnnounce);
+    expectUndisturbed(bench, {protocol::code(protocol::Command::getProperty), code});
+    EXPECT_EQ(bench.record().count(code), 1U);
+    EXPECT_EQ(uploader.shown(upload).at(0).text, "升级已完成，结果:失败！false");
+    for (const Shown& each : reader.shown(reading))
+        EXPECT_TRUE(each.failures.contains(each.text)) << each.where.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, OpeningsWithADeadCamera,
+                         testing::Values(std::string("Location"), std::string("Degree")),
+                         [](const auto& test) { return test.param; });
+
+} // namespace

@@ -1,0 +1,211 @@
+// Every two users of the line, the second started as soon as the first lets it.
+#include "dialogs/cameratype.h"
+#include "tests/turn/users.h"
+
+#include <QElapsedTimer>
+
+#include <array>
+
+using namespace guitest;
+using namespace std::chrono_literals;
+using namespace turn;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr std::array answerDelays{0ms, 30ms, 60ms, 90ms, 150ms, 200ms};
+/// Nothing runs out of time at such a delay but the gyro test.
+constexpr auto quickAnswer = 90ms;
+constexpr int endLimitMs = 15000;
+/// A test that fails everywhere stops here.
+constexpr int testLimitMs = 90000;
+
+struct UserAndDelay {
+    const User* first;
+    std::size_t delay; ///< number in answerDelays
+};
+
+std::vector<UserAndDelay> everything() {
+    std::vector<UserAndDelay> all;
+    for (const User& user : users()) {
+        for (std::size_t delay = 0; delay < answerDelays.size(); ++delay)
+            all.push_back({&user, delay});
+    }
+    return all;
+}
+
+std::string nameOf(const UserAndDelay& test) {
+    return std::string(test.first->name) + "At" + std::to_string(answerDelays.at(test.delay).count()) + "ms";
+}
+
+void PrintTo(const UserAndDelay& test, std::ostream* out) {
+    *out << nameOf(test);
+}
+
+/// Who comes second under this choice of camera type. A pair that exists under several is run under the
+/// first.
+std::vector<const User*> partnersOf(const User& first, std::uint32_t cameraType) {
+    const auto types = {cameratype::ostra, cameratype::quenta, cameratype::shelfDynamic};
+    std::vector<const User*> partners;
+    for (const User& second : users()) {
+        const auto* const type = std::find_if(types.begin(), types.end(), [&](std::uint32_t each) {
+            return first.existsFor(each) && second.existsFor(each);
+        });
+        const bool beginsByItself = !std::string_view(second.name).ends_with("ReturnWait");
+        if (type != types.end() && *type == cameraType && beginsByItself)
+            partners.push_back(&second);
+    }
+    return partners;
+}
+
+int partsSoFar() {
+    return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+}
+
+class Pairs : public testing::TestWithParam<UserAndDelay> {
+protected:
+    using Partners = std::vector<const User*>;
+
+    /// The partners whose controls stay enabled. Those that do not are kept apart by that.
+    Partners runAlone(const Partners& partners);
+    void runPair(const User& second);
+    [[nodiscard]] bool isDue(const User& second) const;
+    void useBench(std::uint32_t cameraType);
+    void awaitEnd(const User& user, const Work& work, const QElapsedTimer& time);
+    void expectCleanEnd(const Partners& partners, bool misled);
+
+    const User& first = *GetParam().first;
+    const milliseconds delay = answerDelays.at(GetParam().delay);
+    std::unique_ptr<TurnWindow> bench;
+    int apart = 0;
+    int together = 0;
+    int failures = 0; ///< places that showed one
+
+    StdoutCapture quiet;
+    DebugLog alsoQuiet;
+};
+
+void Pairs::useBench(std::uint32_t cameraType) {
+    const bool fits = bench != nullptr && bench->setup().cameraType == cameraType;
+    if (!fits) {
+        bench.reset();
+        bench =
+            std::make_unique<TurnWindow>(TurnWindow::Setup{.cameraType = cameraType, .answerDelay = delay});
+    }
+    bench->renewCamera();
+}
+
+void Pairs::awaitEnd(const User& user, const Work& work, const QElapsedTimer& time) {
+    const bool ended = eventually([&] { return user.ended(work); },
+                                  std::max(0, endLimitMs - static_cast<int>(time.elapsed())));
+    EXPECT_TRUE(ended && time.elapsed() < endLimitMs)
+        << user.name << " has not ended in time, " << time.elapsed() << " ms after the start of "
+        << first.name;
+}
+
+void Pairs::expectCleanEnd(const Partners& partners, bool misled) {
+    EXPECT_TRUE(eventually([this] { return bench->isIdle(); }, endLimitMs))
+        << "a job or an upload still runs";
+    const emulator::CameraRecord record = bench->record();
+    const LineRules rules = bench->lineRules();
+    QStringList faults = uploadFaults(record, rules, misled);
+    if (!misled)
+        faults += overlaps(record, rules);
+    for (const QString& fault : faults)
+        ADD_FAILURE() << "on the line: " << fault.toStdString();
+    for (const User* const user : partners)
+        EXPECT_TRUE(user->isOffered(*bench)) << user->name << " is still disabled";
+}
+
+Pairs::Partners Pairs::runAlone(const Partners& partners) {
+    SCOPED_TRACE(std::string(first.name) + " alone, answers after " + std::to_string(delay.count()) + " ms");
+    Work work = prepared(first, *bench);
+    std::vector<Work> others;
+    for (const User* const partner : partners)
+        others.push_back(prepared(*partner, *bench));
+    QElapsedTimer time;
+    time.start();
+    first.start(work);
+    Partners startable;
+    for (std::size_t i = 0; i < partners.size(); ++i) {
+        if (partners[i]->canStart(others[i]))
+            startable.push_back(partners[i]);
+    }
+    awaitEnd(first, work, time);
+    expectCleanEnd(partners, first.misleads(delay));
+    if (delay <= quickAnswer && !first.leavesLateAnswer(delay))
+        expectRightValues(first, work);
+    expectOwnValues(first, work, first.leavesLateAnswer(delay));
+    closeOwnWindow(work);
+    for (Work& other : others)
+        closeOwnWindow(other);
+    apart += static_cast<int>(partners.size() - startable.size());
+    if (first.leavesLateAnswer(delay))
+        bench.reset();
+    return startable;
+}
+
+void Pairs::runPair(const User& second) {
+    SCOPED_TRACE(std::string(first.name) + ", then " + second.name + ", answers after " +
+                 std::to_string(delay.count()) + " ms");
+    Work firstWork = prepared(first, *bench);
+    Work secondWork = prepared(second, *bench);
+    QElapsedTimer time;
+    time.start();
+    first.start(firstWork);
+    if (!second.canStart(secondWork)) {
+        ADD_FAILURE() << second.name << " is disabled now, but was not before";
+        return;
+    }
+    second.start(secondWork);
+    awaitEnd(first, firstWork, time);
+    awaitEnd(second, secondWork, time);
+    expectCleanEnd({&first, &second}, first.misleads(delay) || second.misleads(delay));
+    const bool lateAnswers = first.leavesLateAnswer(delay) || second.leavesLateAnswer(delay);
+    expectOwnValues(first, firstWork, lateAnswers);
+    expectOwnValues(second, secondWork, lateAnswers);
+    ++together;
+    failures += failuresShown(first, firstWork) + failuresShown(second, secondWork);
+    closeOwnWindow(firstWork);
+    closeOwnWindow(secondWork);
+}
+
+/// What blocks the user-interface thread is over before anybody else starts. Only its late answer may still
+/// meet the second; without one a long second is run at one delay for each first.
+bool Pairs::isDue(const User& second) const {
+    if (first.misleads(delay) && second.readsOnWhenMisled)
+        return false;
+    if (!first.blocks || !second.isLong || first.misleads(delay))
+        return true;
+    const auto number = static_cast<std::size_t>((&first - users().data()) + (&second - users().data()));
+    return number % answerDelays.size() == GetParam().delay;
+}
+
+TEST_P(Pairs, GetTheirOwnAnswersOneAfterTheOther) {
+    QElapsedTimer time;
+    time.start();
+    for (const std::uint32_t type : {cameratype::ostra, cameratype::quenta, cameratype::shelfDynamic}) {
+        const Partners partners = partnersOf(first, type);
+        if (partners.empty())
+            continue;
+        useBench(type);
+        for (const User* const second : runAlone(partners)) {
+            if (!isDue(*second))
+                continue;
+            ASSERT_LT(time.elapsed(), testLimitMs) << "stopped before " << second->name;
+            useBench(type);
+            const int before = partsSoFar();
+            runPair(*second);
+            if (partsSoFar() != before || first.leavesLateAnswer(delay) || second->leavesLateAnswer(delay))
+                bench.reset(); // what is left on the line would spoil the next pair
+        }
+    }
+    RecordProperty("pairs together", together);
+    RecordProperty("pairs apart by disabled controls", apart);
+    RecordProperty("failures shown", failures);
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, Pairs, testing::ValuesIn(everything()),
+                         [](const auto& test) { return nameOf(test.param); });
+
+} // namespace

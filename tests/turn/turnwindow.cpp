@@ -1,0 +1,248 @@
+#include "tests/turn/turnwindow.h"
+
+#include "dialogs/cameratype.h"
+#include "dialogs/setcameraprotocol.h"
+#include "link/protocol/commands.h"
+
+#include <QBuffer>
+#include <QComboBox>
+#include <QFile>
+#include <QImage>
+#include <QMessageBox>
+#include <QThread>
+
+#include <thread>
+
+using namespace guitest;
+using namespace std::chrono_literals;
+using emulator::VirtualCamera;
+
+namespace turn {
+
+namespace {
+
+constexpr auto cutSecond = 150ms;
+constexpr auto cutTwoSeconds = 300ms;  // behind an announcement: long enough for requests of others to come
+constexpr auto cutThreeSeconds = 60ms; // before one of forty heartbeats
+constexpr auto uploadSilence = 2s;
+constexpr int poolThreads = 4; // users have threads of their own on any machine
+
+constexpr std::uint16_t firstHeldId = 101;
+constexpr std::uint16_t firstNewId = 33;
+constexpr int heldPictures = 30;
+/// With what stands around it in a transfer answer, a multiple of the block size.
+constexpr int pictureSize = 3 * 512 - 11;
+constexpr int jsonPictureSize = 1200; // two pieces
+
+constexpr std::array<const WindowUpload*, 4> uploads{&appUpload, &appUploadV1, &systemUpload, &modelUpload};
+
+/// A small picture of a colour of its own.
+Bytes drawPicture(std::uint16_t id, std::uint32_t variation) {
+    QImage image(16, 16, QImage::Format_RGB32);
+    image.fill(QColor::fromHsv(id % 360, 200, 100 + static_cast<int>(variation % 100)));
+    QByteArray data;
+    QBuffer buffer(&data);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "JPG");
+    EXPECT_LE(data.size(), jsonPictureSize);
+    data.append(QByteArray(pictureSize - data.size(), '\0'));
+    return {data.begin(), data.end()};
+}
+
+std::vector<emulator::Picture> firstPictures() {
+    std::vector<emulator::Picture> pictures;
+    for (std::uint16_t i = 0; i < heldPictures; ++i)
+        pictures.push_back(emulator::makePicture(firstHeldId + i, drawPicture(firstHeldId + i, i)));
+    return pictures;
+}
+
+void cutPause(std::chrono::nanoseconds asked) {
+    std::this_thread::sleep_for(asked >= 3s   ? cutThreeSeconds
+                                : asked >= 2s ? cutTwoSeconds
+                                : asked >= 1s ? cutSecond
+                                              : asked);
+}
+
+emulator::CameraSettings settingsFor(const TurnWindow::Setup& setup) {
+    emulator::CameraSettings settings = emulator::settingsForType(emulator::CameraType::ostra);
+    settings.answersEveryGeneration = true;
+    settings.answersAllAddresses = true;
+    settings.newestPictureFirst = true;
+    settings.holdsAnnouncedImage = true;
+    settings.updateRestartTime = 0s;
+    settings.uploadSilence = uploadSilence;
+    settings.answerDelay = setup.answerDelay;
+    settings.drawPicture = &drawPicture;
+    settings.pictureSeed = 1;
+    return settings;
+}
+
+const char* typeButton(std::uint32_t type) {
+    return type == cameratype::quenta         ? "rb_quenta"
+           : type == cameratype::shelfDynamic ? "rb_dx_dt"
+                                              : "rb_ost";
+}
+
+} // namespace
+
+TurnWindow::TurnWindow(const Setup& setup)
+    : m_setup(setup), m_camera(settingsFor(setup)), m_boxes(QMessageBox::Yes) {
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QThreadPool::globalInstance()->setMaxThreadCount(poolThreads);
+    if (setup.pauses == Pauses::cut)
+        CameraSp::replaceSleep(&cutPause);
+    m_camera.withCamera([this](VirtualCamera& camera) {
+        camera.onEvent([this](const emulator::Event& event) {
+            if (event.text.starts_with("upload complete"))
+                m_uploadEnds.push_back(event.at);
+        });
+    });
+    renewCamera();
+    m_window = std::make_unique<MainWindow>();
+    m_window->show();
+    chooseType();
+    openLink();
+}
+
+TurnWindow::~TurnWindow() {
+    m_window.reset();
+    QThreadPool::globalInstance()->waitForDone();
+    CameraSp::replaceSleep({});
+}
+
+void TurnWindow::fillCamera(VirtualCamera& camera) {
+    emulator::CameraState state;
+    state.serialNumber = held::serialNumber;
+    state.appVersion = held::appVersion;
+    state.systemVersion = held::systemVersion;
+    state.qvVersion = held::qvVersion;
+    state.modelInfo = held::modelInfo;
+    state.jsonVersion = held::jsonVersion;
+    namespace id = emulator::property;
+    state.properties = {{id::compressionRate, {held::compressionRate}},
+                        {id::captureAngles, {held::angleA, held::angleB}},
+                        {id::captureDirection, {held::on}},
+                        {id::readOnly, {held::reserve}},
+                        {id::gyroOn, {held::on}},
+                        {id::heaterDuty, {held::heaterDuty}}};
+    state.orientation = {{{held::pitch}, {held::roll}, {held::yaw}, {held::acceleration}}};
+    state.pictures = firstPictures();
+    state.nextPictureId = firstNewId;
+    state.jsonPicture = drawPicture(1, 0);
+    state.jsonPicture->resize(jsonPictureSize);
+    camera.state() = state;
+    camera.settings().commandDelays.clear();
+
+    camera.faults().clear();
+    if (m_setup.answers == Answers::plain)
+        return;
+    // Whole blocks: 15 bytes in an upload, 512 for captures and deletions, 1024 for a catalogue.
+    for (const char* const padding :
+         {"payload=20@appUpdateV1", "payload=5@packetV1", "payload=20@modelUpdate", "payload=502@capture",
+          "payload=502@captureV1", "payload=502@delete", "payload=502@deleteV1", "payload=1014@catalogueV1"})
+        camera.addFault(padding);
+}
+
+void TurnWindow::renewCamera() {
+    m_camera.withCamera([this](VirtualCamera& camera) {
+        fillCamera(camera);
+        camera.clearRecord();
+        m_uploadEnds.clear();
+    });
+}
+
+void TurnWindow::putPicturesBack() {
+    m_camera.withCamera([](VirtualCamera& camera) { camera.state().pictures = firstPictures(); });
+}
+
+void TurnWindow::chooseType() {
+    trigger(*m_window, "actionaddress");
+    const SetCameraProtocol* const dialog = openWindows<SetCameraProtocol>().at(0);
+    click(*dialog, typeButton(m_setup.cameraType));
+    click(*dialog, "btn_confirm");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+void TurnWindow::openLink() {
+    const QString port = QString::fromStdString(m_camera.portName());
+    auto* const ports = find<QComboBox>(*m_window, "sel_ports");
+    ports->addItem(port);
+    ports->setCurrentText(port);
+    click(*m_window, "btn_open");
+    ASSERT_EQ(text(*m_window, "btn_open"), "关闭串口");
+}
+
+Bytes TurnWindow::fileOf(const WindowUpload& upload) {
+    constexpr std::size_t size = 3000;
+    Bytes content(size);
+    for (std::size_t i = 0; i < size; ++i)
+        content[i] = static_cast<std::uint8_t>((upload.code + i * 7 + i / 251) & 0xFF);
+    return content;
+}
+
+void TurnWindow::chooseFile(const WindowUpload& upload) {
+    const QString path = QDir::current().absoluteFilePath(QString(upload.name) + ".bin");
+    if (text(*m_window, upload.pathLabel) == path)
+        return;
+    const Bytes content = fileOf(upload);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(reinterpret_cast<const char*>(content.data()), static_cast<qint64>(content.size()));
+    file.close();
+    const FileChooser chooser(path);
+    click(*m_window, upload.pathButton);
+    ASSERT_EQ(text(*m_window, upload.pathLabel), path);
+}
+
+QStringList TurnWindow::boxTexts(const QString& beginning) const {
+    QStringList texts;
+    for (const SeenBox& box : m_boxes.seen()) {
+        if (box.text.startsWith(beginning))
+            texts.append(box.text);
+    }
+    return texts;
+}
+
+void TurnWindow::fault(const std::string& description) {
+    m_camera.withCamera([&description](VirtualCamera& camera) { camera.addFault(description); });
+}
+
+void TurnWindow::answerHeartbeatsInTime() {
+    static constexpr emulator::Time heardInTime = 150ms;
+    m_camera.withCamera([](VirtualCamera& camera) {
+        camera.settings().commandDelays[protocol::code(protocol::Command::heartbeat)] =
+            std::min(camera.settings().answerDelay, heardInTime);
+    });
+}
+
+QStringList TurnWindow::heldPictureIds() {
+    QStringList ids;
+    for (int i = 0; i < heldPictures; ++i)
+        ids.append(QString::number(firstHeldId + i));
+    return ids;
+}
+
+emulator::CameraRecord TurnWindow::record() {
+    return m_camera.withCamera([](VirtualCamera& camera) { return camera.record(); });
+}
+
+emulator::CameraState TurnWindow::cameraState() {
+    return m_camera.withCamera([](VirtualCamera& camera) { return camera.state(); });
+}
+
+bool TurnWindow::isIdle() const {
+    const auto tasks = m_window->findChildren<QThread*>(Qt::FindDirectChildrenOnly);
+    return QThreadPool::globalInstance()->activeThreadCount() == 0 &&
+           std::none_of(tasks.begin(), tasks.end(), [](const QThread* task) { return task->isRunning(); });
+}
+
+LineRules TurnWindow::lineRules() {
+    LineRules rules;
+    rules.answerDelay = m_setup.answerDelay;
+    for (const WindowUpload* const upload : uploads)
+        rules.files[upload->code] = fileOf(*upload);
+    rules.uploadEnds = m_camera.withCamera([this](VirtualCamera&) { return m_uploadEnds; });
+    return rules;
+}
+
+} // namespace turn
