@@ -45,7 +45,7 @@ std::string nameOf(const testing::TestParamInfo<Case>& test) {
 
 class RefusedCapture : public testing::TestWithParam<Case> {
 protected:
-    RefusedCapture() {
+    explicit RefusedCapture(TurnWindow::Answers form = TurnWindow::Answers::plain) : answers(form) {
         bench.fault(generation.refusal);
         bench.fault(generation.hiding);
     }
@@ -58,13 +58,14 @@ protected:
     }
 
     const Generation generation = std::get<0>(GetParam());
+    const TurnWindow::Answers answers;
     StdoutCapture quiet;
     DebugLog alsoQuiet;
-    // Plain answers and real pauses: the older picture is fetched while an upload is under way.
+    // Real pauses: the older picture is fetched while an upload is under way.
     TurnWindow bench{{.cameraType = generation.cameraType,
                       .answerDelay = answerDelay,
                       .pauses = TurnWindow::Pauses::real,
-                      .answers = TurnWindow::Answers::plain}};
+                      .answers = answers}};
     const User& capturer = userCalled(generation.user);
     const User& next = userCalled(std::get<1>(GetParam()));
     Work capturing = prepared(capturer, bench);
@@ -78,6 +79,7 @@ TEST_P(RefusedCapture, SpoilsNoUpload) {
     EXPECT_TRUE(eventually([this] { return next.ended(work); }, endLimitMs)) << "the upload shows no result";
     EXPECT_TRUE(eventually([this] { return bench.isIdle(); }, endLimitMs)) << "a job still runs";
     expectOwnValues(next, work, false);
+    bench.putPicturesBack(); // without the refused one, which the camera has all the same
     expectOwnValues(capturer, capturing, false);
     const emulator::CameraRecord record = bench.record();
     const LineRules rules = bench.lineRules();
@@ -102,6 +104,8 @@ INSTANTIATE_TEST_SUITE_P(V1, RefusedCapture,
 /// The older picture never becomes whole.
 class EndlessDownload : public RefusedCapture {
 protected:
+    EndlessDownload() : RefusedCapture(TurnWindow::Answers::padded) {}
+
     void SetUp() override {
         bench.fault(generation.cut);
         capture();

@@ -24,7 +24,8 @@ namespace {
 constexpr auto cutSecond = 150ms;
 constexpr auto cutTwoSeconds = 300ms;  // behind an announcement: long enough for requests of others to come
 constexpr auto cutThreeSeconds = 60ms; // before one of forty heartbeats
-constexpr auto uploadSilence = 2s;
+constexpr auto uploadSilence = 5s;     // longer than the pause behind an announcement
+constexpr auto cutUploadSilence = 2s;
 constexpr int poolThreads = 4; // users have threads of their own on any machine
 
 constexpr std::uint16_t firstHeldId = 101;
@@ -70,7 +71,8 @@ emulator::CameraSettings settingsFor(const TurnWindow::Setup& setup) {
     settings.newestPictureFirst = true;
     settings.holdsAnnouncedImage = true;
     settings.updateRestartTime = 0s;
-    settings.uploadSilence = uploadSilence;
+    settings.uploadSilence =
+        setup.pauses == TurnWindow::Pauses::cut ? emulator::Time(cutUploadSilence) : uploadSilence;
     settings.answerDelay = setup.answerDelay;
     settings.drawPicture = &drawPicture;
     settings.pictureSeed = 1;
@@ -84,6 +86,14 @@ const char* typeButton(std::uint32_t type) {
 }
 
 } // namespace
+
+bool isThorough() {
+    return qEnvironmentVariableIsSet("CAMERA_TURN_ALL");
+}
+
+int failuresSoFar() {
+    return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+}
 
 TurnWindow::TurnWindow(const Setup& setup)
     : m_setup(setup), m_camera(settingsFor(setup)), m_boxes(QMessageBox::Yes) {

@@ -34,6 +34,11 @@ inline constexpr const char* modelInfo = "model 44.4";
 inline constexpr const char* jsonVersion = "json 55.5";
 } // namespace held
 
+/// CAMERA_TURN_ALL is set: every pair at every delay, every opening at every lead.
+[[nodiscard]] bool isThorough();
+/// Of the running test.
+[[nodiscard]] int failuresSoFar();
+
 class TurnWindow {
 public:
     /// How long the product's pauses of a second and more last; shorter ones are always real.

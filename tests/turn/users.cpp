@@ -63,6 +63,7 @@ std::vector<Shown> shownLabels(const QWidget* window, const std::vector<LabelRow
 template <typename Window>
 User openingUser(const char* name, const char* entry, const std::vector<LabelRow>& rows) {
     User user = userOf(name, [entry](const TurnWindow& bench) { return isChoosable(bench, entry); });
+    user.meetsOthers = true;
     user.isLong = true;
     user.start = [entry](Work& work) { work.window = work.bench.openWindow<Window>(entry); };
     user.ended = [rows](const Work& work) {
@@ -80,7 +81,6 @@ template <typename Window>
 User buttonUser(const char* name, const char* entry, const char* button,
                 std::function<std::vector<Shown>(const Work&)> shown) {
     User user = userOf(name, [entry](const TurnWindow& bench) { return isChoosable(bench, entry); });
-    user.blocks = true;
     user.prepare = [entry](Work& work) { work.window = work.bench.openWindow<Window>(entry); };
     user.canStart = [button](const Work& work) { return work.window && isEnabled(*work.window, button); };
     user.start = [button](Work& work) { click(*work.window, button); };
@@ -151,7 +151,6 @@ User v1ListUser() {
 User mainUser(const char* name, const char* button,
               std::function<std::vector<Shown>(const MainWindow&)> shown) {
     User user = userOf(name, [button](const TurnWindow& bench) { return isEnabled(bench.window(), button); });
-    user.blocks = true;
     user.start = [button](Work& work) { click(work.bench.window(), button); };
     user.ended = [](const Work&) { return true; };
     user.shown = [shown = std::move(shown)](const Work& work) { return shown(work.bench.window()); };
@@ -221,7 +220,6 @@ User versionUser() {
         return text(work.bench.window(), "tv_appversion") != "。。。。" &&
                isEnabled(work.bench.window(), "btn_appversion");
     };
-    user.blocks = false;
     user.isLong = true;
     user.answerLimit = 200ms;
     user.lateAnswerMisleads = true;
@@ -279,7 +277,6 @@ User captureUser(const char* name, std::uint32_t type, TakenPicture (*taken)(Tur
         const auto [id, jpeg] = taken(work.bench);
         return {{"picture area", pictureShown(work.bench, id, jpeg), "its picture", {"nothing"}, {}}};
     };
-    user.blocks = false;
     user.isLong = true;
     return user;
 }
@@ -303,7 +300,6 @@ User uploadUser(const char* name, const WindowUpload& upload, std::vector<std::u
                  {},
                  {"升级已完成，结果:false", "升级已完成，结果:失败！", "升级已完成，结果:失败！false"}}};
     };
-    user.blocks = false;
     user.isLong = true;
     return user;
 }

@@ -39,8 +39,8 @@ struct User {
     std::function<bool(const Work&)> ended;
     std::function<std::vector<Shown>(const Work&)> shown;
 
-    bool blocks = false; ///< start returns when all is over
-    bool isLong = false; ///< takes longer than about 400 ms
+    bool meetsOthers = false; ///< everybody else can be started while it works
+    bool isLong = false;      ///< takes longer than about 400 ms
     /// With slower answers the user goes on without one, and the answer comes when it is over.
     std::chrono::milliseconds answerLimit = std::chrono::seconds(1);
 
