@@ -14,6 +14,14 @@ constexpr std::uint8_t code(SettingId id) {
     return static_cast<std::uint8_t>(id);
 }
 
+/// Which quantity the read that comes now gives: an earlier sequence may have been given up in the middle.
+std::size_t takeQuantity(CameraSp& camera, std::size_t count) {
+    const auto now = std::chrono::steady_clock::now();
+    const std::size_t quantity = camera.quantities().next(count, now);
+    camera.quantities().advance(count, now);
+    return quantity;
+}
+
 } // namespace
 
 QString SettingBorrower::readName() {
@@ -44,12 +52,14 @@ std::vector<SettingBorrower::Value> SettingBorrower::readSettings(CameraSp* came
     std::vector<Value> values(ids.size());
     if (camera == nullptr)
         return values;
-    // The orientation's quantities come in turn: the reads of two windows must not mix.
     const LineTurn::Hold order = camera->takeReadings();
     for (std::size_t i = 0; i < ids.size() && wanted; ++i) {
         {
             const LineTurn::Hold turn = camera->takeLine(LineUser::reading);
-            values[i] = camera->getCommonProperty(code(ids[i]), readCommand);
+            std::size_t place = i;
+            if (turn && ids[i] == SettingId::orientation)
+                place = takeQuantity(*camera, ids.size());
+            values[place] = camera->getCommonProperty(code(ids[i]), readCommand);
             if (!turn)
                 break;
         }

@@ -4,6 +4,7 @@
 #include "link/commandreport.h"
 #include "link/lineturn.h"
 #include "link/protocol/picturerecords.h"
+#include "link/quantitysequence.h"
 #include "link/transferprogress.h"
 
 #include <serial/serial.h>
@@ -122,6 +123,8 @@ public:
     [[nodiscard]] LineTurn::Hold takeLine(LineUser user);
     /// Waits until no other sequence of background reads runs; refused only when the link is stopped.
     [[nodiscard]] LineTurn::Hold takeReadings();
+    /// Of the orientation; for the holder of takeReadings().
+    [[nodiscard]] QuantitySequence& quantities() { return m_quantities; }
     [[nodiscard]] LineTurn::State lineState() const;
     /// Ends the download that has the line, if one has it: it fails at its next use of the port.
     void endDownload();
@@ -195,4 +198,5 @@ private:
     std::uint8_t m_doorSequence = 0;
     std::uint32_t m_baudRate = 9600;
     UploadTexts m_texts;
+    QuantitySequence m_quantities;
 };

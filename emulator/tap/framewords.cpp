@@ -174,7 +174,7 @@ std::string frameMeaning(const LineItem& item, std::uint16_t code) {
     try {
         return item.from == Side::tool ? requestWords(item.bytes, code)
                                        : answerWords(item.bytes, code, item.uploadCode != 0);
-    } catch (const char*) { // the field's reading found the frame too short
+    } catch (const ShortAnswer&) { // the field's reading found the frame too short
         return "too short for this command";
     }
 }

@@ -241,3 +241,26 @@ TEST_F(SharedLine, StopEndsTheReadingOfAFile) {
     EXPECT_LT(std::chrono::steady_clock::now() - asked, 500ms);
     EXPECT_EQ(fake_serial::count("write"), 0);
 }
+
+TEST(QuantitySequence, GoesOnWhereItWasGivenUp) {
+    const QuantitySequence::Time start{100s};
+    QuantitySequence sequence;
+    EXPECT_EQ(sequence.next(4, start), 0U);
+    sequence.advance(4, start);
+    EXPECT_EQ(sequence.next(4, start + 100ms), 1U);
+}
+
+TEST(QuantitySequence, BeginsAnewAfterTheLast) {
+    const QuantitySequence::Time start{100s};
+    QuantitySequence sequence;
+    for (int i = 0; i < 4; ++i)
+        sequence.advance(4, start);
+    EXPECT_EQ(sequence.next(4, start), 0U);
+}
+
+TEST(QuantitySequence, BeginsAnewAfterAPause) {
+    const QuantitySequence::Time start{100s};
+    QuantitySequence sequence;
+    sequence.advance(4, start);
+    EXPECT_EQ(sequence.next(4, start + 3s), 0U);
+}
