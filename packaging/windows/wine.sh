@@ -41,7 +41,7 @@ lay_out_programs() {
 }
 
 stop_windows() {
-  /usr/lib/wine/wineserver64 --kill=15 2>/dev/null || true
+  /usr/lib/wine/wineserver64 --kill 2>/dev/null || true
   /usr/lib/wine/wineserver64 --wait
 }
 
