@@ -11,6 +11,7 @@
 #include "dialogs/aboutdialog.h"
 #include "dialogs/cameratype.h"
 #include "dialogs/doorop.h"
+#include "dialogs/focuskeeper.h"
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcameraprotocol.h"
 #include "dialogs/setcapturedegree.h"
@@ -92,6 +93,8 @@ bool MainWindow::event(QEvent* event) {
     // Menus send one for each entry under the mouse, empty or not. Only StatusLine writes the status bar.
     if (event->type() == QEvent::StatusTip)
         return true;
+    if (event->type() == QEvent::WindowDeactivate)
+        leaveCloseButton();
     return QMainWindow::event(event);
 }
 
@@ -183,25 +186,29 @@ std::vector<QWidget*> MainWindow::portOpenControls() const {
 
 void MainWindow::applyPortRule() {
     const bool open = m_camera != nullptr;
-    m_ui->sel_ports->setEnabled(!open);
-    m_ui->sel_baund->setEnabled(!open);
-    for (QWidget* const control : portOpenControls())
-        control->setEnabled(open);
+    FocusKeeper::of(this).keep([this, open] {
+        m_ui->sel_ports->setEnabled(!open);
+        m_ui->sel_baund->setEnabled(!open);
+        for (QWidget* const control : portOpenControls())
+            control->setEnabled(open);
+    });
     if (!open)
         m_ui->rb_heartbeat->setChecked(false);
 }
 
 void MainWindow::allowExchange(bool allowed) {
     m_exchangeAllowed = allowed;
-    if (allowed) {
-        applyPortRule();
-    } else {
-        for (QWidget* const control : portOpenControls())
-            control->setEnabled(false);
-    }
-    // The port rule leaves these alone.
-    m_ui->btn_modelupdate->setEnabled(allowed);
-    m_ui->btn_gyro->setEnabled(allowed);
+    FocusKeeper::of(this).keep([this, allowed] {
+        if (allowed) {
+            applyPortRule();
+        } else {
+            for (QWidget* const control : portOpenControls())
+                control->setEnabled(false);
+        }
+        // The port rule leaves these alone.
+        m_ui->btn_modelupdate->setEnabled(allowed);
+        m_ui->btn_gyro->setEnabled(allowed);
+    });
     for (QAction* const action :
          {m_ui->actionSnSet, m_ui->actionPwmHeatSet, m_ui->actionInstallLocation, m_ui->actionCaptureDegree,
           m_ui->actionactionPicRateSet, m_ui->actionReboot, m_ui->actionResetFactory, m_ui->actionPicInfo,
@@ -215,6 +222,11 @@ void MainWindow::freeExchange() {
         applyPortRule();
     else
         allowExchange(true);
+}
+
+void MainWindow::leaveCloseButton() {
+    if (m_camera != nullptr && focusWidget() == m_ui->btn_open)
+        FocusKeeper::of(this).rest();
 }
 
 void MainWindow::showPaths() {
@@ -265,6 +277,7 @@ void MainWindow::openLink() {
     lendClient(m_camera.get());
     m_ui->btn_open->setText(tr("关闭串口"));
     freeExchange();
+    leaveCloseButton();
     showLink();
     m_statusLine->showOutcome(port.isEmpty() ? tr("没有可用串口") : tr("已打开 %1").arg(port));
 }
@@ -304,6 +317,8 @@ void MainWindow::applyCameraProtocol() {
 // --- windows -----------------------------------------------------------------------------------------------
 
 void MainWindow::openCameraProtocol() {
+    // That window closes at the press of its button: a second press comes here and must press nothing.
+    FocusKeeper::of(this).rest();
     const auto* const window = openWindow<SetCameraProtocol>(&m_slaveAddress, &m_cameraType, this);
     connect(window, &QObject::destroyed, this, &MainWindow::applyCameraProtocol);
 }

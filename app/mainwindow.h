@@ -70,6 +70,9 @@ private:
     void allowExchange(bool allowed);
     /// When the link has changed: whoever had the client for itself does not come back for this link.
     void freeExchange();
+    /// The button that closes the link has the focus only if the user moves it there: neither after the press
+    /// that opened the link nor when the window is activated again.
+    void leaveCloseButton();
     /// Shows the chosen files.
     void showPaths();
     /// Shows the open port, its rate and the slave address at the right end of the status bar.

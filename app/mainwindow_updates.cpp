@@ -6,6 +6,7 @@
 #include "app/statusline.h"
 #include "app/transferdisplay.h"
 #include "dialogs/cameratype.h"
+#include "dialogs/focuskeeper.h"
 #include "ui_mainwindow.h"
 #include "updates/appupdatetask.h"
 #include "updates/appupdatev1task.h"
@@ -147,7 +148,7 @@ void MainWindow::beginUpload() {
 
 /// The pressed button stays disabled even when nothing was started; it comes back with all the others.
 void MainWindow::disablePressed(QPushButton* button, bool started) {
-    button->setEnabled(false);
+    FocusKeeper::of(this).keep([button] { button->setEnabled(false); });
     if (!started)
         m_statusLine->showState(tr("没有可升级的文件，请先选择文件"));
 }

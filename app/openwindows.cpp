@@ -1,6 +1,7 @@
 #include "app/openwindows.h"
 
 #include "borrow/clientborrower.h"
+#include "dialogs/focuskeeper.h"
 
 #include <utility>
 
@@ -12,12 +13,14 @@ void OpenWindows::add(QWidget* window, ClientBorrower* borrower) {
 }
 
 void OpenWindows::attachClient(CameraSp* client) {
-    forEachBorrower([client](ClientBorrower& borrower) { borrower.attachClient(client); });
+    forEachBorrower([client](const Entry& entry) { entry.borrower->attachClient(client); });
 }
 
 void OpenWindows::setExchangeAllowed(bool allowed) {
     m_exchangeAllowed = allowed;
-    forEachBorrower([allowed](ClientBorrower& borrower) { borrower.setExchangeAllowed(allowed); });
+    forEachBorrower([allowed](const Entry& entry) {
+        FocusKeeper::of(entry.window).keep([&] { entry.borrower->setExchangeAllowed(allowed); });
+    });
 }
 
 void OpenWindows::closeAll() {
@@ -40,7 +43,7 @@ void OpenWindows::forEachBorrower(Action action) {
     forgetDestroyed();
     for (const Entry& entry : m_entries) {
         if (entry.borrower != nullptr)
-            action(*entry.borrower);
+            action(entry);
     }
 }
 

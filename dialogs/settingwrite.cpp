@@ -1,5 +1,6 @@
 #include "dialogs/settingwrite.h"
 
+#include "dialogs/focuskeeper.h"
 #include "link/diagnostics.h"
 
 #include <QAbstractButton>
@@ -17,12 +18,12 @@ SettingWrite::SettingWrite(QWidget* window, Plan plan)
 }
 
 void SettingWrite::run() {
-    holdControls();
+    setControlsEnabled(false);
     m_plan.hint->setText(tr("开始设置，请稍后..."));
     const QString value = m_plan.value();
     if (value.isEmpty()) {
         m_plan.hint->setText(m_plan.emptyValue);
-        releaseControls();
+        setControlsEnabled(true);
         return;
     }
     m_plan.hint->repaint(); // the exchange blocks this thread
@@ -34,7 +35,7 @@ void SettingWrite::run() {
         return;
     }
     m_plan.hint->setText(m_plan.failed);
-    releaseControls();
+    setControlsEnabled(true);
 }
 
 void SettingWrite::tick() {
@@ -51,23 +52,15 @@ void SettingWrite::tick() {
     if (!m_window->isEnabled())
         return; // somebody else uses the client: the read-back waits for a later tick
     m_plan.hint->setText(tr("设置成功!"));
-    releaseControls();
+    setControlsEnabled(true);
     m_timer->stop();
     m_counter = m_plan.seconds;
     m_plan.readBack->click();
 }
 
-void SettingWrite::holdControls() {
-    m_focusBefore = m_window->focusWidget();
-    for (QWidget* control : m_plan.controls)
-        control->setEnabled(false);
-    m_focusMeanwhile = m_window->focusWidget();
-}
-
-void SettingWrite::releaseControls() {
-    for (QWidget* control : m_plan.controls)
-        control->setEnabled(true);
-    // The focus returns to where the user had it, unless the user has moved it since.
-    if (m_focusBefore != nullptr && m_window->focusWidget() == m_focusMeanwhile)
-        m_focusBefore->setFocus(Qt::OtherFocusReason);
+void SettingWrite::setControlsEnabled(bool enabled) {
+    FocusKeeper::of(m_window).keep([this, enabled] {
+        for (QWidget* control : m_plan.controls)
+            control->setEnabled(enabled);
+    });
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QObject>
-#include <QPointer>
 #include <QString>
 #include <QWidget>
 
@@ -45,13 +44,10 @@ public:
 
 private:
     void tick();
-    void holdControls();
-    void releaseControls();
+    void setControlsEnabled(bool enabled);
 
     QWidget* m_window;
     Plan m_plan;
     QTimer* m_timer;
     int m_counter;
-    QPointer<QWidget> m_focusBefore; // has the focus when the controls are held
-    QPointer<QWidget> m_focusMeanwhile;
 };

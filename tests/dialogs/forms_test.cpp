@@ -193,6 +193,15 @@ TEST_P(SettingForm, IsWalkedThroughByTabAsTheEyeGoes) {
     EXPECT_EQ(walked, form().tabOrder);
 }
 
+TEST_P(SettingForm, HasNoTabStopOutOfSight) {
+    for (const QWidget* widget : m_window->findChildren<QWidget*>()) {
+        const bool outOfSight = !widget->isVisible() || widget->visibleRegion().isEmpty();
+        if (outOfSight && widget->window() == m_window.get()) {
+            EXPECT_EQ(widget->focusPolicy() & Qt::TabFocus, 0) << widget->objectName().toStdString();
+        }
+    }
+}
+
 TEST_P(SettingForm, NamesEverythingTheKeyboardReaches) {
     std::map<QString, QString> names;
     for (const QWidget* widget : m_window->findChildren<QWidget*>()) {

@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QPushButton>
 
 namespace {
 
@@ -271,6 +272,49 @@ TEST_P(SettingWriteTest, GivesTheKeyboardFocusBackWithTheControls) {
     ASSERT_EQ(window->focusWidget(), button);
     press(window, kind().setButton);
     EXPECT_NE(window->focusWidget(), button);
+    countDownToZero(window);
+    tick(window);
+    EXPECT_EQ(window->focusWidget(), button);
+}
+
+TEST_P(SettingWriteTest, GivesTheFocusToNoOtherControl) {
+    for (const auto key : {Qt::Key_Return, Qt::Key_Space}) {
+        QWidget* const window = openWindow();
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+        auto* const button = part<QPushButton>(window, kind().setButton);
+        button->setAutoDefault(true); // as the main window does, so that Return presses it
+        button->setFocus();
+        QTest::keyClick(window->windowHandle(), key);
+        EXPECT_TRUE(timerOf(window)->isActive());
+        EXPECT_TRUE(window->focusWidget() == nullptr || window->focusWidget() == window);
+        QTest::keyClick(window->windowHandle(), key);
+        if (&kind() == &serialNumber) {
+            EXPECT_EQ(textOf(window, "et_setsn"), kind().value) << "no other number was generated";
+        }
+    }
+}
+
+TEST_P(SettingWriteTest, LeavesTheFocusWhereTheUserMovesIt) {
+    QWidget* const window = openWindow();
+    auto* const button = part<QAbstractButton>(window, kind().setButton);
+    QLineEdit other(window);
+    other.show();
+    button->setFocus();
+    press(window, kind().setButton);
+    other.setFocus();
+    countDownToZero(window);
+    tick(window);
+    EXPECT_EQ(window->focusWidget(), &other);
+}
+
+TEST_P(SettingWriteTest, GivesTheFocusBackAfterSomebodyElseHasUsedTheClient) {
+    QWidget* const window = openWindow();
+    auto* const button = part<QAbstractButton>(window, kind().setButton);
+    button->setFocus();
+    press(window, kind().setButton);
+    m_borrowers.front().borrower->setExchangeAllowed(false);
+    m_borrowers.front().borrower->setExchangeAllowed(true);
     countDownToZero(window);
     tick(window);
     EXPECT_EQ(window->focusWidget(), button);

@@ -74,6 +74,30 @@ TEST_F(MainWindowPictures, TakesAndShowsAPictureWithItsControlsDisabledMeanwhile
     EXPECT_TRUE(button("btn_gyro")->isEnabled());
 }
 
+TEST_F(MainWindowPictures, GiveTheFocusBackAfterACapture) {
+    window->show();
+    button("btn_open")->click();
+    action("actionPicInfo")->trigger();
+    auto* const list = window->findChild<PicList*>();
+    auto* const refresh = list->findChild<QPushButton*>("btn_refresh");
+    refresh->setFocus();
+    window->activateWindow();
+    QWindow* const screen = window->windowHandle();
+    ASSERT_TRUE(QTest::qWaitFor([screen] { return QGuiApplication::focusWindow() == screen; }));
+    const protocol::Bytes data = jpeg(40, 30, Qt::red);
+    willTake(static_cast<std::uint32_t>(data.size()));
+    camera.willSend(0x09, 0, data);
+    button("btn_takepic")->setFocus();
+    QTest::keyClick(screen, Qt::Key_Space);
+    EXPECT_EQ(window->focusWidget(), window.get());
+    EXPECT_EQ(list->focusWidget(), nullptr);
+    QTest::keyClick(screen, Qt::Key_Space);
+    EXPECT_EQ(button("btn_open")->text(), "关闭串口");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return button("btn_takepic")->isEnabled(); }, 5000));
+    EXPECT_EQ(window->focusWidget(), button("btn_takepic"));
+    EXPECT_EQ(list->focusWidget(), refresh);
+}
+
 TEST_F(MainWindowPictures, ClosingTheLinkEndsADownloadThatNeverWould) {
     button("btn_open")->click();
     willTake(0xFFFFFFFF);

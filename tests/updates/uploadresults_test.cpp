@@ -46,6 +46,19 @@ TEST_P(EveryUpload, LocksTheExchangesWhileItRunsAndFreesThemWithItsBox) {
     EXPECT_EQ(record().count(GetParam().code), GetParam().secondProtocol ? 5U : 1U);
 }
 
+TEST_P(EveryUpload, GivesTheFocusBackToItsButton) {
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    open();
+    fault(std::string("delay=100@") + GetParam().request + "#1");
+    start(GetParam());
+    ASSERT_EQ(window->focusWidget(), window.get());
+    QTest::keyClick(window->windowHandle(), Qt::Key_Return);
+    EXPECT_EQ(text(*window, "btn_open"), "关闭串口");
+    EXPECT_EQ(outcome(), "升级已完成，结果:true");
+    EXPECT_EQ(window->focusWidget()->objectName(), GetParam().updateButton);
+}
+
 TEST_P(EveryUpload, MayBeDoneAgainWithAnotherTaskOfTheWindow) {
     open();
     for (int round = 1; round <= 3; ++round) {
