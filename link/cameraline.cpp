@@ -14,6 +14,7 @@ namespace {
 // An answer that comes later than this after its request is not waited for.
 constexpr auto latestAnswer = 500ms;
 constexpr auto shortestSleep = 1ms;
+constexpr auto longestSpin = 50us; // a thread that yields on a busy machine comes back after milliseconds
 
 std::function<void(std::chrono::nanoseconds)>& sleepReplacement() {
     static std::function<void(std::chrono::nanoseconds)> replacement;
@@ -180,8 +181,10 @@ bool CameraLine::pause(std::chrono::nanoseconds duration) {
     }
     if (duration < shortestSleep) {
         const auto end = std::chrono::steady_clock::now() + duration;
-        while (!m_stop && std::chrono::steady_clock::now() < end)
-            std::this_thread::yield();
+        while (!m_stop && std::chrono::steady_clock::now() < end) {
+            if (duration > longestSpin)
+                std::this_thread::yield();
+        }
         return !m_stop;
     }
     std::unique_lock lock(m_lifeMutex);

@@ -191,11 +191,14 @@ TEST_F(SharedLine, NegativeReadSizeIsRefused) {
 
 TEST_F(SharedLine, ShortPauseDoesNotSleep) {
     CameraSp::replaceSleep({});
-    const auto before = std::chrono::steady_clock::now();
-    for (int i = 0; i < 1000; ++i)
-        EXPECT_TRUE(camera.pause(1000ns));
-    // A wait on a condition takes at least 50 us each.
-    EXPECT_LT(std::chrono::steady_clock::now() - before, 40ms);
+    auto shortest = std::chrono::steady_clock::duration::max();
+    for (int attempt = 0; attempt < 10; ++attempt) { // of which the scheduler may spoil some
+        const auto before = std::chrono::steady_clock::now();
+        for (int i = 0; i < 100; ++i)
+            EXPECT_TRUE(camera.pause(1000ns));
+        shortest = std::min(shortest, std::chrono::steady_clock::now() - before);
+    }
+    EXPECT_LT(shortest, 4ms); // a wait on a condition takes at least 50 us
 }
 
 TEST_F(SharedLine, ShortPauseSeesTheStop) {
