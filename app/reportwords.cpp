@@ -4,7 +4,7 @@
 
 namespace {
 
-QString translated(const char* text) {
+QString translatedWords(const char* text) {
     return QCoreApplication::translate("ReportWords", text);
 }
 
@@ -58,8 +58,8 @@ const char* words(CommandEnd end) {
 
 QString reportWords(const CommandReport& report) {
     if (report.end == CommandEnd::lineBusy && report.busyWith != LineUser::none)
-        return translated("线路正忙（正在%1），请稍后再试").arg(lineUserWords(report.busyWith));
-    return translated(words(report.end));
+        return translatedWords("线路正忙（正在%1），请稍后再试").arg(lineUserWords(report.busyWith));
+    return translatedWords(words(report.end));
 }
 
 QString lineUserWords(LineUser user) {
@@ -67,15 +67,15 @@ QString lineUserWords(LineUser user) {
     case LineUser::none:
         return {};
     case LineUser::command:
-        return translated("执行命令");
+        return translatedWords("执行命令");
     case LineUser::reading:
-        return translated("读取设置");
+        return translatedWords("读取设置");
     case LineUser::versions:
-        return translated("读取版本号");
+        return translatedWords("读取版本号");
     case LineUser::download:
-        return translated("下载图片");
+        return translatedWords("下载图片");
     case LineUser::upload:
-        return translated("升级");
+        return translatedWords("升级");
     }
     return {};
 }

@@ -3,6 +3,7 @@
 #include "dialogs/doorop.h"
 #include "dialogs/setcameraprotocol.h"
 #include "emulator/ptyfront.h"
+#include "pictures/piclist.h"
 #include "tests/gui/support/guitest.h"
 #include "tests/gui/support/printing.h"
 
@@ -14,6 +15,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
+#include <QStatusBar>
 #include <QThreadPool>
 
 #include <gtest/gtest.h>
@@ -386,4 +388,20 @@ TEST_F(MainWindowAndCamera, StandsOpeningAndClosingInEveryMomentOfTheVersionQuer
     }
     open();
     EXPECT_TRUE(heartbeat());
+}
+
+TEST_F(MainWindowAndCamera, CountsTheSecondsOfACommandThatBlocks) {
+    QStringList messages;
+    const QObject listener;
+    QObject::connect(window->statusBar(), &QStatusBar::messageChanged, &listener,
+                     [&](const QString& text) { messages.append(text); });
+    open();
+    camera.withCamera([](VirtualCamera& each) { each.addFault("delay=2500@capture"); });
+    trigger(*window, "actionPicInfo");
+    click(*openWindows<PicList>().at(0), "btn_takepic");
+    EXPECT_TRUE(messages.contains("正在拍照…"));
+    EXPECT_TRUE(messages.contains("正在拍照…（1 秒）")) << messages.join("; ").toStdString();
+    EXPECT_TRUE(messages.contains("正在拍照…（2 秒）"));
+    EXPECT_TRUE(statusText(*window).startsWith("拍照：完成（用时 2.")) << statusText(*window).toStdString();
+    window->close();
 }
