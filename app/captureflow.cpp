@@ -1,7 +1,7 @@
 #include "app/captureflow.h"
 
 #include "app/reportwords.h"
-#include "dialogs/cameratype.h"
+#include "link/protocol/cameratypes.h"
 #include "pictures/localpicture.h"
 #include "pictures/picturegeneration.h"
 
@@ -9,6 +9,7 @@
 #include <QLabel>
 
 using namespace std::chrono_literals;
+using protocol::PictureCommands;
 
 namespace {
 
@@ -104,10 +105,14 @@ void CaptureFlow::start(std::uint32_t cameraType) {
         reportMissingClient();
         return;
     }
-    if (cameraType == cameratype::quenta)
-        startJson();
-    else
-        startFrames(cameraType == cameratype::shelfDynamic ? v1Path : originPath);
+    switch (protocol::cameraTypeInfo(cameraType).pictures) {
+    case PictureCommands::json:
+        return startJson();
+    case PictureCommands::v1:
+        return startFrames(v1Path);
+    case PictureCommands::origin:
+        return startFrames(originPath);
+    }
 }
 
 void CaptureFlow::startFrames(const Path& path) {

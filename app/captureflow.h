@@ -1,7 +1,7 @@
 // The main window's take-picture flow.
 #pragma once
 
-#include "borrow/clientborrower.h"
+#include "linkaccess/clientborrower.h"
 
 #include <QObject>
 
@@ -26,8 +26,7 @@ public:
     void attachClient(CameraSp* client);
     using ClientBorrower::setObserver;
 
-    /// One of cameratype: quenta and shelfDynamic have paths of their own, every other type is the first
-    /// generation.
+    /// The number of a protocol::CameraType; one that is none is of the first generation.
     void start(std::uint32_t cameraType);
 
 private:

@@ -3,13 +3,11 @@
 
 #include "app/application.h"
 #include "app/keepawake.h"
-#include "app/responsiveness.h"
 #include "app/statusline.h"
+#include "app/system.h"
 #include "app/systemtext.h"
 #include "app/transferdisplay.h"
-#include "borrow/cameratext.h"
 #include "dialogs/aboutdialog.h"
-#include "dialogs/cameratype.h"
 #include "dialogs/doorop.h"
 #include "dialogs/focuskeeper.h"
 #include "dialogs/setcameralocation.h"
@@ -18,6 +16,7 @@
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
+#include "linkaccess/cameratext.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
 #include "ui_mainwindow.h"
@@ -35,6 +34,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto finishStartDelay = 100ms;
+// Set in the form for each menu entry that exchanges with the camera.
+constexpr const char* exchangesProperty = "exchanges";
 // Jobs mostly wait: each open window may read while another job has the line.
 constexpr int poolThreads = 16;
 const QString toolVersion = QStringLiteral(CAMERA_TOOL_VERSION);
@@ -111,8 +112,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 // --- construction ------------------------------------------------------------------------------------------
 
 void MainWindow::fillChoices() {
-    m_ui->sel_baund->addItems({QStringLiteral("460800"), QStringLiteral("230400"), QStringLiteral("115200"),
-                               QStringLiteral("9600")});
+    for (const std::uint32_t rate : protocol::baudRates)
+        m_ui->sel_baund->addItem(QString::number(rate));
     m_ui->sel_baund->setCurrentIndex(0);
     m_ui->sel_ports->setSource(&presentPorts);
     m_ui->sel_ports->fill();
@@ -209,11 +210,10 @@ void MainWindow::allowExchange(bool allowed) {
         m_ui->btn_modelupdate->setEnabled(allowed);
         m_ui->btn_gyro->setEnabled(allowed);
     });
-    for (QAction* const action :
-         {m_ui->actionSnSet, m_ui->actionPwmHeatSet, m_ui->actionInstallLocation, m_ui->actionCaptureDegree,
-          m_ui->actionactionPicRateSet, m_ui->actionReboot, m_ui->actionResetFactory, m_ui->actionPicInfo,
-          m_ui->actionPicInfoV1, m_ui->actionOpenCloseDoor})
-        action->setEnabled(allowed);
+    for (QAction* const action : findChildren<QAction*>()) {
+        if (action->property(exchangesProperty).toBool())
+            action->setEnabled(allowed);
+    }
     m_windows.setExchangeAllowed(allowed);
 }
 
@@ -308,8 +308,7 @@ void MainWindow::lendClient(CameraSp* client) {
 void MainWindow::applyCameraProtocol() {
     if (m_camera != nullptr)
         m_camera->setSlaveAddress(static_cast<std::int32_t>(m_slaveAddress));
-    const bool quenta = m_cameraType == cameratype::quenta;
-    m_ui->sel_baund->setCurrentText(quenta ? QStringLiteral("230400") : QStringLiteral("460800"));
+    m_ui->sel_baund->setCurrentText(QString::number(protocol::cameraTypeInfo(m_cameraType).baudRate));
     m_ui->label_slaveinfo->setText(tr("当前从机地址:") + QString::number(m_slaveAddress));
     showLink();
 }

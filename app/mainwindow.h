@@ -4,8 +4,9 @@
 #include "app/captureflow.h"
 #include "app/openwindows.h"
 #include "app/windowkeys.h"
-#include "borrow/clientborrower.h"
 #include "link/camerasp.h"
+#include "link/protocol/cameratypes.h"
+#include "linkaccess/clientborrower.h"
 
 #include <QMainWindow>
 
@@ -156,14 +157,14 @@ private:
     std::unique_ptr<Ui::MainWindow> m_ui;
     std::unique_ptr<CameraSp> m_camera; ///< present exactly while a link is open
     OpenedPort m_opened;                ///< of the open link
-    std::uint32_t m_baudRate = 460800;
+    std::uint32_t m_baudRate = protocol::baudRates.front();
     std::string m_portName;
     QString m_appPath;
     QString m_firewarePath;
     QString m_modelPath;
     QString m_modelName;
     std::uint32_t m_slaveAddress = 1;
-    std::uint32_t m_cameraType = 0; ///< one of cameratype
+    std::uint32_t m_cameraType = 0; ///< number of a protocol::CameraType
 
     // The last task of each kind; children of the window, never deleted before it.
     AppUpdateTask* m_appUpdateTask = nullptr;

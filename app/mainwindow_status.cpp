@@ -2,9 +2,8 @@
 #include "app/mainwindow.h"
 #include "app/reportwords.h"
 #include "app/statusline.h"
-#include "borrow/cameratext.h"
-#include "dialogs/cameratype.h"
-#include "link/protocol/commands.h"
+#include "link/protocol/propertyids.h"
+#include "linkaccess/cameratext.h"
 #include "ui_mainwindow.h"
 
 #include <QDebug>
@@ -15,12 +14,7 @@
 
 namespace {
 
-constexpr std::uint8_t gyroProperty = 0x03;
-constexpr std::uint8_t gyroCommand = 0x0F;
-constexpr std::uint32_t gyroTimeoutMs = 50;
-constexpr std::uint32_t gyroReadSize = 100; // bytes
-constexpr qsizetype longestBoxText = 200;   // characters
-constexpr QByteArrayView gyroPassed = "3success";
+constexpr qsizetype longestBoxText = 200; // characters
 constexpr int highestPictureOffset = 250;
 
 /// The version stands at the top, or inside "result".
@@ -64,7 +58,7 @@ void MainWindow::testHeartBeat() {
 
 void MainWindow::queryVersions() {
     m_ui->tv_appversion->setText(tr("。。。。"));
-    if (m_cameraType == cameratype::quenta)
+    if (protocol::cameraTypeInfo(m_cameraType).pictures == protocol::PictureCommands::json)
         queryQuentaVersion();
     else
         queryVersionsOnPool();
@@ -120,13 +114,14 @@ void MainWindow::queryModelInfo() {
 }
 
 void MainWindow::testGyro() {
-    const std::vector<std::uint8_t> answer = ask(tr("测试陀螺仪"), &CameraSp::getCommonPropertyWithoutParse,
-                                                 gyroProperty, gyroCommand, gyroTimeoutMs, gyroReadSize);
-    const QByteArrayView bytes(answer.data(), static_cast<qsizetype>(answer.size()));
-    const bool passed = bytes == gyroPassed;
-    if (!passed && !bytes.empty())
+    namespace gyro = protocol::gyro_test;
+    const std::vector<std::uint8_t> answer =
+        ask(tr("测试陀螺仪"), &CameraSp::getCommonPropertyWithoutParse, gyro::property,
+            protocol::code(protocol::Command::gyroTest), gyro::timeoutMs, gyro::readSize);
+    const std::string text(answer.begin(), answer.end());
+    const bool passed = text == gyro::passed;
+    if (!passed && !text.empty())
         m_statusLine->showOutcome(tr("测试陀螺仪：没有通过"));
-    const std::string_view text(bytes.data(), static_cast<std::size_t>(bytes.size()));
     QMessageBox box(QMessageBox::Information, QString(),
                     passed ? tr("陀螺仪测试成功")
                            : tr("陀螺仪测试失败:") + shortened(cameraText(text), longestBoxText),

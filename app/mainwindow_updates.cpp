@@ -5,7 +5,6 @@
 #include "app/reportwords.h"
 #include "app/statusline.h"
 #include "app/transferdisplay.h"
-#include "dialogs/cameratype.h"
 #include "dialogs/focuskeeper.h"
 #include "ui_mainwindow.h"
 #include "updates/appupdatetask.h"
@@ -79,7 +78,7 @@ void MainWindow::chooseFile(QString& path, const QString& caption, const QString
 
 void MainWindow::startAppUpdate() {
     const bool startable = canUpload(m_appPath);
-    if (startable && m_cameraType == cameratype::shelfDynamic) {
+    if (startable && protocol::cameraTypeInfo(m_cameraType).pictures == protocol::PictureCommands::v1) {
         const QString fileName = QFileInfo(m_appPath).fileName();
         qDebug() << "get fileName " << fileName;
         m_appUpdateV1Task = new AppUpdateV1Task(client(), m_appPath, fileName, this);

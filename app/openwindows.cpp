@@ -1,7 +1,7 @@
 #include "app/openwindows.h"
 
-#include "borrow/clientborrower.h"
 #include "dialogs/focuskeeper.h"
+#include "linkaccess/clientborrower.h"
 
 #include <utility>
 

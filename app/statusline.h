@@ -1,7 +1,7 @@
 // The status bar's story: what is open, what is being done, and how the last action ended.
 #pragma once
 
-#include "borrow/linkuse.h"
+#include "linkaccess/linkuse.h"
 
 #include <QObject>
 #include <QTimer>

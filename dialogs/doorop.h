@@ -1,7 +1,7 @@
 // The window that simulates the cooler door.
 #pragma once
 
-#include "borrow/clientborrower.h"
+#include "linkaccess/clientborrower.h"
 
 #include <QWidget>
 

@@ -52,7 +52,7 @@ void SetCameraLocation::fetch() {
     if (client() == nullptr)
         return;
     // The same request four times: the camera answers every read with its next quantity.
-    const std::vector<SettingId> ids(4, SettingId::orientation);
+    const std::vector<protocol::PropertyId> ids(4, protocol::PropertyId::orientation);
     const auto log = [](const std::vector<Value>& values) {
         for (const Value& value : values)
             qDebug() << value;

@@ -1,7 +1,7 @@
 #include "dialogs/setcameraprotocol.h"
 
-#include "dialogs/cameratype.h"
 #include "dialogs/hexspinbox.h"
+#include "link/protocol/cameratypes.h"
 #include "ui_setcameraprotocol.h"
 
 #include <QHBoxLayout>
@@ -13,6 +13,7 @@
 #include <chrono>
 
 using namespace std::chrono_literals;
+using protocol::CameraType;
 
 namespace {
 
@@ -21,18 +22,17 @@ constexpr auto focusDelay = 200ms; // the window has to be on the screen first
 
 struct TypeChoice {
     QRadioButton* Ui::SetCameraProtocol::*button;
-    std::uint32_t type;
-    int presetAddress;
+    CameraType type;
     int row;
     int column;
 };
 
 constexpr std::array typeChoices{
-    TypeChoice{&Ui::SetCameraProtocol::rb_ost, cameratype::ostra, 1, 0, 0},
-    TypeChoice{&Ui::SetCameraProtocol::rb_dvl, cameratype::dorvel, 0xEE, 0, 1},
-    TypeChoice{&Ui::SetCameraProtocol::rb_dx, cameratype::shelfStatic, 1, 1, 0},
-    TypeChoice{&Ui::SetCameraProtocol::rb_quenta, cameratype::quenta, 3, 0, 2},
-    TypeChoice{&Ui::SetCameraProtocol::rb_dx_dt, cameratype::shelfDynamic, 2, 1, 1},
+    TypeChoice{&Ui::SetCameraProtocol::rb_ost, CameraType::ostra, 0, 0},
+    TypeChoice{&Ui::SetCameraProtocol::rb_dvl, CameraType::dorvel, 0, 1},
+    TypeChoice{&Ui::SetCameraProtocol::rb_dx, CameraType::salesStatic, 1, 0},
+    TypeChoice{&Ui::SetCameraProtocol::rb_quenta, CameraType::quenta, 0, 2},
+    TypeChoice{&Ui::SetCameraProtocol::rb_dx_dt, CameraType::salesDynamic, 1, 1},
 };
 
 } // namespace
@@ -49,7 +49,9 @@ SetCameraProtocol::SetCameraProtocol(std::uint32_t* slaveAddress, std::uint32_t*
     for (const TypeChoice& choice : typeChoices) {
         // On a click only, so that the technician can pick the type and then still correct the address.
         connect((*m_ui).*choice.button, &QRadioButton::clicked, this,
-                [this, preset = choice.presetAddress] { addressField()->setValue(preset); });
+                [this, preset = protocol::infoOf(choice.type).usualAddress] {
+                    addressField()->setValue(preset);
+                });
     }
     selectType();
     addressField()->setValue(static_cast<int>(*m_slaveAddress));
@@ -85,7 +87,7 @@ void SetCameraProtocol::arrangeTypes() {
 void SetCameraProtocol::selectType() {
     m_ui->rb_ost->setChecked(true); // for any type that has no button
     for (const TypeChoice& choice : typeChoices) {
-        if (choice.type == *m_cameraType)
+        if (static_cast<std::uint32_t>(choice.type) == *m_cameraType)
             ((*m_ui).*choice.button)->setChecked(true);
     }
 }
@@ -96,7 +98,7 @@ void SetCameraProtocol::confirm() {
     *m_slaveAddress = static_cast<std::uint32_t>(addressField()->value());
     for (const TypeChoice& choice : typeChoices) {
         if (((*m_ui).*choice.button)->isChecked())
-            *m_cameraType = choice.type;
+            *m_cameraType = static_cast<std::uint32_t>(choice.type);
     }
     close();
 }

@@ -16,8 +16,8 @@ constexpr auto pauseBetweenReads = 100ms; // the camera's room between two reque
 constexpr auto readBackDelay = 500ms;
 
 // The items in the order of a full refresh; item n stands at n - 1.
-constexpr std::array itemSettings{SettingId::captureAngles, SettingId::captureDirection,
-                                  SettingId::captureReserve, SettingId::gyroSwitch};
+constexpr std::array itemSettings{protocol::PropertyId::captureAngles, protocol::PropertyId::captureDirection,
+                                  protocol::PropertyId::captureReserve, protocol::PropertyId::gyroSwitch};
 
 std::uint8_t lowByte(int value) {
     return static_cast<std::uint8_t>(value);
@@ -53,7 +53,7 @@ void SetCaptureDegree::doGetInfo(bool fullRefresh, int item) {
     std::vector<int> items{item};
     if (fullRefresh)
         items = {anglesItem, directionItem, reserveItem, gyroItem};
-    std::vector<SettingId> ids;
+    std::vector<protocol::PropertyId> ids;
     ids.reserve(items.size());
     for (int each : items)
         ids.push_back(itemSettings.at(static_cast<std::size_t>(each - 1)));
@@ -113,23 +113,23 @@ void SetCaptureDegree::setAngles() {
     const int angleA = m_ui->et_set1_0->text().toInt();
     const int angleB = m_ui->et_set1_1->text().toInt();
     qDebug() << angleA << "  " << angleB;
-    writeAndReadBack(SettingId::captureAngles, {lowByte(angleA), lowByte(angleB)}, anglesItem);
+    writeAndReadBack(protocol::PropertyId::captureAngles, {lowByte(angleA), lowByte(angleB)}, anglesItem);
 }
 
 void SetCaptureDegree::setDirection() {
     const bool clockwise = m_ui->rb_closewise->isChecked();
     const bool anticlockwise = m_ui->rb_anticlosewise->isChecked();
     qDebug() << clockwise << "  " << anticlockwise;
-    writeAndReadBack(SettingId::captureDirection, {lowByte(clockwise)}, directionItem);
+    writeAndReadBack(protocol::PropertyId::captureDirection, {lowByte(clockwise)}, directionItem);
 }
 
 void SetCaptureDegree::setGyro() {
     const bool on = m_ui->cb_open->isChecked();
     qDebug() << on << "  ";
-    writeAndReadBack(SettingId::gyroSwitch, {lowByte(on)}, gyroItem);
+    writeAndReadBack(protocol::PropertyId::gyroSwitch, {lowByte(on)}, gyroItem);
 }
 
-void SetCaptureDegree::writeAndReadBack(SettingId id, Value value, int item) {
+void SetCaptureDegree::writeAndReadBack(protocol::PropertyId id, Value value, int item) {
     // The result is not looked at: the read-back shows what the camera holds.
     std::ignore = writeSetting(id, std::move(value));
     readBackLater(item);

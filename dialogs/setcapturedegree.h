@@ -37,7 +37,7 @@ private:
     void setAngles();
     void setDirection();
     void setGyro();
-    void writeAndReadBack(SettingId id, Value value, int item);
+    void writeAndReadBack(protocol::PropertyId id, Value value, int item);
     void readBackLater(int item);
 
     void showItem(int item, const Value& value);

@@ -31,12 +31,12 @@ SetPicRate::SetPicRate(QWidget* parent, CameraSp* client)
                                     [this](const QString& text) {
                                         // Whatever is typed goes out as a low byte, 0 if no number: the
                                         // camera decides what it takes.
-                                        return writeSetting(SettingId::compressionRate,
+                                        return writeSetting(protocol::PropertyId::compressionRate,
                                                             {static_cast<std::uint8_t>(text.toInt())});
                                     }});
     connect(m_ui->btn_setsn, &QPushButton::clicked, write, &SettingWrite::run);
     connect(m_ui->btn_getsn, &QPushButton::clicked, this, [this] {
-        showByteSetting(SettingId::compressionRate, m_ui->label_setsn, tr("当前图片压缩率:  "),
+        showByteSetting(protocol::PropertyId::compressionRate, m_ui->label_setsn, tr("当前图片压缩率:  "),
                         tr("获取图片压缩率失败"));
     });
 }

@@ -30,11 +30,12 @@ SetPwmHeat::SetPwmHeat(QWidget* parent, CameraSp* client)
                .value = [this] { return m_ui->cb_setheat->currentText(); },
                .write =
                    [this](const QString& text) {
-                       return writeSetting(SettingId::heaterDuty, {static_cast<std::uint8_t>(text.toInt())});
+                       return writeSetting(protocol::PropertyId::heaterDuty,
+                                           {static_cast<std::uint8_t>(text.toInt())});
                    }});
     connect(m_ui->btn_setheat, &QPushButton::clicked, write, &SettingWrite::run);
     connect(m_ui->btn_getheat, &QPushButton::clicked, this, [this] {
-        showByteSetting(SettingId::heaterDuty, m_ui->label_setheat, tr("当前占空比:  "),
+        showByteSetting(protocol::PropertyId::heaterDuty, m_ui->label_setheat, tr("当前占空比:  "),
                         tr("获取占空比失败"));
     });
 }

@@ -1,7 +1,7 @@
 #include "dialogs/setsn.h"
 
-#include "borrow/cameratext.h"
 #include "dialogs/settingwrite.h"
+#include "linkaccess/cameratext.h"
 #include "ui_setsn.h"
 
 #include <QCryptographicHash>

@@ -1,7 +1,7 @@
 // The window of the camera's serial number.
 #pragma once
 
-#include "borrow/clientborrower.h"
+#include "linkaccess/clientborrower.h"
 
 #include <QList>
 #include <QNetworkInterface>

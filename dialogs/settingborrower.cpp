@@ -1,18 +1,14 @@
 #include "dialogs/settingborrower.h"
 
-#include "link/protocol/commands.h"
-
 #include <QDebug>
 #include <QLabel>
 
+using namespace protocol;
+
 namespace {
 
-constexpr std::uint8_t readCommand = protocol::code(protocol::Command::getProperty);
-constexpr std::uint8_t writeCommand = protocol::code(protocol::Command::setProperty);
-
-constexpr std::uint8_t code(SettingId id) {
-    return static_cast<std::uint8_t>(id);
-}
+constexpr std::uint8_t readCommand = code(Command::getProperty);
+constexpr std::uint8_t writeCommand = code(Command::setProperty);
 
 /// Which quantity the read that comes now gives: an earlier sequence may have been given up in the middle.
 std::size_t takeQuantity(CameraSp& camera, std::size_t count) {
@@ -28,12 +24,12 @@ QString SettingBorrower::readName() {
     return QCoreApplication::translate("SettingBorrower", "读取设置");
 }
 
-bool SettingBorrower::writeSetting(SettingId id, Value value) const {
+bool SettingBorrower::writeSetting(PropertyId id, Value value) const {
     return ask(QCoreApplication::translate("SettingBorrower", "写入设置"), &CameraSp::setCommonProperty,
                code(id), std::move(value), writeCommand);
 }
 
-void SettingBorrower::showByteSetting(SettingId id, QLabel* label, const QString& prefix,
+void SettingBorrower::showByteSetting(PropertyId id, QLabel* label, const QString& prefix,
                                       const QString& failure) const {
     label->clear();
     const Value value = ask(readName(), &CameraSp::getCommonProperty, code(id), readCommand);
@@ -46,7 +42,7 @@ void SettingBorrower::showByteSetting(SettingId id, QLabel* label, const QString
 }
 
 std::vector<SettingBorrower::Value> SettingBorrower::readSettings(CameraSp* camera,
-                                                                  const std::vector<SettingId>& ids,
+                                                                  const std::vector<PropertyId>& ids,
                                                                   std::chrono::milliseconds pauseAfterEach,
                                                                   const std::atomic<bool>& wanted) {
     std::vector<Value> values(ids.size());
@@ -57,7 +53,7 @@ std::vector<SettingBorrower::Value> SettingBorrower::readSettings(CameraSp* came
         {
             const LineTurn::Hold turn = camera->takeLine(LineUser::reading);
             std::size_t place = i;
-            if (turn && ids[i] == SettingId::orientation)
+            if (turn && ids[i] == PropertyId::orientation)
                 place = takeQuantity(*camera, ids.size());
             values[place] = camera->getCommonProperty(code(ids[i]), readCommand);
             if (!turn)

@@ -1,7 +1,8 @@
 // Properties and the small status commands.
 #include "link/camerasp.h"
 #include "link/diagnostics.h"
-#include "link/guarded.h"
+#include "link/protocol/door.h"
+#include "link/protocol/propertyids.h"
 #include "link/runcommand.h"
 
 #include <ctime>
@@ -14,13 +15,6 @@ ExchangeRule withCommand(ExchangeRule rule, std::uint8_t command) {
     rule.command = static_cast<Command>(command);
     return rule;
 }
-
-/// Payload of the door command.
-namespace door_layout {
-constexpr Field<std::uint8_t> open{0};
-constexpr Field<std::uint32_t> secondsSinceEpoch{1};
-constexpr Field<std::uint8_t> sequence{5};
-} // namespace door_layout
 
 /// The generic property read. Its lines say what went wrong: an answer that cannot be used, or an exception.
 Bytes readProperty(CameraLine& line, const ExchangeRule& rule, std::uint8_t id) {

@@ -1,7 +1,7 @@
 // The list window of the pictures stored on the camera.
 #pragma once
 
-#include "borrow/clientborrower.h"
+#include "linkaccess/clientborrower.h"
 #include "pictures/picturegeneration.h"
 
 #include <QPersistentModelIndex>

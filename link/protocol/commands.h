@@ -34,17 +34,4 @@ enum class Command : std::uint16_t {
     return static_cast<std::uint8_t>(static_cast<std::uint16_t>(command) & 0xFFU);
 }
 
-/// Property ids that the link itself asks for. The settings dialogs own those of their settings.
-enum class PropertyId : std::uint8_t {
-    appVersion = 0x02,
-    serialNumber = 0x03,
-    systemVersion = 0x15,
-    modelInfo = 0xCC,
-    qvVersion = 0xD4,
-};
-
-[[nodiscard]] constexpr std::uint8_t code(PropertyId id) {
-    return static_cast<std::uint8_t>(id);
-}
-
 } // namespace protocol

@@ -1,7 +1,7 @@
 // What the tests of the settings windows share: a main window, an open link, and ways to press and look.
 #pragma once
 
-#include "borrow/clientborrower.h"
+#include "linkaccess/clientborrower.h"
 #include "link/camerasp.h"
 #include "tests/dialogs/debuglog.h"
 

@@ -89,21 +89,21 @@ std::string nameOf(PropertyId id) {
     return {};
 }
 
-std::string nameOf(SettingId id) {
+std::string nameOf(protocol::PropertyId id) {
     switch (id) {
-    case SettingId::compressionRate:
+    case protocol::PropertyId::compressionRate:
         return "compressionRate";
-    case SettingId::captureAngles:
+    case protocol::PropertyId::captureAngles:
         return "captureAngles";
-    case SettingId::captureDirection:
+    case protocol::PropertyId::captureDirection:
         return "captureDirection";
-    case SettingId::captureReserve:
+    case protocol::PropertyId::captureReserve:
         return "captureReserve";
-    case SettingId::gyroSwitch:
+    case protocol::PropertyId::gyroSwitch:
         return "gyroSwitch";
-    case SettingId::heaterDuty:
+    case protocol::PropertyId::heaterDuty:
         return "heaterDuty";
-    case SettingId::orientation:
+    case protocol::PropertyId::orientation:
         return "orientation";
     }
     return {};
@@ -162,7 +162,7 @@ TEST(ProtocolDocument, ListsEveryPropertyIdOfTheLinkAndOfTheWindows) {
     std::map<std::string, std::string> expected; // by id, in order
     for (unsigned value = 0; value < 256; ++value) {
         for (const std::string& name :
-             {nameOf(static_cast<PropertyId>(value)), nameOf(static_cast<SettingId>(value))}) {
+             {nameOf(static_cast<PropertyId>(value)), nameOf(static_cast<protocol::PropertyId>(value))}) {
             if (!name.empty())
                 expected[hexByte(value)] = name;
         }

@@ -33,11 +33,6 @@ const std::vector<const char*> exchanging = {
     "btn_heartbeat", "rb_heartbeat",     "btn_appversion",     "btn_takepic",     "btn_apppath",
     "btn_appupdate", "btn_firewarepath", "btn_firewareupdate", "label_modelinfo", "btn_modelinfo",
     "btn_modelpath", "et_modelname",     "btn_modelupdate",    "btn_gyro"};
-const std::vector<const char*> exchangingEntries = {
-    "actionSnSet",         "actionPwmHeatSet",       "actionInstallLocation",
-    "actionCaptureDegree", "actionactionPicRateSet", "actionReboot",
-    "actionResetFactory",  "actionPicInfo",          "actionPicInfoV1",
-    "actionOpenCloseDoor"};
 const std::vector<const char*> otherEntries = {"actionaddress", "actionOriginCmdExtraAdd", "actionAbout"};
 
 class MainWindowStatus : public testing::Test {
@@ -139,8 +134,9 @@ TEST_F(MainWindowStatus, ShowsThreeVersionsAndHoldsOtherExchangesBackMeanwhile) 
     EXPECT_EQ(text(*window, "tv_appversion"), "。。。。");
     for (const char* const name : exchanging)
         EXPECT_FALSE(isEnabled(*window, name)) << name;
-    for (const char* const name : exchangingEntries)
-        EXPECT_FALSE(find<QAction>(*window, name)->isEnabled()) << name;
+    EXPECT_EQ(exchangingEntries(*window).size(), 10);
+    for (const QString& name : exchangingEntries(*window))
+        EXPECT_FALSE(find<QAction>(*window, qPrintable(name))->isEnabled()) << qPrintable(name);
     for (const char* const name : otherEntries)
         EXPECT_TRUE(find<QAction>(*window, name)->isEnabled()) << name;
     EXPECT_FALSE(isEnabled(*window, "sel_ports"));
@@ -155,8 +151,8 @@ TEST_F(MainWindowStatus, ShowsThreeVersionsAndHoldsOtherExchangesBackMeanwhile) 
     EXPECT_TRUE(DebugLog::has("app   version1 system  version2 qv   version3"));
     for (const char* const name : exchanging)
         EXPECT_TRUE(isEnabled(*window, name)) << name;
-    for (const char* const name : exchangingEntries)
-        EXPECT_TRUE(find<QAction>(*window, name)->isEnabled()) << name;
+    for (const QString& name : exchangingEntries(*window))
+        EXPECT_TRUE(find<QAction>(*window, qPrintable(name))->isEnabled()) << qPrintable(name);
     EXPECT_TRUE(door->isEnabled());
     EXPECT_FALSE(isEnabled(*window, "sel_ports"));
 }

@@ -1,12 +1,12 @@
 // The status bar tells what happened, and nothing else.
 #include "app/mainwindow.h"
 #include "app/statusline.h"
-#include "borrow/cameratext.h"
 #include "dialogs/doorop.h"
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcapturedegree.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
+#include "linkaccess/cameratext.h"
 #include "pictures/piclist.h"
 #include "tests/gui/support/guitest.h"
 #include "tests/gui/support/printing.h"

@@ -1,12 +1,12 @@
 // The take-picture flow and the list windows with the real serial library and a virtual camera.
 #include "app/captureflow.h"
-#include "dialogs/cameratype.h"
 #include "emulator/ptyfront.h"
 #include "pictures/imgdialog.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
 #include "pictures/picturelistmodel.h"
 #include "tests/pictures/debuglines.h"
+#include "tests/support/cameratype.h"
 #include "tests/support/stdoutcapture.h"
 
 #include <QFile>

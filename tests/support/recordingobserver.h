@@ -1,7 +1,7 @@
 // Remembers what a borrower tells of its use of the link.
 #pragma once
 
-#include "borrow/linkuse.h"
+#include "linkaccess/linkuse.h"
 
 #include <QStringList>
 

@@ -1,5 +1,5 @@
 // The link is closed while one user holds the line and another waits for it.
-#include "dialogs/cameratype.h"
+#include "tests/support/cameratype.h"
 #include "tests/turn/users.h"
 
 #include <QElapsedTimer>

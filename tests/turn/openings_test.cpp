@@ -1,6 +1,6 @@
 // A reading window is opened, and perhaps closed again, shortly before an upload starts.
-#include "dialogs/cameratype.h"
 #include "link/protocol/commands.h"
+#include "tests/support/cameratype.h"
 #include "tests/turn/users.h"
 
 using namespace guitest;

@@ -1,5 +1,5 @@
 // Every two users of the line, the second started as soon as the first lets it.
-#include "dialogs/cameratype.h"
+#include "tests/support/cameratype.h"
 #include "tests/turn/users.h"
 
 #include <QElapsedTimer>

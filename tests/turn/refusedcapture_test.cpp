@@ -1,6 +1,6 @@
 // A capture that the camera refuses gives the controls back while an older picture is still being fetched.
-#include "dialogs/cameratype.h"
 #include "link/protocol/commands.h"
+#include "tests/support/cameratype.h"
 #include "tests/turn/users.h"
 
 #include <QElapsedTimer>

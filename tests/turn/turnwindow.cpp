@@ -1,8 +1,8 @@
 #include "tests/turn/turnwindow.h"
 
-#include "dialogs/cameratype.h"
 #include "dialogs/setcameraprotocol.h"
 #include "link/protocol/commands.h"
+#include "tests/support/cameratype.h"
 
 #include <QBuffer>
 #include <QComboBox>

@@ -1,6 +1,5 @@
 #include "tests/turn/users.h"
 
-#include "dialogs/cameratype.h"
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcapturedegree.h"
 #include "dialogs/setpicrate.h"
@@ -8,6 +7,7 @@
 #include "dialogs/setsn.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
+#include "tests/support/cameratype.h"
 
 #include <QFile>
 #include <QLabel>

@@ -25,11 +25,6 @@ const QStringList exchangeControls{
     "btn_heartbeat", "rb_heartbeat",     "btn_appversion",     "btn_takepic",    "btn_apppath",
     "btn_appupdate", "btn_firewarepath", "btn_modelinfo",      "btn_modelpath",  "btn_modelupdate",
     "et_modelname",  "btn_gyro",         "btn_firewareupdate", "label_modelinfo"};
-const QStringList exchangeEntries{"actionSnSet",         "actionPwmHeatSet",       "actionInstallLocation",
-                                  "actionCaptureDegree", "actionactionPicRateSet", "actionReboot",
-                                  "actionResetFactory",  "actionPicInfo",          "actionPicInfoV1",
-                                  "actionOpenCloseDoor"};
-
 } // namespace
 
 const WindowUpload appUpload{"App",       "btn_apppath", "btn_appupdate", "label_apppath",
@@ -158,7 +153,7 @@ emulator::CameraRecord UploadWindow::record() {
 }
 
 QStringList UploadWindow::allExchanges() const {
-    return exchangeControls + exchangeEntries;
+    return exchangeControls + exchangingEntries(*window);
 }
 
 QStringList UploadWindow::enabledExchanges() const {
@@ -167,7 +162,7 @@ QStringList UploadWindow::enabledExchanges() const {
         if (find<QWidget>(*window, qPrintable(name))->isEnabled())
             enabled.append(name);
     }
-    for (const QString& name : exchangeEntries) {
+    for (const QString& name : exchangingEntries(*window)) {
         if (find<QAction>(*window, qPrintable(name))->isEnabled())
             enabled.append(name);
     }

@@ -59,6 +59,15 @@ void trigger(const QWidget& window, const char* name) {
     action->trigger();
 }
 
+QStringList exchangingEntries(const QWidget& window) {
+    QStringList names;
+    for (const QAction* const action : window.findChildren<QAction*>()) {
+        if (action->property("exchanges").toBool())
+            names.append(action->objectName());
+    }
+    return names;
+}
+
 QString text(const QWidget& window, const char* name) {
     return find<QWidget>(window, name)->property("text").toString();
 }

@@ -39,6 +39,8 @@ void hoverEntries(const Menu& menu) {
 }
 /// Chooses a menu entry.
 void trigger(const QWidget& window, const char* name);
+/// Menu entries that exchange with the camera, by the mark that the form gives them.
+[[nodiscard]] QStringList exchangingEntries(const QWidget& window);
 /// The text of a label, button or line edit.
 [[nodiscard]] QString text(const QWidget& window, const char* name);
 [[nodiscard]] bool isEnabled(const QWidget& window, const char* name);

@@ -1,4 +1,4 @@
-#include "borrow/clientborrower.h"
+#include "linkaccess/clientborrower.h"
 
 #include "link/diagnostics.h"
 #include "link/guarded.h"

@@ -1,5 +1,5 @@
 // A window borrows the client: without a client, on the pool, and while links come and go.
-#include "borrow/clientborrower.h"
+#include "linkaccess/clientborrower.h"
 #include "tests/support/recordingobserver.h"
 #include "tests/support/stdoutcapture.h"
 

@@ -1,7 +1,7 @@
 // How a window borrows the camera client, and the one way to run its work on the pool.
 #pragma once
 
-#include "borrow/linkuse.h"
+#include "linkaccess/linkuse.h"
 #include "link/camerasp.h"
 
 #include <QCoreApplication>

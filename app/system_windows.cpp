@@ -1,4 +1,4 @@
-#include "app/responsiveness.h"
+#include "app/system.h"
 
 #include <windows.h>
 
@@ -6,4 +6,8 @@
 void tellSystemAlive() {
     MSG message;
     ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+}
+
+void keepSystemAwake(bool awake) {
+    ::SetThreadExecutionState(awake ? ES_CONTINUOUS | ES_SYSTEM_REQUIRED : ES_CONTINUOUS);
 }

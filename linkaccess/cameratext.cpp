@@ -1,4 +1,4 @@
-#include "borrow/cameratext.h"
+#include "linkaccess/cameratext.h"
 
 #include <QLabel>
 

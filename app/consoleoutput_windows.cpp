@@ -1,7 +1,5 @@
 #include "app/consoleoutput.h"
 
-#ifdef _WIN32
-
 #include <QByteArray>
 
 #include <cstdio>
@@ -54,10 +52,3 @@ ConsoleOutput::~ConsoleOutput() {
     if (m_previousCodePage != 0)
         ::SetConsoleOutputCP(m_previousCodePage);
 }
-
-#else
-
-ConsoleOutput::ConsoleOutput() = default;
-ConsoleOutput::~ConsoleOutput() = default;
-
-#endif

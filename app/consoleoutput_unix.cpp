@@ -1,0 +1,4 @@
+#include "app/consoleoutput.h"
+
+ConsoleOutput::ConsoleOutput() = default;
+ConsoleOutput::~ConsoleOutput() = default;

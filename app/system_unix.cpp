@@ -1,0 +1,5 @@
+#include "app/system.h"
+
+void tellSystemAlive() {}
+
+void keepSystemAwake(bool /*awake*/) {}

@@ -1,0 +1,58 @@
+#include "link/portopening.h"
+
+#include <cerrno>
+#include <string_view>
+#include <windows.h>
+
+namespace {
+
+constexpr auto slowOpening = std::chrono::milliseconds(500);
+
+/// 0 for what the library's own text may tell better.
+int errorNumberOf(DWORD systemError) {
+    switch (systemError) {
+    case ERROR_ACCESS_DENIED: // what a port that another program has open answers
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_BUSY:
+        return EBUSY;
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_DEV_NOT_EXIST:
+        return ENOENT;
+    case ERROR_GEN_FAILURE: // an adapter that has just been pulled
+    case ERROR_BAD_COMMAND:
+    case ERROR_DEVICE_NOT_CONNECTED:
+        return ENODEV;
+    default:
+        return 0;
+    }
+}
+
+/// What the system answers to opening this port; 0: it opens, or that tells nothing.
+DWORD answerToOpening(const std::string& name) {
+    const std::string path = "\\\\.\\" + name;
+    const HANDLE port =
+        ::CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (port == INVALID_HANDLE_VALUE)
+        return ::GetLastError();
+    ::CloseHandle(port);
+    return 0;
+}
+
+} // namespace
+
+const std::string& checkedPortName(const std::string& name) {
+    return name;
+}
+
+/// The library does not tell why a port did not open: its exception has no error number, and the number in
+/// its text is an unrelated one. The system is asked once more, unless the first answer took long: the second
+/// would take as long again.
+void throwReasonOfOpening(const std::string& name, const serial::IOException& failure,
+                          std::chrono::nanoseconds taken) {
+    if (taken > slowOpening ||
+        std::string_view(failure.what()).find("error opening") == std::string_view::npos)
+        return;
+    if (const int errorNumber = errorNumberOf(answerToOpening(name)); errorNumber != 0)
+        throw serial::IOException(__FILE__, __LINE__, errorNumber);
+}
