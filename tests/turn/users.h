@@ -14,7 +14,7 @@ struct Shown {
     QString where;
     QString text;
     QString right;
-    QStringList failures; ///< what it shows when its command failed
+    QStringList failures; ///< what it shows when a command of it failed
     /// What it also shows by itself when answers come later than it waits: its own values in the wrong place.
     QStringList shifted;
 };
@@ -49,7 +49,7 @@ struct User {
     bool lateAnswerMisleads = false;
 
     [[nodiscard]] bool existsFor(std::uint32_t cameraType) const;
-    /// The answer comes about when the user gives it up, or later.
+    /// The answer may come when the user has given it up.
     [[nodiscard]] bool leavesLateAnswer(std::chrono::milliseconds answerDelay) const;
     [[nodiscard]] bool misleads(std::chrono::milliseconds answerDelay) const {
         return lateAnswerMisleads && leavesLateAnswer(answerDelay);
