@@ -39,6 +39,7 @@ inline constexpr const char* jsonVersion = "json 55.5";
 /// Of the running test.
 [[nodiscard]] int failuresSoFar();
 
+/// The main window with an open link to the camera. Everybody works in it through its widgets.
 class TurnWindow {
 public:
     /// How long the product's pauses of a second and more last; shorter ones are always real.
@@ -59,7 +60,6 @@ public:
 
     [[nodiscard]] const Setup& setup() const { return m_setup; }
     [[nodiscard]] MainWindow& window() const { return *m_window; }
-    void closeMainWindow() { m_window.reset(); }
 
     /// Opens a window by its menu entry.
     template <typename Window>
