@@ -2,7 +2,7 @@
 #include "app/mainwindow.h"
 #include "app/reportwords.h"
 #include "app/statusline.h"
-#include "link/protocol/propertyids.h"
+#include "link/protocol/commands.h"
 #include "linkaccess/cameratext.h"
 #include "ui_mainwindow.h"
 

@@ -1,7 +1,7 @@
 // Camera settings as properties: reading and writing them for the windows that show them.
 #pragma once
 
-#include "link/protocol/propertyids.h"
+#include "link/protocol/commands.h"
 #include "linkaccess/clientborrower.h"
 
 #include <chrono>

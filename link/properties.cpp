@@ -2,7 +2,7 @@
 #include "link/camerasp.h"
 #include "link/diagnostics.h"
 #include "link/protocol/door.h"
-#include "link/protocol/propertyids.h"
+#include "link/protocol/commands.h"
 #include "link/runcommand.h"
 
 #include <ctime>
