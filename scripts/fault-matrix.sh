@@ -12,7 +12,7 @@ rm -rf "$out"
 mkdir -p "$out"
 export CAMERA_FAULT_REPORT=$out/times.md
 run_tests dev -R FaultMatrix
-# Runs no test; writes the pages from the rows that the processes left.
-"$project_root/build/dev/tests/faults/fault_tests" --gtest_filter='-*'
+# A short test: the process writes the pages at its end, from the rows that all processes left.
+"$project_root/build/dev/tests/faults/fault_tests" --gtest_filter='FaultMatrixTable.*'
 cp "$out/endings.md" "$project_root/docs/reliability.md"
 say "written: docs/reliability.md, $out/times.md"
