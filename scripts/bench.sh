@@ -135,7 +135,7 @@ The figures as tables of numbers: [line](csv/line.csv), [windows](csv/window.csv
 
 ![Seconds of the uploads and of other programs' transfers](images/benchmark-uploads.svg)
 
-![What exchanges take beyond their time-outs](images/benchmark-exchanges.svg)
+![What exchanges take beyond their timeouts](images/benchmark-exchanges.svg)
 
 ![Uploads and lists as they grow](images/benchmark-growth.svg)
 TEXT
