@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Measures the client and the windows and writes docs/benchmarks.md, its figures as CSV in docs/benchmarks and its
-# plots in docs/images from what this machine shows. About 18 minutes; with --short three minutes for a look, into out/bench,
-# without touching docs. What cannot be measured ends the script; a goal that is missed is told in the table.
+# Measures the client and the windows and writes out/bench: benchmarks.md, its figures as CSV in csv, its plots in
+# images. About 18 minutes; with --short three minutes, for a look, into out/bench/short. A figure that cannot be
+# measured ends the script; the tables mark a goal that was missed. docs/how-good-it-is.md gets its figures by hand.
 # Usage: scripts/bench.sh [--short]
 . "$(dirname "$0")/lib.sh"
 
@@ -49,7 +49,7 @@ joined() {
   printf '%s\n' "$result"
 }
 
-# plot NAME COMMANDS: docs/images/benchmark-NAME.svg by gnuplot.
+# plot NAME COMMANDS [HEIGHT]: images/benchmark-NAME.svg by gnuplot.
 plot() {
   gnuplot <<GNUPLOT
 set terminal svg size 900,${3:-420} font "sans-serif,13" background "white" name "benchmark_$1"
@@ -131,12 +131,11 @@ TEXT
     printf 'The programs and the far end use one processor; a load above %s means that others worked beside them.\n' \
       "$(($(nproc) - 1))"
     cat <<'TEXT'
-The figures as tables of numbers: [line](benchmarks/line.csv), [windows](benchmarks/window.csv),
-[parts](benchmarks/parts.csv).
+The figures as tables of numbers: [line](csv/line.csv), [windows](csv/window.csv), [parts](csv/parts.csv).
 
 ![Seconds of the uploads and of other programs' transfers](images/benchmark-uploads.svg)
 
-![What exchanges take beyond their time-outs](images/benchmark-exchanges.svg)
+![What exchanges take beyond their timeouts](images/benchmark-exchanges.svg)
 
 ![Uploads and lists as they grow](images/benchmark-growth.svg)
 TEXT
@@ -150,17 +149,14 @@ TEXT
 
 main() {
   local line_options=() window_options=() parts_options=()
-  csv_folder=$project_root/docs/benchmarks
-  image_folder=$project_root/docs/images
-  local page=$project_root/docs/benchmarks.md
   if [ "${1:-}" = --short ]; then
     line_options=(--picture 20000 --file 100000 --rounds 1 --exchanges 2 --largest 1048576)
     window_options=(--starts 3 --idle 2 --lists 20)
     parts_options=(--benchmark_min_time=0.05)
-    csv_folder=$log_folder/csv
-    image_folder=$log_folder/images
-    page=$log_folder/benchmarks.md
+    log_folder=$log_folder/short
   fi
+  csv_folder=$log_folder/csv
+  image_folder=$log_folder/images
   ensure_packages "${build_packages[@]}" libbenchmark-dev fonts-noto-cjk lrzsz xvfb xauth gnuplot-nox
   use_utf8_locale
   build_benchmarks
@@ -174,9 +170,9 @@ main() {
     --benchmark_out="$csv_folder/parts.csv" --benchmark_out_format=csv 2>/dev/null | tee "$log_folder/parts.txt"
   load_after=$(load_averages)
   draw_plots
-  # Where the project lies on this machine is nobody's business.
+  # Removes the path of the project on this machine.
   sed -i "s#$project_root/##g" "$csv_folder"/*.csv "$image_folder"/benchmark-*.svg
-  write_page "$page"
+  write_page "$log_folder/benchmarks.md"
 }
 
 main "$@"

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Runs all tests and reports which lines of the product they ran: pages in out/coverage, and in docs/coverage.md a
-# table for each folder and what of link/ no test reached. tests/coverage/unreached.txt says why that is so; without a
-# reason it is an error.
+# Runs all tests and reports which lines of the product they ran, into out/coverage: a page for each source, and in
+# coverage.md a table of the folders and the lines and decisions of link/ that no test reached. Each of those needs a
+# reason in tests/coverage/unreached.txt, else the script fails. docs/how-good-it-is.md gets its figures by hand.
 # Usage: scripts/coverage.sh [--no-run]     --no-run: from what the last run left
 . "$(dirname "$0")/lib.sh"
 
 pages=$project_root/out/coverage
-page=$project_root/docs/coverage.md
+page=$pages/coverage.md
 
 write_page() {
   local reached=yes
@@ -18,9 +18,9 @@ What of the product the tests run, written by
 
     scripts/coverage.sh
 
-Every line of `link/` has to be run by a test, and every decision in it taken both ways; [mutations](mutations.md)
-show that tests fail when such a line is wrong. A decision is an `if`, a loop or a case as gcovr finds them; those that
-it cannot judge are left out. The demonstration is run by the tour, which is no part of these tests.
+A test has to run every line of `link/` and take every decision in it both ways. A decision is an `if`, a loop or a
+case as gcovr finds them; those that it cannot judge are left out. The tour runs the demonstration; it is not part of
+these tests.
 
 TEXT
     python3 scripts/coverage_report.py "$pages/coverage.json" tests/coverage/unreached.txt || reached=no

@@ -1,4 +1,4 @@
-"""Reads gcovr's JSON report and prints the parts of docs/coverage.md: a table for each folder, and what of link/ no
+"""Reads gcovr's JSON report and prints the tables of coverage.md: a table for each folder, and what of link/ no
 test reaches, with its reason. Ends with 1 if something has no reason.
 
 Usage: coverage_report.py REPORT REASONS     from the root of the project
@@ -7,7 +7,7 @@ import json
 import os
 import sys
 
-FOLDERS = ["link", "link/protocol", "borrow", "pictures", "updates", "dialogs", "app", "emulator", "demo"]
+FOLDERS = ["link", "link/protocol", "linkaccess", "pictures", "updates", "dialogs", "app", "emulator", "demo"]
 
 
 class Source:

@@ -5,7 +5,7 @@
 #        20 s and all fuzzers (answers catalogues json transfer uploads camera) if not given
 #   --fixed  a number of runs instead of seconds, always the same ones, from the repository's corpus alone:
 #            some 10 s each
-#   --page   writes docs/fuzzing.md from what the runs show
+#   --page   writes out/fuzz/fuzzing.md from the runs
 . "$(dirname "$0")/lib.sh"
 
 all_fuzzers=(answers catalogues json transfer uploads camera)
@@ -70,13 +70,13 @@ run_fuzzer() {
 
 # write_page ROW...: rows as run_fuzzer prints them.
 write_page() {
-  local page=$project_root/docs/fuzzing.md row name runs seconds memory
+  local page=$project_root/out/fuzz/fuzzing.md row name runs seconds memory
   {
     cat <<'TEXT'
 # Fuzzing
 
-Every decoder has a libFuzzer program with the address and undefined-behaviour sanitizers on; [fuzz](../fuzz/README.md)
-describes their inputs. A finding ends the script and is mended before this page is written again:
+Every decoder has a libFuzzer program with the address and undefined-behaviour sanitizers on; fuzz/README.md describes
+their inputs. A finding ends the script before it writes this page:
 
     scripts/fuzz.sh --page 60      # a minute each; writes this page
     scripts/fuzz.sh 3600 json      # an hour of one

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Breaks the link on purpose, one line at a time, in a copy of the tree under out/mutations, and says which test
-# notices. The mutations stand in tests/mutations/mutations.txt; with all of them done it writes docs/mutations.md.
+# notices. tests/mutations/mutations.txt lists the mutations; a run of all of them writes out/mutations/mutations.md.
 # A mutation that does not apply any more, or does not compile, is an error, and so is one that no test notices.
 # Usage: scripts/mutate.sh [--list | NUMBER...]     all if no number is given; about 10 minutes
 . "$(dirname "$0")/lib.sh"
@@ -9,7 +9,7 @@ list=$project_root/tests/mutations/mutations.txt
 copy=$project_root/out/mutations/tree
 build=$project_root/out/mutations/build
 log=$project_root/out/mutations/log
-page=$project_root/docs/mutations.md
+page=$project_root/out/mutations/mutations.md
 
 # Programs of tests, by their folder; asked in this order, the later ones only if none before noticed.
 test_programs=(link/link_tests faults/fault_tests updates/update_link_tests pictures/pictures_emulated_tests)
@@ -110,8 +110,8 @@ write_page() { # write_page ROWS
 # Mutations of the link
 
 Each row is one deliberate mistake in `link/`, made in a copy of the tree, and the tests that failed because of it.
-`tests/link` is asked first; the tests against the virtual camera only where it noticed nothing. The mistakes stand
-in [mutations.txt](../tests/mutations/mutations.txt). This page is written by
+`tests/link` runs first; the tests against the virtual camera run only where it noticed nothing.
+`tests/mutations/mutations.txt` lists the mistakes. This page is written by
 
     scripts/mutate.sh          # all of them
     scripts/mutate.sh 7        # one, without writing

@@ -193,9 +193,7 @@ void addAnnouncements(Examples& examples) {
     Bytes counting(1300);
     std::iota(counting.begin(), counting.end(), std::uint8_t{0});
     const std::vector<std::pair<std::string, std::string>> files{
-        {"empty file", ""},
-        {"file \"abc\"", "abc"},
-        {"file of 1300 bytes, byte i is i modulo 256", {counting.begin(), counting.end()}}};
+        {"empty file", ""}, {"file \"abc\"", "abc"}, {"counting file", {counting.begin(), counting.end()}}};
     for (const auto& [name, content] : files) {
         // Only the first write is looked at: nothing answers.
         const auto announced = [content = content](const std::function<void(CameraSp&)>& upload) {
@@ -353,19 +351,45 @@ Examples allExamples() {
 
 // --- what the document shows -------------------------------------------------------------------------------
 
-/// A row of the document's tables: what it is, its size, its bytes.
+/// A row of the document's tables.
 struct Shown {
     std::string what;
     std::string size;
+    std::string text; ///< hexadecimal digits with points between the fields
     Bytes bytes;
 };
+
+/// Bytes of hexadecimal digits; points are skipped.
+Bytes bytesIn(std::string text) {
+    std::erase(text, '.');
+    std::string spaced;
+    for (std::size_t at = 0; at < text.size(); at += 2)
+        spaced += text.substr(at, 2) + ' ';
+    return bytes(spaced);
+}
+
+/// The bytes as the document shows them: points between fields of these sizes, and before the check code.
+std::string withPoints(const Bytes& all, const std::vector<std::size_t>& sizes) {
+    std::string text;
+    std::size_t end = 0;
+    auto size = sizes.begin();
+    for (std::size_t at = 0; at < all.size(); ++at) {
+        const bool fieldBegins = at == end && size != sizes.end();
+        if (at > 0 && (fieldBegins || at + frame_layout::checkCodeSize == all.size() || at == end))
+            text += '.';
+        if (fieldBegins)
+            end += *size++;
+        text += hex({all[at]});
+    }
+    return text;
+}
 
 std::vector<Shown> shownUnder(std::string_view heading) {
     const std::string document = markdown::contentOf(markdown::sourceFolder() / "docs/protocol.md");
     const std::string examples = markdown::section(document, "## Byte examples");
     std::vector<Shown> shown;
     for (const markdown::Row& row : markdown::tableRows(markdown::section(examples, heading)))
-        shown.push_back({row.at(0), row.at(1), bytes(row.at(2))});
+        shown.push_back({row.at(0), row.at(1), row.at(2), bytesIn(row.at(2))});
     return shown;
 }
 
@@ -393,6 +417,17 @@ TEST(ProtocolExamples, AreWhatTheClientSendsAndTheLayoutsMake) {
 TEST(ProtocolExamples, StateTheirSizes) {
     for (const Shown& shown : shownUnder("## Byte examples"))
         EXPECT_EQ(shown.size, std::to_string(shown.bytes.size())) << shown.what;
+}
+
+TEST(ProtocolExamples, SeparateFieldsByPoints) {
+    for (const char* const heading : {"### Requests", "### Answers"}) {
+        for (const Shown& shown : shownUnder(heading))
+            EXPECT_EQ(shown.text, withPoints(shown.bytes, {4, 4})) << shown.what;
+    }
+    for (const Shown& shown : shownUnder("### JSON envelopes")) {
+        const bool isAnswer = shown.what.find("answer") != std::string::npos;
+        EXPECT_EQ(shown.text, withPoints(shown.bytes, {isAnswer ? 12U : 20U})) << shown.what;
+    }
 }
 
 TEST(ProtocolExamples, AreFramesWithARightLengthAndCheckCode) {

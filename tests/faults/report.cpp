@@ -129,42 +129,173 @@ std::string logTable(const Family& family) {
     return text.str();
 }
 
-std::string head(std::size_t rows, std::size_t cells) {
+/// A column of the page of endings.
+struct FaultColumn {
+    const char* name;
+    std::vector<std::string> kinds;
+};
+
+/// The last column takes every other kind.
+const std::vector<FaultColumn>& faultColumns() {
+    static const std::vector<FaultColumn> all{
+        {"Fields not read", {"address", "command", "bad-check", "zero-check"}},
+        {"Bytes in front", {"before"}},
+        {"Late, in pieces", {"delay", "split", "stop-reading"}},
+        {"No whole answer", {"silent", "late", "raw", "truncate", "stray", "glue"}},
+        {"Wrong length", {"length"}},
+        {"Device gone", {"hang-up", "upload-hang-up"}},
+        {"Content, upload, restart", {}},
+    };
+    return all;
+}
+
+std::size_t columnOf(const std::string& fault) {
+    const std::string kind = fault.substr(0, fault.find('='));
+    const auto column =
+        std::find_if(faultColumns().begin(), faultColumns().end() - 1, [&kind](const FaultColumn& some) {
+            return std::find(some.kinds.begin(), some.kinds.end(), kind) != some.kinds.end();
+        });
+    return static_cast<std::size_t>(column - faultColumns().begin());
+}
+
+std::string listed(const std::vector<std::string>& faults) {
+    std::string text;
+    for (const std::string& fault : faults)
+        text += (text.empty() ? "" : ", ") + code(fault);
+    return text;
+}
+
+/// The faults of one cell by ending; an ending that is not as expected is bold.
+using Endings = std::map<std::string, std::vector<std::string>>;
+
+std::string endingOf(const Seen& seen) {
+    const std::string ending = seen.text.substr(0, seen.text.find(' '));
+    return seen.asExpected ? ending : "**" + ending + "**";
+}
+
+/// The most frequent ending stands without its faults, unless all are to be named.
+std::string cellText(const Endings& endings, bool nameAll) {
+    if (endings.empty())
+        return "-";
+    const auto usual =
+        std::max_element(endings.begin(), endings.end(), [](const auto& one, const auto& other) {
+            return one.second.size() < other.second.size();
+        });
+    std::string text = nameAll ? "" : usual->first;
+    for (const auto& [ending, faults] : endings) {
+        if (nameAll || ending != usual->first)
+            text += (text.empty() ? "" : "; ") + ending + ": " + listed(faults);
+    }
+    return text;
+}
+
+std::string endingsRow(const Command& command, const SeenRow& row) {
+    std::vector<Endings> cells(faultColumns().size());
+    for (const auto& [fault, seen] : row)
+        cells[columnOf(fault)][endingOf(seen)].push_back(fault);
+    std::string text = "|" + code(command.method) + (command.part.empty() ? "" : " " + command.part) + "|";
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        text += cellText(cells[i], i + 1 == cells.size()) + "|";
+    return text;
+}
+
+/// The faults behind each column but the last, whose cells name theirs.
+std::string columnTable() {
+    std::vector<std::set<std::string>> faults(faultColumns().size());
+    for (const Command& command : commands()) {
+        for (const auto& [fault, expected] : command.cells)
+            faults[columnOf(fault)].insert(fault);
+    }
+    std::string text = "|Column|Faults|\n|---|---|\n";
+    for (std::size_t i = 0; i + 1 < faults.size(); ++i)
+        text += "|" + std::string(faultColumns()[i].name) + "|" +
+                listed({faults[i].begin(), faults[i].end()}) + "|\n";
+    return text;
+}
+
+std::string counted(const std::map<std::string, SeenRow>& rows) {
+    std::size_t cells = 0;
+    for (const auto& [name, row] : rows)
+        cells += row.size();
+    return std::to_string(rows.size()) + " rows, " + std::to_string(cells) + " cells";
+}
+
+std::string endingsHead(const std::map<std::string, SeenRow>& rows) {
     return R"(# Reliability
 
-Commands of the camera client against the faults of the virtual camera, over a pseudo-terminal with the real serial
-library: )" +
-           std::to_string(rows) + " rows, " + std::to_string(cells) + R"( cells, each in a process of its own.
-The test of the matrix writes this page; [virtual-camera.md](virtual-camera.md) describes the faults:
+How each command of the camera client ends under each fault of the [virtual camera](virtual-camera.md#faults):
+)" + counted(rows) +
+           R"(, over a pseudo-terminal with the real serial library. The fault matrix writes this page:
 
     scripts/fault-matrix.sh
 
-Every method of `CameraSp` that talks to a camera has its row; one that makes several exchanges has a row for each,
-named behind the method. A cell says how the command was seen to end, and after how many milliseconds:
+Times and log lines of each cell are in `out/fault-matrix/times.md` afterwards.
 
-| Cell | Means |
+|Ending|Meaning|
 |---|---|
-| works | the value, or the success, that a good answer gives |
-| other | it ends as if all were well, with another value or effect: what the camera sent, a picture that is not the stored one, an image that is not complete |
-| fails | its own failure value: false, an empty text, an empty list, no file |
-| waits | it reads on until the link is stopped, by intention; the test stops it, and it ends at once |
-| - | the fault says nothing to the command |
-| **bold** | not as it must be |
+|works|the value or success of a good answer|
+|other|looks like success, with another value or effect: what the camera sent, a different picture, an incomplete image|
+|fails|the command's failure value: false, empty text, empty list, no file|
+|waits|intended: reads until the link is stopped, then ends at once|
+|-|no fault of the column applies|
 
-For every cell the test demands the ending, the log lines of the second table of the section, and none that the
-command logs at its other endings; a time within the command's bound (tries times time-out, and the pauses); a log
-line for each byte of garbage that is dropped; no file left by a failure (but by the last deletion of `takePic`, which
-comes after the picture). After that a heartbeat and the same
-command with a good answer have to work: at once, or, where the camera still takes bytes for missing upload data,
-after its upload silence. A device that hung up comes back first, a camera that stays down is switched on again,
-and an answer that was held back spoils the one heartbeat it comes in front of.
+A cell gives the usual ending, then the exceptions with their faults. The last column names every fault. A **bold**
+ending violates the test. A command with several exchanges has a row for each.
 
-Answers are found behind garbage and in pieces, and their check code, address and command are not looked at: those
-columns work on purpose. A picture transfer looks at nothing but the number of bytes and, in the first generation,
-the result. `opDoor` reads no answer at all, so that every fault of one leaves it working: its cells show that the
-camera noted the door and that the next command is not disturbed. An image's announcement answer is complete with
-the first read: a second copy behind it (`glue`) is then taken for the verdict. Log lines are shown as patterns: `*` stands for any text.
-)";
+The test also checks the log lines, the time limit (tries times timeout, plus pauses) and that a failure leaves no file;
+only the last deletion of `takePic` comes after the picture. Then a heartbeat and the same command with a good answer
+must work: at once, or after the upload silence where the camera still expects upload data. First, a lost device
+comes back and a camera that stays down is switched on. An answer that was held back spoils one heartbeat.
+
+The client finds answers behind garbage and in pieces, and ignores their check code, address and command. A picture
+transfer checks only the number of bytes and, in the first generation, the result. `opDoor` reads no answer, so no
+fault affects it. The first read completes the answer to an image announcement; the client takes a second copy
+(`glue`) for the verdict.
+
+)" + columnTable();
+}
+
+std::string timesHead(const std::map<std::string, SeenRow>& rows) {
+    return "# Fault matrix: endings, times in ms, log lines\n\n" + counted(rows) +
+           ". docs/reliability.md explains the endings. In log lines, * stands for any text.\n";
+}
+
+std::string endingsPage(const std::map<std::string, SeenRow>& rows) {
+    std::string text = endingsHead(rows);
+    for (const Family& family : families()) {
+        text += "\n## " + family.name + "\n\n|Command|";
+        for (const FaultColumn& column : faultColumns())
+            text += std::string(column.name) + "|";
+        text += "\n|---|";
+        for (std::size_t i = 0; i < faultColumns().size(); ++i)
+            text += "---|";
+        text += "\n";
+        for (const Command* command : family.commands)
+            text += endingsRow(*command, rows.at(nameOf(*command))) + "\n";
+    }
+    return text;
+}
+
+std::string timesPage(const std::map<std::string, SeenRow>& rows) {
+    std::string text = timesHead(rows);
+    for (const Family& family : families()) {
+        text += "\n## " + family.name + "\n";
+        const std::vector<std::string> faults = faultsOf(family);
+        for (std::size_t at = 0; at < faults.size(); at += columnsPerTable) {
+            const auto first = faults.begin() + static_cast<std::ptrdiff_t>(at);
+            const auto count = std::min(columnsPerTable, faults.size() - at);
+            text += table(family, rows, {first, first + static_cast<std::ptrdiff_t>(count)});
+        }
+        text += "\nLog lines:\n" + logTable(family);
+    }
+    return text;
+}
+
+bool write(const fs::path& file, const std::string& text) {
+    std::ofstream out(file);
+    out << text;
+    out.close();
+    return out.good();
 }
 
 } // namespace
@@ -180,24 +311,10 @@ void storeRow(const fs::path& folder, const Command& command, const std::vector<
 
 bool writePage(const fs::path& folder, const fs::path& page) {
     std::map<std::string, SeenRow> rows;
-    std::size_t cells = 0;
-    for (const Command& command : commands()) {
+    for (const Command& command : commands())
         rows[nameOf(command)] = readRow(fileOf(folder, command));
-        cells += rows[nameOf(command)].size();
-    }
-    std::ofstream out(page);
-    out << head(rows.size(), cells);
-    for (const Family& family : families()) {
-        out << "\n## " << family.name << "\n";
-        const std::vector<std::string> faults = faultsOf(family);
-        for (std::size_t at = 0; at < faults.size(); at += columnsPerTable) {
-            const auto first = faults.begin() + static_cast<std::ptrdiff_t>(at);
-            const auto count = std::min(columnsPerTable, faults.size() - at);
-            out << table(family, rows, {first, first + static_cast<std::ptrdiff_t>(count)});
-        }
-        out << "\nWhat is logged:\n" << logTable(family);
-    }
-    return out.good();
+    const bool timesWritten = write(page, timesPage(rows));
+    return write(page.parent_path() / endingsFile, endingsPage(rows)) && timesWritten;
 }
 
 } // namespace faultmatrix

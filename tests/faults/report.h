@@ -1,4 +1,4 @@
-// The matrix as a page: what each command was seen to do at each fault.
+// The matrix as two pages: how each command ends under each fault, and the same with times and log lines.
 #pragma once
 
 #include "tests/faults/cell.h"
@@ -7,11 +7,15 @@
 
 namespace faultmatrix {
 
-/// Keeps what was seen of a row in the folder, which is made when it is missing. Rows of several processes
-/// meet there.
+/// Stores the cells of a row in the folder and creates it when it is missing. Rows of several processes meet
+/// there.
 void storeRow(const std::filesystem::path& folder, const Command& command, const std::vector<Cell>& cells);
 
-/// Markdown from all rows that were stored; false when the file cannot be written.
+/// Name of the page without times.
+inline constexpr const char* endingsFile = "endings.md";
+
+/// Writes the page with times and, in the same folder, the page without, from all stored rows. False when a
+/// file cannot be written.
 [[nodiscard]] bool writePage(const std::filesystem::path& folder, const std::filesystem::path& page);
 
 } // namespace faultmatrix
