@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::array answerDelays{0ms, 30ms, 60ms, 90ms, 150ms, 200ms};
 /// For a first that blocks the window or disables its controls: it meets nobody at any delay.
-constexpr std::array sampleDelays{0ms, 60ms, 200ms};
+constexpr std::array sampleDelays{60ms};
 /// Who is alone with a quick camera shows right values, unless the machine stands still; then it is asked
 /// again.
 constexpr auto quickAnswer = 30ms;
