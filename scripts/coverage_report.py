@@ -7,7 +7,7 @@ import json
 import os
 import sys
 
-FOLDERS = ["link", "link/protocol", "borrow", "pictures", "updates", "dialogs", "app", "emulator", "demo"]
+FOLDERS = ["link", "link/protocol", "trace", "borrow", "pictures", "updates", "dialogs", "app", "emulator", "demo"]
 
 
 class Source:

@@ -1,7 +1,7 @@
 // The take-picture flow and the list windows with the real serial library and a virtual camera.
 #include "app/captureflow.h"
 #include "dialogs/cameratype.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "pictures/imgdialog.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
