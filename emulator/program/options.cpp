@@ -1,15 +1,36 @@
 #include "emulator/program/options.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <sstream>
 
 namespace emulator {
 
 namespace {
 
+using Action = Options::Action;
+
 constexpr std::array<std::string_view, 5> typeNames = {"ostra", "dorvel", "sales-static", "quenta",
                                                        "sales-dynamic"};
+
+/// "0 ostra, 1 dorvel, ..."
+std::string knownTypes() {
+    std::string known;
+    for (std::size_t number = 0; number < typeNames.size(); ++number)
+        known += (number == 0 ? "" : ", ") + std::to_string(number) + ' ' + std::string(typeNames[number]);
+    return known;
+}
+
+CameraType typeIn(const std::string& text) {
+    const auto* const named = std::find(typeNames.begin(), typeNames.end(), text);
+    const auto number =
+        named != typeNames.end() ? std::optional(named - typeNames.begin()) : parseNumber(text);
+    if (!number || *number < 0 || *number >= static_cast<std::int64_t>(typeNames.size()))
+        throw OptionError("--type: there is no type \"" + text + "\"; known: " + knownTypes());
+    return static_cast<CameraType>(*number);
+}
 
 std::int64_t numberIn(const std::string& option, const std::string& text, std::int64_t least,
                       std::int64_t most) {
@@ -20,99 +41,134 @@ std::int64_t numberIn(const std::string& option, const std::string& text, std::i
     return *number;
 }
 
-CameraType typeIn(const std::string& text) {
-    const auto* const named = std::find(typeNames.begin(), typeNames.end(), text);
-    const auto number = named != typeNames.end() ? named - typeNames.begin()
-                                                 : numberIn("--type", text, 0, typeNames.size() - 1);
-    return static_cast<CameraType>(number);
+bool isFlag(const CLI::Option& option) {
+    return option.get_expected_max() == 0;
 }
 
-struct OptionRow {
-    std::string_view name;
-    std::string_view parameter; ///< empty: none; in brackets: may be left out
-    std::string_view help;
-    void (*apply)(Options& options, const std::string& text);
-};
-
-// clang-format off
-const std::array optionRows = {
-    OptionRow{"--type", "TYPE", "0 ostra, 1 dorvel, 2 sales-static, 3 quenta, 4 sales-dynamic; a number or a name (0)",
-        [](Options&, const std::string&) {}}, // read before all others: it sets what they change
-    OptionRow{"--address", "N", "slave address, 0 to 255; 0x for hexadecimal (as the type has it)",
-        [](Options& o, const std::string& t) { o.settings.address = static_cast<std::uint8_t>(numberIn("--address", t, 0, 255)); }},
-    OptionRow{"--baud", "N", "rate of --device, and the one that --check-baud expects (as the type has it)",
-        [](Options& o, const std::string& t) { o.settings.baudRate = static_cast<std::uint32_t>(numberIn("--baud", t, 1, 4000000)); }},
-    OptionRow{"--check-baud", "", "hear nothing while the tool uses another rate",
-        [](Options& o, const std::string&) { o.settings.mindsBaudRate = true; }},
-    OptionRow{"--device", "DEV", "serve on this serial device (/dev/ttyUSB1, COM6) instead of a new pseudo-terminal",
-        [](Options& o, const std::string& t) { o.device = t; }},
-    OptionRow{"--link", "PATH", "keep a symbolic link to the pseudo-terminal here",
-        [](Options& o, const std::string& t) { o.link = t; }},
-    OptionRow{"--pace", "N", "bytes per second in each direction (unlimited)",
-        [](Options& o, const std::string& t) { o.bytesPerSecond = static_cast<std::uint32_t>(numberIn("--pace", t, 1, 100000000)); }},
-    OptionRow{"--offset", "N", "picture-command offset, 0 to 255 (0)",
-        [](Options& o, const std::string& t) { o.settings.pictureOffset = static_cast<std::uint8_t>(numberIn("--offset", t, 0, 255)); }},
-    OptionRow{"--pictures", "DIR", "hold the JPEG files of this folder, in the order of their names",
-        [](Options& o, const std::string& t) { o.pictureFolder = t; }},
-    OptionRow{"--holds-image", "", "type 4: the announced application image is there already",
-        [](Options& o, const std::string&) { o.settings.holdsAnnouncedImage = true; }},
-    OptionRow{"--fault", "FAULT", "kind[=parameter][@request][#occurrence]; may be repeated",
-        [](Options& o, const std::string& t) { o.faults.push_back(parseFault(t)); }},
-    OptionRow{"--tap", "DEV", "stand between the tool and the real camera on this device, and record",
-        [](Options& o, const std::string& t) { o.tapDevice = t; o.action = Options::Action::tap; }},
-    OptionRow{"--record", "FILE", "the recording of --tap (a new one in the working directory)",
-        [](Options& o, const std::string& t) { o.recordFile = t; }},
-    OptionRow{"--blank-serials", "", "leave serial numbers out of the recording of --tap",
-        [](Options& o, const std::string&) { o.blankSerials = true; }},
-    OptionRow{"--replay", "FILE", "answer from this recording",
-        [](Options& o, const std::string& t) { o.replayFile = t; o.action = Options::Action::replay; }},
-    OptionRow{"--at-once", "", "--replay without the recorded delays",
-        [](Options& o, const std::string&) { o.atOnce = true; }},
-    OptionRow{"--lesson", "[N]", "training, lesson N; without a number: print the lessons (in Chinese)",
-        [](Options& o, const std::string& t) { o.lesson = t; o.action = t.empty() ? Options::Action::listLessons : Options::Action::lesson; }},
-    OptionRow{"--list-faults", "", "print the kinds of faults and the names of the requests",
-        [](Options& o, const std::string&) { o.action = Options::Action::listFaults; }},
-    OptionRow{"--help", "", "print this",
-        [](Options& o, const std::string&) { o.action = Options::Action::help; }},
-};
-// clang-format on
-
-struct Given {
-    const OptionRow* row;
-    std::string value;
-};
-
-/// The value behind "=", or else the next argument, which `i` then passes over.
-std::string valueOf(const OptionRow& row, const std::vector<std::string>& arguments, std::size_t& i) {
-    const std::string name(row.name);
-    const std::size_t equals = arguments[i].find('=');
-    if (row.parameter.empty() && equals != std::string::npos)
-        throw OptionError(name + " takes no value");
-    if (row.parameter.empty())
-        return {};
-    if (equals != std::string::npos && equals + 1 < arguments[i].size())
-        return arguments[i].substr(equals + 1);
-    const bool mayBeLeftOut = row.parameter.front() == '[';
-    const bool another = i + 1 < arguments.size() && !(mayBeLeftOut && arguments[i + 1].starts_with("--"));
-    if (equals == std::string::npos && another && !arguments[i + 1].empty())
-        return arguments[++i];
-    if (mayBeLeftOut)
-        return {};
-    throw OptionError(name + " needs a value: " + std::string(row.parameter));
+OptionError wrongValue(const CLI::Option& option) {
+    return OptionError(isFlag(option) ? option.get_name() + " takes no value"
+                                      : option.get_name() + " needs a value: " + option.get_type_name());
 }
 
-/// "--name value" or "--name=value".
-std::vector<Given> splitArguments(const std::vector<std::string>& arguments) {
-    std::vector<Given> given;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string name = arguments[i].substr(0, arguments[i].find('='));
-        const auto* const row = std::find_if(optionRows.begin(), optionRows.end(),
-                                             [&name](const OptionRow& r) { return r.name == name; });
-        if (row == optionRows.end())
-            throw OptionError("unknown option \"" + arguments[i] + "\"; see --help");
-        given.push_back({row, valueOf(*row, arguments, i)});
+using SetText = std::function<void(const std::string& text)>;
+
+/// Given twice, the last one counts.
+CLI::Option* addText(CLI::App& app, const std::string& name, const std::string& parameter,
+                     const std::string& help, const SetText& set) {
+    const auto setIt = [&app, name, set](const std::string& text) {
+        const CLI::Option& option = *app.get_option(name);
+        if (text.empty() && option.get_expected_min() > 0)
+            throw wrongValue(option);
+        set(text);
+    };
+    return app.add_option_function<std::string>(name, setIt, help)->type_name(parameter)->take_last();
+}
+
+void addText(CLI::App& app, const std::string& name, const std::string& parameter, const std::string& help,
+             std::string& field) {
+    addText(app, name, parameter, help, [&field](const std::string& text) { field = text; });
+}
+
+template <typename Number>
+void addNumber(CLI::App& app, const std::string& name, const std::string& help, Number& field,
+               std::int64_t least, std::int64_t most) {
+    addText(app, name, "N", help, [&field, name, least, most](const std::string& text) {
+        field = static_cast<Number>(numberIn(name, text, least, most));
+    });
+}
+
+void addFlag(CLI::App& app, const std::string& name, const std::string& help,
+             const std::function<void()>& set) {
+    app.add_flag_callback(name, set, help)->disable_flag_override();
+}
+
+/// What the camera and its line are like. The settings of the type come first: others change them.
+void addCamera(CLI::App& app, Options& o) {
+    addText(app, "--type", "TYPE", knownTypes() + "; a number or a name (0)",
+            [&o](const std::string& text) { o.settings = settingsForType(typeIn(text)); });
+    addNumber(app, "--address", "slave address, 0 to 255; 0x for hexadecimal (as the type has it)",
+              o.settings.address, 0, 255);
+    addNumber(app, "--baud", "rate of --device, and the one that --check-baud expects (as the type has it)",
+              o.settings.baudRate, 1, 4000000);
+    addFlag(app, "--check-baud", "hear nothing while the tool uses another rate",
+            [&o] { o.settings.mindsBaudRate = true; });
+    addText(app, "--device", "DEV",
+            "serve on this serial device (/dev/ttyUSB1, COM6) instead of a new pseudo-terminal", o.device);
+    addText(app, "--link", "PATH", "keep a symbolic link to the pseudo-terminal here", o.link);
+    addNumber(app, "--pace", "bytes per second in each direction (unlimited)", o.bytesPerSecond, 1,
+              100000000);
+    addNumber(app, "--offset", "picture-command offset, 0 to 255 (0)", o.settings.pictureOffset, 0, 255);
+    addText(app, "--pictures", "DIR", "hold the JPEG files of this folder, in the order of their names",
+            o.pictureFolder);
+    addFlag(app, "--holds-image", "type 4: the announced application image is there already",
+            [&o] { o.settings.holdsAnnouncedImage = true; });
+    app.add_option_function<std::vector<std::string>>(
+           "--fault",
+           [&o](const std::vector<std::string>& texts) {
+               for (const std::string& text : texts)
+                   o.faults.push_back(parseFault(text));
+           },
+           "kind[=parameter][@request][#occurrence]; may be repeated")
+        ->type_name("FAULT")
+        ->allow_extra_args(false);
+}
+
+/// What the program does instead of serving that camera.
+void addModes(CLI::App& app, Options& o) {
+    const auto mode = [&o](std::string& field, Action action) {
+        return [&o, &field, action](const std::string& text) {
+            field = text;
+            o.action = action;
+        };
+    };
+    addText(app, "--tap", "DEV", "stand between the tool and the real camera on this device, and record",
+            mode(o.tapDevice, Action::tap));
+    addText(app, "--record", "FILE", "the recording of --tap (a new one in the working directory)",
+            o.recordFile);
+    addFlag(app, "--blank-serials", "leave serial numbers out of the recording of --tap",
+            [&o] { o.blankSerials = true; });
+    addText(app, "--replay", "FILE", "answer from this recording", mode(o.replayFile, Action::replay));
+    addFlag(app, "--at-once", "--replay without the recorded delays", [&o] { o.atOnce = true; });
+    addText(app, "--lesson", "[N]", "training, lesson N; without a number: print the lessons (in Chinese)",
+            [&o](const std::string& text) {
+                o.lesson = text;
+                o.action = text.empty() ? Action::listLessons : Action::lesson;
+            })
+        ->expected(0, 1);
+    addFlag(app, "--list-faults", "print the kinds of faults and the names of the requests",
+            [&o] { o.action = Action::listFaults; });
+    addFlag(app, "--help", "print this", [&o] { o.action = Action::help; });
+}
+
+/// The options in the order in which they take effect and are listed; the fields outlive the app.
+void addOptions(CLI::App& app, Options& options) {
+    app.set_help_flag(); // --help is a mode like others
+    app.allow_windows_style_options(false);
+    app.allow_extras();
+    addCamera(app, options);
+    addModes(app, options);
+}
+
+/// "--name=" would take the next argument.
+void refuseEmptyValues(const CLI::App& app, const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) {
+        if (argument.empty() || argument.find('=') != argument.size() - 1)
+            continue;
+        const CLI::Option* option = app.get_option_no_throw(argument.substr(0, argument.size() - 1));
+        if (option != nullptr && (isFlag(*option) || option->get_expected_min() > 0))
+            throw wrongValue(*option);
     }
-    return given;
+}
+
+/// The parser's own sentence begins with the option's name, of a flag without its dashes.
+OptionError described(const CLI::App& app, const CLI::ParseError& error) {
+    const std::string sentence = error.what();
+    const std::string name = sentence.substr(0, sentence.find_first_of(": "));
+    for (const std::string& spelled : {name, "--" + name}) {
+        if (const CLI::Option* option = app.get_option_no_throw(spelled))
+            return wrongValue(*option);
+    }
+    return OptionError(sentence);
 }
 
 /// What makes no sense together.
@@ -137,16 +193,19 @@ std::string padded(std::string text, std::size_t width) {
 } // namespace
 
 Options parseOptions(const std::vector<std::string>& arguments) {
-    const std::vector<Given> given = splitArguments(arguments);
-    CameraType type = CameraType::ostra;
-    for (const Given& option : given) {
-        if (option.row->name == "--type")
-            type = typeIn(option.value);
-    }
     Options options;
-    options.settings = settingsForType(type);
-    for (const Given& option : given)
-        option.row->apply(options, option.value);
+    options.settings = settingsForType(CameraType::ostra);
+    CLI::App app;
+    addOptions(app, options);
+    refuseEmptyValues(app, arguments);
+    try {
+        app.parse(
+            std::vector<std::string>(arguments.rbegin(), arguments.rend())); // it takes them from the back
+    } catch (const CLI::ParseError& error) {
+        throw described(app, error);
+    }
+    if (const std::vector<std::string> unknown = app.remaining(); !unknown.empty())
+        throw OptionError("unknown option \"" + unknown.front() + "\"; see --help");
     checkTogether(options);
     return options;
 }
@@ -154,9 +213,12 @@ Options parseOptions(const std::vector<std::string>& arguments) {
 std::string helpText() {
     std::string text = "virtual-camera: a shelf camera without hardware, on a serial device.\n\n"
                        "usage: virtual-camera [options]\n\n";
-    for (const OptionRow& row : optionRows)
-        text += "  " + padded(std::string(row.name) + " " + std::string(row.parameter), 20) +
-                std::string(row.help) + "\n";
+    Options unused;
+    CLI::App app;
+    addOptions(app, unused);
+    for (const CLI::Option* option : std::as_const(app).get_options())
+        text += "  " + padded(option->get_name() + ' ' + option->get_type_name(), 20) +
+                option->get_description() + "\n";
     text += "\nIt prints a line for everything it receives and answers. Ctrl+C ends it.\n";
     return text;
 }
