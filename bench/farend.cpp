@@ -1,7 +1,7 @@
 #include "bench/farend.h"
 
 #include "bench/measure.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 
 #include <array>
 #include <chrono>

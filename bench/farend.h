@@ -1,7 +1,7 @@
 // The far end of the line, in a process of its own: what it costs is not on this process's account.
 #pragma once
 
-#include "emulator/camerasettings.h"
+#include "emulator/camera/camerasettings.h"
 
 #include <cstdint>
 #include <functional>

@@ -4,27 +4,16 @@
 #include "bench/senders.h"
 #include "bench/transfers.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
-#include <map>
+#include <limits>
 #include <stdexcept>
 
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* usage =
-    "usage: line_bench [--picture BYTES] [--file BYTES] [--pace BYTES_PER_SECOND] [--rounds N]\n"
-    "                  [--exchanges N] [--rule TEXT] [--largest BYTES] [--csv FILE]\n"
-    "       line_bench --sender WORD... --sender-link PATH [--file BYTES] [--pace BYTES_PER_SECOND]\n"
-    "                  [--rounds N] [--csv FILE]\n"
-    "--rule: only exchanges whose name contains the text\n"
-    "0 exchanges, a picture, file or largest file of 0 bytes: that part is left out\n"
-    "--sender: measures uploads by another program, nothing else; a word of the command that starts\n"
-    "          upload_sender with its port, repeated for each word\n"
-    "--sender-link: path at which upload_sender looks for that port\n";
 
 struct Options {
     bench::TransferSizes sizes{200000, 4 << 20};
@@ -35,41 +24,45 @@ struct Options {
     bench::Sender sender; ///< no program: the client in this process is measured
 };
 
-std::uint32_t numberIn(const std::string& text) {
-    std::size_t used = 0;
-    const unsigned long number = std::stoul(text, &used);
-    if (used != text.size() || number > UINT32_MAX)
-        throw std::invalid_argument(text);
-    return static_cast<std::uint32_t>(number);
-}
-
-Options parse(const std::vector<std::string>& arguments) {
-    Options options;
-    const std::map<std::string, std::function<void(const std::string&)>> known{
-        {"--picture", [&](const std::string& t) { options.sizes.picture = numberIn(t); }},
-        {"--file", [&](const std::string& t) { options.sizes.file = numberIn(t); }},
-        {"--pace",
-         [&](const std::string& t) {
-             options.sizes.pace = numberIn(t);
-             options.sizes.fastPace = options.sizes.pace * 10;
-         }},
-        {"--rounds", [&](const std::string& t) { options.sizes.rounds = static_cast<int>(numberIn(t)); }},
-        {"--exchanges", [&](const std::string& t) { options.exchanges = static_cast<int>(numberIn(t)); }},
-        {"--rule", [&](const std::string& t) { options.rule = t; }},
-        {"--largest", [&](const std::string& t) { options.largest = numberIn(t); }},
-        {"--csv", [&](const std::string& t) { options.csv = fs::absolute(t).string(); }},
-        {"--sender", [&](const std::string& t) { options.sender.program.push_back(t); }},
-        {"--sender-link", [&](const std::string& t) { options.sender.link = fs::absolute(t).string(); }},
-    };
-    for (std::size_t i = 0; i < arguments.size(); i += 2) {
-        const auto option = known.find(arguments[i]);
-        if (option == known.end() || i + 1 == arguments.size())
-            throw std::invalid_argument(arguments[i]);
-        option->second(arguments[i + 1]);
+void addOptions(CLI::App& app, Options& o) {
+    const CLI::Range anyCount(0, std::numeric_limits<int>::max());
+    app.add_option("--picture", o.sizes.picture, "size of the picture that is downloaded")
+        ->type_name("BYTES");
+    app.add_option("--file", o.sizes.file, "size of the file that is uploaded")->type_name("BYTES");
+    app.add_option_function<std::uint32_t>(
+           "--pace",
+           [&o](std::uint32_t pace) {
+               o.sizes.pace = pace;
+               o.sizes.fastPace = pace * 10;
+           },
+           "speed of the line")
+        ->type_name("BYTES_PER_SECOND");
+    app.add_option("--rounds", o.sizes.rounds, "transfers of each")->type_name("N")->check(anyCount);
+    app.add_option("--exchanges", o.exchanges, "exchanges of each rule")->type_name("N")->check(anyCount);
+    app.add_option("--rule", o.rule, "only exchanges whose name contains the text")->type_name("TEXT");
+    app.add_option("--largest", o.largest, "size of the largest upload")->type_name("BYTES");
+    app.add_option_function<std::string>(
+           "--csv", [&o](const std::string& path) { o.csv = fs::absolute(path).string(); },
+           "file for the figures")
+        ->type_name("FILE");
+    CLI::Option* const sender =
+        app.add_option("--sender", o.sender.program,
+                       "measure uploads by another program, nothing else; a word of the command that starts "
+                       "upload_sender with its port, repeated for each word")
+            ->type_name("WORD")
+            ->allow_extra_args(false);
+    CLI::Option* const link =
+        app.add_option_function<std::string>(
+               "--sender-link",
+               [&o](const std::string& path) { o.sender.link = fs::absolute(path).string(); },
+               "path at which upload_sender looks for that port")
+            ->type_name("PATH");
+    sender->needs(link);
+    link->needs(sender);
+    for (CLI::Option* const option : app.get_options()) { // given twice, the last one counts
+        if (option != sender && option != app.get_help_ptr())
+            option->take_last();
     }
-    if (options.sender.program.empty() != options.sender.link.empty())
-        throw std::invalid_argument("--sender and --sender-link belong together");
-    return options;
 }
 
 /// Pictures and files are written into a directory that disappears.
@@ -122,10 +115,19 @@ int run(const Options& options) {
 } // namespace
 
 int main(int argc, char** argv) {
+    CLI::App app("Measures the camera client on a line. 0 exchanges, a picture, file or largest file of 0 "
+                 "bytes: that part is left out.",
+                 "line_bench");
+    Options options;
+    addOptions(app, options);
     try {
-        return run(parse({argv + 1, argv + argc}));
-    } catch (const std::invalid_argument& error) {
-        std::fprintf(stderr, "line_bench: %s\n%s", error.what(), usage);
+        app.parse(argc, argv);
+        return run(options);
+    } catch (const CLI::CallForHelp&) {
+        std::fputs(app.help().c_str(), stdout);
+        return 0;
+    } catch (const CLI::ParseError& error) {
+        std::fprintf(stderr, "line_bench: %s\n%s", error.what(), app.help().c_str());
         return 2;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "line_bench: %s\n", error.what());

@@ -2,8 +2,8 @@
 
 #include "bench/measure.h"
 #include "bench/process.h"
-#include "emulator/pace.h"
-#include "emulator/terminal.h"
+#include "emulator/line/pace.h"
+#include "emulator/line/terminal.h"
 
 #include <algorithm>
 #include <array>

@@ -4,7 +4,7 @@
 #include "bench/measure.h"
 #include "bench/process.h"
 #include "bench/randomfile.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "link/protocol/uploads.h"
 
 #include <filesystem>

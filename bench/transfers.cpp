@@ -6,7 +6,7 @@
 #include "bench/process.h"
 #include "bench/randomfile.h"
 #include "bench/relay.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
 #include "link/protocol/commands.h"
 #include "link/protocol/uploads.h"

@@ -3,17 +3,17 @@
 #include "bench/starts.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
-#include <stdexcept>
+#include <string>
 
 namespace {
 
 struct Options {
     bench::StartSettings starts;
     int listRounds = 200;
-    QString csv;
+    std::string csv;
 };
 
 int run(int argc, char** argv, const Options& options) {
@@ -24,39 +24,39 @@ int run(int argc, char** argv, const Options& options) {
         const QApplication application(argc, argv); // not before the starts
         bench::measureLists(results, options.listRounds);
     }
-    if (!options.csv.isEmpty() && !results.writeCsv(options.csv.toStdString())) {
-        std::fprintf(stderr, "window_bench: cannot write %s\n", qPrintable(options.csv));
+    if (!options.csv.empty() && !results.writeCsv(options.csv)) {
+        std::fprintf(stderr, "window_bench: cannot write %s\n", options.csv.c_str());
         return 1;
     }
     std::fprintf(stderr, "%d figures miss their goal\n", results.missed());
     return 0;
 }
 
-Options parse(const QStringList& arguments) {
-    QCommandLineParser parser;
-    parser.addOptions({{"programs", "Folder of tool_window and bare_window.", "folder", "."},
-                       {"starts", "Starts of each; 0 leaves them out.", "count", "11"},
-                       {"idle", "Idleness that is watched, in seconds.", "seconds", "5"},
-                       {"lists", "Fillings of each list; 0 leaves them out.", "count", "200"},
-                       {"csv", "File for the figures.", "file"}});
-    if (!parser.parse(arguments))
-        throw std::invalid_argument(parser.errorText().toStdString());
-    Options options;
-    options.starts = {parser.value("programs").toStdString(), parser.value("starts").toInt(),
-                      parser.value("idle").toInt()};
-    options.listRounds = parser.value("lists").toInt();
-    options.csv = parser.value("csv");
-    return options;
+void addOptions(CLI::App& app, Options& o) {
+    app.add_option("--programs", o.starts.programFolder, "folder of tool_window and bare_window")
+        ->type_name("FOLDER");
+    app.add_option("--starts", o.starts.rounds, "starts of each; 0 leaves them out")->type_name("COUNT");
+    app.add_option("--idle", o.starts.idleSeconds, "idleness that is watched")->type_name("SECONDS");
+    app.add_option("--lists", o.listRounds, "fillings of each list; 0 leaves them out")->type_name("COUNT");
+    app.add_option("--csv", o.csv, "file for the figures")->type_name("FILE");
+    for (CLI::Option* const option : app.get_options()) { // given twice, the last one counts
+        if (option != app.get_help_ptr())
+            option->take_last();
+    }
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    CLI::App app("Measures the tool's windows.", "window_bench");
+    Options options;
+    addOptions(app, options);
     try {
-        QStringList arguments;
-        for (int i = 0; i < argc; ++i)
-            arguments << QString::fromLocal8Bit(argv[i]);
-        return run(argc, argv, parse(arguments));
+        app.parse(argc, argv);
+        return run(argc, argv, options);
+    } catch (const CLI::CallForHelp&) {
+        std::fputs(app.help().c_str(), stdout);
+        return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "window_bench: %s\n", error.what());
         return 1;

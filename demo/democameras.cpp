@@ -1,7 +1,7 @@
 #include "demo/democameras.h"
 
-#include "emulator/devicefront.h"
-#include "emulator/terminalcamera.h"
+#include "emulator/line/devicefront.h"
+#include "emulator/line/terminalcamera.h"
 
 using emulator::CameraType;
 

@@ -1,7 +1,7 @@
 // The virtual cameras of the demonstration and the ports at which the tool finds them.
 #pragma once
 
-#include "emulator/camerafront.h"
+#include "emulator/line/camerafront.h"
 
 #include <map>
 #include <memory>

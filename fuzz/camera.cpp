@@ -1,5 +1,5 @@
 // The virtual camera's request decoder: bytes in any pieces, well-formed requests, time, faults.
-#include "emulator/virtualcamera.h"
+#include "emulator/camera/virtualcamera.h"
 #include "link/protocol/jsonenvelope.h"
 
 #include <algorithm>

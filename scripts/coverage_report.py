@@ -7,7 +7,7 @@ import json
 import os
 import sys
 
-FOLDERS = ["link", "link/protocol", "linkaccess", "pictures", "updates", "dialogs", "app", "emulator", "demo"]
+FOLDERS = ["link", "link/protocol", "trace", "linkaccess", "pictures", "updates", "dialogs", "app", "emulator", "demo"]
 
 
 class Source:

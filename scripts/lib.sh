@@ -4,10 +4,10 @@ set -euo pipefail
 project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 # What building needs, and what building and running the tests needs besides.
-build_packages=(g++ cmake ninja-build qt6-base-dev libcxx-serial-dev)
+build_packages=(g++ cmake ninja-build qt6-base-dev libcxx-serial-dev libcli11-dev)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev fonts-noto-cjk qt6-translations-l10n)
 # What building the Windows program needs, beside Qt and the serial library for Windows.
-windows_build_packages=(g++-mingw-w64-x86-64-posix cmake ninja-build qt6-base-dev qt6-base-dev-tools)
+windows_build_packages=(g++-mingw-w64-x86-64-posix cmake ninja-build qt6-base-dev qt6-base-dev-tools libcli11-dev)
 
 say() {
   printf '== %s\n' "$*"

@@ -85,6 +85,7 @@ copy_licences() {
   mkdir -p "$folder"
   cp /usr/share/doc/qt6-base-dev/copyright "$folder/Qt.txt"
   cp /usr/share/doc/libcxx-serial-dev/copyright "$folder/serial.txt"
+  cp /usr/share/doc/libcli11-dev/copyright "$folder/CLI11.txt"
   cp /usr/share/doc/gcc-mingw-w64-x86-64-posix-runtime/copyright "$folder/GCC-runtime.txt"
   cp /usr/share/doc/mingw-w64-common/copyright "$folder/MinGW-w64-runtime.txt"
   cp /usr/share/doc/nsis/copyright "$folder/NSIS.txt"

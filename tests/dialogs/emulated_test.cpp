@@ -4,7 +4,7 @@
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "tests/dialogs/dialogtest.h"
 
 #include <QComboBox>

@@ -1,6 +1,6 @@
 // The commands that the documents tell to type: those of the virtual camera are started as they stand,
 // scripts and presets have to be there with the options named.
-#include "emulator/pty.h"
+#include "emulator/line/pty.h"
 #include "tests/docs/markdown.h"
 #include "tests/emulator/program.h"
 

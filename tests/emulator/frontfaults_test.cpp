@@ -1,5 +1,5 @@
 // Faults of the line, over a real device.
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "ptyclient.h"
 
 namespace emulatortest {

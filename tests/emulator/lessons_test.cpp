@@ -1,6 +1,6 @@
 // The course for technicians: every lesson shows its symptom to the real client, and its remedy ends it.
-#include "emulator/lessonrun.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
+#include "emulator/program/lessonrun.h"
 #include "link/camerasp.h"
 #include "program.h"
 #include "ptyclient.h"

@@ -1,14 +1,17 @@
 // The tap between two real lines.
-#include "emulator/pty.h"
-#include "emulator/ptyfront.h"
-#include "emulator/tap/linetap.h"
+#include "camerabench.h"
+#include "emulator/line/linetap.h"
+#include "emulator/line/pty.h"
+#include "emulator/line/ptyfront.h"
 #include "ptyclient.h"
-#include "tapbench.h"
+#include "tests/trace/tapbench.h"
 
 #include <algorithm>
 
 namespace emulatortest {
 namespace {
+
+using tracetest::TapBench;
 
 using testing::HasSubstr;
 

@@ -1,9 +1,8 @@
-// The small parts: digest, JSON text, pace, pictures.
+// The small parts: digest, pace, pictures.
 #include "camerabench.h"
-#include "emulator/jsontext.h"
-#include "emulator/md5.h"
-#include "emulator/pace.h"
-#include "emulator/pictureartist.h"
+#include "emulator/camera/md5.h"
+#include "emulator/camera/pictureartist.h"
+#include "emulator/line/pace.h"
 
 #include <QImage>
 
@@ -19,27 +18,6 @@ TEST(Md5, GivesThePublishedDigests) {
         md5(bytesOf("12345678901234567890123456789012345678901234567890123456789012345678901234567890")),
         hex("57 ED F4 A2 2B E3 C9 55 AC 49 DA 2E 21 07 B6 7A"));
     EXPECT_EQ(md5(countingBytes(1300)), hex("9F 04 FA 44 F3 CC 4A 6C 92 DA E6 7B 41 50 0F C7"));
-}
-
-TEST(JsonText, ValuesAreFoundByTheirPath) {
-    const auto values = readJsonObject(R"( {"a":1,"b":{"c":"x","d":[true,-2.5]},"e":{},"f":[]} )");
-    ASSERT_TRUE(values);
-    EXPECT_EQ(jsonNumber(*values, "a"), 1);
-    EXPECT_EQ(values->at("b.c"), "x");
-    EXPECT_EQ(values->at("b.d.0"), "true");
-    EXPECT_EQ(values->at("b.d.1"), "-2.5");
-    EXPECT_FALSE(jsonNumber(*values, "b.d.1"));
-    EXPECT_FALSE(jsonNumber(*values, "missing"));
-}
-
-TEST(JsonText, AnythingButOneWellFormedObjectIsRefused) {
-    for (const char* const text : {"", "1", "[]", "{", "{\"a\"}", "{\"a\":}", "{\"a\":1,}", "{\"a\":1}x",
-                                   "{\"a\":x}", "{\"a\":\"x}", "{\"a\\\":1}", "{a:1}"})
-        EXPECT_FALSE(readJsonObject(text)) << text;
-    std::string deep;
-    for (int i = 0; i < 100; ++i)
-        deep += R"({"a":)";
-    EXPECT_FALSE(readJsonObject(deep));
 }
 
 TEST(Pace, GivesOutBytesEvenly) {

@@ -1,6 +1,6 @@
 // Pictures of both generations.
 #include "camerabench.h"
-#include "emulator/md5.h"
+#include "emulator/camera/md5.h"
 
 namespace emulatortest {
 namespace {

@@ -1,5 +1,5 @@
 // The virtual-camera program, started as a user starts it.
-#include "emulator/fault.h"
+#include "emulator/camera/fault.h"
 #include "program.h"
 #include "ptyclient.h"
 

@@ -1,6 +1,6 @@
 // The pseudo-terminal front in real time.
-#include "emulator/devicefront.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/devicefront.h"
+#include "emulator/line/ptyfront.h"
 #include "ptyclient.h"
 
 #include <filesystem>

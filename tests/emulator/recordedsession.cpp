@@ -1,7 +1,8 @@
 #include "recordedsession.h"
 
 #include "camerabench.h"
-#include "emulator/md5.h"
+#include "emulator/camera/md5.h"
+#include "trace/hextext.h"
 
 #include <fstream>
 #include <iterator>
@@ -37,7 +38,7 @@ public:
         m_results.push_back(name + ": " + result);
     }
     void add(const std::string& name, bool result) { add(name, std::string(result ? "yes" : "no")); }
-    void add(const std::string& name, const Bytes& bytes) { add(name, hexText(bytes)); }
+    void add(const std::string& name, const Bytes& bytes) { add(name, trace::hexText(bytes)); }
     void addFile(const char* name) {
         std::ifstream file(name, std::ios::binary);
         const Bytes bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

@@ -1,7 +1,7 @@
 // A session with every kind of exchange, made once with a virtual camera and kept as a recording.
 #pragma once
 
-#include "emulator/virtualcamera.h"
+#include "emulator/camera/virtualcamera.h"
 #include "link/camerasp.h"
 
 #include <string>

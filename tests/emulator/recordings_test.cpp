@@ -1,10 +1,10 @@
 // The recordings that are kept: a real client gets from them what it got from the camera, and the same
 // session gives the same recording again.
-#include "emulator/ptyfront.h"
-#include "emulator/tap/linetap.h"
-#include "emulator/tap/recordingfile.h"
-#include "emulator/tap/replaycamera.h"
+#include "emulator/line/linetap.h"
+#include "emulator/line/ptyfront.h"
+#include "emulator/line/replayservice.h"
 #include "recordedsession.h"
+#include "trace/recordingfile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,6 +16,7 @@ namespace emulatortest {
 namespace {
 
 using namespace emulator;
+using namespace trace;
 
 constexpr std::uint32_t anyRate = 460800;
 
@@ -50,7 +51,7 @@ std::vector<std::string> record(const Kept& kept, const std::string& path) {
     const auto camera = openDeviceLine(front.portName(), settingsForType(kept.type).baudRate);
     const auto file = std::make_shared<RecordingFile>(path);
     RecordingHead head;
-    head.start = wallClockText();
+    head.start = wallClockText(std::chrono::system_clock::now());
     head.device = "a virtual camera";
     head.baudRate = settingsForType(kept.type).baudRate;
     LineTap tap(*tool, *camera, Recorder(head, [file](const std::string& lines) { file->append(lines); }));

@@ -1,9 +1,12 @@
 // A camera that answers from a recording.
-#include "emulator/tap/replaycamera.h"
-#include "tapbench.h"
+#include "camerabench.h"
+#include "emulator/camera/replaycamera.h"
+#include "tests/trace/tapbench.h"
 
 namespace emulatortest {
 namespace {
+
+using tracetest::TapBench;
 
 using testing::Contains;
 using testing::HasSubstr;

@@ -1,8 +1,8 @@
 // virtual-camera as a tap and as a replay, started as a technician starts it.
 #include "camerabench.h"
-#include "emulator/tap/recordingfile.h"
 #include "program.h"
 #include "ptyclient.h"
+#include "trace/recordingfile.h"
 
 #include <filesystem>
 

@@ -2,7 +2,7 @@
 #include "bench/farend.h"
 #include "bench/lognowhere.h"
 #include "bench/measure.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
 
 #include <gtest/gtest.h>

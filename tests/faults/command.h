@@ -1,7 +1,7 @@
 // The rows of the fault matrix: commands, and what each of them does at each fault.
 #pragma once
 
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
 
 #include <functional>

@@ -2,7 +2,7 @@
 #include "app/mainwindow.h"
 #include "dialogs/doorop.h"
 #include "dialogs/setcameraprotocol.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "pictures/piclist.h"
 #include "tests/gui/support/guitest.h"
 #include "tests/gui/support/printing.h"

@@ -1,6 +1,6 @@
 // The take-picture flow and the list windows with the real serial library and a virtual camera.
 #include "app/captureflow.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "pictures/imgdialog.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"

@@ -1,8 +1,9 @@
 #include "tests/turn/linejudge.h"
 
-#include "emulator/requests.h"
-#include "emulator/virtualcamera.h"
+#include "emulator/camera/virtualcamera.h"
 #include "link/protocol/commands.h"
+#include "trace/hextext.h"
+#include "trace/requests.h"
 
 using namespace std::chrono_literals;
 using emulator::CameraRecord;
@@ -60,10 +61,10 @@ QString milliseconds(Time time) {
 QString describe(const ReceivedFrame& frame) {
     emulator::RequestKey key{frame.code, frame.code, std::nullopt};
     if (frame.json)
-        key = {emulator::jsonCode, emulator::jsonCode, std::nullopt};
+        key = {trace::jsonCode, trace::jsonCode, std::nullopt};
     else if (!frame.payload.empty())
         key.detail = frame.payload.front();
-    const emulator::RequestName* const name = emulator::nameOf(key);
+    const trace::RequestName* const name = trace::nameOf(key);
     QString text = name == nullptr ? "unknown request" : QString::fromStdString(std::string(name->words));
     if (key.detail)
         text += " (id " + QString::number(*key.detail) + ")";
@@ -79,7 +80,7 @@ QStringList differences(const UploadRecord& upload, const Bytes& file, const QSt
     const auto place = static_cast<std::size_t>(got - upload.received.begin());
     const protocol::ByteView foreign = protocol::ByteView(upload.received).range(place, place + 12);
     return {name + "from byte " + QString::number(place) + " of " + QString::number(file.size()) +
-            " on the camera got \"" + QString::fromStdString(emulator::hexText(foreign)) +
+            " on the camera got \"" + QString::fromStdString(trace::hexText(foreign)) +
             "\" in place of the file, " + QString::number(upload.received.size()) + " bytes in all, offset " +
             QString::number(upload.offset)};
 }

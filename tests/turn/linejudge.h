@@ -1,7 +1,7 @@
 // What the camera's record tells of users that got into each other's way.
 #pragma once
 
-#include "emulator/camerarecord.h"
+#include "emulator/camera/camerarecord.h"
 
 #include <QStringList>
 

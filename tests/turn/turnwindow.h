@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/mainwindow.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "tests/gui/support/guitest.h"
 #include "tests/turn/linejudge.h"
 #include "tests/updates/uploadwindow.h"

@@ -1,7 +1,7 @@
 // Uploads to virtual cameras over ptys, many side by side: mostly they wait.
 #pragma once
 
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
 #include "tests/support/scratchfolder.h"
 

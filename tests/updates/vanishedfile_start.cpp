@@ -1,7 +1,7 @@
 // Linked with the tool's own main: opens the link, chooses a file, and removes it between the window's test
 // and the upload. Arguments: which upload ("app", "system" or "model").
 #include "app/mainwindow.h"
-#include "emulator/ptyfront.h"
+#include "emulator/line/ptyfront.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -6,8 +6,8 @@
 #include "app/consoleoutput.h"
 #include "app/mainwindow.h"
 #include "dialogs/setcameralocation.h"
-#include "emulator/devicefront.h"
-#include "emulator/terminalcamera.h"
+#include "emulator/line/devicefront.h"
+#include "emulator/line/terminalcamera.h"
 #include "tests/gui/support/guitest.h"
 
 #include <QComboBox>

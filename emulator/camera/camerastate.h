@@ -1,0 +1,86 @@
+// What a virtual camera holds. Plain data: read it and set it as a test or a demonstration needs.
+#pragma once
+
+#include "emulator/camera/camerasettings.h"
+#include "link/protocol/picturerecords.h"
+
+#include <array>
+#include <vector>
+
+namespace emulator {
+
+/// A stored picture. The catalogue shows `info` as it stands, a read sends `jpeg`.
+struct Picture {
+    protocol::PictureInfo info;
+    Bytes jpeg;
+    Time visibleFrom{0}; ///< not in the catalogue before this time
+};
+
+/// A picture whose size and digest fit its bytes.
+[[nodiscard]] Picture makePicture(std::uint16_t id, Bytes jpeg);
+
+/// One of the four quantities of property 16.
+struct OrientationItem {
+    enum class Answer { value, sentinel, tooShort };
+
+    std::uint32_t value = 0;
+    Answer answer = Answer::value;
+};
+
+struct DoorEvent {
+    Time at{0};
+    bool open = false;
+    std::uint32_t time = 0; ///< seconds since 1970, as sent
+    std::uint8_t sequence = 0;
+    bool sequenceRight = true; ///< one more than the previous one, modulo 256
+};
+
+/// Ids of the settings properties.
+namespace property {
+inline constexpr std::uint8_t compressionRate = 6;
+inline constexpr std::uint8_t captureAngles = 10;
+inline constexpr std::uint8_t captureDirection = 11;
+inline constexpr std::uint8_t readOnly = 12;
+inline constexpr std::uint8_t gyroOn = 13;
+inline constexpr std::uint8_t heaterDuty = 15;
+inline constexpr std::uint8_t orientation = 16;
+} // namespace property
+
+struct CameraState {
+    std::string serialNumber = "SHELF000001";
+    std::string appVersion = "2.3.1";
+    std::string systemVersion = "5.10.8";
+    std::string qvVersion = "qv 1.4.0";
+    std::string modelInfo = "model_v1 2024-01-31";
+    std::string gyroText = "3success";
+    /// Value bytes by id; other ids are unknown to the camera. 12 can only be read.
+    std::map<std::uint8_t, Bytes> properties = {
+        {property::compressionRate, {80}}, {property::captureAngles, {30, 60}},
+        {property::captureDirection, {1}}, {property::readOnly, {0}},
+        {property::gyroOn, {1}},           {property::heaterDuty, {30}},
+    };
+    /// Pitch, roll, yaw, acceleration: reads of property 16 take them in turn and begin again with pitch
+    /// after a pause of two seconds.
+    std::array<OrientationItem, 4> orientation = {{{45}, {3}, {120}, {981}}};
+
+    std::vector<Picture> pictures;    ///< in catalogue order
+    std::uint16_t nextPictureId = 33; ///< above every property id: a shifted delete stays told apart
+
+    /// The picture of type 3. Without a value a new one is drawn for every first piece that is asked for.
+    std::optional<Bytes> jsonPicture;
+    std::string jsonVersion = "1.0.3";
+    /// Sent instead of {"result":0,"version":"..."}.
+    std::optional<std::string> jsonPropertyText;
+
+    std::vector<DoorEvent> doorLog;
+
+    /// First bytes of the next announced file that the camera already holds; emptied by a complete upload.
+    Bytes heldUpload;
+    /// The file the held bytes belong to; empty: whatever is announced next.
+    Bytes heldUploadDigest;
+
+    /// Silent to everything before this time.
+    Time bootingUntil{0};
+};
+
+} // namespace emulator

@@ -1,0 +1,176 @@
+// Properties, information, status, power and door.
+#include "emulator/camera/commandrow.h"
+#include "link/protocol/commands.h"
+
+#include <algorithm>
+
+namespace emulator {
+
+namespace {
+
+using protocol::bytesOf;
+using protocol::code;
+using protocol::Field;
+using protocol::PropertyId;
+
+/// Reads of the orientation that are further apart begin again with pitch.
+constexpr Time orientationGap = std::chrono::seconds(2);
+
+namespace door_request {
+constexpr Field<std::uint8_t> open{0};
+constexpr Field<std::uint32_t> time{1};
+constexpr Field<std::uint8_t> sequence{5};
+constexpr std::size_t size = sequence.end();
+} // namespace door_request
+
+} // namespace
+
+void VirtualCamera::heartbeat(const Request&, Reply& reply) {
+    reply.payload = {1};
+    reply.resultAt = 0;
+}
+
+void VirtualCamera::getProperty(const Request& request, Reply& reply) {
+    if (request.payload.empty()) {
+        reply.silent = true;
+        return;
+    }
+    const std::uint8_t id = request.payload.front();
+    const std::optional<Bytes> value = propertyValue(id, request.at);
+    reply.payload = {id, value ? succeeded : failed};
+    reply.resultAt = 1;
+    reply.valueFrom = reply.payload.size();
+    protocol::append(reply.payload, value.value_or(Bytes()));
+}
+
+std::optional<Bytes> VirtualCamera::propertyValue(std::uint8_t id, Time now) {
+    switch (static_cast<PropertyId>(id)) {
+    case PropertyId::appVersion:
+        return bytesOf(m_state.appVersion);
+    case PropertyId::systemVersion:
+        return bytesOf(m_state.systemVersion);
+    case PropertyId::serialNumber:
+        return bytesOf(m_state.serialNumber);
+    default:
+        break;
+    }
+    if (id == property::orientation)
+        return nextOrientation(now);
+    const auto found = m_state.properties.find(id);
+    return found == m_state.properties.end() ? std::nullopt : std::optional(found->second);
+}
+
+Bytes VirtualCamera::nextOrientation(Time now) {
+    if (!m_lastOrientationRead || now - *m_lastOrientationRead > orientationGap)
+        m_nextOrientation = 0;
+    m_lastOrientationRead = now;
+    const OrientationItem& item = m_state.orientation[m_nextOrientation];
+    m_nextOrientation = (m_nextOrientation + 1) % m_state.orientation.size();
+    if (item.answer == OrientationItem::Answer::sentinel)
+        return {0x00, 0xFF, 0xFF, 0x7F};
+    Bytes value;
+    protocol::put(value, Field<std::uint32_t>{0}, item.value);
+    if (item.answer == OrientationItem::Answer::tooShort)
+        value.pop_back();
+    return value;
+}
+
+void VirtualCamera::setProperty(const Request& request, Reply& reply) {
+    if (request.payload.empty()) {
+        reply.silent = true;
+        return;
+    }
+    const std::uint8_t id = request.payload.front();
+    const ByteView value = ByteView(request.payload).range(1, request.payload.size());
+    bool accepted = !m_settings.refusedProperties.contains(id);
+    if (id == code(PropertyId::serialNumber)) {
+        if (accepted)
+            m_state.serialNumber = std::string(value.begin(), std::find(value.begin(), value.end(), 0));
+    } else {
+        const auto held = m_state.properties.find(id);
+        accepted = accepted && held != m_state.properties.end() && id != property::readOnly && !value.empty();
+        if (accepted)
+            held->second = value.toBytes();
+    }
+    reply.payload = {id, accepted ? succeeded : failed};
+    reply.resultAt = 1;
+}
+
+void VirtualCamera::getInfo(const Request& request, Reply& reply) {
+    if (request.payload.empty()) {
+        reply.silent = true;
+        return;
+    }
+    const std::uint8_t id = request.payload.front();
+    const bool version = id == code(PropertyId::qvVersion);
+    const bool known = version || id == code(PropertyId::modelInfo);
+    reply.payload = {id, known ? succeeded : failed};
+    reply.resultAt = 1;
+    reply.valueFrom = reply.payload.size();
+    if (known)
+        protocol::append(reply.payload, bytesOf(version ? m_state.qvVersion : m_state.modelInfo));
+}
+
+/// The one answer that travels without a frame.
+void VirtualCamera::gyroTest(const Request&, Reply& reply) {
+    reply.payload = bytesOf(m_state.gyroText);
+    reply.framed = false;
+}
+
+void VirtualCamera::reboot(const Request& request, Reply& reply) {
+    reply.payload = {succeeded};
+    reply.resultAt = 0;
+    reply.onAnswer = [this, &request, at = reply.at](ByteView) {
+        restart(at, m_settings.rebootTime, request.faults);
+    };
+}
+
+void VirtualCamera::resetToFactory(const Request& request, Reply& reply) {
+    reply.payload = {succeeded};
+    reply.resultAt = 0;
+    reply.onAnswer = [this, &request, at = reply.at](ByteView) {
+        // The firmware and its versions stay.
+        const CameraState defaults;
+        m_state.serialNumber = defaults.serialNumber;
+        m_state.properties = defaults.properties;
+        m_state.pictures.clear();
+        m_nextOrientation = 0;
+        restart(at, m_settings.factoryResetTime, request.faults);
+    };
+}
+
+void VirtualCamera::restart(Time from, Time duration, const FaultSet& faults) {
+    m_heartbeatsToWake.reset();
+    m_state.bootingUntil = from + duration;
+    m_restartUnnoticed = true;
+    if (const Fault* fault = faults.find(FaultKind::backAt)) {
+        m_state.bootingUntil = Time::max();
+        m_heartbeatsToWake = static_cast<std::uint32_t>(std::max<std::int64_t>(fault->number, 1));
+    }
+    if (faults.has(FaultKind::stayDown))
+        m_state.bootingUntil = Time::max();
+    note(from, Event::Kind::noted, "restarting");
+}
+
+void VirtualCamera::door(const Request& request, Reply& reply) {
+    reply.silent = !m_settings.answersDoor;
+    reply.payload = {succeeded};
+    reply.resultAt = 0;
+    const ByteView payload(request.payload);
+    if (payload.size() != door_request::size)
+        return;
+    DoorEvent event;
+    event.at = request.at;
+    event.open = payload.get(door_request::open) != 0;
+    event.time = payload.get(door_request::time);
+    event.sequence = payload.get(door_request::sequence);
+    if (!m_state.doorLog.empty())
+        event.sequenceRight =
+            event.sequence == static_cast<std::uint8_t>(m_state.doorLog.back().sequence + 1);
+    m_state.doorLog.push_back(event);
+    note(request.at, Event::Kind::noted,
+         std::string("the door ") + (event.open ? "opens" : "closes") + ", number " +
+             std::to_string(event.sequence));
+}
+
+} // namespace emulator

@@ -1,0 +1,299 @@
+#include "emulator/camera/virtualcamera.h"
+
+#include "emulator/camera/commandrow.h"
+#include "link/protocol/commands.h"
+#include "link/protocol/frame.h"
+#include "trace/hextext.h"
+#include "trace/jsonlayout.h"
+#include "trace/jsontext.h"
+
+#include <algorithm>
+
+namespace emulator {
+
+namespace {
+
+using protocol::code;
+using protocol::Command;
+
+/// A frame that stops growing for so long was broken off.
+constexpr Time brokenFrameTime = std::chrono::seconds(1);
+
+std::string address(std::uint8_t value) {
+    return "0x" + protocol::paddedHexText(Bytes{value});
+}
+
+} // namespace
+
+VirtualCamera::VirtualCamera(CameraType type) : VirtualCamera(settingsForType(type)) {}
+
+VirtualCamera::VirtualCamera(CameraSettings settings) : m_settings(std::move(settings)) {}
+
+void VirtualCamera::receive(ByteView bytes, Time now) {
+    advance(now);
+    if (bytes.empty())
+        return;
+    m_record.byteCount += bytes.size();
+    m_record.chunks.push_back({now, bytes.toBytes()});
+    if (m_settings.mindsBaudRate && m_lineSpeed && *m_lineSpeed != m_settings.baudRate) {
+        m_record.garbageBytes += bytes.size();
+        note(now, Event::Kind::noted,
+             "heard noise: the line runs at " + std::to_string(*m_lineSpeed) + " instead of " +
+                 std::to_string(m_settings.baudRate));
+        return;
+    }
+    if (!m_scanner.empty() && now - m_lastByteAt > brokenFrameTime)
+        noteBadFrame({FrameScanner::Item::Kind::badFrame, m_scanner.takeRest()}, now);
+    m_lastByteAt = now;
+    if (m_upload) {
+        receiveRaw(bytes, now);
+        return;
+    }
+    m_scanner.add(bytes);
+    readItems(now);
+}
+
+void VirtualCamera::readItems(Time now) {
+    while (!m_upload) {
+        const auto item = m_scanner.next();
+        if (!item)
+            return;
+        readItem(*item, now);
+    }
+    // The request just read was an announcement: what follows it is data already.
+    if (!m_scanner.empty())
+        receiveRaw(m_scanner.takeRest(), now);
+}
+
+void VirtualCamera::readItem(const FrameScanner::Item& item, Time now) {
+    switch (item.kind) {
+    case FrameScanner::Item::Kind::frame:
+        receiveFrame(item.bytes, now);
+        break;
+    case FrameScanner::Item::Kind::json:
+        receiveJson(item.bytes, now);
+        break;
+    case FrameScanner::Item::Kind::badFrame:
+    case FrameScanner::Item::Kind::badJson:
+        noteBadFrame(item, now);
+        break;
+    case FrameScanner::Item::Kind::garbage:
+        m_record.garbageBytes += item.bytes.size();
+        note(now, Event::Kind::received, "bytes outside any frame: " + trace::hexText(item.bytes));
+        break;
+    }
+}
+
+void VirtualCamera::noteBadFrame(const FrameScanner::Item& item, Time now) {
+    ++m_record.badFrames;
+    ReceivedFrame frame;
+    frame.at = now;
+    frame.bytes = item.bytes;
+    frame.json = item.kind == FrameScanner::Item::Kind::badJson;
+    frame.wellFormed = false;
+    note(now, Event::Kind::received, "damaged frame, ignored: " + trace::hexText(frame.bytes));
+    m_record.frames.push_back(std::move(frame));
+}
+
+void VirtualCamera::receiveFrame(Bytes bytes, Time now) {
+    const ByteView view(bytes);
+    Request request;
+    request.address = view.get(protocol::frame_layout::address);
+    request.lineCode = view.get(protocol::frame_layout::command);
+    request.payload =
+        view.range(protocol::frame_layout::headerSize, view.size() - protocol::frame_layout::checkCodeSize)
+            .toBytes();
+    request.at = now;
+    request.key = classify(request.lineCode, request.payload);
+
+    const bool wakes = wakesForHeartbeat(request.key, now);
+    ReceivedFrame frame{now, std::move(bytes), false, request.address, request.lineCode, request.payload};
+    frame.addressRight = m_settings.answersAllAddresses || request.address == m_settings.address;
+    frame.heard = wakes || !booting(now);
+    const bool mine = frame.addressRight && frame.heard;
+    m_record.foreignFrames += frame.addressRight ? 0 : 1;
+    std::string text = describe(request.key) + " (" + protocol::paddedHexText(Bytes{request.lineCode}) +
+                       ", address " + address(request.address) + ")";
+    if (!request.payload.empty())
+        text += ": " + trace::hexText(request.payload);
+    if (!frame.addressRight)
+        text += "; for another camera, ignored";
+    else if (!frame.heard)
+        text += "; restarting, ignored";
+    m_record.frames.push_back(std::move(frame));
+    note(now, Event::Kind::received, std::move(text));
+    if (mine)
+        serve(std::move(request));
+}
+
+void VirtualCamera::receiveJson(Bytes bytes, Time now) {
+    const ByteView view(bytes);
+    Request request;
+    request.payload = view.range(trace::json_layout::requestText, view.size() - 2).toBytes();
+    request.at = now;
+    request.address = m_settings.address; // the envelope has none
+    request.key = {trace::jsonCode, trace::jsonCode, std::nullopt};
+    const auto values = trace::readJsonObject(ByteView(request.payload).toText());
+    const auto type = values ? trace::jsonNumber(*values, "cmdType") : std::nullopt;
+    if (type && *type >= 0 && *type <= 0xFFFF)
+        request.key.detail = static_cast<std::uint16_t>(*type);
+
+    ReceivedFrame frame{now, std::move(bytes), true, 0, 0, request.payload};
+    frame.heard = !booting(now);
+    const bool heard = frame.heard;
+    m_record.frames.push_back(std::move(frame));
+    note(now, Event::Kind::received,
+         describe(request.key) + ": " + ByteView(request.payload).toText() +
+             (heard ? "" : "; restarting, ignored"));
+    if (heard)
+        serve(std::move(request));
+}
+
+bool VirtualCamera::canBeDeleted(std::uint8_t id) const {
+    return id == protocol::originDeleteAll ||
+           std::any_of(m_state.pictures.begin(), m_state.pictures.end(),
+                       [id](const Picture& picture) { return picture.info.id == id; });
+}
+
+/// With a picture-command offset, codes of other commands may mean pictures. The form of the payload tells
+/// them apart where it can; a shifted delete of one picture is one only for a picture that is held.
+bool VirtualCamera::isPictureRequest(std::uint8_t base, std::uint8_t lineCode, ByteView payload) const {
+    const bool shared = m_settings.pictureOffset != 0 && rowOf(lineCode) != nullptr;
+    switch (static_cast<Command>(base)) {
+    case Command::originCapture:
+    case Command::originCatalogue:
+        return payload.empty();
+    case Command::originDelete:
+        return payload.size() == 1 && (!shared || canBeDeleted(*payload.begin()));
+    case Command::originRead:
+        return payload.size() == protocol::origin_read_request::size &&
+               (!shared || payload.get(protocol::origin_read_request::startOffset) == 0);
+    default:
+        return false;
+    }
+}
+
+RequestKey VirtualCamera::classify(std::uint8_t lineCode, ByteView payload) const {
+    const auto isOrigin = [](std::uint8_t value) {
+        return value >= code(Command::originCapture) && value <= code(Command::originRead);
+    };
+    RequestKey key{lineCode, lineCode, std::nullopt};
+    if (!payload.empty())
+        key.detail = *payload.begin();
+    const auto base = static_cast<std::uint8_t>(lineCode - m_settings.pictureOffset);
+    if (m_settings.pictureOffset == 0)
+        return key;
+    if (isOrigin(base) && isPictureRequest(base, lineCode, payload))
+        key.code = base;
+    else if (isOrigin(lineCode))
+        key.code = unknownCode;
+    return key;
+}
+
+bool VirtualCamera::knows(const CommandRow& row) const {
+    if (row.code == trace::jsonCode || m_settings.answersEveryGeneration)
+        return row.code != trace::jsonCode || m_settings.type == CameraType::quenta ||
+               m_settings.answersEveryGeneration;
+    switch (row.generation) {
+    case Generation::heartbeat:
+        return m_settings.answersHeartbeat;
+    case Generation::all:
+        return true;
+    case Generation::framesOnly:
+        return m_settings.type != CameraType::quenta;
+    case Generation::first:
+        return m_settings.type != CameraType::quenta && m_settings.type != CameraType::salesDynamic;
+    case Generation::firstUpload:
+        return m_settings.type != CameraType::salesDynamic;
+    case Generation::second:
+        return m_settings.type == CameraType::salesDynamic;
+    }
+    return false;
+}
+
+/// A restart that ends with the n-th heartbeat ends here.
+bool VirtualCamera::wakesForHeartbeat(const RequestKey& key, Time now) {
+    if (!booting(now) || !m_heartbeatsToWake || key.code != code(Command::heartbeat))
+        return false;
+    if (--*m_heartbeatsToWake > 0)
+        return false;
+    m_heartbeatsToWake.reset();
+    m_state.bootingUntil = now;
+    return true;
+}
+
+void VirtualCamera::serve(Request request) {
+    const CommandRow* row = rowOf(request.key.code);
+    request.faults = m_faults.strike(request.key);
+    // A held-back answer comes with the next request, whatever that is.
+    m_queue.add(request.at + std::chrono::milliseconds(1), std::exchange(m_heldBack, {}));
+    if (row == nullptr || !knows(*row)) {
+        note(request.at, Event::Kind::noted, "this camera does not know that request; no answer");
+        return;
+    }
+    Reply reply = startReply(request);
+    (this->*row->handler)(request, reply);
+    applyPayloadFaults(request, reply);
+    if (reply.onAnswer && !reply.silent)
+        reply.onAnswer(reply.payload);
+    sendReply(request, reply);
+}
+
+std::string VirtualCamera::describe(const RequestKey& key) const {
+    const trace::RequestName* name = trace::nameOf(key);
+    return name == nullptr ? "unknown request" : std::string(name->words);
+}
+
+void VirtualCamera::note(Time at, Event::Kind kind, std::string text) const {
+    if (m_onEvent)
+        m_onEvent({at, kind, std::move(text)});
+}
+
+void VirtualCamera::advance(Time now) {
+    if (m_upload && now >= m_upload->deadline)
+        breakOffTransfer(now);
+    if (m_restartUnnoticed && !booting(now)) {
+        m_restartUnnoticed = false;
+        note(now, Event::Kind::noted, "the restart is over");
+    }
+}
+
+std::optional<Time> VirtualCamera::nextDue() const {
+    std::optional<Time> next = m_queue.nextDue();
+    const auto consider = [&next](Time candidate) {
+        if (candidate != Time::max() && (!next || candidate < *next))
+            next = candidate;
+    };
+    if (m_upload)
+        consider(m_upload->deadline);
+    if (m_hangUpAt)
+        consider(*m_hangUpAt);
+    if (m_restartUnnoticed)
+        consider(m_state.bootingUntil);
+    return next;
+}
+
+Bytes VirtualCamera::takeDue(Time now) {
+    advance(now);
+    return m_queue.take(now);
+}
+
+bool VirtualCamera::hangUpDue(Time now) {
+    if (!m_hangUpAt || now < *m_hangUpAt)
+        return false;
+    m_hangUpAt.reset();
+    note(now, Event::Kind::noted, "the device disappears");
+    return true;
+}
+
+void VirtualCamera::lineReopened(Time now) {
+    if (m_upload)
+        breakOffTransfer(now);
+    static_cast<void>(m_scanner.takeRest());
+    m_queue.clear();
+    m_heldBack.clear();
+    m_hangUpAt.reset();
+    m_readingPausedUntil = Time::zero();
+}
+
+} // namespace emulator

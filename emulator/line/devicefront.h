@@ -1,0 +1,26 @@
+// A virtual camera on a serial device, for a null-modem cable or another program's pseudo-terminal.
+#pragma once
+
+#include "emulator/line/camerafront.h"
+
+#include <string>
+
+namespace emulator {
+
+/// Opens the device at the camera's rate and serves the camera on it. When the device goes away,
+/// lineOpen() turns false for good.
+class DeviceFront final : public CameraFront {
+public:
+    /// Throws std::runtime_error with a text for people when the device cannot be opened as a terminal.
+    DeviceFront(VirtualCamera camera, const std::string& path);
+    ~DeviceFront() override;
+
+protected:
+    void closeLine() override;
+    [[nodiscard]] std::optional<std::uint32_t> lineSpeed() const override;
+
+private:
+    LineIo::Line m_device = LineIo::none;
+};
+
+} // namespace emulator

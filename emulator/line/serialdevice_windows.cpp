@@ -1,0 +1,64 @@
+#include "emulator/line/handle_windows.h"
+#include "emulator/line/serialdevice.h"
+
+#include <stdexcept>
+#include <system_error>
+
+namespace emulator {
+
+namespace {
+
+std::string lastErrorText() {
+    return std::system_category().message(static_cast<int>(::GetLastError()));
+}
+
+/// 8 data bits, no parity, nothing interpreted; reading gives what is there, writing does not hang for ever.
+bool prepare(HANDLE port, std::uint32_t baudRate) {
+    constexpr DWORD writeTimeoutMs = 1000;
+    DCB settings{};
+    settings.DCBlength = sizeof settings;
+    if (::GetCommState(port, &settings) == 0)
+        return false;
+    settings.BaudRate = baudRate;
+    settings.ByteSize = 8;
+    settings.Parity = NOPARITY;
+    settings.StopBits = ONESTOPBIT;
+    settings.fBinary = TRUE;
+    settings.fParity = settings.fNull = settings.fErrorChar = settings.fAbortOnError = FALSE;
+    settings.fOutxCtsFlow = settings.fOutxDsrFlow = settings.fDsrSensitivity = FALSE;
+    settings.fOutX = settings.fInX = FALSE;
+    COMMTIMEOUTS timeouts{};
+    timeouts.ReadIntervalTimeout = MAXDWORD;
+    timeouts.WriteTotalTimeoutConstant = writeTimeoutMs;
+    return ::SetCommState(port, &settings) != 0 && ::SetCommTimeouts(port, &timeouts) != 0;
+}
+
+} // namespace
+
+LineIo::Line openSerialDevice(const std::string& path, std::uint32_t baudRate) {
+    // Without the prefix only COM1 to COM9 are found.
+    const std::wstring name = L"\\\\.\\" + std::wstring(path.begin(), path.end());
+    const HANDLE port =
+        ::CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (port == INVALID_HANDLE_VALUE)
+        throw std::runtime_error(path + ": " + lastErrorText());
+    if (!prepare(port, baudRate)) {
+        ::CloseHandle(port);
+        throw std::runtime_error(path + " is not a serial device");
+    }
+    return reinterpret_cast<LineIo::Line>(port);
+}
+
+void closeSerialDevice(LineIo::Line device) {
+    ::CloseHandle(handleOf(device));
+}
+
+std::optional<std::uint32_t> serialDeviceRate(LineIo::Line device) {
+    DCB settings{};
+    settings.DCBlength = sizeof settings;
+    if (::GetCommState(handleOf(device), &settings) == 0)
+        return std::nullopt;
+    return settings.BaudRate;
+}
+
+} // namespace emulator

@@ -1,0 +1,11 @@
+#include "emulator/line/byteline.h"
+
+#include <stdexcept>
+
+namespace emulator {
+
+std::unique_ptr<ByteLine> openToolLine(const std::string&) {
+    throw std::runtime_error("Windows has no pseudo-terminals; name one port of a pair with --device");
+}
+
+} // namespace emulator

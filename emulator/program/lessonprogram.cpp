@@ -1,0 +1,52 @@
+// The mode --lesson of virtual-camera. What it prints is for the student, in Chinese.
+#include "emulator/line/devicefront.h"
+#include "emulator/line/terminalcamera.h"
+#include "emulator/program/console.h"
+#include "emulator/program/lessonrun.h"
+
+#include <iostream>
+
+namespace emulator {
+
+namespace {
+
+void say(const std::string& line) {
+    std::cout << line << std::endl;
+}
+
+int teach(LessonRun& run, CameraFront& front) {
+    while (!endAsked() && (front.lineOpen() || run.unplugged())) {
+        run.look();
+        std::this_thread::sleep_for(lookEvery);
+    }
+    if (endAsked())
+        return done;
+    printFailure("the line is gone");
+    return lineLost;
+}
+
+} // namespace
+
+int runLesson(const Options& options) {
+    const Lesson* lesson = findLesson(options.lesson);
+    if (lesson == nullptr) {
+        std::cout << lessonListText();
+        throw OptionError("--lesson: there is no lesson \"" + options.lesson + '"');
+    }
+    watchForEnd();
+    const std::string title = "第 " + options.lesson + " 课：" + lesson->title;
+    if (!options.device.empty()) {
+        DeviceFront front(lessonCamera(*lesson), options.device);
+        LessonRun run(*lesson, front, &say);
+        say(title);
+        say("摄像头在串口 " + options.device + " 的另一端。");
+        return teach(run, front);
+    }
+    const TerminalCamera terminal = serveOnNewTerminal(lessonCamera(*lesson), options.link);
+    LessonRun run(*lesson, *terminal.front, &say, terminal.plug);
+    say(title);
+    say("串口：" + (options.link.empty() ? terminal.portName : options.link));
+    return teach(run, *terminal.front);
+}
+
+} // namespace emulator

@@ -1,0 +1,115 @@
+// virtual-camera: serves a virtual camera until it is told to end.
+#include "emulator/lessons/lessons.h"
+#include "emulator/line/devicefront.h"
+#include "emulator/line/terminalcamera.h"
+#include "emulator/program/console.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <thread>
+
+namespace {
+
+using namespace emulator;
+namespace fs = std::filesystem;
+
+bool isJpeg(const fs::path& path) {
+    std::string extension = path.extension().string();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return extension == ".jpg" || extension == ".jpeg";
+}
+
+Bytes readFile(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        throw OptionError("cannot read " + path.string());
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void loadPictures(VirtualCamera& camera, const std::string& folder) {
+    std::error_code error;
+    std::vector<fs::path> paths;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
+        if (entry.is_regular_file() && isJpeg(entry.path()))
+            paths.push_back(entry.path());
+    }
+    if (error)
+        throw OptionError("--pictures: cannot read the folder " + folder);
+    std::sort(paths.begin(), paths.end());
+    CameraState& state = camera.state();
+    for (const fs::path& path : paths) {
+        Bytes jpeg = readFile(path);
+        if (camera.settings().type == CameraType::quenta && !state.jsonPicture)
+            state.jsonPicture = jpeg;
+        state.pictures.push_back(makePicture(state.nextPictureId++, std::move(jpeg)));
+    }
+}
+
+VirtualCamera makeCamera(const Options& options) {
+    VirtualCamera camera(options.settings);
+    if (!options.pictureFolder.empty())
+        loadPictures(camera, options.pictureFolder);
+    for (const Fault& fault : options.faults)
+        camera.faults().add(fault);
+    camera.onEvent(&printEvent);
+    return camera;
+}
+
+int serveUntilEnd(CameraFront& front, const Options& options, const std::string& place) {
+    front.setPace(options.bytesPerSecond);
+    const CameraSettings& settings = options.settings;
+    std::cout << "serving a camera of type " << static_cast<std::uint32_t>(settings.type) << ", address "
+              << static_cast<unsigned>(settings.address) << ", " << settings.baudRate << " baud, on " << place
+              << std::endl;
+    while (!endAsked() && front.lineOpen())
+        std::this_thread::sleep_for(lookEvery);
+    if (endAsked())
+        return done;
+    printFailure("the line is gone");
+    return lineLost;
+}
+
+int serve(const Options& options) {
+    watchForEnd();
+    if (!options.device.empty()) {
+        DeviceFront front(makeCamera(options), options.device);
+        return serveUntilEnd(front, options, options.device);
+    }
+    const TerminalCamera terminal = serveOnNewTerminal(makeCamera(options), options.link);
+    const std::string link = options.link.empty() ? std::string() : " (" + options.link + ")";
+    return serveUntilEnd(*terminal.front, options, terminal.portName + link);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        const Options options = parseOptions(std::vector<std::string>(argv + 1, argv + argc));
+        switch (options.action) {
+        case Options::Action::help:
+            std::cout << helpText();
+            return done;
+        case Options::Action::listFaults:
+            std::cout << faultListText();
+            return done;
+        case Options::Action::listLessons:
+            std::cout << lessonListText();
+            return done;
+        case Options::Action::serve:
+            return serve(options);
+        case Options::Action::tap:
+            return runTap(options);
+        case Options::Action::replay:
+            return runReplay(options);
+        case Options::Action::lesson:
+            return runLesson(options);
+        }
+    } catch (const std::exception& error) {
+        printFailure(error.what());
+    }
+    return badInput;
+}

@@ -1,0 +1,245 @@
+#include "emulator/program/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <sstream>
+
+namespace emulator {
+
+namespace {
+
+using Action = Options::Action;
+
+constexpr std::array<std::string_view, 5> typeNames = {"ostra", "dorvel", "sales-static", "quenta",
+                                                       "sales-dynamic"};
+
+/// "0 ostra, 1 dorvel, ..."
+std::string knownTypes() {
+    std::string known;
+    for (std::size_t number = 0; number < typeNames.size(); ++number)
+        known += (number == 0 ? "" : ", ") + std::to_string(number) + ' ' + std::string(typeNames[number]);
+    return known;
+}
+
+CameraType typeIn(const std::string& text) {
+    const auto* const named = std::find(typeNames.begin(), typeNames.end(), text);
+    const auto number =
+        named != typeNames.end() ? std::optional(named - typeNames.begin()) : parseNumber(text);
+    if (!number || *number < 0 || *number >= static_cast<std::int64_t>(typeNames.size()))
+        throw OptionError("--type: there is no type \"" + text + "\"; known: " + knownTypes());
+    return static_cast<CameraType>(*number);
+}
+
+std::int64_t numberIn(const std::string& option, const std::string& text, std::int64_t least,
+                      std::int64_t most) {
+    const auto number = parseNumber(text);
+    if (!number || *number < least || *number > most)
+        throw OptionError(option + ": \"" + text + "\" is not a number from " + std::to_string(least) +
+                          " to " + std::to_string(most));
+    return *number;
+}
+
+bool isFlag(const CLI::Option& option) {
+    return option.get_expected_max() == 0;
+}
+
+OptionError wrongValue(const CLI::Option& option) {
+    return OptionError(isFlag(option) ? option.get_name() + " takes no value"
+                                      : option.get_name() + " needs a value: " + option.get_type_name());
+}
+
+using SetText = std::function<void(const std::string& text)>;
+
+/// Given twice, the last one counts.
+CLI::Option* addText(CLI::App& app, const std::string& name, const std::string& parameter,
+                     const std::string& help, const SetText& set) {
+    const auto setIt = [&app, name, set](const std::string& text) {
+        const CLI::Option& option = *app.get_option(name);
+        if (text.empty() && option.get_expected_min() > 0)
+            throw wrongValue(option);
+        set(text);
+    };
+    return app.add_option_function<std::string>(name, setIt, help)->type_name(parameter)->take_last();
+}
+
+void addText(CLI::App& app, const std::string& name, const std::string& parameter, const std::string& help,
+             std::string& field) {
+    addText(app, name, parameter, help, [&field](const std::string& text) { field = text; });
+}
+
+template <typename Number>
+void addNumber(CLI::App& app, const std::string& name, const std::string& help, Number& field,
+               std::int64_t least, std::int64_t most) {
+    addText(app, name, "N", help, [&field, name, least, most](const std::string& text) {
+        field = static_cast<Number>(numberIn(name, text, least, most));
+    });
+}
+
+void addFlag(CLI::App& app, const std::string& name, const std::string& help,
+             const std::function<void()>& set) {
+    app.add_flag_callback(name, set, help)->disable_flag_override();
+}
+
+/// What the camera and its line are like. The settings of the type come first: others change them.
+void addCamera(CLI::App& app, Options& o) {
+    addText(app, "--type", "TYPE", knownTypes() + "; a number or a name (0)",
+            [&o](const std::string& text) { o.settings = settingsForType(typeIn(text)); });
+    addNumber(app, "--address", "slave address, 0 to 255; 0x for hexadecimal (as the type has it)",
+              o.settings.address, 0, 255);
+    addNumber(app, "--baud", "rate of --device, and the one that --check-baud expects (as the type has it)",
+              o.settings.baudRate, 1, 4000000);
+    addFlag(app, "--check-baud", "hear nothing while the tool uses another rate",
+            [&o] { o.settings.mindsBaudRate = true; });
+    addText(app, "--device", "DEV",
+            "serve on this serial device (/dev/ttyUSB1, COM6) instead of a new pseudo-terminal", o.device);
+    addText(app, "--link", "PATH", "keep a symbolic link to the pseudo-terminal here", o.link);
+    addNumber(app, "--pace", "bytes per second in each direction (unlimited)", o.bytesPerSecond, 1,
+              100000000);
+    addNumber(app, "--offset", "picture-command offset, 0 to 255 (0)", o.settings.pictureOffset, 0, 255);
+    addText(app, "--pictures", "DIR", "hold the JPEG files of this folder, in the order of their names",
+            o.pictureFolder);
+    addFlag(app, "--holds-image", "type 4: the announced application image is there already",
+            [&o] { o.settings.holdsAnnouncedImage = true; });
+    app.add_option_function<std::vector<std::string>>(
+           "--fault",
+           [&o](const std::vector<std::string>& texts) {
+               for (const std::string& text : texts)
+                   o.faults.push_back(parseFault(text));
+           },
+           "kind[=parameter][@request][#occurrence]; may be repeated")
+        ->type_name("FAULT")
+        ->allow_extra_args(false);
+}
+
+/// What the program does instead of serving that camera.
+void addModes(CLI::App& app, Options& o) {
+    const auto mode = [&o](std::string& field, Action action) {
+        return [&o, &field, action](const std::string& text) {
+            field = text;
+            o.action = action;
+        };
+    };
+    addText(app, "--tap", "DEV", "stand between the tool and the real camera on this device, and record",
+            mode(o.tapDevice, Action::tap));
+    addText(app, "--record", "FILE", "the recording of --tap (a new one in the working directory)",
+            o.recordFile);
+    addFlag(app, "--blank-serials", "leave serial numbers out of the recording of --tap",
+            [&o] { o.blankSerials = true; });
+    addText(app, "--replay", "FILE", "answer from this recording", mode(o.replayFile, Action::replay));
+    addFlag(app, "--at-once", "--replay without the recorded delays", [&o] { o.atOnce = true; });
+    addText(app, "--lesson", "[N]", "training, lesson N; without a number: print the lessons (in Chinese)",
+            [&o](const std::string& text) {
+                o.lesson = text;
+                o.action = text.empty() ? Action::listLessons : Action::lesson;
+            })
+        ->expected(0, 1);
+    addFlag(app, "--list-faults", "print the kinds of faults and the names of the requests",
+            [&o] { o.action = Action::listFaults; });
+    addFlag(app, "--help", "print this", [&o] { o.action = Action::help; });
+}
+
+/// The options in the order in which they take effect and are listed; the fields outlive the app.
+void addOptions(CLI::App& app, Options& options) {
+    app.set_help_flag(); // --help is a mode like others
+    app.allow_windows_style_options(false);
+    app.allow_extras();
+    addCamera(app, options);
+    addModes(app, options);
+}
+
+/// "--name=" would take the next argument.
+void refuseEmptyValues(const CLI::App& app, const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) {
+        if (argument.empty() || argument.find('=') != argument.size() - 1)
+            continue;
+        const CLI::Option* option = app.get_option_no_throw(argument.substr(0, argument.size() - 1));
+        if (option != nullptr && (isFlag(*option) || option->get_expected_min() > 0))
+            throw wrongValue(*option);
+    }
+}
+
+/// The parser's own sentence begins with the option's name, of a flag without its dashes.
+OptionError described(const CLI::App& app, const CLI::ParseError& error) {
+    const std::string sentence = error.what();
+    const std::string name = sentence.substr(0, sentence.find_first_of(": "));
+    for (const std::string& spelled : {name, "--" + name}) {
+        if (const CLI::Option* option = app.get_option_no_throw(spelled))
+            return wrongValue(*option);
+    }
+    return OptionError(sentence);
+}
+
+/// What makes no sense together.
+void checkTogether(const Options& options) {
+    if (!options.device.empty() && !options.link.empty())
+        throw OptionError("--link belongs to a new pseudo-terminal; leave it out with --device");
+    const int modes = (options.tapDevice.empty() ? 0 : 1) + (options.replayFile.empty() ? 0 : 1) +
+                      (options.lesson.empty() ? 0 : 1);
+    if (modes > 1)
+        throw OptionError("--tap, --replay and --lesson exclude each other");
+    if (options.tapDevice.empty() && (options.blankSerials || !options.recordFile.empty()))
+        throw OptionError("--record and --blank-serials belong to --tap");
+    if (options.replayFile.empty() && options.atOnce)
+        throw OptionError("--at-once belongs to --replay");
+}
+
+std::string padded(std::string text, std::size_t width) {
+    text.resize(std::max(text.size() + 1, width), ' ');
+    return text;
+}
+
+} // namespace
+
+Options parseOptions(const std::vector<std::string>& arguments) {
+    Options options;
+    options.settings = settingsForType(CameraType::ostra);
+    CLI::App app;
+    addOptions(app, options);
+    refuseEmptyValues(app, arguments);
+    try {
+        app.parse(
+            std::vector<std::string>(arguments.rbegin(), arguments.rend())); // it takes them from the back
+    } catch (const CLI::ParseError& error) {
+        throw described(app, error);
+    }
+    if (const std::vector<std::string> unknown = app.remaining(); !unknown.empty())
+        throw OptionError("unknown option \"" + unknown.front() + "\"; see --help");
+    checkTogether(options);
+    return options;
+}
+
+std::string helpText() {
+    std::string text = "virtual-camera: a shelf camera without hardware, on a serial device.\n\n"
+                       "usage: virtual-camera [options]\n\n";
+    Options unused;
+    CLI::App app;
+    addOptions(app, unused);
+    for (const CLI::Option* option : std::as_const(app).get_options())
+        text += "  " + padded(option->get_name() + ' ' + option->get_type_name(), 20) +
+                option->get_description() + "\n";
+    text += "\nIt prints a line for everything it receives and answers. Ctrl+C ends it.\n";
+    return text;
+}
+
+std::string faultListText() {
+    std::ostringstream text;
+    text << "faults: kind[=parameter][@request][#occurrence], e.g. truncate=3@getSn#2\n"
+            "occurrence: #2 the second, #2-4 the second to the fourth, #2+ from the second on; else "
+            "always\n\n";
+    for (const FaultKindInfo& info : faultKinds()) {
+        std::string form(info.name);
+        if (!info.example.empty())
+            form.append("=").append(info.example);
+        text << "  " << padded(form, 24) << info.description << "\n";
+    }
+    text
+        << "\nrequests: any, a code on the line (0x02), or a name; \":id\" after it picks the first payload\n"
+           "byte (getProperty:15)\n\n";
+    for (const trace::RequestName& name : trace::requestNames())
+        text << "  " << padded(std::string(name.name), 24) << name.words << "\n";
+    return text.str();
+}
+
+} // namespace emulator

@@ -1,0 +1,45 @@
+// The command line of virtual-camera.
+#pragma once
+
+#include "emulator/camera/camerasettings.h"
+#include "emulator/camera/fault.h"
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace emulator {
+
+struct Options {
+    enum class Action { serve, help, listFaults, tap, replay, lesson, listLessons };
+
+    Action action = Action::serve;
+    CameraSettings settings;
+    std::string device; ///< empty: a new pseudo-terminal
+    std::string link;
+    std::string pictureFolder;
+    std::uint32_t bytesPerSecond = 0;
+    std::vector<Fault> faults;
+
+    std::string tapDevice;  ///< the camera's serial device
+    std::string recordFile; ///< empty: a name that says when
+    bool blankSerials = false;
+    std::string replayFile;
+    bool atOnce = false;
+    std::string lesson; ///< its number
+};
+
+/// What is wrong with the command line, for people.
+class OptionError : public std::invalid_argument {
+public:
+    using std::invalid_argument::invalid_argument;
+};
+
+/// Arguments without the program's name. Throws OptionError or FaultError.
+[[nodiscard]] Options parseOptions(const std::vector<std::string>& arguments);
+
+[[nodiscard]] std::string helpText();
+/// The kinds, their parameters and the request names.
+[[nodiscard]] std::string faultListText();
+
+} // namespace emulator
