@@ -45,7 +45,8 @@ void Tour::run() {
 
 void Tour::showStart() {
     m_guide.say(QStringLiteral("the window as it starts"));
-    TourGuide::expect(m_window.windowTitle() == QStringLiteral("摄像头测试-Tessaly v(0.2.2)"),
+    TourGuide::expect(m_window.windowTitle() ==
+                          QStringLiteral("摄像头测试-Tessaly v(" CAMERA_TOOL_VERSION ")"),
                       QStringLiteral("window title"));
     TourGuide::expectText(m_window, "btn_open", QStringLiteral("打开串口"));
     const auto& ports = TourGuide::find<QComboBox>(m_window, "sel_ports");

@@ -20,17 +20,13 @@ package_linux() {
     say "skipped: the Debian package, which takes a Debian system"
     return
   fi
-  ensure_packages "${build_packages[@]}" dpkg-dev file lintian
-  local build=$project_root/build/deb
-  # Hardened, and without this machine's paths, as the distribution builds its own; nobody gets what -g adds.
-  (
-    cd "$project_root"
-    export DEB_CXXFLAGS_MAINT_STRIP=-g CCACHE_BASEDIR=
-    CXXFLAGS="$(dpkg-buildflags --get CPPFLAGS) $(dpkg-buildflags --get CXXFLAGS)"
-    LDFLAGS="$(dpkg-buildflags --get LDFLAGS)"
-    export CXXFLAGS LDFLAGS
-    configure_and_build deb
-  )
+  ensure_packages "${build_packages[@]}" "${package_packages[@]}"
+  local preset=deb
+  if [ -n "${CI:-}" ]; then
+    preset=$(optimised_preset) # has been built and tested
+  fi
+  local build=$project_root/build/$preset
+  configure_and_build "$preset"
   say "packing the Debian package"
   rm -f "$build"/*.deb
   (cd "$build" && umask 022 && cpack -G DEB --config CPackConfig.cmake >cpack.log 2>&1) ||

@@ -7,8 +7,10 @@
 main() {
   ensure_packages "${build_packages[@]}" fonts-noto-cjk qt6-translations-l10n
   use_utf8_locale
-  configure_and_build release
-  local demo=$project_root/build/release/demo/shelf-camera-demo
+  local preset
+  preset=$(optimised_preset)
+  configure_and_build "$preset"
+  local demo=$project_root/build/$preset/demo/shelf-camera-demo
   [ -x "$demo" ] || fail "the build made no $demo"
   if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
     exec "$demo" "$@"

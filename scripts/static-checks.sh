@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# Layout by clang-format of every source, then clang-tidy over the product's sources, those changed last
-# first, until all are done or the time is up. Any finding is a failure.
-# Usage: scripts/static-checks.sh [--seconds N] [SOURCE]...     all sources and 1200 s if none are given
+# Layout by clang-format of every source, then clang-tidy over the product's sources. Any finding is a failure.
+# Usage: scripts/static-checks.sh [--all | SOURCE...]     sources that the last commits touched if not given
 . "$(dirname "$0")/lib.sh"
 
 check_layout() {
@@ -11,54 +10,85 @@ check_layout() {
   clang-format --dry-run --Werror "${sources[@]}"
 }
 
-# Product sources that are built here, the most recently changed first; tests are held to the compiler's warnings alone.
-sources_to_check() {
-  project_files '*.cpp' | grep -Ev '^(tests|bench|fuzz)/|_windows\.cpp$' | xargs -r -d '\n' ls -t
+# Product sources that are built here; tests are held to the compiler's warnings alone.
+all_sources() {
+  project_files '*.cpp' | grep -Ev '^(tests|bench|fuzz)/|_windows\.cpp$'
+}
+
+# Files that the last commits touched, and those that are not committed. Code 1: the history is not all there.
+commits=60
+touched_files() {
+  git ls-files --error-unmatch CMakeLists.txt >/dev/null 2>&1 || return 1
+  [ "$(git rev-parse --is-shallow-repository)" = false ] || return 1
+  {
+    git log -"$commits" --name-only --format=
+    git diff --name-only HEAD
+    git ls-files --others --exclude-standard
+  } | sort -u
+}
+
+# including_sources: reads touched files; prints the sources among them, and for a header the source of its name, else
+# one that includes it.
+including_sources() {
+  local file
+  while read -r file; do
+    case $file in
+      *.cpp) printf '%s\n' "$file" ;;
+      *.h)
+        if [ -f "${file%.h}.cpp" ]; then
+          printf '%s\n' "${file%.h}.cpp"
+        else
+          git grep --files-with-matches --fixed-strings "\"$file\"" -- '*.cpp' | grep -m 1 -Ev '^(tests|bench|fuzz)/|_windows\.cpp$' || true
+        fi
+        ;;
+    esac
+  done
+}
+
+touched_sources() {
+  local files
+  if files=$(touched_files); then
+    comm -12 <(all_sources | sort -u) <(including_sources <<<"$files" | sort -u)
+  else
+    all_sources
+  fi
 }
 
 # The command of each source, and the headers generated from forms; nothing is compiled.
 commands=$project_root/build/tidy
 prepare_commands() {
-  cmake --preset dev -B "$commands" --log-level=NOTICE
-  ninja -C "$commands" -t targets all | sed -n 's/: phony$//p' | grep '_autogen$' |
-    xargs ninja -C "$commands" >/dev/null
+  cmake --preset dev -B "$commands" --log-level=NOTICE -DBUILD_TESTING=OFF -DCAMERA_BENCHMARKS=OFF
+  # As the build does it; its targets for this would compile the libraries first.
+  find "$commands" -name AutogenInfo.json -exec cmake -E cmake_autogen '{}' Debug ';' >/dev/null
 }
 
-# check_with_tidy SECONDS SOURCE...: in batches of one file for every processor.
+# check_with_tidy SOURCE...
 check_with_tidy() {
-  local seconds=$1 batch=$(nproc) done=0 bad=0 start=$SECONDS
-  shift
-  say "clang-tidy over $# files, at most $seconds s"
-  while [ $# -gt 0 ] && [ $((SECONDS - start)) -lt "$seconds" ]; do
-    local now=("${@:1:batch}")
-    shift ${#now[@]}
-    # The tool's count of warnings that it was told not to show is noise.
-    printf '%s\0' "${now[@]}" |
-      xargs -0 -n 1 -P "$batch" clang-tidy -p "$commands" --quiet 2> >(grep -v 'warnings generated' >&2) ||
-      bad=1
-    done=$((done + ${#now[@]}))
-  done
-  say "clang-tidy: $done files checked in $((SECONDS - start)) s, $# left unchecked"
+  local start=$SECONDS bad=0
+  say "clang-tidy over $# files"
+  [ $# -gt 0 ] || return 0
+  # It takes expressions that a source's path has to match. Its list of commands and the tool's count of warnings that
+  # it was told not to show are noise.
+  printf '%s\n' "$@" | sed 's/[.+]/\\&/g; s#.*#/&$#' |
+    xargs -d '\n' run-clang-tidy -p "$commands" -quiet -j "$(nproc)" 2>&1 |
+    grep -Ev '^(clang-tidy[^ ]* .*|[0-9]+ warnings? generated.*|)$' || [ "${PIPESTATUS[2]}" -eq 0 ] || bad=1
+  say "clang-tidy: $# files checked in $((SECONDS - start)) s"
   return "$bad"
 }
 
 main() {
-  local seconds=1200
-  if [ "${1:-}" = --seconds ]; then
-    seconds=${2:?--seconds needs a number}
-    shift 2
-  fi
-  ensure_packages "${build_packages[@]}" "${test_packages[@]}" clang-format clang-tidy
+  ensure_packages "${build_packages[@]}" "${check_packages[@]}"
   use_utf8_locale
   cd "$project_root"
-  local failed=0
+  local failed=0 sources
   check_layout || failed=1
   prepare_commands
-  local sources=("$@")
-  if [ $# -eq 0 ]; then
-    mapfile -t sources < <(sources_to_check)
-  fi
-  check_with_tidy "$seconds" "${sources[@]}" || failed=1
+  case ${1:-} in
+    --all) mapfile -t sources < <(all_sources) ;;
+    "") mapfile -t sources < <(touched_sources) ;;
+    *) sources=("$@") ;;
+  esac
+  check_with_tidy "${sources[@]}" || failed=1
   [ "$failed" -eq 0 ] || fail "findings above"
   say "no findings"
 }

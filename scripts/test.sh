@@ -5,9 +5,9 @@
 
 ensure_packages "${build_packages[@]}" "${test_packages[@]}"
 use_utf8_locale
-options=(-DCAMERA_WARNINGS_AS_ERRORS=ON)
+preset=dev
 if [ -n "${CI:-}" ]; then
-  options+=(-DCMAKE_CXX_FLAGS_DEBUG=-g0) # nobody debugs there, and it builds faster
+  preset=$(optimised_preset) # what is packed is tested; the sanitizers test the debug build
 fi
-configure_and_build dev "${options[@]}"
-run_tests dev "$@"
+configure_and_build "$preset" -DCAMERA_WARNINGS_AS_ERRORS=ON
+run_tests "$preset" "$@"

@@ -11,8 +11,9 @@ staging=$build/staging
 # Plug-ins of Qt that the program cannot find by itself: its window system, its look, JPEG pictures.
 plugins=(platforms/qwindows.dll styles/qwindowsvistastyle.dll imageformats/qjpeg.dll)
 
+# The version of what has been built.
 version() {
-  sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' "$project_root/CMakeLists.txt"
+  sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt"
 }
 
 # imported_dlls FILE...: names of the DLLs that these want, one a line.
@@ -112,13 +113,15 @@ stage() {
   find "$folder" -exec touch --no-dereference "--date=@$SOURCE_DATE_EPOCH" {} +
 }
 
+# Not CPack's ZIP: that keeps access times, owners and the folder's own order, and is another file each time.
 make_zip() {
   local name=$1 target=$2
   rm -f "$target"
   (cd "$staging" && find "$name" | LC_ALL=C sort | zip --quiet -9 -X -@ "$target")
 }
 
-# The installer's commands: each file by name, so that the uninstaller takes away those and no others.
+# The installer's commands: each file by name and in order, so that the uninstaller takes away those and no others, and
+# that the installer is the same file each time. CPack's NSIS generator takes the folder's own order.
 installer_lists() {
   local folder=$1 lists=$2 directory file
   mkdir -p "$lists"
@@ -154,7 +157,6 @@ main() {
     return 1
   fi
   local target=${1:-$project_root/out/packages} name
-  name=shelf-camera-tool-$(version)-windows-x64
   mkdir -p "$target"
   target=$(realpath "$target")
   ensure_packages "${windows_build_packages[@]}" binutils-mingw-w64-x86-64 qt6-translations-l10n zip nsis
@@ -164,6 +166,7 @@ main() {
     export CXXFLAGS="-ffile-prefix-map=$project_root=." CCACHE_BASEDIR=
     configure_and_build mingw
   )
+  name=shelf-camera-tool-$(version)-windows-x64
   say "packing for Windows"
   stage "$staging/$name"
   make_zip "$name" "$target/$name.zip"

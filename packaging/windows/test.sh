@@ -40,7 +40,7 @@ picture() {
 # The product as it is, driven by its keyboard: a port that is in use, the heartbeat, the versions.
 prove_tool() {
   say "the tool"
-  in_background camera.log "$project_root/build/release/emulator/virtual-camera" --link "$lines/com5"
+  in_background camera.log "$project_root/build/$(optimised_preset)/emulator/virtual-camera" --link "$lines/com5"
   wait_for camera.log "serving a camera"
   # A file for its diagnostic lines: a program without a console writes them there.
   in_background tool.log "${wine[@]}" "$program/shelf-camera-tool.exe"
@@ -138,8 +138,9 @@ main() {
     imagemagick fonts-noto-cjk python3
   use_utf8_locale
   if [[ " $* " != *" --no-build "* ]]; then
-    configure_and_build mingw -DCAMERA_WARNINGS_AS_ERRORS=ON -DCAMERA_WINDOWS_TESTS=ON
-    configure_and_build release --target virtual-camera
+    # Each source by itself, its own includes alone: no other build of continuous integration is one.
+    configure_and_build mingw -DCAMERA_WARNINGS_AS_ERRORS=ON -DCAMERA_WINDOWS_TESTS=ON -DCAMERA_FAST_BUILD=OFF
+    configure_and_build "$(optimised_preset)" --target virtual-camera
   fi
   local start=$SECONDS
   lay_out_programs app demo emulator tests/windows

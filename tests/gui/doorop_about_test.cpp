@@ -127,7 +127,7 @@ TEST_F(DoorAndAbout, AboutNamesToolMakerAndVersion) {
     EXPECT_EQ(labels[0]->text(), "摄像头测试工具");
     EXPECT_EQ(labels[0]->font().pointSize(), 12);
     EXPECT_TRUE(qobject_cast<QFrame*>(labels[0]->parentWidget())->autoFillBackground());
-    EXPECT_EQ(labels[1]->text(), "版权所有：Tessaly\nVersion:0.2.2");
+    EXPECT_EQ(labels[1]->text(), "版权所有：Tessaly\nVersion:" CAMERA_TOOL_VERSION);
     for (const QLabel* const label : labels)
         EXPECT_EQ(label->alignment(), Qt::AlignCenter);
 }

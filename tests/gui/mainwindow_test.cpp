@@ -198,7 +198,7 @@ TEST_F(MainWindowAtStart, ListsPortsAndRatesAndChoosesTheFirst) {
     EXPECT_EQ(offered, QStringList({"460800", "230400", "115200", "9600"}));
     EXPECT_EQ(rates->currentIndex(), 0);
     EXPECT_TRUE(DebugLog::has("init port: /dev/ttyA"));
-    EXPECT_TRUE(DebugLog::has("Application version: 0.2.2"));
+    EXPECT_TRUE(DebugLog::has("Application version: " CAMERA_TOOL_VERSION));
 }
 
 TEST_F(MainWindowAtStart, LogsAnEmptyNameWhenThereIsNoPort) {
