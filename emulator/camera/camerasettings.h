@@ -2,6 +2,7 @@
 #pragma once
 
 #include "link/protocol/bytes.h"
+#include "link/protocol/cameratypes.h"
 #include "trace/event.h"
 
 #include <functional>
@@ -16,13 +17,7 @@ using protocol::Bytes;
 using protocol::ByteView;
 using trace::Time; ///< every time of a virtual camera
 
-enum class CameraType : std::uint32_t {
-    ostra = 0,        ///< first-generation pictures, raw uploads
-    dorvel = 1,       ///< as ostra, address EE
-    salesStatic = 2,  ///< as ostra
-    quenta = 3,       ///< pictures and version over JSON; silent to picture and property frames
-    salesDynamic = 4, ///< V1 pictures, second application-update protocol
-};
+using protocol::CameraType;
 
 /// What the camera does with a capture: the bytes of a new JPEG. Called with the picture id and a number
 /// that differs at every call.
@@ -31,7 +26,7 @@ using PictureSource = std::function<Bytes(std::uint16_t id, std::uint32_t variat
 struct CameraSettings {
     CameraType type = CameraType::ostra;
     std::uint8_t address = 1;
-    std::uint32_t baudRate = 460800;
+    std::uint32_t baudRate = protocol::baudRates.front();
     /// Hear nothing while the line is known to run at another rate (VirtualCamera::setLineSpeed).
     bool mindsBaudRate = false;
     bool answersAllAddresses = false;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "emulator/camera/camerasettings.h"
+#include "link/protocol/commands.h"
 #include "link/protocol/picturerecords.h"
 
 #include <array>
@@ -37,13 +38,15 @@ struct DoorEvent {
 
 /// Ids of the settings properties.
 namespace property {
-inline constexpr std::uint8_t compressionRate = 6;
-inline constexpr std::uint8_t captureAngles = 10;
-inline constexpr std::uint8_t captureDirection = 11;
-inline constexpr std::uint8_t readOnly = 12;
-inline constexpr std::uint8_t gyroOn = 13;
-inline constexpr std::uint8_t heaterDuty = 15;
-inline constexpr std::uint8_t orientation = 16;
+using protocol::code;
+using protocol::PropertyId;
+inline constexpr std::uint8_t compressionRate = code(PropertyId::compressionRate);
+inline constexpr std::uint8_t captureAngles = code(PropertyId::captureAngles);
+inline constexpr std::uint8_t captureDirection = code(PropertyId::captureDirection);
+inline constexpr std::uint8_t readOnly = code(PropertyId::captureReserve);
+inline constexpr std::uint8_t gyroOn = code(PropertyId::gyroSwitch);
+inline constexpr std::uint8_t heaterDuty = code(PropertyId::heaterDuty);
+inline constexpr std::uint8_t orientation = code(PropertyId::orientation);
 } // namespace property
 
 struct CameraState {
