@@ -1,4 +1,4 @@
-// One end of a serial line, as the tap and the replay need it.
+// One end of a serial line, for the tap and the replay.
 #pragma once
 
 #include "emulator/camera/camerasettings.h"
@@ -28,10 +28,7 @@ public:
     [[nodiscard]] virtual std::string name() const = 0;
 };
 
-/// The line that the tool opens: a new pseudo-terminal, with a link to it unless the path is empty.
-/// These two throw std::exception with a text for people.
-[[nodiscard]] std::unique_ptr<ByteLine> openToolLine(const std::string& link);
-/// A serial device, or a COM port, at the rate.
+/// A serial device, or a COM port, at the rate. Throws std::exception with a text for people.
 [[nodiscard]] std::unique_ptr<ByteLine> openDeviceLine(const std::string& device, std::uint32_t baudRate);
 
 } // namespace emulator

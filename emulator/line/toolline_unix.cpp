@@ -1,6 +1,7 @@
 #include "emulator/line/ioline.h"
 #include "emulator/line/pty.h"
 #include "emulator/line/terminal.h"
+#include "emulator/line/toolline.h"
 
 namespace emulator {
 

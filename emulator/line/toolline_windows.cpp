@@ -1,4 +1,4 @@
-#include "emulator/line/byteline.h"
+#include "emulator/line/toolline.h"
 
 #include <stdexcept>
 

@@ -1,6 +1,7 @@
 // The modes --tap and --replay of virtual-camera.
 #include "emulator/line/linetap.h"
 #include "emulator/line/replayservice.h"
+#include "emulator/line/toolline.h"
 #include "emulator/program/console.h"
 #include "trace/recordingfile.h"
 

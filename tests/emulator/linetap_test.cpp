@@ -3,6 +3,7 @@
 #include "emulator/line/linetap.h"
 #include "emulator/line/pty.h"
 #include "emulator/line/ptyfront.h"
+#include "emulator/line/toolline.h"
 #include "ptyclient.h"
 #include "tests/trace/tapbench.h"
 

@@ -3,6 +3,7 @@
 #include "emulator/line/linetap.h"
 #include "emulator/line/ptyfront.h"
 #include "emulator/line/replayservice.h"
+#include "emulator/line/toolline.h"
 #include "recordedsession.h"
 #include "trace/recordingfile.h"
 
