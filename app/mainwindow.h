@@ -148,7 +148,7 @@ private:
     /// Blocks until no upload thread runs any more; the link has to be stopped before.
     void waitForTasks();
 
-    /// What a link was opened with; the choices may change while it is open.
+    /// Port and rate of the open link; the choices may change while it is open.
     struct OpenedPort {
         QString port; ///< empty: none was chosen
         std::uint32_t baudRate = 0;

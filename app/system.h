@@ -1,4 +1,4 @@
-// What the program asks of the system it runs on.
+// Services of the operating system.
 #pragma once
 
 /// Says that a long command blocks the user-interface thread but has not hung. To be called now and then;

@@ -42,7 +42,7 @@ Pair medians(const Sender& sender, const TransferSizes& sizes, std::uint32_t pac
     return {median(uploads), median(copies)};
 }
 
-/// What a chunk of the upload takes longer than one of the copy.
+/// Extra time of a chunk of the upload over one of the copy.
 double excessMs(const Pair& seconds, const TransferSizes& sizes) {
     return (seconds.upload - seconds.copy) * 1000 * protocol::rawChunkSize / sizes.file;
 }

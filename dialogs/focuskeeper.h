@@ -33,7 +33,7 @@ private:
     explicit FocusKeeper(QWidget* window);
 
     void settle(QWidget* before);
-    /// Whether no control has the focus.
+    /// True when no control has the focus.
     [[nodiscard]] bool isResting() const;
 
     QWidget* m_window;

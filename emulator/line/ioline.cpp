@@ -8,7 +8,7 @@ namespace emulator {
 
 namespace {
 
-constexpr std::size_t readSize = 4096;
+constexpr std::size_t tapReadSize = 4096;
 
 class DeviceLine final : public IoLine {
 public:
@@ -31,7 +31,7 @@ private:
 bool IoLine::read(Bytes& bytes, std::chrono::milliseconds patience) {
     if (!m_reading.wait(line(), {true, false}, static_cast<int>(patience.count())).reads)
         return true;
-    std::array<std::uint8_t, readSize> buffer{};
+    std::array<std::uint8_t, tapReadSize> buffer{};
     const auto count = LineIo::read(line(), buffer);
     if (!count)
         return false;

@@ -82,7 +82,7 @@ void addFlag(CLI::App& app, const std::string& name, const std::string& help,
     app.add_flag_callback(name, set, help)->disable_flag_override();
 }
 
-/// What the camera and its line are like. The settings of the type come first: others change them.
+/// Options of the camera and its line. The settings of the type come first: others change them.
 void addCamera(CLI::App& app, Options& o) {
     addText(app, "--type", "TYPE", knownTypes() + "; a number or a name (0)",
             [&o](const std::string& text) { o.settings = settingsForType(typeIn(text)); });
@@ -113,7 +113,7 @@ void addCamera(CLI::App& app, Options& o) {
         ->allow_extra_args(false);
 }
 
-/// What the program does instead of serving that camera.
+/// Options that replace serving the camera.
 void addModes(CLI::App& app, Options& o) {
     const auto mode = [&o](std::string& field, Action action) {
         return [&o, &field, action](const std::string& text) {
@@ -171,7 +171,7 @@ OptionError described(const CLI::App& app, const CLI::ParseError& error) {
     return OptionError(sentence);
 }
 
-/// What makes no sense together.
+/// Combinations that are refused.
 void checkTogether(const Options& options) {
     if (!options.device.empty() && !options.link.empty())
         throw OptionError("--link belongs to a new pseudo-terminal; leave it out with --device");
