@@ -1,8 +1,8 @@
 // Properties and the small status commands.
 #include "link/camerasp.h"
 #include "link/diagnostics.h"
-#include "link/protocol/door.h"
 #include "link/protocol/commands.h"
+#include "link/protocol/door.h"
 #include "link/runcommand.h"
 
 #include <ctime>

@@ -1,8 +1,8 @@
 // How a window borrows the camera client, and the one way to run its work on the pool.
 #pragma once
 
-#include "linkaccess/linkuse.h"
 #include "link/camerasp.h"
+#include "linkaccess/linkuse.h"
 
 #include <QCoreApplication>
 #include <QPointer>

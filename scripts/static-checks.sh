@@ -67,10 +67,10 @@ check_with_tidy() {
   local start=$SECONDS bad=0
   say "clang-tidy over $# files"
   [ $# -gt 0 ] || return 0
-  # It takes expressions that a source's path has to match. Its list of commands and the tool's count of warnings that
-  # it was told not to show are noise.
+  # It takes expressions that a source's path has to match. Its colours, its list of commands and the tool's count of
+  # warnings that it was told not to show are noise.
   printf '%s\n' "$@" | sed 's/[.+]/\\&/g; s#.*#/&$#' |
-    xargs -d '\n' run-clang-tidy -p "$commands" -quiet -j "$(nproc)" 2>&1 |
+    xargs -d '\n' run-clang-tidy -p "$commands" -quiet -j "$(nproc)" 2>&1 | sed 's#\x1b\[[0-9;]*m##g' |
     grep -Ev '^(clang-tidy[^ ]* .*|[0-9]+ warnings? generated.*|)$' || [ "${PIPESTATUS[2]}" -eq 0 ] || bad=1
   say "clang-tidy: $# files checked in $((SECONDS - start)) s"
   return "$bad"

@@ -1,8 +1,8 @@
 // What the tests of the settings windows share: a main window, an open link, and ways to press and look.
 #pragma once
 
-#include "linkaccess/clientborrower.h"
 #include "link/camerasp.h"
+#include "linkaccess/clientborrower.h"
 #include "tests/dialogs/debuglog.h"
 
 #include <QAbstractButton>
