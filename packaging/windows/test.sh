@@ -53,7 +53,7 @@ prove_tool() {
   picture tool-port-in-use
   press Return shift+Tab shift+Tab Up Tab Tab space
   wait_for tool.log '"COM5"    460800'
-  press Tab Tab space
+  press Tab Tab Tab space # the link is open: no control has the focus
   wait_for tool.log 'hex str:AA5A110001'
   wait_for camera.log 'heartbeat'
   press Tab space
