@@ -26,7 +26,7 @@ struct DownloadEnded : std::runtime_error {
     DownloadEnded() : std::runtime_error("download ended") {}
 };
 
-/// What the commands are built on. The exchange and the calls below it belong to the thread that has the turn
+/// Base of all commands. The exchange and the calls below it belong to the thread that has the turn
 /// and throw what the port throws; everything else may be used from any thread.
 class CameraLine {
 public:

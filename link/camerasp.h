@@ -182,7 +182,7 @@ public:
     static void replaceSleep(std::function<void(std::chrono::nanoseconds)> sleep);
 
 private:
-    /// What setAppFilePath and its like have set.
+    /// Values of the upload setters.
     struct UploadTexts {
         std::string appPath;
         std::string firewarePath;

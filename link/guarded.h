@@ -1,4 +1,4 @@
-// What is thrown becomes a line and a failure value.
+// Turns an exception into a log line and a failure value.
 #pragma once
 
 #include "link/diagnostics.h"

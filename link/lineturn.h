@@ -8,7 +8,7 @@
 #include <mutex>
 #include <thread>
 
-/// What uses the line. The first two use it for one exchange, the others from their first exchange to their
+/// A user of the line. The first two use it for one exchange, the others from their first exchange to their
 /// last.
 enum class LineUser : std::uint8_t { none, command, reading, versions, download, upload };
 
@@ -60,7 +60,7 @@ public:
     /// Refuses every later and every waiting take().
     void stop();
 
-    /// What this thread holds the line as; none: it does not.
+    /// The user as which this thread holds the line; none if it does not.
     [[nodiscard]] LineUser userOnThisThread() const;
     /// The user that holds the line, and the first whole job that waits for it.
     struct State {

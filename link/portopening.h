@@ -1,4 +1,4 @@
-// What the systems differ in when a port is opened.
+// Opening a port: the part that depends on the system.
 #pragma once
 
 #include <serial/serial.h>

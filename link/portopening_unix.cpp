@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Whether a character device of this major number is a terminal; true when the system does not tell.
+/// True when a character device of this major number is a terminal, or when the system does not tell.
 bool isTerminalMajor(unsigned int wanted) {
     std::ifstream drivers("/proc/tty/drivers");
     if (!drivers)

@@ -28,7 +28,7 @@ int errorNumberOf(DWORD systemError) {
     }
 }
 
-/// What the system answers to opening this port; 0: it opens, or that tells nothing.
+/// The error of opening this port; 0 when it opens or the error says nothing.
 DWORD answerToOpening(const std::string& name) {
     const std::string path = "\\\\.\\" + name;
     const HANDLE port =
