@@ -151,10 +151,11 @@ void CaptureFlow::startFrames(const Path& path) {
 }
 
 void CaptureFlow::afterDelay(std::chrono::milliseconds delay, std::function<void()> step) {
-    QTimer::singleShot(delay, this, [this, generation = linkGeneration(), step = std::move(step)] {
-        if (generation == linkGeneration())
-            step();
-    });
+    QTimer::singleShot(clock().timerInterval(delay), this,
+                       [this, generation = linkGeneration(), step = std::move(step)] {
+                           if (generation == linkGeneration())
+                               step();
+                       });
 }
 
 void CaptureFlow::takePicture(const Path& path, const SharedCapture& capture) {

@@ -1,8 +1,9 @@
 #include "app/failuretext.h"
 
-#include <QCoreApplication>
+#include "app/systemtext.h"
+#include "link/guarded.h"
 
-#include <serial/serial.h>
+#include <QCoreApplication>
 
 #include <cerrno>
 
@@ -30,23 +31,17 @@ QString adviceForPort(int errorNumber, const QString& what) {
     return translated("请检查转接器和所选串口后重试。");
 }
 
-FailureText otherFailure(const QString& what) {
-    return {translated("操作失败：") + what, translated("请关闭串口，重新打开后再试。")};
-}
-
 } // namespace
 
 FailureText failureText(const std::exception_ptr& failure) {
+    ExceptionWords words;
     try {
         std::rethrow_exception(failure);
-    } catch (serial::IOException& error) { // its error number is not readable through a const reference
-        const QString what = QString::fromLocal8Bit(error.what());
-        return {translated("打开串口失败：") + what, adviceForPort(error.getErrorNumber(), what)};
-    } catch (const std::exception& error) {
-        return otherFailure(QString::fromLocal8Bit(error.what()));
-    } catch (const char* text) {
-        return otherFailure(QString::fromUtf8(text));
     } catch (...) {
-        return otherFailure(translated("未知错误"));
+        words = describeException();
     }
+    const QString what = words.text ? systemText(*words.text) : translated("未知错误");
+    if (words.portError)
+        return {translated("打开串口失败：") + what, adviceForPort(*words.portError, what)};
+    return {translated("操作失败：") + what, translated("请关闭串口，重新打开后再试。")};
 }

@@ -23,7 +23,7 @@ LineWait::LineWait(QWidget* window) : QObject(window), m_window(window) {
 void LineWait::follow(CameraSp& client) {
     finish();
     m_client = &client;
-    m_standstill.start();
+    m_lastByte = client.clock().now();
     m_poll.start();
 }
 
@@ -36,13 +36,13 @@ void LineWait::finish() {
 void LineWait::look() {
     const LineTurn::State line = m_client->lineState();
     const std::uint64_t done = m_client->progress().done;
+    const Clock::Time now = m_client->clock().now();
     if (line.waitingJob != LineUser::upload || line.holder != LineUser::download) {
         delete m_question;
-        m_standstill.restart();
+        m_lastByte = now;
     } else if (done != m_done) {
-        m_standstill.restart();
-    } else if (m_question == nullptr &&
-               m_standstill.hasExpired(std::chrono::milliseconds(standstill).count())) {
+        m_lastByte = now;
+    } else if (m_question == nullptr && now - m_lastByte > standstill) {
         ask();
     }
     m_done = done;
@@ -54,11 +54,13 @@ void LineWait::ask() {
                                  QMessageBox::Yes | QMessageBox::No, m_window);
     m_question->setDefaultButton(QMessageBox::Yes);
     connect(m_question, &QMessageBox::finished, this, [this](int button) {
-        if (m_client != nullptr && button == QMessageBox::Yes)
-            m_client->endDownload();
+        if (m_client != nullptr) {
+            if (button == QMessageBox::Yes)
+                m_client->endDownload();
+            m_lastByte = m_client->clock().now(); // asked again later
+        }
         m_question->deleteLater();
         m_question = nullptr;
-        m_standstill.restart(); // asked again later
     });
     m_question->open();
 }

@@ -1,7 +1,8 @@
 // An upload that waits for the line while a download does not end.
 #pragma once
 
-#include <QElapsedTimer>
+#include "link/clock.h"
+
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -31,7 +32,7 @@ private:
     QWidget* m_window;
     CameraSp* m_client = nullptr;
     QTimer m_poll;
-    QElapsedTimer m_standstill; ///< since the last byte of the download
+    Clock::Time m_lastByte; ///< of the download
     std::uint64_t m_done = 0;
     QPointer<QMessageBox> m_question;
 };

@@ -1,6 +1,7 @@
 #include "app/application.h"
 #include "app/consoleoutput.h"
 #include "app/mainwindow.h"
+#include "link/guarded.h"
 
 #include <cstdlib>
 #include <exception>
@@ -13,12 +14,8 @@ namespace {
     if (const std::exception_ptr failure = std::current_exception()) {
         try {
             std::rethrow_exception(failure);
-        } catch (const char* text) {
-            std::cerr << text << std::endl;
-        } catch (const std::exception& error) {
-            std::cerr << error.what() << std::endl;
         } catch (...) {
-            std::cerr << "unknown error" << std::endl;
+            std::cerr << exceptionText() << std::endl;
         }
     }
     std::abort();

@@ -55,15 +55,16 @@ std::vector<PortEntry> presentPorts() {
 
 } // namespace
 
-MainWindow::MainWindow(QWidget* parent)
-    : QMainWindow(parent), ClientBorrower(this, nullptr), m_ui(std::make_unique<Ui::MainWindow>()) {
+MainWindow::MainWindow(QWidget* parent, Clock& clock)
+    : QMainWindow(parent), ClientBorrower(this, nullptr), m_clock(clock),
+      m_ui(std::make_unique<Ui::MainWindow>()) {
     m_ui->setupUi(this);
     setWindowTitle(tr("摄像头测试-Tessaly v(%1)").arg(toolVersion));
     // A lamp, not a control; accessibility tools still read it.
     m_ui->rb_heartbeat->setAttribute(Qt::WA_TransparentForMouseEvents);
     QThreadPool* const pool = QThreadPool::globalInstance();
     pool->setMaxThreadCount(std::max(pool->maxThreadCount(), poolThreads));
-    m_statusLine = std::make_unique<StatusLine>(m_ui->statusbar);
+    m_statusLine = std::make_unique<StatusLine>(m_ui->statusbar, m_clock);
     setObserver(m_statusLine.get());
     fillChoices();
 
@@ -80,7 +81,7 @@ MainWindow::MainWindow(QWidget* parent)
     showLink();
     pressButtonsByEnter(this);
     m_ui->btn_open->setFocus();
-    QTimer::singleShot(finishStartDelay, this, &MainWindow::finishStart);
+    QTimer::singleShot(m_clock.timerInterval(finishStartDelay), this, &MainWindow::finishStart);
 }
 
 MainWindow::~MainWindow() {
@@ -264,7 +265,7 @@ void MainWindow::openLink() {
     const QString port = QString::fromStdString(m_portName);
     qDebug() << port << "  " << m_baudRate;
     // An exception from opening leaves the handler here, before anything has changed.
-    auto camera = std::make_unique<CameraSp>(m_portName, m_baudRate);
+    auto camera = std::make_unique<CameraSp>(m_portName, m_baudRate, m_clock);
     camera->setSlaveAddress(static_cast<std::int32_t>(m_slaveAddress));
     camera->setWaitCallback([this, userInterface = QThread::currentThread()] {
         if (QThread::currentThread() != userInterface)

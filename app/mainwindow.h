@@ -45,7 +45,8 @@ class MainWindow final : public QMainWindow, private ClientBorrower {
     Q_OBJECT
 
 public:
-    explicit MainWindow(QWidget* parent = nullptr);
+    /// The clock outlives the window.
+    explicit MainWindow(QWidget* parent = nullptr, Clock& clock = Clock::system());
     ~MainWindow() override;
 
 protected:
@@ -154,6 +155,7 @@ private:
         std::uint32_t baudRate = 0;
     };
 
+    Clock& m_clock;
     std::unique_ptr<Ui::MainWindow> m_ui;
     std::unique_ptr<CameraSp> m_camera; ///< present exactly while a link is open
     OpenedPort m_opened;                ///< of the open link

@@ -44,7 +44,7 @@ struct MainWindow::ReturnWait {
 };
 
 void MainWindow::connectUpdates() {
-    m_transferDisplay = new TransferDisplay(this);
+    m_transferDisplay = new TransferDisplay(this, m_clock);
     m_ui->statusbar->insertPermanentWidget(0, m_transferDisplay); // the link keeps its place
     m_lineWait = new LineWait(this);
     connect(m_ui->btn_apppath, &QPushButton::clicked, this,

@@ -17,14 +17,10 @@ constexpr auto worthTelling = 500ms; // shorter actions are over before anybody 
 constexpr auto worthCounting = 1s;   // of a command that blocks; it was announced when it began
 constexpr auto tickInterval = 250ms;
 
-std::chrono::milliseconds ageOf(const LinkUse& use) {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
-                                                                 use.began);
-}
-
 } // namespace
 
-StatusLine::StatusLine(QStatusBar* bar) : m_bar(bar), m_link(new QLabel(bar)) {
+StatusLine::StatusLine(QStatusBar* bar, const Clock& clock)
+    : m_clock(clock), m_bar(bar), m_link(new QLabel(bar)) {
     m_link->setObjectName(QStringLiteral("label_link"));
     m_link->setAccessibleName(tr("连接"));
     m_bar->addPermanentWidget(m_link);
@@ -109,6 +105,10 @@ bool StatusLine::showRunning(std::chrono::milliseconds from) {
     m_runningText = text;
     showState(text);
     return true;
+}
+
+std::chrono::milliseconds StatusLine::ageOf(const LinkUse& use) const {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(m_clock.now() - use.began);
 }
 
 void StatusLine::tick() {

@@ -20,8 +20,8 @@ class StatusLine final : public QObject, public LinkUseObserver {
     Q_OBJECT
 
 public:
-    /// The bar belongs to the window, which outlives this.
-    explicit StatusLine(QStatusBar* bar);
+    /// The bar belongs to the window, which outlives this, as does the clock.
+    explicit StatusLine(QStatusBar* bar, const Clock& clock = Clock::system());
 
     /// The open link's client, or null; actions of an earlier link are forgotten.
     void setClient(const CameraSp* client);
@@ -53,6 +53,9 @@ private:
     bool showRunning(std::chrono::milliseconds from);
     void tick();
 
+    [[nodiscard]] std::chrono::milliseconds ageOf(const LinkUse& use) const;
+
+    const Clock& m_clock;
     QStatusBar* m_bar;
     QLabel* m_link;
     const CameraSp* m_client = nullptr;

@@ -76,8 +76,8 @@ QString transferText(const TransferSnapshot& snapshot) {
     return translated("请稍候…");
 }
 
-TransferDisplay::TransferDisplay(QWidget* parent)
-    : QWidget(parent), m_label(new QLabel(this)), m_bar(new QProgressBar(this)) {
+TransferDisplay::TransferDisplay(QWidget* parent, const Clock& clock)
+    : QWidget(parent), m_clock(clock), m_label(new QLabel(this)), m_bar(new QProgressBar(this)) {
     setObjectName(QStringLiteral("transferDisplay"));
     m_label->setObjectName(QStringLiteral("label_transfer"));
     m_bar->setObjectName(QStringLiteral("bar_transfer"));
@@ -121,7 +121,7 @@ void TransferDisplay::follow(const TransferProgress* transfer) {
 
 void TransferDisplay::finish() {
     m_poll.stop();
-    m_sending.invalidate();
+    m_sendingSince.reset();
     m_transfer = nullptr;
     m_uploading = nullptr;
     m_returnWait.reset();
@@ -162,9 +162,10 @@ void TransferDisplay::refreshTransfer() {
         setVisible(snapshot.phase == Phase::downloading);
     const bool sending = snapshot.phase == Phase::sending;
     const bool counted = sending || snapshot.phase == Phase::reading || snapshot.phase == Phase::downloading;
-    if (sending && !m_sending.isValid())
-        m_sending.start();
-    snapshot.seconds = m_sending.isValid() ? static_cast<double>(m_sending.elapsed()) / 1000.0 : 0.0;
+    const Clock::Time now = m_clock.now();
+    if (sending && !m_sendingSince)
+        m_sendingSince = now;
+    snapshot.seconds = std::chrono::duration<double>(now - m_sendingSince.value_or(now)).count();
     m_bar->setRange(0, counted ? 100 : 0);
     if (counted)
         m_bar->setValue(transferPercent(snapshot));

@@ -1,13 +1,14 @@
 // Progress of the running transfer, in the status bar.
 #pragma once
 
+#include "link/clock.h"
 #include "link/transferprogress.h"
 
-#include <QElapsedTimer>
 #include <QTimer>
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 class CameraSp;
 class QLabel;
@@ -38,7 +39,8 @@ class TransferDisplay final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit TransferDisplay(QWidget* parent = nullptr);
+    /// The clock outlives the display.
+    explicit TransferDisplay(QWidget* parent = nullptr, const Clock& clock = Clock::system());
 
     /// Shows an upload, and its wait for the line, until finish() is called. The client must outlive that
     /// call.
@@ -55,10 +57,11 @@ private:
     void refreshTransfer();
     void showWait(const QString& text);
 
+    const Clock& m_clock;
     QLabel* m_label;
     QProgressBar* m_bar;
     QTimer m_poll;
-    QElapsedTimer m_sending;
+    std::optional<Clock::Time> m_sendingSince;
     const TransferProgress* m_transfer = nullptr;
     const CameraSp* m_uploading = nullptr; ///< the client of an upload
     std::shared_ptr<const ReturnWaitProgress> m_returnWait;

@@ -2,6 +2,7 @@
 // Windows as well: line_bench starts it as a program of its own.
 #include "bench/plaincopy.h"
 #include "link/camerasp.h"
+#include "link/guarded.h"
 #include "link/protocol/uploads.h"
 #include "link/uploadfile.h"
 
@@ -38,10 +39,8 @@ int main(int argc, char** argv) {
     try {
         (arguments[1] == "client" ? sendByClient : sendByCopy)(arguments[0], arguments[2]);
         return 0;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "upload_sender: %s\n", error.what());
-    } catch (const char* text) { // a file that cannot be opened
-        std::fprintf(stderr, "upload_sender: %s\n", text);
+    } catch (...) {
+        std::fprintf(stderr, "upload_sender: %s\n", exceptionText().c_str());
     }
     return 1;
 }

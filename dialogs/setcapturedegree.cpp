@@ -136,7 +136,7 @@ void SetCaptureDegree::writeAndReadBack(protocol::PropertyId id, Value value, in
 }
 
 void SetCaptureDegree::readBackLater(int item) {
-    QTimer::singleShot(readBackDelay, this, [this, item] {
+    QTimer::singleShot(clock().timerInterval(readBackDelay), this, [this, item] {
         if (isEnabled())
             doGetInfo(false, item);
         else

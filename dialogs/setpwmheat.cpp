@@ -18,21 +18,22 @@ SetPwmHeat::SetPwmHeat(QWidget* parent, CameraSp* client)
     m_ui->et_setheat->setVisible(false);
 
     auto* write = new SettingWrite(
-        this, {.hint = m_ui->label_hint,
-               .controls = {m_ui->btn_setheat, m_ui->btn_getheat, m_ui->et_setheat, m_ui->cb_setheat},
-               .readBack = m_ui->btn_getheat,
-               .seconds = heaterStoreSeconds,
-               .emptyValue = {}, // the combo box always has a text
-               .started = tr("开始设置加热丝占空比:"),
-               .countdown = tr("设置中，倒计时:%1%2,请勿断电!"),
-               .failed = tr("设置占空比失败，请重试"),
-               .resultTag = "qt set heat result:",
-               .value = [this] { return m_ui->cb_setheat->currentText(); },
-               .write =
-                   [this](const QString& text) {
-                       return writeSetting(protocol::PropertyId::heaterDuty,
-                                           {static_cast<std::uint8_t>(text.toInt())});
-                   }});
+        this, clock(),
+        {.hint = m_ui->label_hint,
+         .controls = {m_ui->btn_setheat, m_ui->btn_getheat, m_ui->et_setheat, m_ui->cb_setheat},
+         .readBack = m_ui->btn_getheat,
+         .seconds = heaterStoreSeconds,
+         .emptyValue = {}, // the combo box always has a text
+         .started = tr("开始设置加热丝占空比:"),
+         .countdown = tr("设置中，倒计时:%1%2,请勿断电!"),
+         .failed = tr("设置占空比失败，请重试"),
+         .resultTag = "qt set heat result:",
+         .value = [this] { return m_ui->cb_setheat->currentText(); },
+         .write =
+             [this](const QString& text) {
+                 return writeSetting(protocol::PropertyId::heaterDuty,
+                                     {static_cast<std::uint8_t>(text.toInt())});
+             }});
     connect(m_ui->btn_setheat, &QPushButton::clicked, write, &SettingWrite::run);
     connect(m_ui->btn_getheat, &QPushButton::clicked, this, [this] {
         showByteSetting(protocol::PropertyId::heaterDuty, m_ui->label_setheat, tr("当前占空比:  "),

@@ -28,21 +28,21 @@ SetSN::SetSN(QWidget* parent, CameraSp* client)
     m_ui->label_setsn->setMinimumWidth(
         m_ui->label_setsn->fontMetrics().horizontalAdvance(tr("当前序列号:  ") + QString(snDigits, u'0')));
 
-    auto* write =
-        new SettingWrite(this, {.hint = m_ui->label_hint,
-                                .controls = {m_ui->btn_setsn, m_ui->btn_getsn, m_ui->et_setsn},
-                                .readBack = m_ui->btn_getsn,
-                                .seconds = snStoreSeconds,
-                                .emptyValue = tr("字符串为空,请填写SN后下发"),
-                                .started = tr("开始设置SN:"),
-                                .countdown = tr("SN设置中，倒计时:%1%2,请勿断电!"),
-                                .failed = tr("设置SN失败，请重试"),
-                                .resultTag = "set sn result:",
-                                .value = [this] { return m_ui->et_setsn->text(); },
-                                .write =
-                                    [this](const QString& sn) {
-                                        return ask(tr("写入序列号"), &CameraSp::setSn, sn.toStdString());
-                                    }});
+    auto* write = new SettingWrite(this, clock(),
+                                   {.hint = m_ui->label_hint,
+                                    .controls = {m_ui->btn_setsn, m_ui->btn_getsn, m_ui->et_setsn},
+                                    .readBack = m_ui->btn_getsn,
+                                    .seconds = snStoreSeconds,
+                                    .emptyValue = tr("字符串为空,请填写SN后下发"),
+                                    .started = tr("开始设置SN:"),
+                                    .countdown = tr("SN设置中，倒计时:%1%2,请勿断电!"),
+                                    .failed = tr("设置SN失败，请重试"),
+                                    .resultTag = "set sn result:",
+                                    .value = [this] { return m_ui->et_setsn->text(); },
+                                    .write =
+                                        [this](const QString& sn) {
+                                            return ask(tr("写入序列号"), &CameraSp::setSn, sn.toStdString());
+                                        }});
     connect(m_ui->btn_gensn, &QPushButton::clicked, this, &SetSN::generate);
     connect(m_ui->btn_setsn, &QPushButton::clicked, write, &SettingWrite::run);
     connect(m_ui->btn_getsn, &QPushButton::clicked, this, &SetSN::showCameraSn);

@@ -12,7 +12,7 @@ constexpr std::uint8_t writeCommand = code(Command::setProperty);
 
 /// Which quantity the read that comes now gives: an earlier sequence may have been given up in the middle.
 std::size_t takeQuantity(CameraSp& camera, std::size_t count) {
-    const auto now = std::chrono::steady_clock::now();
+    const Clock::Time now = camera.clock().now();
     const std::size_t quantity = camera.quantities().next(count, now);
     camera.quantities().advance(count, now);
     return quantity;

@@ -10,10 +10,10 @@
 #include <chrono>
 #include <utility>
 
-SettingWrite::SettingWrite(QWidget* window, Plan plan)
+SettingWrite::SettingWrite(QWidget* window, const Clock& clock, Plan plan)
     : QObject(window), m_window(window), m_plan(std::move(plan)), m_timer(new QTimer(window)),
       m_counter(m_plan.seconds) {
-    m_timer->setInterval(std::chrono::seconds(1));
+    m_timer->setInterval(clock.timerInterval(std::chrono::seconds(1)));
     connect(m_timer, &QTimer::timeout, this, &SettingWrite::tick);
 }
 

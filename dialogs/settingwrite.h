@@ -1,6 +1,8 @@
 // Writing a setting and the countdown after it.
 #pragma once
 
+#include "link/clock.h"
+
 #include <QObject>
 #include <QString>
 #include <QWidget>
@@ -37,7 +39,7 @@ public:
     };
 
     /// The window becomes the parent; the plan's widgets are its children.
-    SettingWrite(QWidget* window, Plan plan);
+    SettingWrite(QWidget* window, const Clock& clock, Plan plan);
 
     /// What the set button does.
     void run();

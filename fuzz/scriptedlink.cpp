@@ -23,11 +23,18 @@ protected:
     std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
 };
 
-/// Once for the process: no sleeping, no log, and a directory of its own for the pictures.
+/// Pauses end at once.
+class NoPauses final : public Clock {
+public:
+    bool pause(std::unique_lock<std::mutex>&, std::condition_variable&, std::chrono::nanoseconds) override {
+        return true;
+    }
+};
+
+/// Once for the process: no log, and a directory of its own for the pictures.
 bool setUp() {
     static Nowhere nowhere;
     std::cout.rdbuf(&nowhere);
-    CameraSp::replaceSleep([](std::chrono::nanoseconds) {});
     static std::string directory = (std::filesystem::temp_directory_path() / "camera-fuzz-XXXXXX").string();
     require(::mkdtemp(directory.data()) != nullptr);
     require(::chdir(directory.c_str()) == 0);
@@ -73,13 +80,14 @@ protocol::Bytes Input::bytes(std::size_t most) {
 void runOne(std::span<const Command> commands, std::size_t parameterSize, const std::uint8_t* data,
             std::size_t size) {
     static const bool ready = setUp();
+    static NoPauses clock;
     require(ready);
     Input input(data, size);
     const Command& command = commands[input.byte() % commands.size()];
     const protocol::Bytes parameterBytes = input.bytes(parameterSize);
     Input parameters(parameterBytes.data(), parameterBytes.size());
     fake_serial::reset();
-    CameraSp camera("port", 460800);
+    CameraSp camera("port", 460800, clock);
     scriptReads(input);
     command(camera, parameters);
 }

@@ -3,7 +3,6 @@
 #include "link/diagnostics.h"
 #include "link/protocol/jsonenvelope.h"
 
-#include <thread>
 #include <utility>
 
 using namespace protocol;
@@ -13,13 +12,6 @@ namespace {
 
 // An answer that comes later than this after its request is not waited for.
 constexpr auto latestAnswer = 500ms;
-constexpr auto shortestSleep = 1ms;
-constexpr auto longestSpin = 50us; // a thread that yields on a busy machine comes back after milliseconds
-
-std::function<void(std::chrono::nanoseconds)>& sleepReplacement() {
-    static std::function<void(std::chrono::nanoseconds)> replacement;
-    return replacement;
-}
 
 void logRequest(RequestLog kind, ByteView request) {
     if (kind == RequestLog::none)
@@ -37,12 +29,9 @@ void logRequest(RequestLog kind, ByteView request) {
 
 } // namespace
 
-void replaceSleepOfLines(std::function<void(std::chrono::nanoseconds)> sleep) {
-    sleepReplacement() = std::move(sleep);
-}
-
-CameraLine::CameraLine(const std::string& portName, std::uint32_t baudRate, std::uint32_t timeoutMs)
-    : m_port(portName, baudRate, timeoutMs) {}
+CameraLine::CameraLine(const std::string& portName, std::uint32_t baudRate, std::uint32_t timeoutMs,
+                       Clock& clock)
+    : m_clock(clock), m_port(portName, baudRate, timeoutMs, clock), m_turn(clock), m_readings(clock) {}
 
 // --- the turn --------------------------------------------------------------------------------------------
 
@@ -58,7 +47,7 @@ LineTurn::Hold CameraLine::take(LineUser user) {
 void CameraLine::discardLateAnswers() {
     if (std::exchange(m_unanswered, 0) == 0)
         return;
-    const auto left = m_lastRequest + latestAnswer - std::chrono::steady_clock::now();
+    const auto left = m_lastRequest + latestAnswer - m_clock.now();
     if (left > 0ms && !pause(left))
         return;
     try {
@@ -104,7 +93,7 @@ CameraLine::Answer CameraLine::exchangeRequest(const ExchangeRule& rule, const B
         port().flush();
     const std::size_t written = port().write(request);
     ++m_unanswered;
-    m_lastRequest = std::chrono::steady_clock::now();
+    m_lastRequest = m_clock.now();
     if (rule.logsWriteCount)
         diagnostics::line("serialDataLength:", request.size(), "  write-length:", written);
     if (rule.pauseAfterWriteMs > 0)
@@ -175,20 +164,11 @@ void CameraLine::requestStop() {
 }
 
 bool CameraLine::pause(std::chrono::nanoseconds duration) {
-    if (const auto& replacement = sleepReplacement()) {
-        replacement(duration);
-        return !m_stop;
-    }
-    if (duration < shortestSleep) {
-        const auto end = std::chrono::steady_clock::now() + duration;
-        while (!m_stop && std::chrono::steady_clock::now() < end) {
-            if (duration > longestSpin)
-                std::this_thread::yield();
-        }
-        return !m_stop;
-    }
+    const Clock::Time end = m_clock.now() + duration;
     std::unique_lock lock(m_lifeMutex);
-    return !m_lifeChanged.wait_for(lock, duration, [this] { return m_stop.load(); });
+    while (!m_stop && duration > 0ns && !m_clock.pause(lock, m_lifeChanged, duration))
+        duration = end - m_clock.now();
+    return !m_stop;
 }
 
 void CameraLine::addLease() {

@@ -1,6 +1,7 @@
 // The open line: its port, whose turn it is, and the exchange.
 #pragma once
 
+#include "link/clock.h"
 #include "link/commandreport.h"
 #include "link/lineturn.h"
 #include "link/protocol/exchangetable.h"
@@ -30,8 +31,8 @@ struct DownloadEnded : std::runtime_error {
 /// and throw what the port throws; everything else may be used from any thread.
 class CameraLine {
 public:
-    /// Opens the port; throws as SerialPort does.
-    CameraLine(const std::string& portName, std::uint32_t baudRate, std::uint32_t timeoutMs);
+    /// Opens the port; throws as SerialPort does. The clock outlives the line.
+    CameraLine(const std::string& portName, std::uint32_t baudRate, std::uint32_t timeoutMs, Clock& clock);
 
     CameraLine(const CameraLine&) = delete;
     CameraLine& operator=(const CameraLine&) = delete;
@@ -72,8 +73,7 @@ public:
     // --- waiting and ending ----------------------------------------------------------------------------
     void requestStop();
     [[nodiscard]] bool stopRequested() const { return m_stop.load(); }
-    /// Sleeps; returns early (false) when the link is stopped. Times below 1 ms are spent looking at the
-    /// clock: a sleeping thread may come back a whole tick of the system later.
+    /// Returns early (false) when the link is stopped.
     bool pause(std::chrono::nanoseconds duration);
     void addLease();
     void removeLease();
@@ -84,6 +84,7 @@ public:
     /// first command.
     void setWaitCallback(std::function<void()> callback) { m_waitCallback = std::move(callback); }
 
+    [[nodiscard]] Clock& clock() const { return m_clock; }
     [[nodiscard]] bool portFailed() const { return m_port.hasFailed(); }
 
     // --- what enters frames ----------------------------------------------------------------------------
@@ -103,6 +104,7 @@ private:
     void discardLateAnswers();
     void callBack() const;
 
+    Clock& m_clock;
     SerialPort m_port;
     LineTurn m_turn;
     LineTurn m_readings;
@@ -112,7 +114,7 @@ private:
     CommandEnd m_end = CommandEnd::done;
     std::size_t m_received = 0;
     int m_unanswered = 0; ///< requests whose answers have not been taken
-    std::chrono::steady_clock::time_point m_lastRequest;
+    Clock::Time m_lastRequest;
 
     std::atomic<bool> m_stop{false};
     std::atomic<bool> m_endDownload{false};
@@ -125,6 +127,3 @@ private:
     std::int32_t m_nextAddress = 1;    ///< the same when nobody holds it
     int m_addressHolds = 0;
 };
-
-/// For tests: called instead of sleeping, with the time asked for. Empty restores real sleeping.
-void replaceSleepOfLines(std::function<void(std::chrono::nanoseconds)> sleep);

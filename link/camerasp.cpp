@@ -29,11 +29,13 @@ std::string onlyPort() {
 
 CameraSp::CameraSp(const std::string& portName) : CameraSp(portName, defaultBaudRate) {}
 
-CameraSp::CameraSp(const std::string& portName, std::uint32_t baudRate)
-    : m_line(std::make_unique<CameraLine>(portName, baudRate, namedPortTimeoutMs)), m_baudRate(baudRate) {}
+CameraSp::CameraSp(const std::string& portName, std::uint32_t baudRate, Clock& clock)
+    : m_line(std::make_unique<CameraLine>(portName, baudRate, namedPortTimeoutMs, clock)),
+      m_baudRate(baudRate) {}
 
 CameraSp::CameraSp(std::uint32_t baudRate)
-    : m_line(std::make_unique<CameraLine>(onlyPort(), baudRate, onlyPortTimeoutMs)), m_baudRate(baudRate) {}
+    : m_line(std::make_unique<CameraLine>(onlyPort(), baudRate, onlyPortTimeoutMs, Clock::system())),
+      m_baudRate(baudRate) {}
 
 CameraSp::CameraSp() : CameraSp(defaultBaudRate) {}
 
@@ -146,8 +148,8 @@ const TransferProgress& CameraSp::progress() const {
     return m_line->progress;
 }
 
-void CameraSp::replaceSleep(std::function<void(std::chrono::nanoseconds)> sleep) {
-    replaceSleepOfLines(std::move(sleep));
+Clock& CameraSp::clock() const {
+    return m_line->clock();
 }
 
 CameraSp::Lease::Lease(CameraSp& client) : m_client(&client) {

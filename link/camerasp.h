@@ -1,6 +1,7 @@
 // The camera client: one object is one open serial link to one camera.
 #pragma once
 
+#include "link/clock.h"
 #include "link/commandreport.h"
 #include "link/lineturn.h"
 #include "link/protocol/picturerecords.h"
@@ -35,8 +36,8 @@ class CameraSp {
 public:
     /// Opens the port at 9600 baud. Throws the serial library's exception when it cannot be opened.
     explicit CameraSp(const std::string& portName);
-    /// Opens the port. Throws as above.
-    CameraSp(const std::string& portName, std::uint32_t baudRate);
+    /// Opens the port. Throws as above. The clock outlives the client.
+    CameraSp(const std::string& portName, std::uint32_t baudRate, Clock& clock = Clock::system());
     /// Opens the only port there is; throws the text (const char*) "serial unavailable" when there is none
     /// and "serial port size>1" when there are several.
     explicit CameraSp(std::uint32_t baudRate);
@@ -149,7 +150,7 @@ public:
     /// Makes every running and later command fail at its next step and ends every pause at once.
     void requestStop();
     [[nodiscard]] bool stopRequested() const;
-    /// Sleeps; returns early (false) when the link is stopped.
+    /// Returns early (false) when the link is stopped.
     bool pause(std::chrono::nanoseconds duration);
 
     /// Says that a job or task uses this client. Taken on the user-interface thread before the job starts,
@@ -176,10 +177,7 @@ public:
     [[nodiscard]] std::uint32_t baudRate() const { return m_baudRate; }
 
     [[nodiscard]] const TransferProgress& progress() const;
-
-    /// For tests: called instead of sleeping, with the time asked for. Empty restores real sleeping.
-    /// Not to be changed while a command runs.
-    static void replaceSleep(std::function<void(std::chrono::nanoseconds)> sleep);
+    [[nodiscard]] Clock& clock() const;
 
 private:
     /// Values of the upload setters.

@@ -1,15 +1,23 @@
 #include "link/guarded.h"
 
+#include <serial/serial.h>
+
 #include <exception>
 
-std::string exceptionText() {
+ExceptionWords describeException() {
     try {
         throw;
     } catch (const char* text) {
-        return text;
+        return {text, {}};
+    } catch (serial::IOException& error) { // its error number is not readable through a const reference
+        return {error.what(), error.getErrorNumber()};
     } catch (const std::exception& error) {
-        return error.what();
+        return {error.what(), {}};
     } catch (...) {
-        return "unknown error";
+        return {};
     }
+}
+
+std::string exceptionText() {
+    return describeException().text.value_or("unknown error");
 }

@@ -3,10 +3,18 @@
 
 #include "link/diagnostics.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 
-/// The exception at hand in words: its message, or the plain text that was thrown. To be called in a handler.
+/// The exception that is being handled, in words.
+struct ExceptionWords {
+    std::optional<std::string> text; ///< its message or the thrown plain text; none for any other type
+    std::optional<int> portError;    ///< error number of a serial::IOException
+};
+
+/// Both are to be called in a handler.
+[[nodiscard]] ExceptionWords describeException();
 [[nodiscard]] std::string exceptionText();
 
 /// Runs the body; logs what is thrown in it in one line and answers with the failure value.

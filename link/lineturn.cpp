@@ -58,7 +58,7 @@ LineTurn::Hold LineTurn::take(LineUser user, const std::function<void()>& whileW
         if (m_holder == LineUser::none && m_waiting.front() == &ticket)
             break;
         hold.m_waited = true;
-        if (m_changed.wait_for(lock, callbackInterval) == std::cv_status::timeout && whileWaiting) {
+        if (m_clock.wait(lock, m_changed, callbackInterval) && whileWaiting) {
             lock.unlock();
             whileWaiting();
             lock.lock();

@@ -1,6 +1,8 @@
 // Whose turn it is on the line.
 #pragma once
 
+#include "link/clock.h"
+
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -50,7 +52,8 @@ public:
         bool m_waited = false;
     };
 
-    LineTurn() = default;
+    /// The clock outlives it.
+    explicit LineTurn(Clock& clock = Clock::system()) : m_clock(clock) {}
     LineTurn(const LineTurn&) = delete;
     LineTurn& operator=(const LineTurn&) = delete;
 
@@ -77,6 +80,7 @@ private:
     [[nodiscard]] LineUser jobInTheWay(LineUser user, const Ticket* own) const;
     void giveBack();
 
+    Clock& m_clock;
     mutable std::mutex m_mutex; // guards everything below
     std::condition_variable m_changed;
     std::deque<const Ticket*> m_waiting; ///< in the order of asking; the tickets stand on the waiters' stacks

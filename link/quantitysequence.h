@@ -1,14 +1,15 @@
 // Quantities that the camera gives one after the other, one at each read of the same property.
 #pragma once
 
-#include <chrono>
+#include "link/clock.h"
+
 #include <cstddef>
 
 /// Where the camera is in its sequence. A sequence that is broken off goes on at the next read, unless that
 /// comes so late that the camera begins anew. Belongs to whoever has the turn for readings.
 class QuantitySequence {
 public:
-    using Time = std::chrono::steady_clock::time_point;
+    using Time = Clock::Time;
 
     /// Which of `count` quantities the next read gives.
     [[nodiscard]] std::size_t next(std::size_t count, Time now) const {

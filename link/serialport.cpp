@@ -11,22 +11,24 @@ serial::Timeout timeouts(std::uint32_t readMs, std::uint32_t writeMs) {
     return serial::Timeout(serial::Timeout::max(), readMs, 0, writeMs, 0);
 }
 
-serial::Serial openPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs) {
-    const auto began = std::chrono::steady_clock::now();
+serial::Serial openPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs,
+                        const Clock& clock) {
+    const Clock::Time began = clock.now();
     try {
         return serial::Serial(checkedPortName(name), baudRate, timeouts(timeoutMs, timeoutMs),
                               serial::eightbits, serial::parity_none, serial::stopbits_one,
                               serial::flowcontrol_none);
     } catch (const serial::IOException& failure) {
-        throwReasonOfOpening(name, failure, std::chrono::steady_clock::now() - began);
+        throwReasonOfOpening(name, failure, clock.now() - began);
         throw;
     }
 }
 
 } // namespace
 
-SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs)
-    : m_serial(openPort(name, baudRate, timeoutMs)) {}
+SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs,
+                       const Clock& clock)
+    : m_serial(openPort(name, baudRate, timeoutMs, clock)) {}
 
 void SerialPort::setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) {
     guard([&] {

@@ -1,6 +1,7 @@
 // The open serial port: the calls of the serial library that the link uses, and nothing else.
 #pragma once
 
+#include "link/clock.h"
 #include "link/protocol/bytes.h"
 
 #include <serial/serial.h>
@@ -16,7 +17,7 @@ public:
     /// Opens the port: 8 data bits, no parity, one stop bit, no flow control. An empty name opens nothing;
     /// every later call then fails. Throws the library's serial::IOException, with the error number where the
     /// system tells one.
-    SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs);
+    SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs, const Clock& clock);
 
     SerialPort(const SerialPort&) = delete;
     SerialPort& operator=(const SerialPort&) = delete;

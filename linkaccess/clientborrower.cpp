@@ -27,7 +27,7 @@ void ClientBorrower::setExchangeAllowed(bool allowed) {
 }
 
 std::shared_ptr<const LinkUse> ClientBorrower::beginUse(const QString& name, bool blocking) const {
-    auto use = std::make_shared<const LinkUse>(LinkUse{name, std::chrono::steady_clock::now(), blocking});
+    auto use = std::make_shared<const LinkUse>(LinkUse{name, clock().now(), blocking});
     if (m_observer != nullptr)
         m_observer->useBegan(use);
     else if (!blocking)

@@ -41,6 +41,8 @@ public:
 
 protected:
     [[nodiscard]] CameraSp* client() const { return m_client; }
+    /// The client's clock; without a client the system's.
+    [[nodiscard]] Clock& clock() const { return m_client != nullptr ? m_client->clock() : Clock::system(); }
     /// Grows with every attachClient; tells results of an earlier link from those of the present one.
     [[nodiscard]] std::uint64_t linkGeneration() const { return m_generation; }
 

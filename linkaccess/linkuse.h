@@ -1,17 +1,17 @@
 // What the owner of the link is told about the use that windows make of it.
 #pragma once
 
+#include "link/clock.h"
 #include "link/commandreport.h"
 
 #include <QString>
 
-#include <chrono>
 #include <memory>
 
 /// One command or job over the link while it runs. May be destroyed without a call of useEnded().
 struct LinkUse {
     QString name; ///< what the technician calls it, in the infinitive; empty: not worth telling
-    std::chrono::steady_clock::time_point began;
+    Clock::Time began;
     bool blocking; ///< runs on the user-interface thread: no events are processed until it ends
 };
 

@@ -46,7 +46,7 @@ void PictureListWindow::reload() {
 
 template <typename Action>
 void PictureListWindow::later(Action action) {
-    QTimer::singleShot(reloadDelay, this, [this, action] {
+    QTimer::singleShot(clock().timerInterval(reloadDelay), this, [this, action] {
         if (isVisible() && isEnabled())
             action();
     });

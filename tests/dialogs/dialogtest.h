@@ -4,6 +4,7 @@
 #include "link/camerasp.h"
 #include "linkaccess/clientborrower.h"
 #include "tests/dialogs/debuglog.h"
+#include "tests/support/testclock.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
@@ -61,7 +62,7 @@ protected:
     };
 
     void openLink(const std::string& port) {
-        m_client = std::make_unique<CameraSp>(port, 460800U);
+        m_client = std::make_unique<CameraSp>(port, 460800U, m_clock);
         for (auto& [window, borrower] : m_borrowers) {
             if (window != nullptr)
                 borrower->attachClient(m_client.get());
@@ -85,7 +86,6 @@ protected:
         closeLink();
         m_main.reset();
         settle();
-        CameraSp::replaceSleep({});
     }
 
     template <typename Window>
@@ -104,6 +104,7 @@ protected:
         QTest::qWait(20);
     }
 
+    TestClock m_clock;
     std::unique_ptr<CameraSp> m_client;
     std::unique_ptr<QWidget> m_main = std::make_unique<QWidget>();
     std::vector<Borrower> m_borrowers;

@@ -1,6 +1,5 @@
 // The window that shows how the camera is mounted.
 #include "dialogs/setcameralocation.h"
-#include "tests/dialogs/heldpause.h"
 #include "tests/dialogs/recordeddialogtest.h"
 
 using namespace std::chrono_literals;
@@ -20,7 +19,7 @@ const std::vector<std::string> firstTexts{"当前俯仰角", "当前横滚角", 
 
 class SetCameraLocationTest : public RecordedDialogTest {
 protected:
-    HeldPause m_pauses{false};
+    SetCameraLocationTest() { m_clock.skipPauses(); }
 };
 
 TEST_F(SetCameraLocationTest, AsksForTheSamePropertyFourTimesAndShowsTheAnswersInTurn) {
@@ -28,7 +27,7 @@ TEST_F(SetCameraLocationTest, AsksForTheSamePropertyFourTimesAndShowsTheAnswersI
     const QWidget* const window = open<SetCameraLocation>();
     settle();
     EXPECT_EQ(requests(), std::vector<std::string>(4, readOrientation));
-    EXPECT_EQ(m_pauses.durations(), std::vector<std::chrono::nanoseconds>(4, 100ms));
+    EXPECT_EQ(m_clock.pauses(), std::vector<std::chrono::nanoseconds>(4, 100ms));
     EXPECT_EQ(m_debug.all(), (Lines{"std::vector(45, 0, 0, 0)", "std::vector(0, 1, 0, 0)",
                                     "std::vector(255, 255, 255, 255)", "std::vector(1, 0, 0, 128, 9, 9)"}));
     EXPECT_EQ(labels(window), (std::vector<std::string>{"当前仰俯角:45", "当前横滚角:256",
@@ -100,29 +99,30 @@ TEST_F(SetCameraLocationTest, TenAtOnceDoNotTakeEachOthersQuantities) {
 
 class SetCameraLocationInMidFetch : public SetCameraLocationTest {
 protected:
-    SetCameraLocationInMidFetch() { m_camera.hold(16, {{45, 0, 0, 0}}); }
-
-    HeldPause m_held;
+    SetCameraLocationInMidFetch() {
+        m_camera.hold(16, {{45, 0, 0, 0}});
+        m_clock.hold();
+    }
 };
 
 TEST_F(SetCameraLocationInMidFetch, EndsItsReadingWhenItIsClosed) {
     const QPointer<QWidget> window = open<SetCameraLocation>();
-    ASSERT_TRUE(m_held.waitForFirst());
+    ASSERT_TRUE(m_clock.waitForFirst());
     window->close();
     QTest::qWait(20);
     EXPECT_TRUE(window.isNull());
     EXPECT_EQ(m_debug.count("cameraLocationUi destroyed"), 1);
-    m_held.release();
+    m_clock.release();
     settle();
     EXPECT_EQ(requests().size(), 1U);
 }
 
 TEST_F(SetCameraLocationInMidFetch, DropsTheResultOfALinkThatWasClosedMeanwhile) {
     const QWidget* const window = open<SetCameraLocation>();
-    ASSERT_TRUE(m_held.waitForFirst());
+    ASSERT_TRUE(m_clock.waitForFirst());
     m_borrowers.front().borrower->attachClient(nullptr);
     m_client->requestStop();
-    m_held.release();
+    m_clock.release();
     closeLink();
     settle();
     EXPECT_EQ(requests().size(), 1U);

@@ -8,6 +8,7 @@
 #include "tests/docs/markdown.h"
 #include "tests/fake/fakeserial.h"
 #include "tests/support/stdoutcapture.h"
+#include "tests/support/testclock.h"
 
 #include <gtest/gtest.h>
 
@@ -34,12 +35,12 @@ const std::string orderedDigest = "15 49 D1 AA E2 02 14 E0 65 AB 4B 76 AA AC 89 
 std::vector<Bytes> writesOf(const std::function<void(CameraSp&)>& call) {
     fake_serial::reset();
     const StdoutCapture quiet;
-    CameraSp::replaceSleep([](std::chrono::nanoseconds) {});
+    TestClock clock;
+    clock.skipPauses();
     {
-        CameraSp camera("COM9", 460800);
+        CameraSp camera("COM9", 460800, clock);
         call(camera);
     }
-    CameraSp::replaceSleep({});
     return fake_serial::writes();
 }
 

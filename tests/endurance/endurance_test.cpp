@@ -4,6 +4,7 @@
 #include "bench/measure.h"
 #include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
+#include "tests/support/testclock.h"
 
 #include <gtest/gtest.h>
 
@@ -54,10 +55,9 @@ struct Usage {
 class Endurance : public testing::Test {
 protected:
     Endurance() {
-        CameraSp::replaceSleep([](std::chrono::nanoseconds) {});
+        clock.skipPauses();
         std::ofstream(imageName) << std::string(imageSize, 'i');
     }
-    ~Endurance() override { CameraSp::replaceSleep({}); }
 
     /// Does it a few times unwatched, for what is made once, and then so many times.
     void repeat(const char* what, int times, const std::function<bool(int round)>& work) {
@@ -83,6 +83,7 @@ protected:
         }
     }
 
+    TestClock clock;
     bench::FarEnd ostra{CameraType::ostra, 0, &prepare};
     bench::FarEnd dynamic{CameraType::salesDynamic, 0, &prepare};
     bench::LogToNowhere quiet;
@@ -125,26 +126,26 @@ bool captureOnce(CameraSp& camera, std::uint16_t id, bool lists) {
 } // namespace
 
 TEST_F(Endurance, AThousandExchangesLeaveTheProcessAsItWas) {
-    CameraSp camera(ostra.portName(), baudRate);
+    CameraSp camera(ostra.portName(), baudRate, clock);
     repeat("exchanges", 1000, [&](int round) { return exchangeOnce(camera, round); });
 }
 
 TEST_F(Endurance, TwoHundredLinksLeaveTheProcessAsItWas) {
     repeat("openings and closings", 200, [&](int) {
-        CameraSp camera(ostra.portName(), baudRate);
+        CameraSp camera(ostra.portName(), baudRate, clock);
         return camera.getAppVersion() == "1.2";
     });
 }
 
 TEST_F(Endurance, FiftyUploadsLeaveTheProcessAsItWas) {
-    CameraSp camera(ostra.portName(), baudRate);
+    CameraSp camera(ostra.portName(), baudRate, clock);
     camera.setAppFilePath(imageName);
     camera.setFirewareFilePath(imageName);
     repeat("uploads of 200 kB", 50, [&](int round) { return uploadOnce(camera, round); });
 }
 
 TEST_F(Endurance, FiftyCapturesLeaveTheProcessAsItWas) {
-    CameraSp camera(dynamic.portName(), baudRate);
+    CameraSp camera(dynamic.portName(), baudRate, clock);
     camera.setSlaveAddress(emulator::settingsForType(CameraType::salesDynamic).address);
     std::uint16_t id = emulator::CameraState().nextPictureId;
     repeat("captures with download", 50,
@@ -152,9 +153,9 @@ TEST_F(Endurance, FiftyCapturesLeaveTheProcessAsItWas) {
 }
 
 TEST_F(Endurance, AllOfItInTurnLeavesTheProcessAsItWas) {
-    CameraSp origin(ostra.portName(), baudRate);
+    CameraSp origin(ostra.portName(), baudRate, clock);
     origin.setFirewareFilePath(imageName);
-    CameraSp v1(dynamic.portName(), baudRate);
+    CameraSp v1(dynamic.portName(), baudRate, clock);
     v1.setSlaveAddress(emulator::settingsForType(CameraType::salesDynamic).address);
     std::uint16_t id = emulator::CameraState().nextPictureId;
     repeat("rounds of 20 exchanges, 4 links, an upload and a capture", 50, [&](int round) {
@@ -162,7 +163,7 @@ TEST_F(Endurance, AllOfItInTurnLeavesTheProcessAsItWas) {
         for (int i = 0; i < 20; ++i)
             right = right && exchangeOnce(origin, round * 20 + i);
         for (int i = 0; i < 4; ++i)
-            right = right && !CameraSp(dynamic.portName(), baudRate).stopRequested();
+            right = right && !CameraSp(dynamic.portName(), baudRate, clock).stopRequested();
         return right;
     });
 }

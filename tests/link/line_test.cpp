@@ -143,15 +143,15 @@ TEST_F(SharedLine, LateAnswerIsDiscardedForTheUserWhoWaited) {
     reading.get();
     // One for the heartbeat itself, one between the two.
     EXPECT_EQ(fake_serial::count("flushInput"), 2);
-    ASSERT_EQ(sleeps.size(), 1U);
-    EXPECT_LE(sleeps.front(), 500ms);
+    ASSERT_EQ(clock.pauses().size(), 1U);
+    EXPECT_LE(clock.pauses().front(), 500ms);
 }
 
 TEST_F(SharedLine, NothingIsDiscardedBetweenLoneCommands) {
     camera.getSn();
     camera.getModelInfo();
     EXPECT_EQ(fake_serial::count("flushInput"), 0);
-    EXPECT_TRUE(sleeps.empty());
+    EXPECT_TRUE(clock.pauses().empty());
 }
 
 TEST_F(SharedLine, CallsBackBetweenTwoReadsOnTheCommandsThread) {
@@ -190,7 +190,7 @@ TEST_F(SharedLine, NegativeReadSizeIsRefused) {
 }
 
 TEST_F(SharedLine, ShortPauseDoesNotSleep) {
-    CameraSp::replaceSleep({});
+    clock.pauseForReal();
     auto shortest = std::chrono::steady_clock::duration::max();
     for (int attempt = 0; attempt < 10; ++attempt) { // of which the scheduler may spoil some
         const auto before = std::chrono::steady_clock::now();
@@ -202,7 +202,7 @@ TEST_F(SharedLine, ShortPauseDoesNotSleep) {
 }
 
 TEST_F(SharedLine, ShortPauseSeesTheStop) {
-    CameraSp::replaceSleep({});
+    clock.pauseForReal();
     camera.requestStop();
     EXPECT_FALSE(camera.pause(1000ns));
 }

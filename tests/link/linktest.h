@@ -4,6 +4,7 @@
 #include "link/camerasp.h"
 #include "tests/fake/fakeserial.h"
 #include "tests/support/stdoutcapture.h"
+#include "tests/support/testclock.h"
 
 #include <gtest/gtest.h>
 
@@ -15,14 +16,11 @@ using fake_serial::bytes;
 using fake_serial::hex;
 using Lines = std::vector<std::string>;
 
-/// A client on the recording library, with the calls of its construction already forgotten and every sleep
-/// recorded instead of slept.
+/// A client on the recording library, with the calls of its construction already forgotten and pauses that
+/// end at once.
 class LinkTest : public testing::Test {
 protected:
-    LinkTest() {
-        CameraSp::replaceSleep([this](std::chrono::nanoseconds time) { sleeps.push_back(time); });
-    }
-    ~LinkTest() override { CameraSp::replaceSleep({}); }
+    LinkTest() { clock.skipPauses(); }
 
     /// The calls since the client was made.
     [[nodiscard]] static Lines calls() {
@@ -39,8 +37,8 @@ protected:
 
     FreshLibrary fresh; // before the client, whose construction is the first call
     StdoutCapture out;
-    std::vector<std::chrono::nanoseconds> sleeps;
-    CameraSp camera{"COM9", 460800};
+    TestClock clock;
+    CameraSp camera{"COM9", 460800, clock};
 };
 
 /// `count` lines of the same text.

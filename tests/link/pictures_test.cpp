@@ -42,7 +42,7 @@ TEST_F(Pictures, CaptureSucceedsOnlyForResultZero) {
 TEST_F(Pictures, CaptureV1WaitsHalfASecondBetweenRequestAndAnswer) {
     answer("AA 5A 01 C6 01 00 00 00 00 00 00");
     EXPECT_TRUE(camera.captureV1());
-    EXPECT_EQ(sleeps, (std::vector<std::chrono::nanoseconds>{500ms}));
+    EXPECT_EQ(clock.pauses(), (std::vector<std::chrono::nanoseconds>{500ms}));
     EXPECT_FALSE(camera.captureV1());
     EXPECT_EQ(out.lines(), Lines{"error in captureV1"});
 }
@@ -239,7 +239,7 @@ TEST_F(TakePic, SendsFiveRequestsWithoutTheOffsetAndWritesThePicture) {
                               "write AA 5A 01 07 00 00 00 00 38 2C", "read 1024", "flush",
                               "write AA 5A 01 09 09 00 00 00 05 00 00 00 00 14 00 00 00 45 42", "read 512",
                               "flush", "write AA 5A 01 08 01 00 00 00 FF 4C AC", "read 512"}));
-    EXPECT_EQ(sleeps, (std::vector<std::chrono::nanoseconds>{1s, 1s, 1s, 1s}));
+    EXPECT_EQ(clock.pauses(), (std::vector<std::chrono::nanoseconds>{1s, 1s, 1s, 1s}));
     EXPECT_EQ(ScratchFolder::read("a.jpg"), upTo(0x13));
 }
 

@@ -1,6 +1,7 @@
 // Opening, closing, stopping, and what an exception of the library becomes.
 #include "tests/link/linktest.h"
 #include "tests/support/scratchfolder.h"
+#include "tests/support/testclock.h"
 
 #include <atomic>
 #include <cerrno>
@@ -138,18 +139,16 @@ const std::vector<CommandCase>& commands() {
 
 class EveryCommand : public Session, public testing::WithParamInterface<CommandCase> {
 protected:
-    EveryCommand() {
-        CameraSp::replaceSleep([](auto) {});
-    }
-    ~EveryCommand() override { CameraSp::replaceSleep({}); }
+    EveryCommand() { clock.skipPauses(); }
 
     ScratchFolder folder;
+    TestClock clock;
 };
 
 TEST_P(EveryCommand, ReportsAnExceptionOfTheLibraryByValue) {
     for (const char* call : {"setTimeout", "flush", "flushInput", "write", "read"}) {
         fake_serial::reset();
-        CameraSp camera("COM9", 460800);
+        CameraSp camera("COM9", 460800, clock);
         fake_serial::throwOn(call);
         // A call that the command does not make cannot fail it; an endless download still has to end.
         fake_serial::willReadForever({0x00});
@@ -159,7 +158,7 @@ TEST_P(EveryCommand, ReportsAnExceptionOfTheLibraryByValue) {
 }
 
 TEST_P(EveryCommand, MakesNoLibraryCallOnceTheLinkIsStopped) {
-    CameraSp camera("COM9", 460800);
+    CameraSp camera("COM9", 460800, clock);
     camera.requestStop();
     EXPECT_TRUE(GetParam().failed(camera));
     EXPECT_EQ(fake_serial::calls().size(), 1U) << "only the opening";

@@ -152,11 +152,11 @@ TEST_F(Versions, TextEndsAtItsFirstZeroByte) {
 
 TEST_F(Versions, SystemVersionWaitsAndTheThirdOnlySaysSo) {
     camera.getSystemVersion();
-    ASSERT_EQ(sleeps.size(), 1U);
-    EXPECT_EQ(sleeps.front(), std::chrono::milliseconds(100));
+    ASSERT_EQ(clock.pauses().size(), 1U);
+    EXPECT_EQ(clock.pauses().front(), std::chrono::milliseconds(100));
     EXPECT_EQ(out.lines().front(), "delay 100ms");
     camera.getQvVersion();
-    EXPECT_EQ(sleeps.size(), 1U);
+    EXPECT_EQ(clock.pauses().size(), 1U);
     EXPECT_TRUE(out.has("qvversion delay 100ms"));
     EXPECT_EQ(out.lines().back(), "propertyValue error:");
 }

@@ -113,7 +113,7 @@ TEST_F(Upload, UnansweredAnnouncementMakesExactlyTheseCalls) {
     EXPECT_EQ(made[0], timeouts(1000));
     EXPECT_EQ(made[1], "flush");
     EXPECT_EQ(Lines(made.begin() + 3, made.end()), times(10, "read 15"));
-    EXPECT_TRUE(sleeps.empty());
+    EXPECT_TRUE(clock.pauses().empty());
     EXPECT_TRUE(out.has("appupdate queryCanUpdate checkfailed"));
     camera.firewareUpdate();
     EXPECT_TRUE(out.has("firewareupdate queryfireware cmd checkfailed"));
@@ -128,7 +128,7 @@ TEST_F(Upload, AppImageIsStreamedInSlicesAndJudged) {
     EXPECT_TRUE(camera.appUpdate());
     EXPECT_EQ(chunkSizes(), (std::vector<std::size_t>{512, 512, 276}));
     EXPECT_EQ(streamed(), counting(1300));
-    EXPECT_EQ(sleeps, (std::vector<std::chrono::nanoseconds>{2s, 1000ns, 1000ns, 1000ns}));
+    EXPECT_EQ(clock.pauses(), (std::vector<std::chrono::nanoseconds>{2s, 1000ns, 1000ns, 1000ns}));
     EXPECT_EQ(fake_serial::count("flush"), 1) << "no flush before the chunks of an application image";
     EXPECT_EQ(fake_serial::count("read"), 2);
 }
@@ -226,7 +226,7 @@ TEST_F(Upload, RefusedModelSendsNothing) {
     EXPECT_FALSE(camera.modelUpdate());
     EXPECT_EQ(out.lines().back(), "cant update:1  1");
     EXPECT_EQ(fake_serial::writes().size(), 2U);
-    EXPECT_EQ(sleeps, (std::vector<std::chrono::nanoseconds>{2s, 2s}))
+    EXPECT_EQ(clock.pauses(), (std::vector<std::chrono::nanoseconds>{2s, 2s}))
         << "the pause comes before a refusal too";
 }
 
@@ -471,12 +471,12 @@ TEST_F(UploadV1, AnUnansweredFifthAnnouncementFailsAtOnce) {
     EXPECT_FALSE(run(abc));
     EXPECT_EQ(fake_serial::writes().size(), 5U);
     EXPECT_EQ(out.lines().back(), "appupdateV1 queryCanUpdate checkfailed");
-    EXPECT_TRUE(sleeps.empty()) << "no pause after the last";
+    EXPECT_TRUE(clock.pauses().empty()) << "no pause after the last";
 }
 
 TEST_F(UploadV1, EachUnansweredAnnouncementIsFollowedByAShortPause) {
     EXPECT_FALSE(run(abc));
-    EXPECT_EQ(sleeps, (std::vector<std::chrono::nanoseconds>{50ms, 50ms, 50ms, 50ms}));
+    EXPECT_EQ(clock.pauses(), (std::vector<std::chrono::nanoseconds>{50ms, 50ms, 50ms, 50ms}));
     EXPECT_EQ(fake_serial::count("read"), 50);
 }
 
@@ -484,7 +484,7 @@ TEST_F(UploadV1, RefusalAndShortAnswersFail) {
     announcementsAnswered(v1Cannot);
     EXPECT_FALSE(run(abc));
     EXPECT_EQ(out.lines().back(), "cant update");
-    EXPECT_EQ(sleeps.back(), 1s);
+    EXPECT_EQ(clock.pauses().back(), 1s);
     announcementsAnswered("AA 5A 01 1D 03 00 00 00 01 00 03 00 00");
     const std::size_t before = out.lines().size();
     EXPECT_FALSE(run(abc));
@@ -496,7 +496,7 @@ TEST_F(UploadV1, ACameraThatWantsDataGetsNoneAndTheUploadFails) {
     EXPECT_FALSE(run(abc));
     EXPECT_EQ(out.lines().back(), "data cmd:aa5a011e0b0000000000000003000000616263fca5");
     EXPECT_EQ(fake_serial::writes().size(), 5U);
-    EXPECT_EQ(sleeps.back(), 30ms);
+    EXPECT_EQ(clock.pauses().back(), 30ms);
     EXPECT_EQ(calls().back(), timeouts(200, 2000));
 }
 

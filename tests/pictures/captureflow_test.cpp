@@ -3,10 +3,13 @@
 #include "tests/pictures/debuglines.h"
 #include "tests/pictures/scriptedcamera.h"
 #include "tests/pictures/unwritabledirectory.h"
+#include "tests/support/testclock.h"
 
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QTest>
+
+#include <set>
 
 namespace {
 
@@ -18,7 +21,12 @@ constexpr std::uint32_t json = 3;
 constexpr std::uint32_t secondGeneration = 4;
 
 constexpr int enoughMs = 5000;
-constexpr int afterCatalogueMs = 1100; // the catalogue is read after 800 ms
+constexpr int speed = 10;
+constexpr std::chrono::milliseconds captureDelay{100};
+constexpr std::chrono::milliseconds catalogueDelay{800};
+constexpr std::chrono::milliseconds stateRound{500};
+constexpr std::chrono::milliseconds downloadDelay{100};
+constexpr int afterCatalogueMs = 1500 / speed; // the catalogue is read after 800 ms
 
 const std::string v1DeletionBefore = "AA 5A 01 C8 07 00 00 00 FF 00 00 00 00 00 00 9D F6";
 
@@ -41,17 +49,17 @@ protected:
     CaptureFlowTest() {
         label.setText("图片显示区");
         label.resize(200, 100);
+        clock.speedUp(speed);
         link();
     }
     ~CaptureFlowTest() override {
         unlink();
         flow.reset();
         QThreadPool::globalInstance()->waitForDone();
-        CameraSp::replaceSleep({});
     }
 
     void link() {
-        client = std::make_unique<CameraSp>("COM9", 460800);
+        client = std::make_unique<CameraSp>("COM9", 460800, clock);
         flow->attachClient(client.get());
     }
 
@@ -94,6 +102,7 @@ protected:
     QLabel label;
     std::vector<bool> controls;
     DebugLines debug;
+    TestClock clock;
     std::unique_ptr<CameraSp> client;
     std::unique_ptr<CaptureFlow> flow =
         std::make_unique<CaptureFlow>(&label, [this](bool allowed) { controls.push_back(allowed); });
@@ -125,15 +134,13 @@ TEST_F(CaptureFlowTest, DeletesCapturesListsDownloadsAndShows) {
 TEST_F(CaptureFlowTest, KeepsItsTimes) {
     willTakeOrigin(jpeg(40, 30, Qt::red));
     flow->start(firstGeneration);
-    QTest::qWait(50);
+    EXPECT_EQ(clock.timers(), (std::vector{captureDelay, catalogueDelay}));
     EXPECT_EQ(camera.codes().size(), 1U);
-    QTest::qWait(150); // capture at 100 ms
-    EXPECT_EQ(camera.codes().size(), 2U);
-    QTest::qWait(450);
-    EXPECT_EQ(camera.codes().size(), 2U);
-    QTest::qWait(200); // catalogue at 800 ms
-    EXPECT_EQ(camera.codes().size(), 3U);
-    ASSERT_TRUE(waitForControls()); // download at 1000 ms, when the state is looked at, and 100 ms
+    ASSERT_TRUE(waitForControls());
+    const std::vector<std::chrono::nanoseconds> pauses = clock.pauses();
+    ASSERT_GE(pauses.size(), 2U);
+    EXPECT_EQ(std::set(pauses.begin(), pauses.end() - 1), std::set<std::chrono::nanoseconds>{stateRound});
+    EXPECT_EQ(pauses.back(), downloadDelay);
 }
 
 TEST_F(CaptureFlowTest, EveryOtherCameraTypeIsTheFirstGeneration) {
@@ -219,15 +226,13 @@ TEST_F(CaptureFlowTest, ACatalogueThatIsEmptyTwiceEndsItWithoutADownload) {
 }
 
 TEST_F(CaptureFlowTest, AfterTenRoundsItGoesOnWithWhatIsKnown) {
-    std::atomic<int> halfSeconds{0};
-    CameraSp::replaceSleep([&halfSeconds](std::chrono::nanoseconds time) {
-        halfSeconds += time == std::chrono::milliseconds(500) ? 1 : 0;
-    });
+    clock.speedUp(1);
+    clock.skipPauses();
     camera.willSay(0x08, 0);
     camera.willSend(0x09, 0, {});
     flow->start(firstGeneration);
     ASSERT_TRUE(waitForLine("pic end"));
-    EXPECT_EQ(halfSeconds, 10);
+    EXPECT_EQ(clock.pauses(), std::vector<std::chrono::nanoseconds>(10, stateRound));
     EXPECT_TRUE(debug.has("pic start  0    0"));
     EXPECT_EQ(camera.requests().back().substr(0, 50), "AA 5A 01 09 09 00 00 00 00 00 00 00 00 00 00 00 00");
     EXPECT_TRUE(QFile::exists("0.jpg"));
@@ -308,7 +313,7 @@ TEST_F(CaptureFlowTest, MayLoseItsLinkAtAnyStep) {
     for (const int atMs : {0, 60, 150, 700, 850, 950}) {
         willTakeOrigin(jpeg(40, 30, Qt::red));
         flow->start(firstGeneration);
-        QTest::qWait(atMs);
+        QTest::qWait(atMs / speed);
         QElapsedTimer closing;
         closing.start();
         unlink();
@@ -326,7 +331,7 @@ TEST_F(CaptureFlowTest, MayBeDestroyedAtAnyStep) {
     for (const int atMs : {0, 150, 850}) {
         willTakeOrigin(jpeg(40, 30, Qt::red));
         flow->start(firstGeneration);
-        QTest::qWait(atMs);
+        QTest::qWait(atMs / speed);
         flow.reset();
         QTest::qWait(afterCatalogueMs);
         EXPECT_TRUE(labelIsEmpty());

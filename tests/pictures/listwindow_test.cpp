@@ -7,6 +7,7 @@
 #include "tests/pictures/scriptedcamera.h"
 #include "tests/pictures/unwritabledirectory.h"
 #include "tests/support/recordingobserver.h"
+#include "tests/support/testclock.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -21,8 +22,9 @@ namespace {
 using scripted::bytes;
 using scripted::jpeg;
 
-constexpr int reloadDelayMs = 1000;
-constexpr int afterReloadMs = reloadDelayMs + 200;
+constexpr int speed = 10;
+constexpr std::chrono::milliseconds reloadDelay{1000};
+constexpr int afterReloadMs = 2000 / speed;
 const QString missingText = QStringLiteral("图片不存在或者图片数据错误");
 
 /// What the two generations differ in, as the user and the camera see it.
@@ -95,14 +97,12 @@ const Generation v1{
 class PictureListTest : public scripted::PictureTest, public testing::WithParamInterface<Generation> {
 protected:
     PictureListTest() {
-        CameraSp::replaceSleep([](std::chrono::nanoseconds) {});
+        clock.speedUp(speed);
+        clock.skipPauses();
         window = generation.make(nullptr, &client);
         window->show();
     }
-    ~PictureListTest() override {
-        delete window.data();
-        CameraSp::replaceSleep({});
-    }
+    ~PictureListTest() override { delete window.data(); }
 
     [[nodiscard]] QPushButton* button(const QString& name) const {
         return window->findChild<QPushButton*>(name);
@@ -151,7 +151,8 @@ protected:
     }
 
     const Generation& generation = GetParam();
-    CameraSp client{"COM9", 460800};
+    TestClock clock;
+    CameraSp client{"COM9", 460800, clock};
     QPointer<PictureListWindow> window;
     std::size_t asked = 0;
     DebugLines debug;
@@ -208,9 +209,9 @@ TEST_P(PictureListTest, DeletingAllClearsTheListAndReadsItAgainASecondLater) {
     button("btn_delete_all")->click();
     EXPECT_EQ(newRequests(), std::vector{generation.deleteAllFrame});
     EXPECT_EQ(model()->rowCount(), 0);
-    QTest::qWait(reloadDelayMs - 300);
     EXPECT_EQ(newRequests().size(), 1U);
-    QTest::qWait(500);
+    EXPECT_EQ(clock.timers(), std::vector{reloadDelay});
+    QTest::qWait(afterReloadMs);
     EXPECT_EQ(newRequests().size(), 2U);
     EXPECT_EQ(model()->rowCount(), 1);
     EXPECT_EQ(debug.has("delV1 result ui: true"), generation.deletion == 0xC8);
@@ -263,9 +264,9 @@ TEST_P(PictureListTest, TakingAPictureTellsTheResultAndRefreshesASecondAfterTheB
     EXPECT_EQ(box()->standardButtons(), QMessageBox::Yes);
     EXPECT_EQ(camera.codes(), std::vector<int>{generation.capture});
     box()->button(QMessageBox::Yes)->click();
-    QTest::qWait(reloadDelayMs - 300);
     EXPECT_EQ(camera.codes().size(), 1U);
-    QTest::qWait(500);
+    EXPECT_EQ(clock.timers(), std::vector{reloadDelay});
+    QTest::qWait(afterReloadMs);
     EXPECT_EQ(camera.codes(), (std::vector<int>{generation.capture, generation.catalogue}));
     EXPECT_EQ(model()->rowCount(), 1);
     EXPECT_EQ(box(), nullptr);

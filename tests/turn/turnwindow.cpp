@@ -57,11 +57,22 @@ std::vector<emulator::Picture> firstPictures() {
     return pictures;
 }
 
-void cutPause(std::chrono::nanoseconds asked) {
-    std::this_thread::sleep_for(asked >= 3s   ? cutThreeSeconds
-                                : asked >= 2s ? cutTwoSeconds
-                                : asked >= 1s ? cutSecond
-                                              : asked);
+/// Shortens the long pauses of uploads and return waits.
+class CutPauses final : public Clock {
+public:
+    bool pause(std::unique_lock<std::mutex>& lock, std::condition_variable& changed,
+               std::chrono::nanoseconds duration) override {
+        return Clock::pause(lock, changed,
+                            duration >= 3s   ? cutThreeSeconds
+                            : duration >= 2s ? cutTwoSeconds
+                            : duration >= 1s ? cutSecond
+                                             : duration);
+    }
+};
+
+Clock& clockFor(TurnWindow::Pauses pauses) {
+    static CutPauses cut;
+    return pauses == TurnWindow::Pauses::cut ? cut : Clock::system();
 }
 
 emulator::CameraSettings settingsFor(const TurnWindow::Setup& setup) {
@@ -99,8 +110,6 @@ TurnWindow::TurnWindow(const Setup& setup)
     : m_setup(setup), m_camera(settingsFor(setup)), m_boxes(QMessageBox::Yes) {
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QThreadPool::globalInstance()->setMaxThreadCount(poolThreads);
-    if (setup.pauses == Pauses::cut)
-        CameraSp::replaceSleep(&cutPause);
     m_camera.withCamera([this](VirtualCamera& camera) {
         camera.onEvent([this](const emulator::Event& event) {
             if (event.text.starts_with("upload complete"))
@@ -108,7 +117,7 @@ TurnWindow::TurnWindow(const Setup& setup)
         });
     });
     renewCamera();
-    m_window = std::make_unique<MainWindow>();
+    m_window = std::make_unique<MainWindow>(nullptr, clockFor(setup.pauses));
     m_window->show();
     chooseType();
     openLink();
@@ -117,7 +126,6 @@ TurnWindow::TurnWindow(const Setup& setup)
 TurnWindow::~TurnWindow() {
     m_window.reset();
     QThreadPool::globalInstance()->waitForDone();
-    CameraSp::replaceSleep({});
 }
 
 void TurnWindow::fillCamera(VirtualCamera& camera) {

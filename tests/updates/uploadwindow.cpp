@@ -47,30 +47,16 @@ void PrintTo(const WindowUpload& upload, std::ostream* out) {
     *out << upload.name;
 }
 
-/// What the link was asked to sleep, from any thread.
-struct UploadWindow::NotedPauses {
-    std::mutex mutex;
-    std::vector<std::chrono::nanoseconds> asked;
-};
-
 UploadWindow::UploadWindow()
-    : camera(emulator::CameraType::ostra), window(std::make_unique<MainWindow>()),
-      m_pauses(std::make_shared<NotedPauses>()) {
+    : camera(emulator::CameraType::ostra), window(std::make_unique<MainWindow>(nullptr, clock)) {
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    CameraSp::replaceSleep([pauses = m_pauses](std::chrono::nanoseconds asked) {
-        {
-            const std::lock_guard lock(pauses->mutex);
-            pauses->asked.push_back(asked);
-        }
-        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(asked, shortPause));
-    });
+    clock.limitPauses(shortPause);
     camera.withCamera([](VirtualCamera& each) { each.settings().updateRestartTime = 0s; });
     window->show();
 }
 
 UploadWindow::~UploadWindow() {
     window.reset();
-    CameraSp::replaceSleep({});
 }
 
 QString UploadWindow::writeFile(const QString& name, int size) {
@@ -134,14 +120,9 @@ QString UploadWindow::outcome(int timeoutMs) {
     return boxes.seen()[0].text;
 }
 
-void UploadWindow::realPauses() {
-    CameraSp::replaceSleep({});
-}
-
 std::vector<std::chrono::milliseconds> UploadWindow::longPauses() const {
-    const std::lock_guard lock(m_pauses->mutex);
     std::vector<std::chrono::milliseconds> found;
-    for (const std::chrono::nanoseconds each : m_pauses->asked) {
+    for (const std::chrono::nanoseconds each : clock.pauses()) {
         if (each >= 500ms)
             found.push_back(std::chrono::duration_cast<std::chrono::milliseconds>(each));
     }

@@ -6,6 +6,7 @@
 #include "tests/gui/support/guitest.h"
 #include "tests/gui/support/printing.h"
 #include "tests/support/stdoutcapture.h"
+#include "tests/support/testclock.h"
 
 #include <gtest/gtest.h>
 
@@ -47,7 +48,7 @@ protected:
     void fault(const std::string& description);
     /// The only box of an upload that has been started, answered; its text.
     QString outcome(int timeoutMs = 50000);
-    void realPauses();
+    void realPauses() { clock.pauseForReal(); }
     [[nodiscard]] std::vector<std::chrono::milliseconds> longPauses() const;
     emulator::CameraRecord record();
 
@@ -58,9 +59,6 @@ protected:
     StdoutCapture quiet;
     guitest::DebugLog log;
     emulator::PtyFront camera;
+    TestClock clock;
     std::unique_ptr<MainWindow> window;
-
-private:
-    struct NotedPauses;
-    std::shared_ptr<NotedPauses> m_pauses;
 };
