@@ -22,17 +22,17 @@ if(CAMERA_SANITIZE MATCHES "thread")
     "TSAN_OPTIONS=second_deadlock_stack=1:suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endif()
 
-# camera_test(name SOURCES... [LINK targets...] [GUI] [OWN_MAIN] [LABELS labels...] [TIMEOUT seconds])
+# camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [LABELS labels...] [TIMEOUT seconds])
 #
 # A GoogleTest program; ctest runs every test of it as a process of its own, several at once. Each test
 # starts in an empty working directory of its own, which disappears with it: pictures are written into the
 # working directory.
-#   GUI       the program's main makes a QApplication on the offscreen platform, and Qt6::Test is linked
-#   OWN_MAIN  the sources bring their own main
-#   LABELS    "threads" for tests worth running under the thread sanitizer
-#   TIMEOUT   for one test, 60 s if not given; sanitizers get three times as much
+#   GUI          main makes a QApplication on the offscreen platform; Qt6::Test and test_windows are linked
+#   APPLICATION  as GUI, with the product's own application object
+#   LABELS       "threads" for tests worth running under the thread sanitizer
+#   TIMEOUT      for one test, 60 s if not given; sanitizers get three times as much
 function(camera_test name)
-  cmake_parse_arguments(arg "GUI;OWN_MAIN" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(arg "GUI;APPLICATION" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "camera_test(${name}): what is ${arg_UNPARSED_ARGUMENTS}?")
   endif()
@@ -45,23 +45,32 @@ function(camera_test name)
 
   set(environment ${camera_test_environment})
   set(libraries ${arg_LINK} GTest::gmock GTest::gtest)
-  set(main "${PROJECT_SOURCE_DIR}/tests/support/testmain.cpp")
+  set(sources ${arg_SOURCES} "${PROJECT_SOURCE_DIR}/tests/support/testmain.cpp")
   set(precompiled <gmock/gmock.h> <gtest/gtest.h> <chrono> <functional> <thread>)
-  if(arg_GUI)
+  set(application "")
+  if(arg_APPLICATION)
+    set(application Application)
+    set(header app/application.h)
+  elseif(arg_GUI)
+    set(application QApplication)
+    set(header QApplication)
+  endif()
+  if(application)
     list(APPEND precompiled <QApplication> <QTest> <QtWidgets>)
-    list(APPEND libraries Qt6::Widgets Qt6::Test)
+    list(APPEND libraries test_windows Qt6::Widgets Qt6::Test)
     list(APPEND environment "QT_QPA_PLATFORM=offscreen")
-    set(main "${PROJECT_SOURCE_DIR}/tests/support/guitestmain.cpp")
   endif()
-  if(arg_OWN_MAIN)
-    set(main "")
-  endif()
-  if(arg_GUI AND CAMERA_SANITIZE MATCHES "thread")
-    list(APPEND main "${PROJECT_SOURCE_DIR}/tests/support/qthandover.cpp")
+  if(application AND CAMERA_SANITIZE MATCHES "thread")
+    list(APPEND sources "${PROJECT_SOURCE_DIR}/tests/support/qthandover.cpp")
     list(APPEND libraries ${CMAKE_DL_LIBS})
   endif()
 
-  camera_program(${name} SOURCES ${arg_SOURCES} ${main} LINK ${libraries})
+  camera_program(${name} SOURCES ${sources} LINK ${libraries})
+  if(application)
+    target_compile_definitions(${name} PRIVATE
+      TEST_APPLICATION=${application}
+      TEST_APPLICATION_HEADER="${header}")
+  endif()
   if(CAMERA_FAST_BUILD)
     list(LENGTH arg_SOURCES source_count)
     if(source_count GREATER 2)

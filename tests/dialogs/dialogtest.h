@@ -3,7 +3,7 @@
 
 #include "link/camerasp.h"
 #include "linkaccess/clientborrower.h"
-#include "tests/dialogs/debuglog.h"
+#include "tests/support/debuglog.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 // The window that shows how the camera is mounted.
 #include "dialogs/setcameralocation.h"
-#include "tests/dialogs/heldpause.h"
+#include "tests/support/heldpause.h"
 #include "tests/dialogs/recordeddialogtest.h"
 
 using namespace std::chrono_literals;

@@ -1,6 +1,6 @@
 // The window of the gyro's capture settings.
 #include "dialogs/setcapturedegree.h"
-#include "tests/dialogs/heldpause.h"
+#include "tests/support/heldpause.h"
 #include "tests/dialogs/recordeddialogtest.h"
 
 #include <QElapsedTimer>

@@ -2,7 +2,7 @@
 // scripts and presets have to be there with the options named.
 #include "emulator/line/pty.h"
 #include "tests/docs/markdown.h"
-#include "tests/emulator/program.h"
+#include "tests/emulator/program/program.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "tests/life/livingwindow.h"
 
 #include "dialogs/setcameraprotocol.h"
-#include "tests/gui/support/printing.h"
+#include "tests/support/printing.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>

@@ -3,7 +3,7 @@
 
 #include "app/mainwindow.h"
 #include "emulator/line/ptyfront.h"
-#include "tests/gui/support/guitest.h"
+#include "tests/support/guitest.h"
 
 #include <chrono>
 #include <functional>

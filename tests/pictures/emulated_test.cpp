@@ -5,7 +5,7 @@
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
 #include "pictures/picturelistmodel.h"
-#include "tests/pictures/debuglines.h"
+#include "tests/support/debuglines.h"
 #include "tests/support/cameratype.h"
 #include "tests/support/stdoutcapture.h"
 

@@ -1,7 +1,7 @@
 // The window of one picture.
 #include "pictures/imgdialog.h"
-#include "tests/pictures/debuglines.h"
-#include "tests/pictures/scriptedcamera.h"
+#include "tests/support/debuglines.h"
+#include "tests/support/scriptedcamera.h"
 
 #include <QFrame>
 #include <QLabel>

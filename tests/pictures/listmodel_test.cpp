@@ -1,8 +1,8 @@
 // The rows of the picture lists.
 #include "pictures/piclistmodel.h"
 #include "pictures/piclistv1model.h"
-#include "tests/pictures/debuglines.h"
-#include "tests/pictures/scriptedcamera.h"
+#include "tests/support/debuglines.h"
+#include "tests/support/scriptedcamera.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>

@@ -3,9 +3,9 @@
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
 #include "pictures/picturelistmodel.h"
-#include "tests/pictures/debuglines.h"
-#include "tests/pictures/scriptedcamera.h"
-#include "tests/pictures/unwritabledirectory.h"
+#include "tests/support/debuglines.h"
+#include "tests/support/scriptedcamera.h"
+#include "tests/support/unwritabledirectory.h"
 #include "tests/support/recordingobserver.h"
 
 #include <QApplication>

@@ -3,9 +3,9 @@
 
 #include "app/mainwindow.h"
 #include "emulator/line/ptyfront.h"
-#include "tests/gui/support/guitest.h"
+#include "tests/support/guitest.h"
 #include "tests/turn/linejudge.h"
-#include "tests/updates/uploadwindow.h"
+#include "tests/support/uploadwindow.h"
 
 #include <algorithm>
 #include <chrono>

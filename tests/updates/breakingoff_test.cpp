@@ -1,5 +1,5 @@
 // Closing the link or the window while an upload or a return wait runs.
-#include "tests/updates/uploadwindow.h"
+#include "tests/support/uploadwindow.h"
 
 #include <QElapsedTimer>
 #include <QMessageBox>

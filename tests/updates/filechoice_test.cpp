@@ -1,5 +1,5 @@
 // Choosing the files, and pressing a button without one.
-#include "tests/updates/uploadwindow.h"
+#include "tests/support/uploadwindow.h"
 
 #include <QDir>
 #include <QLabel>

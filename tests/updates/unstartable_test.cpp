@@ -1,5 +1,5 @@
 // An upload whose thread the system does not start.
-#include "tests/updates/uploadwindow.h"
+#include "tests/support/uploadwindow.h"
 
 #include <atomic>
 #include <cerrno>

@@ -1,7 +1,7 @@
 // Uploads through the main window: what is sent, what is locked, what is shown and logged.
 #include "dialogs/setsn.h"
 #include "link/protocol/uploads.h"
-#include "tests/updates/uploadwindow.h"
+#include "tests/support/uploadwindow.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -8,7 +8,7 @@
 #include "dialogs/setcameralocation.h"
 #include "emulator/line/devicefront.h"
 #include "emulator/line/terminalcamera.h"
-#include "tests/gui/support/guitest.h"
+#include "tests/support/guitest.h"
 
 #include <QComboBox>
 #include <QDir>

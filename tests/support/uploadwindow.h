@@ -1,0 +1,66 @@
+// The main window with a virtual camera behind a pty, as somebody uses it who uploads files.
+#pragma once
+
+#include "app/mainwindow.h"
+#include "emulator/line/ptyfront.h"
+#include "tests/support/guitest.h"
+#include "tests/support/printing.h"
+#include "tests/support/stdoutcapture.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+using guitest::FileChooser;
+
+/// One kind of upload as the window offers it.
+struct WindowUpload {
+    const char* name;
+    const char* pathButton;
+    const char* updateButton;
+    const char* pathLabel;
+    const char* request;  ///< announcement, as the virtual camera calls it
+    std::uint8_t code;    ///< the same
+    const char* startLog; ///< debug line with which the task starts
+    bool secondProtocol;
+};
+void PrintTo(const WindowUpload& upload, std::ostream* out);
+
+extern const WindowUpload appUpload;
+extern const WindowUpload appUploadV1;
+extern const WindowUpload systemUpload;
+extern const WindowUpload modelUpload;
+
+/// Pauses of the link are cut to a few ms and noted, unless a test asks for real ones.
+class UploadWindow : public testing::Test {
+protected:
+    UploadWindow();
+    ~UploadWindow() override;
+
+    static QString writeFile(const QString& name, int size);
+    void open();
+    /// Chooses the camera of the second protocol in the window and makes the virtual camera one.
+    void useSecondProtocol(bool holdsImage);
+    void choose(const WindowUpload& upload, const QString& path);
+    /// Chooses a file of this many bytes and presses the button; the camera is one that fits.
+    void start(const WindowUpload& upload, int size = 1300, bool holdsImage = true);
+    void fault(const std::string& description);
+    /// The only box of an upload that has been started, answered; its text.
+    QString outcome(int timeoutMs = 50000);
+    void realPauses();
+    [[nodiscard]] std::vector<std::chrono::milliseconds> longPauses() const;
+    emulator::CameraRecord record();
+
+    /// The controls and menu entries that are kept away during an upload and the return wait.
+    [[nodiscard]] QStringList enabledExchanges() const;
+    [[nodiscard]] QStringList allExchanges() const;
+
+    StdoutCapture quiet;
+    guitest::DebugLog log;
+    emulator::PtyFront camera;
+    std::unique_ptr<MainWindow> window;
+
+private:
+    struct NotedPauses;
+    std::shared_ptr<NotedPauses> m_pauses;
+};
