@@ -54,14 +54,14 @@ TEST(ApplicationWindows, BearTheProgramsIcon) {
     EXPECT_EQ(QGuiApplication::desktopFileName(), "shelf-camera-tool");
 }
 
-TEST(QtsOwnTexts, AreChineseWhereQtsTranslationIsInstalled) {
+TEST(QtsOwnTexts, AreChineseWithInstalledTranslation) {
     const bool chinese = chineseIsInstalled();
     EXPECT_EQ(buttonText(QMessageBox::Ok), chinese ? "确定" : "OK");
     EXPECT_EQ(buttonText(QMessageBox::Yes), chinese ? "是(Y)" : "Yes");
     EXPECT_EQ(buttonText(QMessageBox::No), chinese ? "否(N)" : "No");
 }
 
-TEST(QtsOwnTexts, LeaveTheMessagesOfTheJsonParserAsTheyAre) {
+TEST(QtsOwnTexts, KeepJsonParserMessages) {
     QJsonParseError error{};
     QJsonDocument::fromJson("{]", &error);
     EXPECT_EQ(error.errorString(), "unterminated object");
@@ -69,7 +69,7 @@ TEST(QtsOwnTexts, LeaveTheMessagesOfTheJsonParserAsTheyAre) {
     EXPECT_EQ(error.errorString(), "illegal value");
 }
 
-TEST(FailureWords, TellPortsOnWindowsApartByErrorNumberAndText) {
+TEST(FailureWords, DistinguishPortFailuresOnWindows) {
     const FailureText missing =
         textOf(serial::IOException("win.cc", 1, "Specified port, COM7, does not exist."));
     EXPECT_TRUE(missing.advice.contains("串口不存在或已拔出"));
@@ -81,7 +81,7 @@ TEST(FailureWords, TellPortsOnWindowsApartByErrorNumberAndText) {
     EXPECT_TRUE(other.what.startsWith("打开串口失败："));
 }
 
-TEST(FailureWords, KnowPlainTextsStandardExceptionsAndTheRest) {
+TEST(FailureWords, DescribeEveryKindOfException) {
     EXPECT_EQ(textOf(static_cast<const char*>("serial port size>1")).what, "操作失败：serial port size>1");
     EXPECT_EQ(textOf(std::runtime_error("no more")).what, "操作失败：no more");
     EXPECT_EQ(textOf(42).what, "操作失败：未知错误");

@@ -1,6 +1,6 @@
 // The take-picture flow: frames, pictures, log lines, controls, and links that end in the middle of it.
 #include "app/captureflow.h"
-#include "tests/support/debuglines.h"
+#include "tests/support/debuglog.h"
 #include "tests/support/scriptedcamera.h"
 #include "tests/support/unwritabledirectory.h"
 
@@ -79,7 +79,7 @@ protected:
         return QTest::qWaitFor([this] { return !controls.empty() && controls.back(); }, enoughMs);
     }
     [[nodiscard]] bool waitForLine(const QString& line) const {
-        return QTest::qWaitFor([&] { return debug.has(line); }, enoughMs);
+        return QTest::qWaitFor([&] { return DebugLog::hasStart(line); }, enoughMs);
     }
     [[nodiscard]] bool waitForRequest(int code) const {
         return QTest::qWaitFor(
@@ -93,7 +93,7 @@ protected:
 
     QLabel label;
     std::vector<bool> controls;
-    DebugLines debug;
+    DebugLog debug;
     std::unique_ptr<CameraSp> client;
     std::unique_ptr<CaptureFlow> flow =
         std::make_unique<CaptureFlow>(&label, [this](bool allowed) { controls.push_back(allowed); });
@@ -118,8 +118,9 @@ TEST_F(CaptureFlowTest, DeletesCapturesListsDownloadsAndShows) {
     EXPECT_GT(scripted::middle(label.pixmap()).red(), 240);
     EXPECT_EQ(controls, (std::vector{false, true}));
     const std::string size = std::to_string(picture.size());
-    EXPECT_EQ(debug.lines(), (std::vector<std::string>{"picture infos: 5 size: " + size,
-                                                       "pic start 5 " + size, "pic end", "in timer"}));
+    EXPECT_EQ(DebugLog::plainLines(),
+              (std::vector<std::string>{"picture infos: 5 size: " + size, "pic start 5 " + size, "pic end",
+                                        "in timer"}));
 }
 
 TEST_F(CaptureFlowTest, KeepsItsTimes) {
@@ -149,7 +150,7 @@ TEST_F(CaptureFlowTest, AppliesThePictureCommandOffset) {
     EXPECT_EQ(camera.codes(), std::vector{0x02});
 }
 
-TEST_F(CaptureFlowTest, OfASecondGenerationIdOnlyTheLowByteCounts) {
+TEST_F(CaptureFlowTest, UsesTheLowByteOfASecondGenerationId) {
     const protocol::Bytes picture = jpeg(40, 30, Qt::red);
     camera.willSay(0xC8, 0);
     camera.willSay(0xC6, 0);
@@ -164,7 +165,7 @@ TEST_F(CaptureFlowTest, OfASecondGenerationIdOnlyTheLowByteCounts) {
     EXPECT_EQ(scripted::fileContent("2.jpg"), picture);
     EXPECT_FALSE(QFile::exists("258.jpg"));
     EXPECT_FALSE(label.pixmap().isNull());
-    EXPECT_TRUE(debug.has("pic start  2"));
+    EXPECT_TRUE(DebugLog::hasStart("pic start  2"));
 }
 
 TEST_F(CaptureFlowTest, AFailedDeletionEndsIt) {
@@ -180,12 +181,12 @@ TEST_F(CaptureFlowTest, AFailedDeletionEndsIt) {
     EXPECT_EQ(controls, (std::vector{false, true, false, true, false, true}));
 }
 
-TEST_F(CaptureFlowTest, AFailedCaptureGivesTheControlsBackButThePictureStillComes) {
+TEST_F(CaptureFlowTest, ShowsAPictureAfterAFailedCapture) {
     camera.willSay(0x06, 1);
     willTakeOrigin(jpeg(40, 30, Qt::red));
     flow->start(firstGeneration);
     ASSERT_TRUE(waitForControls());
-    EXPECT_TRUE(debug.has("take failed"));
+    EXPECT_TRUE(DebugLog::hasStart("take failed"));
     EXPECT_EQ(camera.codes(), (std::vector{0x08, 0x06}));
     ASSERT_TRUE(waitForLine("in timer"));
     EXPECT_EQ(camera.codes(), (std::vector{0x08, 0x06, 0x07, 0x09}));
@@ -202,7 +203,7 @@ TEST_F(CaptureFlowTest, AnEmptyCatalogueIsAskedForTwice) {
     EXPECT_FALSE(label.pixmap().isNull());
 }
 
-TEST_F(CaptureFlowTest, ACatalogueThatIsEmptyTwiceEndsItWithoutADownload) {
+TEST_F(CaptureFlowTest, EndsWhenTheCatalogueIsEmptyTwice) {
     camera.willSay(0x08, 0);
     camera.willSay(0x06, 0);
     camera.willList(0x07, {});
@@ -214,11 +215,11 @@ TEST_F(CaptureFlowTest, ACatalogueThatIsEmptyTwiceEndsItWithoutADownload) {
     QTest::qWait(50);
     EXPECT_EQ(camera.codes(), (std::vector{0x08, 0x06, 0x07, 0x07}));
     EXPECT_TRUE(labelIsEmpty());
-    EXPECT_FALSE(debug.has("in timer"));
+    EXPECT_FALSE(DebugLog::hasStart("in timer"));
     EXPECT_TRUE(QFile::exists("0.jpg"));
 }
 
-TEST_F(CaptureFlowTest, AfterTenRoundsItGoesOnWithWhatIsKnown) {
+TEST_F(CaptureFlowTest, DownloadsTheKnownPictureAfterTenRounds) {
     std::atomic<int> halfSeconds{0};
     CameraSp::replaceSleep([&halfSeconds](std::chrono::nanoseconds time) {
         halfSeconds += time == std::chrono::milliseconds(500) ? 1 : 0;
@@ -228,7 +229,7 @@ TEST_F(CaptureFlowTest, AfterTenRoundsItGoesOnWithWhatIsKnown) {
     flow->start(firstGeneration);
     ASSERT_TRUE(waitForLine("pic end"));
     EXPECT_EQ(halfSeconds, 10);
-    EXPECT_TRUE(debug.has("pic start  0    0"));
+    EXPECT_TRUE(DebugLog::hasStart("pic start  0    0"));
     EXPECT_EQ(camera.requests().back().substr(0, 50), "AA 5A 01 09 09 00 00 00 00 00 00 00 00 00 00 00 00");
     EXPECT_TRUE(QFile::exists("0.jpg"));
     ASSERT_TRUE(waitForControls());
@@ -240,7 +241,7 @@ TEST_F(CaptureFlowTest, AMissingOrBrokenPictureLeavesTheLabelEmpty) {
     scripted::writeFile("5.jpg", jpeg(40, 30, Qt::blue));
     flow->start(firstGeneration);
     ASSERT_TRUE(waitForControls());
-    EXPECT_TRUE(debug.has("in timer"));
+    EXPECT_TRUE(DebugLog::hasStart("in timer"));
     EXPECT_TRUE(labelIsEmpty());
 }
 
@@ -254,7 +255,7 @@ TEST_F(CaptureFlowTest, ARefusedReadShowsNoOldPicture) {
     EXPECT_FALSE(QFile::exists("5.jpg"));
 }
 
-TEST_F(CaptureFlowTest, ADirectoryThatCannotBeWrittenToShowsNothingOld) {
+TEST_F(CaptureFlowTest, ShowsNoOldPictureInAnUnwritableFolder) {
     scripted::writeFile("5.jpg", jpeg(40, 30, Qt::blue));
     const UnwritableDirectory here;
     willTakeOrigin(jpeg(40, 30, Qt::red));
@@ -265,7 +266,7 @@ TEST_F(CaptureFlowTest, ADirectoryThatCannotBeWrittenToShowsNothingOld) {
     EXPECT_EQ(scripted::fileNames(), std::vector<std::string>{"5.jpg"});
 }
 
-TEST_F(CaptureFlowTest, ADeviceThatVanishesDuringADownloadEndsIt) {
+TEST_F(CaptureFlowTest, EndsWhenTheDeviceVanishes) {
     willTakeOrigin({});
     camera.willList(0x07, {bytes(scripted::originRecord)});
     client->setSlaveAddress(1);
@@ -280,11 +281,11 @@ TEST_F(CaptureFlowTest, ADeviceThatVanishesDuringADownloadEndsIt) {
     });
     flow->start(firstGeneration);
     ASSERT_TRUE(waitForControls());
-    EXPECT_TRUE(debug.has("pic end"));
+    EXPECT_TRUE(DebugLog::hasStart("pic end"));
     EXPECT_TRUE(labelIsEmpty());
 }
 
-TEST_F(CaptureFlowTest, ADownloadThatNeverEndsEndsWithTheLink) {
+TEST_F(CaptureFlowTest, EndsAnEndlessDownloadWithTheLink) {
     camera.willSay(0x08, 0);
     camera.willSay(0x06, 0);
     camera.willList(0x07, {scripted::record(scripted::originRecord, 7, 5, 0xFFFFFFFF)});
@@ -298,7 +299,7 @@ TEST_F(CaptureFlowTest, ADownloadThatNeverEndsEndsWithTheLink) {
     unlink();
     EXPECT_LT(closing.elapsed(), 500);
     QTest::qWait(100);
-    EXPECT_FALSE(debug.has("in timer"));
+    EXPECT_FALSE(DebugLog::hasStart("in timer"));
     EXPECT_TRUE(labelIsEmpty());
     EXPECT_TRUE(scripted::fileNames().empty());
     EXPECT_EQ(controls, std::vector{false}); // whoever ends the link gives them back
@@ -318,7 +319,7 @@ TEST_F(CaptureFlowTest, MayLoseItsLinkAtAnyStep) {
         QTest::qWait(afterCatalogueMs);
         EXPECT_EQ(camera.codes().size(), asked) << atMs;
         EXPECT_TRUE(labelIsEmpty()) << atMs;
-        EXPECT_FALSE(debug.has("in timer")) << atMs;
+        EXPECT_FALSE(DebugLog::hasStart("in timer")) << atMs;
     }
 }
 
@@ -337,7 +338,7 @@ TEST_F(CaptureFlowTest, MayBeDestroyedAtAnyStep) {
     EXPECT_EQ(controls, (std::vector{false, false, false}));
 }
 
-TEST_F(CaptureFlowTest, RunsThatOverlapAfterAFailedCaptureShareNothing) {
+TEST_F(CaptureFlowTest, OverlappingRunsAreIndependent) {
     camera.willSay(0x06, 1);
     willTakeOrigin(jpeg(40, 30, Qt::red));
     willTakeOrigin(jpeg(40, 30, Qt::blue), 6);
@@ -345,8 +346,8 @@ TEST_F(CaptureFlowTest, RunsThatOverlapAfterAFailedCaptureShareNothing) {
     ASSERT_TRUE(waitForControls());
     flow->start(firstGeneration);
     EXPECT_FALSE(controls.back());
-    ASSERT_TRUE(QTest::qWaitFor([this] { return debug.count("in timer") == 2; }, enoughMs));
-    EXPECT_EQ(debug.count("pic end"), 2);
+    ASSERT_TRUE(QTest::qWaitFor([] { return DebugLog::countStarts("in timer") == 2; }, enoughMs));
+    EXPECT_EQ(DebugLog::countStarts("pic end"), 2);
     EXPECT_EQ(controls, (std::vector{false, true, false, true}));
 }
 
@@ -376,7 +377,7 @@ TEST_F(CaptureFlowTest, AJsonCameraGivesItsPictureAtOnce) {
     EXPECT_EQ(scripted::fileContent("1.jpg"), picture);
     EXPECT_EQ(label.pixmap().size(), QSize(133, 100));
     EXPECT_GT(scripted::middle(label.pixmap()).red(), 240);
-    EXPECT_EQ(debug.lines(),
+    EXPECT_EQ(DebugLog::plainLines(),
               (std::vector<std::string>{"quenta pic start", "quenta pic end", "in quenta timer"}));
     for (const int code : camera.codes())
         EXPECT_EQ(code, 0x17);
@@ -387,7 +388,7 @@ TEST_F(CaptureFlowTest, AFailedJsonPictureShowsNothing) {
     flow->start(json);
     ASSERT_TRUE(waitForControls());
     EXPECT_TRUE(labelIsEmpty());
-    EXPECT_FALSE(debug.has("in quenta timer"));
+    EXPECT_FALSE(DebugLog::hasStart("in quenta timer"));
     EXPECT_FALSE(QFile::exists("1.jpg"));
     camera.willSayJson(jsonAnswer("{\"result\":0}", {1, 2, 3})); // no size
     controls.clear();
@@ -396,7 +397,7 @@ TEST_F(CaptureFlowTest, AFailedJsonPictureShowsNothing) {
     EXPECT_TRUE(labelIsEmpty());
 }
 
-TEST_F(CaptureFlowTest, ALostChunkOfAJsonPictureEndsWithTheLink) {
+TEST_F(CaptureFlowTest, WaitsForALostJsonChunkUntilTheLinkEnds) {
     CameraSp* const current = client.get();
     camera.willSayJson(jsonAnswer("{\"size\":60000}", protocol::Bytes(500, 0)));
     fake_serial::onWrite({});
@@ -406,6 +407,6 @@ TEST_F(CaptureFlowTest, ALostChunkOfAJsonPictureEndsWithTheLink) {
     EXPECT_FALSE(current->stopRequested());
     unlink();
     QTest::qWait(50);
-    EXPECT_FALSE(debug.has("in quenta timer"));
+    EXPECT_FALSE(DebugLog::hasStart("in quenta timer"));
     EXPECT_TRUE(scripted::fileNames().empty());
 }

@@ -204,7 +204,7 @@ TEST_P(KeyTwice, PressesNoOtherButton) {
     }
 }
 
-TEST_F(Focus, LetsNoSecondPressReachAnotherButtonDuringAQuery) {
+TEST_F(Focus, KeepsASecondPressFromOtherButtons) {
     for (const auto key : {Qt::Key_Return, Qt::Key_Space}) {
         restart();
         BusyLine busy;
@@ -247,7 +247,7 @@ TEST_F(Focus, ReturnsToAnUpdateButtonPressedWithoutAFile) {
     }
 }
 
-TEST_F(Focus, DoesNotFallOnTheCloseButtonWhenTheWindowIsActivated) {
+TEST_F(Focus, IsNotOnTheCloseButtonAfterActivation) {
     BusyLine busy;
     focusAndPress("btn_appversion");
     open("actionAbout");
@@ -318,7 +318,7 @@ TEST_F(Focus, IsNotLeftOnAButtonBehindTheCameraSettings) {
     EXPECT_EQ(focused(), "btn_open");
 }
 
-TEST_F(Focus, StopsAtNothingOutOfSight) {
+TEST_F(Focus, HasNoHiddenTabStop) {
     for (const char* const entry : menuWindows)
         trigger(*window, entry);
     for (const QWidget* const top : QApplication::topLevelWidgets()) {

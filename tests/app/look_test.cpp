@@ -67,7 +67,7 @@ TEST_F(Look, EveryWindowFitsASmallScreen) {
     EXPECT_EQ(looked, 1 + menuWindows.size());
 }
 
-TEST_F(Look, ThePictureAreaGetsTheSpaceThatIsLeftAndKeepsItsPlaceWhenEmpty) {
+TEST_F(Look, PictureTakesTheSpaceThatIsLeft) {
     MainWindow window;
     window.resize(1120, 640);
     window.show();
@@ -76,6 +76,14 @@ TEST_F(Look, ThePictureAreaGetsTheSpaceThatIsLeftAndKeepsItsPlaceWhenEmpty) {
     window.resize(1270, 680);
     QApplication::processEvents();
     EXPECT_EQ(picture->size(), small + QSize(150, 40));
+}
+
+TEST_F(Look, PictureKeepsItsPlaceWhenEmpty) {
+    MainWindow window;
+    window.resize(1270, 680);
+    window.show();
+    const auto* const picture = find<QLabel>(window, "label");
+    QApplication::processEvents();
     const QRect place = picture->geometry();
     find<QLabel>(window, "label")->setPixmap(QPixmap(2000, 2000));
     QApplication::processEvents();

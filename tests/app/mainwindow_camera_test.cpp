@@ -117,7 +117,7 @@ TEST_F(MainWindowAndCamera, OpensTestsClosesAndOpensAgain) {
     EXPECT_EQ(record().count(0x01), 3U);
 }
 
-TEST_F(MainWindowAndCamera, ShowsWhatTheCameraSays) {
+TEST_F(MainWindowAndCamera, ShowsAnswersOfTheCamera) {
     camera.withCamera([](VirtualCamera& each) {
         each.state().appVersion = "9.8.7";
         each.state().systemVersion = "6.5.4";
@@ -153,7 +153,7 @@ TEST_F(MainWindowAndCamera, ResetsTheCameraToItsFactorySettings) {
     EXPECT_EQ(state().properties[emulator::property::heaterDuty], emulator::Bytes{30});
 }
 
-TEST_F(MainWindowAndCamera, TellsOfARefusedRebootAndReset) {
+TEST_F(MainWindowAndCamera, ReportsARefusedRebootAndReset) {
     fault("result=1@reboot");
     fault("result=1@reset");
     open();
@@ -286,7 +286,7 @@ INSTANTIATE_TEST_SUITE_P(Fatal, MainWindowAndFault,
                                          "length=3", "delay=2000", "payload=0"),
                          faultName);
 
-TEST_P(MainWindowAndFault, MakesEveryCommandFailAndTheNextGoodOneWork) {
+TEST_P(MainWindowAndFault, WorksAgainAfterEveryFault) {
     camera.withCamera([](VirtualCamera& each) { each.settings().rebootTime = std::chrono::milliseconds(1); });
     open();
     for (const char* const command :
@@ -302,7 +302,7 @@ TEST_P(MainWindowAndFault, MakesEveryCommandFailAndTheNextGoodOneWork) {
     EXPECT_EQ(modelInfo(), "模型信息:model_v1 2024-01-31");
 }
 
-TEST_F(MainWindowAndCamera, FailsInEveryCommandWhenTheDeviceVanishesAndWorksWhenItIsBack) {
+TEST_F(MainWindowAndCamera, WorksAgainWhenAVanishedDeviceIsBack) {
     open();
     ASSERT_TRUE(heartbeat());
     camera.vanish();
@@ -320,7 +320,7 @@ TEST_F(MainWindowAndCamera, FailsInEveryCommandWhenTheDeviceVanishesAndWorksWhen
     EXPECT_TRUE(heartbeat());
 }
 
-TEST_F(MainWindowAndCamera, SaysThatAVanishedPortIsGoneAndOpensItWhenItIsBack) {
+TEST_F(MainWindowAndCamera, ReopensAVanishedPortWhenItIsBack) {
     const std::string link = "ttyCamera";
     camera.linkAt(link);
     choosePort(link);
@@ -378,7 +378,7 @@ TEST_F(MainWindowAndCamera, MayBeClosedAndDestroyedDuringTheVersionQuery) {
     EXPECT_LE(record().count(0x02), 1U);
 }
 
-TEST_F(MainWindowAndCamera, StandsOpeningAndClosingInEveryMomentOfTheVersionQuery) {
+TEST_F(MainWindowAndCamera, SurvivesClosingAtAnyTimeOfTheVersionQuery) {
     for (int delay = 0; delay < 160; delay += 8) {
         open();
         click(*window, "btn_appversion");

@@ -118,14 +118,14 @@ TEST_F(MainWindowLink, ClosingClearsTheVersionsAndTheLamp) {
     expectClosed();
 }
 
-TEST_F(MainWindowLink, LetsTheExceptionOfAFailedOpeningLeaveTheHandler) {
+TEST_F(MainWindowLink, ThrowsWhenOpeningFails) {
     fake_serial::failOpening(ENOENT);
     auto* const button = find<QPushButton>(*window, "btn_open");
     EXPECT_THROW(button->click(), serial::IOException);
     expectClosed();
 }
 
-TEST_F(MainWindowLink, TellsOfAFailedOpeningInABoxAndInTheStatusBar) {
+TEST_F(MainWindowLink, ShowsAFailedOpeningInBoxAndStatusBar) {
     fake_serial::failOpening(ENOENT);
     BoxAnswerer boxes;
     clickThatThrows(*window, "btn_open");
@@ -140,7 +140,7 @@ TEST_F(MainWindowLink, TellsOfAFailedOpeningInABoxAndInTheStatusBar) {
     expectOpen();
 }
 
-TEST_F(MainWindowLink, SaysWhatToDoAboutEachKindOfFailure) {
+TEST_F(MainWindowLink, AdvisesOnEachKindOfFailure) {
     const std::vector<std::pair<int, const char*>> advice = {
         {ENOENT, "串口不存在或已拔出"},   {ENXIO, "串口不存在或已拔出"},      {EBUSY, "串口正被其他程序占用"},
         {EACCES, "没有使用该串口的权限"}, {EPERM, "没有使用该串口的权限"},    {ENOTTY, "所选设备不是串口"},
@@ -157,7 +157,7 @@ TEST_F(MainWindowLink, SaysWhatToDoAboutEachKindOfFailure) {
     }
 }
 
-TEST_F(MainWindowLink, StandsAThousandFailedOpeningsWithOneBox) {
+TEST_F(MainWindowLink, ShowsOneBoxForAThousandFailedOpenings) {
     fake_serial::failOpening(ENOENT);
     auto* const button = find<QPushButton>(*window, "btn_open");
     BoxAnswerer boxes;
@@ -200,7 +200,7 @@ TEST_F(MainWindowLink, ClosesThePortWhenTheWindowIsDestroyed) {
     EXPECT_EQ(fake_serial::count("close"), 1);
 }
 
-TEST_F(MainWindowLink, TakesItsOtherWindowsAlong) {
+TEST_F(MainWindowLink, DestroysItsOtherWindows) {
     trigger(*window, "actionOpenCloseDoor");
     trigger(*window, "actionaddress");
     trigger(*window, "actionAbout");

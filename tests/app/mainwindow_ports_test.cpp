@@ -55,7 +55,7 @@ TEST_F(BadPorts, ListsWhatTheLibraryReports) {
         EXPECT_EQ(ports->itemText(static_cast<int>(index)), QString::fromStdString(reported[index]));
 }
 
-TEST_F(BadPorts, EachIsToldWithWhatToDoAndLeavesTheWindowClosed) {
+TEST_F(BadPorts, ShowsAdviceAndStaysClosed) {
     const std::vector<std::pair<const char*, const char*>> ports = {
         {"/dev/ttyUSB-missing", "串口不存在或已拔出"},
         {"dangling", "串口不存在或已拔出"},
@@ -76,7 +76,7 @@ TEST_F(BadPorts, EachIsToldWithWhatToDoAndLeavesTheWindowClosed) {
     }
 }
 
-TEST_F(BadPorts, MayBeTriedAThousandTimesWithoutLosingDescriptors) {
+TEST_F(BadPorts, LosesNoDescriptorInAThousandOpenings) {
     BoxAnswerer boxes;
     for (const char* const port : {"/dev/ttyUSB-missing", "dangling", "a-file", "/dev/null"}) {
         choose(port);
@@ -90,7 +90,7 @@ TEST_F(BadPorts, MayBeTriedAThousandTimesWithoutLosingDescriptors) {
     EXPECT_TRUE(boxes.waitFor(1));
 }
 
-TEST_F(BadPorts, AnEmptyNameOpensALinkOnWhichEveryCommandFails) {
+TEST_F(BadPorts, FailsEveryCommandOnAnEmptyName) {
     find<QComboBox>(window, "sel_ports")->clear();
     click(window, "btn_open");
     EXPECT_EQ(text(window, "btn_open"), "关闭串口");

@@ -114,7 +114,7 @@ TEST_F(MainWindowStatus, LightsTheLampOnAHeartbeat) {
     EXPECT_TRUE(DebugLog::has("heartbeat result: true"));
 }
 
-TEST_F(MainWindowStatus, PutsTheLampOutWhenNoHeartbeatComes) {
+TEST_F(MainWindowStatus, SwitchesTheLampOffWithoutAHeartbeat) {
     open();
     fake_serial::willRead(fake_serial::bytes(heartbeatAnswer));
     click(*window, "btn_heartbeat");
@@ -124,7 +124,7 @@ TEST_F(MainWindowStatus, PutsTheLampOutWhenNoHeartbeatComes) {
     EXPECT_TRUE(find<QRadioButton>(*window, "rb_heartbeat")->isCheckable());
 }
 
-TEST_F(MainWindowStatus, ShowsThreeVersionsAndHoldsOtherExchangesBackMeanwhile) {
+TEST_F(MainWindowStatus, ShowsVersionsAndLocksExchangesMeanwhile) {
     scriptVersions();
     const DebugLog log;
     trigger(*window, "actionOpenCloseDoor");
@@ -157,7 +157,7 @@ TEST_F(MainWindowStatus, ShowsThreeVersionsAndHoldsOtherExchangesBackMeanwhile) 
     EXPECT_FALSE(isEnabled(*window, "sel_ports"));
 }
 
-TEST_F(MainWindowStatus, LeavesVersionsEmptyThatDoNotCome) {
+TEST_F(MainWindowStatus, LeavesMissingVersionsEmpty) {
     open();
     click(*window, "btn_appversion");
     ASSERT_TRUE(eventually([&] { return text(*window, "tv_appversion") != "。。。。"; }));
@@ -221,7 +221,7 @@ TEST_F(MainWindowStatus, AsksCamerasOfType3ForTheirVersionOverJson) {
     EXPECT_TRUE(isEnabled(*window, "btn_heartbeat"));
 }
 
-TEST_F(MainWindowStatus, ShowsWhatIsWrongWithAJsonAnswer) {
+TEST_F(MainWindowStatus, ShowsErrorsOfAJsonAnswer) {
     struct Case {
         std::string answer;
         QString shown;
@@ -257,7 +257,7 @@ TEST_F(MainWindowStatus, ShowsTheModelInformation) {
     EXPECT_EQ(text(*window, "label_modelinfo"), "模型信息:");
 }
 
-TEST_F(MainWindowStatus, TellsOfThePassedGyroTest) {
+TEST_F(MainWindowStatus, ReportsThePassedGyroTest) {
     open();
     fake_serial::willRead(textBytes("3success"));
     BoxAnswerer boxes;
@@ -269,7 +269,7 @@ TEST_F(MainWindowStatus, TellsOfThePassedGyroTest) {
     EXPECT_EQ(sent(), std::vector<std::string>{"AA 5A 01 0F 01 00 00 00 03 9E 4A"});
 }
 
-TEST_F(MainWindowStatus, ShowsWhatTheGyroTestAnsweredInstead) {
+TEST_F(MainWindowStatus, ShowsAnyOtherGyroTestAnswer) {
     const std::vector<std::string> answers = {"3fail", "success", "3success ", "", "失败"};
     open();
     BoxAnswerer boxes;
@@ -315,7 +315,7 @@ const Confirmed confirmedCommands[] = {
 INSTANTIATE_TEST_SUITE_P(RebootAndReset, MainWindowConfirmed, testing::ValuesIn(confirmedCommands),
                          [](const auto& each) { return std::string(each.param.entry).substr(6); });
 
-TEST_P(MainWindowConfirmed, AsksFirstAndSendsNothingOnNo) {
+TEST_P(MainWindowConfirmed, SendsNothingOnNo) {
     open();
     BoxAnswerer boxes(QMessageBox::No);
     trigger(*window, GetParam().entry);
@@ -330,7 +330,7 @@ TEST_P(MainWindowConfirmed, AsksFirstAndSendsNothingOnNo) {
     EXPECT_TRUE(fake_serial::writes().empty());
 }
 
-TEST_P(MainWindowConfirmed, SendsTheCommandOnYesAndTellsOfItsSuccess) {
+TEST_P(MainWindowConfirmed, SendsTheCommandOnYes) {
     open();
     fake_serial::willRead(fake_serial::bytes(GetParam().goodAnswer));
     BoxAnswerer boxes(QMessageBox::Yes);
@@ -341,7 +341,7 @@ TEST_P(MainWindowConfirmed, SendsTheCommandOnYesAndTellsOfItsSuccess) {
     EXPECT_EQ(sent(), std::vector<std::string>{GetParam().request});
 }
 
-TEST_P(MainWindowConfirmed, TellsOfItsFailure) {
+TEST_P(MainWindowConfirmed, ReportsFailure) {
     open();
     BoxAnswerer boxes(QMessageBox::Yes);
     trigger(*window, GetParam().entry);
@@ -350,7 +350,7 @@ TEST_P(MainWindowConfirmed, TellsOfItsFailure) {
     EXPECT_EQ(boxes.seen()[1].text, GetParam().failure);
 }
 
-TEST_P(MainWindowConfirmed, FailsAfterTheQuestionWithoutALink) {
+TEST_P(MainWindowConfirmed, FailsWithoutALinkAfterTheQuestion) {
     BoxAnswerer boxes(QMessageBox::Yes);
     trigger(*window, GetParam().entry);
     ASSERT_EQ(boxes.seen().size(), 2U);

@@ -209,20 +209,20 @@ TEST_F(MainWindowAtStart, LogsAnEmptyNameWhenThereIsNoPort) {
     EXPECT_TRUE(DebugLog::has("init port:"));
 }
 
-TEST_F(MainWindowAtStart, SaysALittleLaterThatItIsReadyAndHowManyPortsThereAre) {
+TEST_F(MainWindowAtStart, ShowsReadinessAndPortCountSoonAfterStart) {
     const MainWindow window;
     EXPECT_EQ(statusText(window), "");
     EXPECT_TRUE(eventually([&] { return statusText(window).contains("准备就绪，发现 2 个串口"); }));
 }
 
-TEST_F(MainWindowAtStart, SaysToPlugInTheAdapterWhenThereIsNoPort) {
+TEST_F(MainWindowAtStart, AsksForTheAdapterWhenThereIsNoPort) {
     fake_serial::setPorts({});
     const MainWindow window;
     EXPECT_TRUE(eventually([&] { return statusText(window).contains("没有发现串口"); }));
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
-TEST_F(MainWindowAtStart, DoesNotTalkOverWhatTheUserHasDoneMeanwhile) {
+TEST_F(MainWindowAtStart, KeepsAnEarlierMessageOfAnAction) {
     MainWindow window;
     window.show();
     click(window, "btn_open");
@@ -309,7 +309,7 @@ TEST_F(MainWindowAtStart, FitsASmallScreen) {
     EXPECT_LE(least.height(), 680);
 }
 
-TEST_F(MainWindowAtStart, NamesWhatAScreenReaderMeets) {
+TEST_F(MainWindowAtStart, NamesControlsForScreenReaders) {
     const MainWindow window;
     for (const char* const name :
          {"label", "label_modelinfo", "et_modelname", "sel_ports", "sel_baund", "rb_heartbeat",
@@ -317,7 +317,7 @@ TEST_F(MainWindowAtStart, NamesWhatAScreenReaderMeets) {
         EXPECT_FALSE(find<QWidget>(window, name)->accessibleName().isEmpty()) << name;
 }
 
-TEST_F(MainWindowAtStart, MovesTheFocusAsTheEyeMoves) {
+TEST_F(MainWindowAtStart, MovesTheFocusInReadingOrder) {
     MainWindow window;
     window.show();
     window.activateWindow();

@@ -2,7 +2,7 @@
 #include "app/mainwindow.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
-#include "tests/support/debuglines.h"
+#include "tests/support/debuglog.h"
 #include "tests/support/scriptedcamera.h"
 
 #include <QAction>
@@ -45,17 +45,17 @@ protected:
     }
 
     [[nodiscard]] bool downloadHasStarted() const {
-        return QTest::qWaitFor([this] { return debug.has("pic start"); }, 5000);
+        return QTest::qWaitFor([] { return DebugLog::hasStart("pic start"); }, 5000);
     }
 
     OnePort onePort;
-    DebugLines debug;
+    DebugLog debug;
     std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
 };
 
 } // namespace
 
-TEST_F(MainWindowPictures, TakesAndShowsAPictureWithItsControlsDisabledMeanwhile) {
+TEST_F(MainWindowPictures, DisablesItsControlsDuringACapture) {
     window->show();
     button("btn_open")->click();
     const protocol::Bytes data = jpeg(400, 300, Qt::red);
@@ -98,7 +98,7 @@ TEST_F(MainWindowPictures, GiveTheFocusBackAfterACapture) {
     EXPECT_EQ(list->focusWidget(), refresh);
 }
 
-TEST_F(MainWindowPictures, ClosingTheLinkEndsADownloadThatNeverWould) {
+TEST_F(MainWindowPictures, ClosingTheLinkEndsAnEndlessDownload) {
     button("btn_open")->click();
     willTake(0xFFFFFFFF);
     button("btn_takepic")->click();
@@ -113,10 +113,10 @@ TEST_F(MainWindowPictures, ClosingTheLinkEndsADownloadThatNeverWould) {
     button("btn_open")->click();
     EXPECT_TRUE(button("btn_takepic")->isEnabled());
     QTest::qWait(50);
-    EXPECT_FALSE(debug.has("in timer"));
+    EXPECT_FALSE(DebugLog::hasStart("in timer"));
 }
 
-TEST_F(MainWindowPictures, ClosingTheWindowEndsADownloadThatNeverWould) {
+TEST_F(MainWindowPictures, ClosingTheWindowEndsAnEndlessDownload) {
     window->show();
     button("btn_open")->click();
     willTake(0xFFFFFFFF);
@@ -147,7 +147,7 @@ TEST_F(MainWindowPictures, OpensBothListsWhateverTheCameraType) {
     EXPECT_EQ(camera.codes(), (std::vector{0x07, 0xC7}));
 }
 
-TEST_F(MainWindowPictures, TheListsAreDisabledDuringACaptureAndLoseTheClientWithTheLink) {
+TEST_F(MainWindowPictures, DisablesOpenListsDuringACapture) {
     button("btn_open")->click();
     action("actionPicInfo")->trigger();
     auto* const list = window->findChild<PicList*>();
@@ -157,12 +157,22 @@ TEST_F(MainWindowPictures, TheListsAreDisabledDuringACaptureAndLoseTheClientWith
     ASSERT_TRUE(downloadHasStarted());
     button("btn_open")->click();
     EXPECT_TRUE(list->isEnabled());
+}
+
+TEST_F(MainWindowPictures, ClosingTheLinkDetachesOpenLists) {
+    button("btn_open")->click();
+    action("actionPicInfo")->trigger();
+    auto* const list = window->findChild<PicList*>();
+    willTake(0xFFFFFFFF);
+    button("btn_takepic")->click();
+    ASSERT_TRUE(downloadHasStarted());
+    button("btn_open")->click();
     const std::size_t asked = camera.codes().size();
     list->findChild<QPushButton*>("btn_refresh")->click();
     EXPECT_EQ(camera.codes().size(), asked);
 }
 
-TEST_F(MainWindowPictures, ClosingTheWindowWithAListsMessageBoxOrMenuOpenIsSafe) {
+TEST_F(MainWindowPictures, ClosesWithAMessageBoxOfAListOpen) {
     window->show();
     button("btn_open")->click();
     action("actionPicInfo")->trigger();

@@ -90,7 +90,7 @@ constexpr const char* adviceNoAnswer = "没有应答，请检查接线、从机�
 
 // --- versions --------------------------------------------------------------------------------------------
 
-TEST_F(Outcomes, VersionQueryThatReadNothingSaysSo) {
+TEST_F(Outcomes, VersionQueryReportsThatNothingWasRead) {
     click(*window, "btn_appversion");
     EXPECT_TRUE(comesToSay(QString("读取版本号：") + adviceNoAnswer)) << status().toStdString();
 }
@@ -114,19 +114,19 @@ TEST_F(Outcomes, WholeVersionQueryIsDone) {
 
 // --- taking a picture ------------------------------------------------------------------------------------
 
-TEST_F(Outcomes, CaptureIsToldBeforeItStarts) {
+TEST_F(Outcomes, CaptureIsShownBeforeItStarts) {
     const Messages messages(*window);
     takePicture();
     ASSERT_GE(messages.texts.size(), 2);
     EXPECT_EQ(messages.texts.front(), "正在拍照…");
 }
 
-TEST_F(Outcomes, CaptureTellsThatTheDeletionWasNotAnswered) {
+TEST_F(Outcomes, CaptureReportsAnUnansweredDeletion) {
     takePicture();
     EXPECT_EQ(status(), QString("拍照：旧图片没有删除（%1）").arg(adviceNoAnswer));
 }
 
-TEST_F(Outcomes, RefusedCaptureShowsAnOlderPictureAndSaysSo) {
+TEST_F(Outcomes, RefusedCaptureReportsAnOlderPicture) {
     const fake_serial::Bytes old = scripted::jpeg(40, 30, Qt::blue);
     camera.willSay(0x08, 0);
     camera.willSay(0x06, 1);
@@ -139,7 +139,7 @@ TEST_F(Outcomes, RefusedCaptureShowsAnOlderPictureAndSaysSo) {
     EXPECT_FALSE(find<QLabel>(*window, "label")->pixmap().isNull());
 }
 
-TEST_F(Outcomes, CaptureTellsAnEmptyList) {
+TEST_F(Outcomes, CaptureReportsAnEmptyList) {
     camera.willSay(0x08, 0);
     camera.willSay(0x06, 0);
     camera.willList(0x07, {});
@@ -148,7 +148,7 @@ TEST_F(Outcomes, CaptureTellsAnEmptyList) {
     EXPECT_TRUE(comesToSay("拍照：没有图片")) << status().toStdString();
 }
 
-TEST_F(Outcomes, CaptureTellsThatTheListWasNotRead) {
+TEST_F(Outcomes, CaptureReportsAnUnreadList) {
     camera.willSay(0x08, 0);
     camera.willSay(0x06, 0);
     takePicture();
@@ -156,7 +156,7 @@ TEST_F(Outcomes, CaptureTellsThatTheListWasNotRead) {
         << status().toStdString();
 }
 
-TEST_F(Outcomes, CaptureTellsARefusedDownload) {
+TEST_F(Outcomes, CaptureReportsARefusedDownload) {
     camera.willSay(0x08, 0);
     camera.willSay(0x06, 0);
     camera.willList(0x07, {scripted::record(scripted::originRecord, 7, 5, 3)});
@@ -166,7 +166,7 @@ TEST_F(Outcomes, CaptureTellsARefusedDownload) {
         << status().toStdString();
 }
 
-TEST_F(Outcomes, CaptureTellsAPictureThatCannotBeShown) {
+TEST_F(Outcomes, CaptureReportsABrokenPicture) {
     camera.willSay(0x08, 0);
     camera.willSay(0x06, 0);
     camera.willList(0x07, {scripted::record(scripted::originRecord, 7, 5, 3)});
@@ -243,7 +243,7 @@ TEST_F(Outcomes, BrokenAnswerDiffersFromNone) {
     EXPECT_EQ(status(), "读取模型信息：应答不完整或无法识别，请重试，仍然如此请检查接线");
 }
 
-TEST_F(Outcomes, OffsetInputTellsWhatIsSet) {
+TEST_F(Outcomes, OffsetInputShowsTheOffset) {
     const auto enter = [this](int value, bool accepted) {
         QTimer::singleShot(50, window.get(), [=] {
             auto* const dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
@@ -262,12 +262,12 @@ TEST_F(Outcomes, OffsetInputTellsWhatIsSet) {
     EXPECT_EQ(status(), "请先打开串口，图片命令附加值没有设置");
 }
 
-TEST_F(Outcomes, FirstReadingOfAWindowIsTold) {
+TEST_F(Outcomes, FirstReadingOfAWindowIsReported) {
     open<SetCameraLocation>("actionInstallLocation");
     EXPECT_TRUE(comesToSay(QString("读取设置：") + adviceNoAnswer)) << status().toStdString();
 }
 
-TEST_F(Outcomes, PartlyReadSettingsAreNamedSo) {
+TEST_F(Outcomes, PartlyReadSettingsAreReported) {
     camera.will(0x02, property(0x02, 10, "ab"));
     open<SetCaptureDegree>("actionCaptureDegree");
     EXPECT_TRUE(comesToSay(QString("读取设置：部分没有读到（%1）").arg(adviceNoAnswer)))
@@ -303,7 +303,7 @@ TEST_F(Outcomes, CameraTextIsPlainAndEndsAtTheFirstZero) {
     EXPECT_EQ(label->toolTip(), "");
 }
 
-TEST_F(Outcomes, LongCameraTextIsCutWithTheWholeAsToolTip) {
+TEST_F(Outcomes, LongCameraTextIsCutWithAToolTip) {
     const std::string name(130, 'x');
     camera.will(0xC2, property(0xC2, 0xCC, name));
     click(*window, "btn_modelinfo");
@@ -376,7 +376,7 @@ protected:
 
 } // namespace
 
-TEST_F(WaitingUpload, IsShownWithWhatHoldsTheLine) {
+TEST_F(WaitingUpload, IsShownWithTheHolderOfTheLine) {
     EXPECT_TRUE(eventually([this] { return progress() == "等待线路空闲（正在下载图片）"; }));
     EXPECT_FALSE(announced());
 }

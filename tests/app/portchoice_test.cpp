@@ -74,11 +74,17 @@ TEST_F(PortList, IsLeftAloneWhileTheSamePortsAreThere) {
     EXPECT_TRUE(chosen.isEmpty());
 }
 
-TEST_F(PortList, FindsAnAdapterThatWasPluggedInSortsByNumberAndKeepsTheChoice) {
+TEST_F(PortList, SortsAPluggedInAdapterByNumber) {
     start({port("COM10"), port("COM3")});
     fake_serial::setPorts({port("COM10"), port("COM3"), port("COM9")});
     look();
     EXPECT_EQ(names(*choice), QStringList({"COM3", "COM9", "COM10"}));
+}
+
+TEST_F(PortList, KeepsTheChoiceWhenAnAdapterIsPluggedIn) {
+    start({port("COM10"), port("COM3")});
+    fake_serial::setPorts({port("COM10"), port("COM3"), port("COM9")});
+    look();
     EXPECT_EQ(choice->currentText(), "COM10");
     click(*window, "btn_open");
     EXPECT_EQ(statusText(*window), "已打开 COM10");

@@ -55,7 +55,7 @@ struct Line {
 
 } // namespace
 
-TEST_F(StatusBar, TellsAtItsRightEndWhatIsOpen) {
+TEST_F(StatusBar, ShowsTheOpenPortAtItsRightEnd) {
     EXPECT_EQ(text(*window, "label_link"), "串口未打开");
     click(*window, "btn_open");
     EXPECT_EQ(text(*window, "label_link"), "COM3，460800，从机地址 1");
@@ -63,7 +63,7 @@ TEST_F(StatusBar, TellsAtItsRightEndWhatIsOpen) {
     EXPECT_EQ(text(*window, "label_link"), "串口未打开");
 }
 
-TEST_F(StatusBar, TellsTheRateThatThePortWasOpenedWith) {
+TEST_F(StatusBar, ShowsTheRateOfTheOpenPort) {
     find<QComboBox>(*window, "sel_baund")->setCurrentText("115200");
     click(*window, "btn_open");
     chooseCamera("rb_quenta");
@@ -74,7 +74,7 @@ TEST_F(StatusBar, TellsTheRateThatThePortWasOpenedWith) {
     EXPECT_EQ(text(*window, "label_link"), "COM3，230400，从机地址 3");
 }
 
-TEST_F(StatusBar, TellsThePortThatWasOpened) {
+TEST_F(StatusBar, ShowsTheOpenedPort) {
     click(*window, "btn_open");
     find<QComboBox>(*window, "sel_ports")->setItemText(0, "COM4"); // the list has changed since
     chooseCamera("rb_quenta");
@@ -87,7 +87,7 @@ TEST_F(StatusBar, BeginsWithTheRateWhenNoPortWasChosen) {
     EXPECT_EQ(text(*window, "label_link"), "460800，从机地址 1");
 }
 
-TEST_F(StatusBar, KeepsItsTextUnderAMouseOverTheMenuBar) {
+TEST_F(StatusBar, KeepsItsTextWhenTheMouseIsOnTheMenuBar) {
     click(*window, "btn_open");
     const QString before = statusLine(*window);
     const auto* const bar = find<QMenuBar>(*window, "menubar");
@@ -97,7 +97,7 @@ TEST_F(StatusBar, KeepsItsTextUnderAMouseOverTheMenuBar) {
     EXPECT_EQ(statusLine(*window), before);
 }
 
-TEST_F(StatusBar, KeepsItsTextUnderAMouseOverMenuEntries) {
+TEST_F(StatusBar, KeepsItsTextWhenTheMouseIsOnAMenu) {
     click(*window, "btn_open");
     const QString before = statusLine(*window);
     const auto* const bar = find<QMenuBar>(*window, "menubar");
@@ -112,7 +112,7 @@ TEST_F(StatusBar, KeepsItsTextUnderAMouseOverMenuEntries) {
     }
 }
 
-TEST_F(StatusBar, TellsTheOutcomeOfTheLastActionWithTheTimeOfDay) {
+TEST_F(StatusBar, ShowsTheLastOutcomeWithTheTimeOfDay) {
     click(*window, "btn_open");
     fake_serial::willRead(fake_serial::bytes(heartbeatAnswer));
     click(*window, "btn_heartbeat");
@@ -123,7 +123,7 @@ TEST_F(StatusBar, TellsTheOutcomeOfTheLastActionWithTheTimeOfDay) {
     EXPECT_EQ(statusText(*window), "测试心跳：没有应答，请检查接线、从机地址和波特率");
 }
 
-TEST_F(StatusBar, SaysThatTheAdapterIsGoneUntilThePortWorksAgain) {
+TEST_F(StatusBar, ReportsAMissingAdapterUntilItIsBack) {
     click(*window, "btn_open");
     fake_serial::throwOn("write");
     click(*window, "btn_heartbeat");
@@ -139,7 +139,7 @@ TEST_F(StatusBar, SaysThatTheAdapterIsGoneUntilThePortWorksAgain) {
     EXPECT_EQ(statusText(*window), "测试心跳：没有应答，请检查接线、从机地址和波特率");
 }
 
-TEST_F(StatusBar, SaysNothingOfAnAdapterWhenNoPortWasChosen) {
+TEST_F(StatusBar, ReportsNoAdapterWhenNoPortIsChosen) {
     window.reset();
     fake_serial::setPorts({});
     window = std::make_unique<MainWindow>();
@@ -148,13 +148,13 @@ TEST_F(StatusBar, SaysNothingOfAnAdapterWhenNoPortWasChosen) {
     EXPECT_EQ(statusText(*window), "测试心跳：没有打开任何串口，请关闭串口，选择串口后再打开");
 }
 
-TEST(StatusLine, TellsABlockingActionBeforeItBlocks) {
+TEST(StatusLine, ShowsABlockingActionBeforeItBlocks) {
     Line status;
     status.line.useBegan(Line::use("拍照", 0ms, true));
     EXPECT_EQ(status.bar.currentMessage(), "正在拍照…");
 }
 
-TEST(StatusLine, TellsAJobAfterHalfASecondAndHowLongItTakes) {
+TEST(StatusLine, ShowsAJobAndItsSecondsAfterHalfASecond) {
     Line status;
     const auto job = Line::use("拍照", 0ms, false);
     status.line.useBegan(job);
@@ -168,7 +168,7 @@ TEST(StatusLine, TellsAJobAfterHalfASecondAndHowLongItTakes) {
         << status.bar.currentMessage().toStdString();
 }
 
-TEST(StatusLine, ForgetsAJobThatEndedWithoutAWord) {
+TEST(StatusLine, ForgetsAJobThatEndedWithoutAMessage) {
     Line status;
     auto job = Line::use("读取设置", 800ms, false);
     status.line.useBegan(job);
@@ -177,7 +177,7 @@ TEST(StatusLine, ForgetsAJobThatEndedWithoutAWord) {
     EXPECT_TRUE(eventually([&] { return status.bar.currentMessage().isEmpty(); }));
 }
 
-TEST(StatusLine, SaysNothingOfActionsWithoutAName) {
+TEST(StatusLine, ShowsNothingOfUnnamedActions) {
     Line status;
     const auto use = Line::use(QString(), 900ms, false);
     status.line.useBegan(use);

@@ -25,7 +25,7 @@ TEST(TransferPercent, CountsFromTheOffset) {
     EXPECT_EQ(transferPercent(sending(999, 1000, 1000)), 100);
 }
 
-TEST(TransferPercent, StaysWithinItsBoundsWhateverTheNumbersAre) {
+TEST(TransferPercent, StaysWithinItsBounds) {
     EXPECT_EQ(transferPercent(sending(0, 0, 0)), 100);
     EXPECT_EQ(transferPercent(sending(1000, 1000, 1000)), 100);
     EXPECT_EQ(transferPercent(sending(0x7FFFFFFF, 0x7FFFFFFF, 3)), 100);
@@ -41,7 +41,7 @@ TEST(TransferText, NamesThePhase) {
     EXPECT_EQ(transferText({Phase::idle, 0, 0, 0, 0}), "请稍候…");
 }
 
-TEST(TransferText, TellsBytesAndAfterASecondRateAndTimeLeft) {
+TEST(TransferText, ShowsRateAndTimeLeftAfterASecond) {
     EXPECT_EQ(transferText(sending(0, 512, 4000, 0.5)), "已发送 512 / 4000 字节");
     EXPECT_EQ(transferText(sending(0, 46080, 4000000, 1)),
               "已发送 46080 / 4000000 字节，46.1 KB/s，剩余 1:26");
@@ -49,12 +49,12 @@ TEST(TransferText, TellsBytesAndAfterASecondRateAndTimeLeft) {
     EXPECT_EQ(transferText(sending(0, 0, 1000, 5)), "已发送 0 / 1000 字节") << "nothing to reckon with yet";
 }
 
-TEST(TransferText, TellsWhereAResumedUploadGoesOnAndReckonsFromThere) {
+TEST(TransferText, CountsAResumedUploadFromItsOffset) {
     EXPECT_EQ(transferText(sending(3000, 5000, 9000, 2)),
               "已发送 5000 / 9000 字节，1.0 KB/s，剩余 0:04（从第 3000 字节继续）");
 }
 
-TEST(TransferDisplay, ShowsAPictureDownloadOnlyWhileItsBytesCome) {
+TEST(TransferDisplay, ShowsADownloadOnlyWhileItReceives) {
     TransferProgress progress;
     TransferDisplay display;
     display.followDownload(progress);
@@ -72,7 +72,7 @@ TEST(TransferDisplay, ShowsAPictureDownloadOnlyWhileItsBytesCome) {
     display.finish();
 }
 
-TEST(TransferText, OfATimeBeyondAllMeasureHasABound) {
+TEST(TransferText, LimitsTheTimeLeft) {
     EXPECT_EQ(transferText(sending(0, 1, 0x7FFFFFFF, 1e6)),
               "已发送 1 / 2147483647 字节，0.0 KB/s，剩余 5999:59");
 }

@@ -35,7 +35,7 @@ protected:
 
 } // namespace
 
-TEST_F(Keys, EscapeClosesEveryWindowOfTheMenuAndNotTheMainWindow) {
+TEST_F(Keys, EscapeClosesEveryWindowOfTheMenu) {
     for (const char* const entry : menuWindows) {
         trigger(*window, entry);
         QWidget* opened = nullptr;
@@ -50,13 +50,16 @@ TEST_F(Keys, EscapeClosesEveryWindowOfTheMenuAndNotTheMainWindow) {
         QTest::keyClick(opened, Qt::Key_Escape);
         EXPECT_TRUE(eventually([&] { return closed == nullptr; })) << entry;
     }
+}
+
+TEST_F(Keys, EscapeKeepsTheMainWindow) {
     window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     QTest::keyClick(window.get(), Qt::Key_Escape);
     EXPECT_TRUE(window->isVisible());
 }
 
-TEST_F(Keys, EnterPressesTheButtonThatHasTheFocusAndNoOther) {
+TEST_F(Keys, EnterPressesOnlyTheFocusedButton) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     QTest::keyClick(window->focusWidget(), Qt::Key_Return); // the open button has the focus at first
     EXPECT_EQ(text(*window, "btn_open"), "关闭串口");

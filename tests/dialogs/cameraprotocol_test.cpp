@@ -165,7 +165,7 @@ TEST_F(CameraProtocol, StoresTypeAndCorrectedAddress) {
     EXPECT_EQ(dialog, nullptr) << "closed and deleted";
 }
 
-TEST_F(CameraProtocol, ShowsTypedDigitsInUpperCaseWhenEditingIsFinished) {
+TEST_F(CameraProtocol, ShowsUpperCaseWhenEditingIsFinished) {
     open(1, 0);
     retype("ee");
     QTest::keyClick(field()->lineEdit(), Qt::Key_Return);
@@ -175,7 +175,7 @@ TEST_F(CameraProtocol, ShowsTypedDigitsInUpperCaseWhenEditingIsFinished) {
     EXPECT_EQ(address, 238U);
 }
 
-TEST_F(CameraProtocol, TakesWhatWasTypedEvenIfEditingWasNotFinished) {
+TEST_F(CameraProtocol, TakesAnUnfinishedInput) {
     open(1, 0);
     retype("ee");
     confirm();
@@ -205,7 +205,7 @@ TEST_F(CameraProtocol, TakesAnEmptyFieldForZero) {
     EXPECT_EQ(address, 0U);
 }
 
-TEST_F(CameraProtocol, LeavesBothValuesWhenItIsOnlyClosed) {
+TEST_F(CameraProtocol, KeepsBothValuesWhenClosed) {
     open(5, 2);
     click(*dialog, "rb_dvl");
     retype("77");
@@ -239,7 +239,7 @@ TEST(HexadecimalField, ShowsUpperCaseWithoutPrefixOrPadding) {
     EXPECT_EQ(OpenHexSpinBox::shown(0), "0");
 }
 
-TEST(HexadecimalField, MendsItsInputAndTakesItsValue) {
+TEST(HexadecimalField, CorrectsItsInput) {
     const DebugLog log;
     HexSpinBox box;
     box.setRange(0, 255);

@@ -62,7 +62,7 @@ TEST_F(DoorAndAbout, DoorWindowHasItsFormAndTitle) {
     EXPECT_EQ(text(door, "btn_close"), "关门");
 }
 
-TEST_F(DoorAndAbout, IsAWindowOfItsOwnThatIsDeletedWhenClosed) {
+TEST_F(DoorAndAbout, DoorWindowIsDeletedWhenClosed) {
     DoorOp& door = openDoorWindow();
     EXPECT_TRUE(door.isWindow());
     EXPECT_FALSE(door.isModal());
@@ -103,7 +103,7 @@ TEST_F(DoorAndAbout, DoesNothingWithoutALink) {
     EXPECT_EQ(statusText(*window), "请先打开串口");
 }
 
-TEST_F(DoorAndAbout, DoorWindowGoesSilently) {
+TEST_F(DoorAndAbout, DoorWindowLogsNothingWhenDestroyed) {
     DoorOp& door = openDoorWindow();
     const DebugLog log;
     door.close();

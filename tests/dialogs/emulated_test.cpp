@@ -100,14 +100,16 @@ TEST_F(EmulatedDialogTest, TheCompressionRateIsStoredAndReadBack) {
     expectCleanLine();
 }
 
-TEST_F(EmulatedDialogTest, ARefusedOrUnansweredWriteIsToldAndChangesNothing) {
+TEST_F(EmulatedDialogTest, RefusedWriteChangesNothing) {
     refuseWriting(emulator::property::heaterDuty);
     const QWidget* const heat = open<SetPwmHeat>();
     part<QComboBox>(heat, "cb_setheat")->setCurrentText("60");
     press(heat, "btn_setheat");
     EXPECT_EQ(textOf(heat, "label_hint"), "设置占空比失败，请重试");
     EXPECT_EQ(held(emulator::property::heaterDuty), std::vector<std::uint8_t>{30});
+}
 
+TEST_F(EmulatedDialogTest, UnansweredWriteFailsAfterTenTries) {
     addFault("silent");
     const QWidget* const rate = open<SetPicRate>();
     part<QLineEdit>(rate, "et_setsn")->setText("10");
@@ -120,7 +122,7 @@ TEST_F(EmulatedDialogTest, ARefusedOrUnansweredWriteIsToldAndChangesNothing) {
     EXPECT_EQ(textOf(rate, "label_setsn"), "获取图片压缩率失败");
 }
 
-TEST_F(EmulatedDialogTest, TruncatedStrayAndSlowAnswersAreTakenForWhatTheyAre) {
+TEST_F(EmulatedDialogTest, ReadsSlowAnswersAndFailsBrokenOnes) {
     const QWidget* const window = open<SetPwmHeat>();
     for (const char* fault : {"truncate=9#1", "stray=1#1"}) {
         SCOPED_TRACE(fault);
@@ -139,7 +141,7 @@ TEST_F(EmulatedDialogTest, TruncatedStrayAndSlowAnswersAreTakenForWhatTheyAre) {
     EXPECT_EQ(textOf(window, "label_setheat"), "当前占空比:  30");
 }
 
-TEST_F(EmulatedDialogTest, TheCaptureSettingsFillInByThemselvesWithRoomBetweenTheReads) {
+TEST_F(EmulatedDialogTest, CaptureSettingsAreReadWithPauses) {
     QElapsedTimer time;
     time.start();
     const QWidget* const window = open<SetCaptureDegree>();
@@ -152,7 +154,7 @@ TEST_F(EmulatedDialogTest, TheCaptureSettingsFillInByThemselvesWithRoomBetweenTh
     expectCleanLine();
 }
 
-TEST_F(EmulatedDialogTest, TheCaptureSettingsAreWrittenAndShownAsTheCameraHoldsThem) {
+TEST_F(EmulatedDialogTest, WrittenCaptureSettingsAreReadBack) {
     const QWidget* const window = open<SetCaptureDegree>();
     settle();
     part<QLineEdit>(window, "et_set1_0")->setText("15");
@@ -170,7 +172,7 @@ TEST_F(EmulatedDialogTest, TheCaptureSettingsAreWrittenAndShownAsTheCameraHoldsT
     expectCleanLine();
 }
 
-TEST_F(EmulatedDialogTest, TheMountingIsShownInTheOrderInWhichTheCameraReportsIt) {
+TEST_F(EmulatedDialogTest, MountingIsShownInTheOrderOfTheReports) {
     m_front.withCamera([](VirtualCamera& camera) {
         camera.state().orientation[1].answer = emulator::OrientationItem::Answer::sentinel;
         camera.state().orientation[2].answer = emulator::OrientationItem::Answer::tooShort;
@@ -179,10 +181,10 @@ TEST_F(EmulatedDialogTest, TheMountingIsShownInTheOrderInWhichTheCameraReportsIt
     settle();
     EXPECT_EQ(labels(window, 4), (std::vector<std::string>{"当前仰俯角:45", "当前横滚角:不支持,获取失败",
                                                            "当前偏航角:不支持,获取失败", "当前加速度:981"}));
-    EXPECT_EQ(m_debug.count("got no location"), 1);
+    EXPECT_EQ(DebugLog::count("got no location"), 1);
 }
 
-TEST_F(EmulatedDialogTest, ASilentCameraFailsEveryReadWhileTheWindowsStayAlive) {
+TEST_F(EmulatedDialogTest, SilentCameraDoesNotBlockTheWindows) {
     addFault("silent");
     const QWidget* const window = open<SetCaptureDegree>();
     QElapsedTimer time;
@@ -199,7 +201,7 @@ TEST_F(EmulatedDialogTest, ASilentCameraFailsEveryReadWhileTheWindowsStayAlive) 
     EXPECT_LT(longest, 300);
 }
 
-TEST_F(EmulatedDialogTest, ClosingTheLinkInMidFetchTakesAtMostOneTimeOutAndDropsTheResult) {
+TEST_F(EmulatedDialogTest, ClosingTheLinkEndsAFetchInOneTimeout) {
     addFault("silent");
     const QWidget* const capture = open<SetCaptureDegree>();
     const QWidget* const location = open<SetCameraLocation>();
@@ -213,7 +215,7 @@ TEST_F(EmulatedDialogTest, ClosingTheLinkInMidFetchTakesAtMostOneTimeOutAndDrops
     EXPECT_EQ(labels(location, 4), locationFirst);
 }
 
-TEST_F(EmulatedDialogTest, TheNextLinkServesTheWindowsThatStayedOpen) {
+TEST_F(EmulatedDialogTest, NextLinkServesOpenWindows) {
     const QWidget* const window = open<SetCaptureDegree>();
     closeLink();
     settle();
@@ -226,7 +228,7 @@ TEST_F(EmulatedDialogTest, TheNextLinkServesTheWindowsThatStayedOpen) {
     EXPECT_EQ(labels(window, 3), captureTexts);
 }
 
-TEST_F(EmulatedDialogTest, APulledAdapterFailsTheCommandsAndNothingElse) {
+TEST_F(EmulatedDialogTest, PulledAdapterFailsTheCommands) {
     m_front.vanish();
     const QWidget* const location = open<SetCameraLocation>();
     settle();

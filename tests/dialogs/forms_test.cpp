@@ -181,7 +181,7 @@ TEST_P(SettingForm, CutsNoTextInItsSmallestSize) {
     }
 }
 
-TEST_P(SettingForm, IsWalkedThroughByTabAsTheEyeGoes) {
+TEST_P(SettingForm, MovesTheFocusInReadingOrder) {
     QStringList walked;
     const QWidget* widget = m_window.get();
     while ((widget = widget->nextInFocusChain()) != m_window.get()) {
@@ -193,7 +193,7 @@ TEST_P(SettingForm, IsWalkedThroughByTabAsTheEyeGoes) {
     EXPECT_EQ(walked, form().tabOrder);
 }
 
-TEST_P(SettingForm, HasNoTabStopOutOfSight) {
+TEST_P(SettingForm, HasNoHiddenTabStop) {
     for (const QWidget* widget : m_window->findChildren<QWidget*>()) {
         const bool outOfSight = !widget->isVisible() || widget->visibleRegion().isEmpty();
         if (outOfSight && widget->window() == m_window.get()) {
@@ -202,7 +202,7 @@ TEST_P(SettingForm, HasNoTabStopOutOfSight) {
     }
 }
 
-TEST_P(SettingForm, NamesEverythingTheKeyboardReaches) {
+TEST_P(SettingForm, NamesEveryControlOnTheTabOrder) {
     std::map<QString, QString> names;
     for (const QWidget* widget : m_window->findChildren<QWidget*>()) {
         if ((widget->focusPolicy() & Qt::TabFocus) == 0 || widget->objectName().startsWith("qt_"))

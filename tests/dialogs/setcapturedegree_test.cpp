@@ -1,7 +1,7 @@
 // The window of the gyro's capture settings.
 #include "dialogs/setcapturedegree.h"
-#include "tests/support/heldpause.h"
 #include "tests/dialogs/recordeddialogtest.h"
+#include "tests/support/heldpause.h"
 
 #include <QElapsedTimer>
 #include <QLineEdit>
@@ -41,7 +41,7 @@ protected:
 
     /// Debug lines without that of the full refresh.
     [[nodiscard]] Lines linesAfterOpening() const {
-        Lines lines = m_debug.all();
+        Lines lines = DebugLog::plainLines();
         if (!lines.empty())
             lines.erase(lines.begin());
         return lines;
@@ -50,11 +50,12 @@ protected:
     HeldPause m_pauses{false};
 };
 
-TEST_F(SetCaptureDegreeTest, ReadsAllFourPropertiesInOrderAsSoonAsItOpens) {
+TEST_F(SetCaptureDegreeTest, ReadsAllFourPropertiesWhenItOpens) {
     const QWidget* const window = openAndWait();
     EXPECT_EQ(requests(), readAll);
     EXPECT_EQ(m_pauses.durations(), std::vector<std::chrono::nanoseconds>(4, 100ms));
-    EXPECT_EQ(m_debug.all(), Lines{"std::vector(30, 60) std::vector(1) std::vector() std::vector(1)"});
+    EXPECT_EQ(DebugLog::plainLines(),
+              Lines{"std::vector(30, 60) std::vector(1) std::vector() std::vector(1)"});
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度:30,60");
     EXPECT_EQ(textOf(window, "label_2"), "当前陀螺仪抓图方向:顺时针");
     EXPECT_EQ(textOf(window, "label_3"), "当前陀螺仪开启状态:开启");
@@ -73,13 +74,19 @@ TEST_F(SetCaptureDegreeTest, NeverRunsItsTimer) {
     EXPECT_EQ(timerOf(window)->interval(), 1000);
 }
 
-TEST_F(SetCaptureDegreeTest, ShowsAnyDirectionOtherThanOneAsAnticlockwiseAndAnyStateOtherThanOneAsOff) {
+TEST_F(SetCaptureDegreeTest, ShowsDirectionsOtherThanOneAsAnticlockwise) {
     m_camera.hold(11, {{2}, {0}, {255, 1}});
-    m_camera.hold(13, {{2}, {0}, {255, 1}});
     for (int i = 0; i < 3; ++i) {
         const QWidget* const window = openAndWait();
         EXPECT_EQ(textOf(window, "label_2"), "当前陀螺仪抓图方向:逆时针");
         EXPECT_TRUE(isChecked(window, "rb_anticlosewise"));
+    }
+}
+
+TEST_F(SetCaptureDegreeTest, ShowsGyroStatesOtherThanOneAsOff) {
+    m_camera.hold(13, {{2}, {0}, {255, 1}});
+    for (int i = 0; i < 3; ++i) {
+        const QWidget* const window = openAndWait();
         EXPECT_EQ(textOf(window, "label_3"), "当前陀螺仪开启状态:关闭");
         EXPECT_FALSE(isChecked(window, "cb_open"));
     }
@@ -92,10 +99,10 @@ TEST_F(SetCaptureDegreeTest, TellsOfEveryFailedRead) {
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度:获取失败");
     EXPECT_EQ(textOf(window, "label_2"), "当前陀螺仪抓图方向:获取失败");
     EXPECT_EQ(textOf(window, "label_3"), "当前陀螺仪开启状态:获取失败");
-    EXPECT_EQ(m_debug.all(), Lines{"std::vector() std::vector() std::vector() std::vector()"});
+    EXPECT_EQ(DebugLog::plainLines(), Lines{"std::vector() std::vector() std::vector() std::vector()"});
 }
 
-TEST_F(SetCaptureDegreeTest, TakesShortAnswersAsFailedAndIgnoresWhatIsTooMuch) {
+TEST_F(SetCaptureDegreeTest, FailsShortAnswersAndIgnoresExtraBytes) {
     m_camera.hold(10, {{30}, {255, 0, 7, 7}});
     const QWidget* const window = openAndWait();
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度:获取失败");
@@ -125,7 +132,7 @@ TEST_F(SetCaptureDegreeTest, FailsEverywhereWithoutALink) {
     EXPECT_TRUE(requests().empty());
 }
 
-TEST_F(SetCaptureDegreeTest, AGetButtonReadsAndShowsItsOwnItemOnlyAndDoesNotPause) {
+TEST_F(SetCaptureDegreeTest, GetButtonReadsItsOwnItemWithoutPause) {
     struct Row {
         const char* button;
         const char* label;
@@ -150,7 +157,7 @@ TEST_F(SetCaptureDegreeTest, AGetButtonReadsAndShowsItsOwnItemOnlyAndDoesNotPaus
         press(window, row.button);
         settle();
         EXPECT_EQ(requests(), std::vector<std::string>{row.request});
-        EXPECT_EQ(m_debug.count(row.logged), 1);
+        EXPECT_EQ(DebugLog::count(row.logged), 1);
         for (const char* label : {"label_1", "label_2", "label_3"})
             EXPECT_EQ(textOf(window, label), std::string(label) == row.label ? row.shown : "old");
     }
@@ -166,7 +173,7 @@ TEST_F(SetCaptureDegreeTest, ItemThreeIsReadAndLoggedButNotShown) {
     window->doGetInfo(false, SetCaptureDegree::reserveItem);
     settle();
     EXPECT_EQ(requests(), std::vector<std::string>{readReserve});
-    EXPECT_EQ(m_debug.count("std::vector() std::vector() std::vector(9, 8) std::vector()"), 1);
+    EXPECT_EQ(DebugLog::count("std::vector() std::vector() std::vector(9, 8) std::vector()"), 1);
     for (const char* label : {"label_1", "label_2", "label_3"})
         EXPECT_EQ(textOf(window, label), "old");
 }
@@ -203,7 +210,7 @@ TEST_F(SetCaptureDegreeTest, SendsTheLowBytesOfWhateverIsTypedAsAngles) {
         part<QLineEdit>(window, "et_set1_1")->setText(row.angleB);
         press(window, "btn_set1");
         EXPECT_EQ(requests(), std::vector<std::string>{row.request});
-        EXPECT_EQ(m_debug.count(row.logged), 1);
+        EXPECT_EQ(DebugLog::count(row.logged), 1);
     }
 }
 
@@ -217,7 +224,7 @@ TEST_F(SetCaptureDegreeTest, ReturnInEitherAngleSetsBoth) {
     EXPECT_EQ(requests(), std::vector<std::string>(2, "AA 5A 01 03 03 00 00 00 0A 1E 3C 16 B8"));
 }
 
-TEST_F(SetCaptureDegreeTest, SendsTheChosenDirectionAndAnticlockwiseWhenNoneIsChosen) {
+TEST_F(SetCaptureDegreeTest, SendsAnticlockwiseUnlessClockwiseIsChosen) {
     m_camera.fallSilent();
     const QWidget* const window = openAndWait();
     const std::string clockwise = "AA 5A 01 03 02 00 00 00 0B 01 8D 72";
@@ -245,7 +252,7 @@ TEST_F(SetCaptureDegreeTest, SendsTheGyroSwitch) {
     EXPECT_EQ(linesAfterOpening(), (Lines{"true", "false"}));
 }
 
-TEST_F(SetCaptureDegreeTest, ReadsTheSameItemAgainHalfASecondAfterAWriteWhateverItsResult) {
+TEST_F(SetCaptureDegreeTest, ReadsTheItemHalfASecondAfterAnyWrite) {
     struct Row {
         const char* button;
         std::string request;
@@ -274,7 +281,7 @@ TEST_F(SetCaptureDegreeTest, ShowsWhatTheCameraHoldsAfterAnAcceptedWrite) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return textOf(window, "label_1") == "当前陀螺仪抓图角度:7,44"; }));
 }
 
-TEST_F(SetCaptureDegreeTest, WaitsWithTheReadBackWhileSomebodyElseUsesTheClient) {
+TEST_F(SetCaptureDegreeTest, DelaysTheReadBackWhileTheClientIsBusy) {
     const QWidget* const window = openAndWait();
     press(window, "btn_set3");
     forgetRequests();
@@ -292,10 +299,10 @@ TEST_F(SetCaptureDegreeTest, MayBeClosedBetweenWriteAndReadBack) {
     window->close();
     QTest::qWait(600);
     EXPECT_TRUE(requests().empty());
-    EXPECT_EQ(m_debug.count("captureDegreeUi destroyed"), 1);
+    EXPECT_EQ(DebugLog::count("captureDegreeUi destroyed"), 1);
 }
 
-TEST_F(SetCaptureDegreeTest, FailsTheReadBackWhenTheLinkWasClosedAfterTheWrite) {
+TEST_F(SetCaptureDegreeTest, FailsTheReadBackAfterTheLinkClosed) {
     const QWidget* const window = openAndWait();
     press(window, "btn_set1");
     closeLink();
@@ -330,7 +337,7 @@ TEST_F(SetCaptureDegreeInMidFetch, EndsItsReadingWhenItIsClosed) {
     EXPECT_EQ(requests().size(), 1U);
 }
 
-TEST_F(SetCaptureDegreeInMidFetch, MayBeHiddenAndShowsTheResultAllTheSame) {
+TEST_F(SetCaptureDegreeInMidFetch, ShowsTheResultWhileHidden) {
     QWidget* const window = open<SetCaptureDegree>();
     ASSERT_TRUE(m_held.waitForFirst());
     window->hide();
@@ -339,7 +346,7 @@ TEST_F(SetCaptureDegreeInMidFetch, MayBeHiddenAndShowsTheResultAllTheSame) {
     EXPECT_EQ(textOf(window, "label_3"), "当前陀螺仪开启状态:开启");
 }
 
-TEST_F(SetCaptureDegreeInMidFetch, DropsTheResultOfALinkThatWasClosedMeanwhile) {
+TEST_F(SetCaptureDegreeInMidFetch, DropsTheResultOfAClosedLink) {
     const QWidget* const window = open<SetCaptureDegree>();
     ASSERT_TRUE(m_held.waitForFirst());
     m_borrowers.front().borrower->attachClient(nullptr);
@@ -351,7 +358,7 @@ TEST_F(SetCaptureDegreeInMidFetch, DropsTheResultOfALinkThatWasClosedMeanwhile) 
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度");
 }
 
-TEST_F(SetCaptureDegreeTest, ClosingTheLinkEndsAFetchInTheMiddleOfItsPauses) {
+TEST_F(SetCaptureDegreeTest, ClosingTheLinkEndsAFetchInItsPause) {
     CameraSp::replaceSleep({});
     for (int i = 0; i < 10; ++i)
         open<SetCaptureDegree>();

@@ -26,7 +26,7 @@ TEST_F(SetSNTest, SeedsWithAFixedTextWhenNoAdapterHasAnAddress) {
     EXPECT_EQ(SetSN::adapterText({QNetworkInterface()}), "123456");
 }
 
-TEST_F(SetSNTest, SeedsWithTheFirstAddressOfAnAdapterThatIsNoLoopback) {
+TEST_F(SetSNTest, SeedsWithTheFirstAdapterExceptLoopback) {
     QList<QNetworkInterface> loopbacks;
     QString first;
     for (const QNetworkInterface& adapter : QNetworkInterface::allInterfaces()) {
@@ -81,7 +81,7 @@ TEST_F(SetSNTest, ShowsTheNumberUpToItsFirstZeroByte) {
     const QWidget* const window = open<SetSN>();
     press(window, "btn_getsn");
     EXPECT_EQ(textOf(window, "label_setsn"), "当前序列号:  SN1");
-    EXPECT_EQ(m_debug.count("sn: SN1"), 1);
+    EXPECT_EQ(DebugLog::count("sn: SN1"), 1);
 }
 
 TEST_F(SetSNTest, ShowsTheBarePrefixAfterAFailedRead) {
@@ -96,7 +96,7 @@ TEST_F(SetSNTest, ShowsTheBarePrefixAfterAFailedRead) {
     }
 }
 
-TEST_F(SetSNTest, ShowsWhateverTheCameraSaysAsPlainText) {
+TEST_F(SetSNTest, ShowsCameraTextAsPlainText) {
     m_camera.hold(3, {{'<', 'b', '>', '&', 'a'}});
     const QWidget* const window = open<SetSN>();
     press(window, "btn_getsn");
@@ -141,8 +141,9 @@ TEST_F(SetPwmHeatTest, ShowsTheFirstByteOfTheAnswerAndLogsAll) {
         press(window, "btn_getheat");
         EXPECT_EQ(textOf(window, "label_setheat"), shown);
     }
-    EXPECT_EQ(m_debug.all(), (Lines{"resultVector: std::vector(30)", "resultVector: std::vector(30, 1, 2)",
-                                    "resultVector: std::vector(255)"}));
+    EXPECT_EQ(DebugLog::plainLines(),
+              (Lines{"resultVector: std::vector(30)", "resultVector: std::vector(30, 1, 2)",
+                     "resultVector: std::vector(255)"}));
 }
 
 TEST_F(SetPwmHeatTest, TellsOfAFailedReadAndLogsNothing) {
@@ -154,7 +155,7 @@ TEST_F(SetPwmHeatTest, TellsOfAFailedReadAndLogsNothing) {
         press(window, "btn_getheat");
         EXPECT_EQ(textOf(window, "label_setheat"), "获取占空比失败");
     }
-    EXPECT_TRUE(m_debug.all().empty());
+    EXPECT_TRUE(DebugLog::plainLines().empty());
 }
 
 TEST_F(SetPicRateTest, ShowsTheFirstByteOfTheAnswerAndLogsAll) {
@@ -162,11 +163,11 @@ TEST_F(SetPicRateTest, ShowsTheFirstByteOfTheAnswerAndLogsAll) {
     m_camera.hold(6, {{85, 7}});
     press(window, "btn_getsn");
     EXPECT_EQ(textOf(window, "label_setsn"), "当前图片压缩率:  85");
-    EXPECT_EQ(m_debug.all(), Lines{"resultVector: std::vector(85, 7)"});
+    EXPECT_EQ(DebugLog::plainLines(), Lines{"resultVector: std::vector(85, 7)"});
     m_camera.answerReadsWith(6, {6, 2});
     press(window, "btn_getsn");
     EXPECT_EQ(textOf(window, "label_setsn"), "获取图片压缩率失败");
-    EXPECT_EQ(m_debug.all().size(), 1U);
+    EXPECT_EQ(DebugLog::plainLines().size(), 1U);
 }
 
 // --- compression rate ----------------------------------------------------------------------------------
@@ -225,5 +226,5 @@ TEST_F(SetSNTest, EachWindowSaysThatItIsGone) {
     delete open<SetSN>();
     delete open<SetPwmHeat>();
     delete open<SetPicRate>();
-    EXPECT_EQ(m_debug.all(), (Lines{"snUi destroyed", "pwmHeatUi destroyed", "picrate destroyed"}));
+    EXPECT_EQ(DebugLog::plainLines(), (Lines{"snUi destroyed", "pwmHeatUi destroyed", "picrate destroyed"}));
 }

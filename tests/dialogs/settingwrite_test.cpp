@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(Windows, SettingWriteTest,
                          testing::Values(&serialNumber, &heaterDuty, &compressionRate),
                          [](const auto& tested) { return std::string(tested.param->name); });
 
-TEST_P(SettingWriteTest, HoldsTheControlsAfterAnAcceptedWriteCountsDownAndReadsBack) {
+TEST_P(SettingWriteTest, LocksControlsCountsDownAndReadsBack) {
     const StdoutCapture output;
     QWidget* const window = openWindow();
     press(window, kind().setButton);
@@ -158,7 +158,7 @@ TEST_P(SettingWriteTest, StartsTheNextCountdownFromItsFirstSecondAgain) {
     }
 }
 
-TEST_P(SettingWriteTest, GivesTheControlsBackAfterARefusedMissingShortOrLongAnswer) {
+TEST_P(SettingWriteTest, EnablesTheControlsAfterABadAnswer) {
     auto stray = PropertyCamera::frame(3, {kind().id, 0});
     stray.push_back(0xEE);
     const std::vector<PropertyCamera::Bytes> answers{
@@ -198,7 +198,7 @@ TEST_P(SettingWriteTest, FailsWithoutALink) {
     EXPECT_TRUE(requests().empty());
 }
 
-TEST_P(SettingWriteTest, OnlyStopsTheTimerAtATickWhileHidden) {
+TEST_P(SettingWriteTest, TickWhileHiddenOnlyStopsTheTimer) {
     QWidget* const window = openWindow();
     press(window, kind().setButton);
     tick(window);
@@ -227,7 +227,7 @@ TEST_P(SettingWriteTest, MayBeClosedInMidCountdown) {
     EXPECT_EQ(requests().size(), 1U);
 }
 
-TEST_P(SettingWriteTest, EndsTheCountdownWithAFailedReadWhenTheLinkWasClosedMeanwhile) {
+TEST_P(SettingWriteTest, FailsTheReadBackAfterTheLinkClosed) {
     QWidget* const window = openWindow();
     press(window, kind().setButton);
     tick(window);
@@ -250,7 +250,7 @@ TEST_P(SettingWriteTest, ReadsBackOverTheLinkThatIsOpenThen) {
     EXPECT_EQ(textOf(window, kind().readLabel), kind().readBack);
 }
 
-TEST_P(SettingWriteTest, WaitsWithTheReadBackWhileSomebodyElseUsesTheClient) {
+TEST_P(SettingWriteTest, DelaysTheReadBackWhileTheClientIsBusy) {
     QWidget* const window = openWindow();
     press(window, kind().setButton);
     m_borrowers.front().borrower->setExchangeAllowed(false);
@@ -265,7 +265,7 @@ TEST_P(SettingWriteTest, WaitsWithTheReadBackWhileSomebodyElseUsesTheClient) {
     EXPECT_EQ(textOf(window, kind().readLabel), kind().readBack);
 }
 
-TEST_P(SettingWriteTest, GivesTheKeyboardFocusBackWithTheControls) {
+TEST_P(SettingWriteTest, RestoresTheFocusWithTheControls) {
     QWidget* const window = openWindow();
     auto* const button = part<QAbstractButton>(window, kind().setButton);
     button->setFocus();
@@ -308,7 +308,7 @@ TEST_P(SettingWriteTest, LeavesTheFocusWhereTheUserMovesIt) {
     EXPECT_EQ(window->focusWidget(), &other);
 }
 
-TEST_P(SettingWriteTest, GivesTheFocusBackAfterSomebodyElseHasUsedTheClient) {
+TEST_P(SettingWriteTest, RestoresTheFocusAfterAnotherUser) {
     QWidget* const window = openWindow();
     auto* const button = part<QAbstractButton>(window, kind().setButton);
     button->setFocus();

@@ -118,7 +118,7 @@ TEST_P(VirtualCameraLine, StartsAsItStandsAndEndsWell) {
 INSTANTIATE_TEST_SUITE_P(Documents, VirtualCameraLine, testing::ValuesIn(typedLines("virtual-camera")),
                          [](const auto& test) { return std::to_string(test.index); });
 
-TEST(DocumentedCommands, NameScriptsThatAreThereWithTheOptionsThatTheyKnow) {
+TEST(DocumentedCommands, UseExistingScriptsAndOptions) {
     const std::vector<Typed> lines = typedLines(".sh");
     EXPECT_GT(lines.size(), 10U);
     for (const Typed& typed : lines) {
@@ -135,7 +135,7 @@ TEST(DocumentedCommands, NameScriptsThatAreThereWithTheOptionsThatTheyKnow) {
     }
 }
 
-TEST(DocumentedCommands, NamePresetsThatThereAre) {
+TEST(DocumentedCommands, UseExistingPresets) {
     const std::string presets = markdown::contentOf(markdown::sourceFolder() / "CMakePresets.json");
     const std::regex preset(R"(--preset (\w+))");
     int looked = 0;
@@ -150,7 +150,7 @@ TEST(DocumentedCommands, NamePresetsThatThereAre) {
     EXPECT_GT(looked, 4);
 }
 
-TEST(DocumentedCommands, AreAllOfAKindThatIsTriedSomewhere) {
+TEST(DocumentedCommands, AreAllOfATestedKind) {
     const std::vector<Typed> all = typedLines();
     const std::size_t tried = typedLines("virtual-camera").size() + typedLines(".sh").size() +
                               typedLines("cmake ").size() + typedLines("build/release/app/shelf-").size() +

@@ -395,7 +395,7 @@ std::vector<Shown> shownUnder(std::string_view heading) {
 
 } // namespace
 
-TEST(ProtocolExamples, AreShownForEverythingAndForNothingElse) {
+TEST(ProtocolExamples, ExistForEveryCommandAndNothingElse) {
     std::set<std::string> expected;
     for (const auto& [what, make] : allExamples())
         expected.insert(what);
@@ -466,7 +466,7 @@ TEST(ProtocolExamples, AreEnvelopesWithRightCountsAndCheckCode) {
     }
 }
 
-TEST(ProtocolExamples, OfAnswersSayToTheClientWhatTheirNamesSay) {
+TEST(ProtocolExamples, AnswersHaveTheMeaningOfTheirNames) {
     const auto answerNamed = [](const std::string& what) {
         for (const Shown& shown : shownUnder("### Answers")) {
             if (shown.what == what)

@@ -124,26 +124,26 @@ bool captureOnce(CameraSp& camera, std::uint16_t id, bool lists) {
 
 } // namespace
 
-TEST_F(Endurance, AThousandExchangesLeaveTheProcessAsItWas) {
+TEST_F(Endurance, ThousandExchangesLeakNothing) {
     CameraSp camera(ostra.portName(), baudRate);
     repeat("exchanges", 1000, [&](int round) { return exchangeOnce(camera, round); });
 }
 
-TEST_F(Endurance, TwoHundredLinksLeaveTheProcessAsItWas) {
+TEST_F(Endurance, TwoHundredLinksLeakNothing) {
     repeat("openings and closings", 200, [&](int) {
         CameraSp camera(ostra.portName(), baudRate);
         return camera.getAppVersion() == "1.2";
     });
 }
 
-TEST_F(Endurance, FiftyUploadsLeaveTheProcessAsItWas) {
+TEST_F(Endurance, FiftyUploadsLeakNothing) {
     CameraSp camera(ostra.portName(), baudRate);
     camera.setAppFilePath(imageName);
     camera.setFirewareFilePath(imageName);
     repeat("uploads of 200 kB", 50, [&](int round) { return uploadOnce(camera, round); });
 }
 
-TEST_F(Endurance, FiftyCapturesLeaveTheProcessAsItWas) {
+TEST_F(Endurance, FiftyCapturesLeakNothing) {
     CameraSp camera(dynamic.portName(), baudRate);
     camera.setSlaveAddress(emulator::settingsForType(CameraType::salesDynamic).address);
     std::uint16_t id = emulator::CameraState().nextPictureId;
@@ -151,7 +151,7 @@ TEST_F(Endurance, FiftyCapturesLeaveTheProcessAsItWas) {
            [&](int round) { return captureOnce(camera, id++, round % 10 == 0); });
 }
 
-TEST_F(Endurance, AllOfItInTurnLeavesTheProcessAsItWas) {
+TEST_F(Endurance, MixedUseLeaksNothing) {
     CameraSp origin(ostra.portName(), baudRate);
     origin.setFirewareFilePath(imageName);
     CameraSp v1(dynamic.portName(), baudRate);

@@ -47,7 +47,7 @@ class PageAtTheEnd : public testing::Environment {
 
 class FaultMatrix : public testing::TestWithParam<Command> {};
 
-TEST_P(FaultMatrix, EveryFaultEndsAsItMustInTimeWithItsLogLineAndTheNextCommandWorks) {
+TEST_P(FaultMatrix, MatchesExpectedOutcome) {
     const Command command = withoutLongWaits(GetParam());
     const std::vector<Cell> cells = runRow(command);
     for (const Cell& cell : cells) {

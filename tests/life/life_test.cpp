@@ -47,12 +47,12 @@ void PrintTo(const FlowAndEnding& test, std::ostream* out) {
 class Life : public testing::TestWithParam<FlowAndEnding> {
 protected:
     StdoutCapture quiet;
-    guitest::DebugLog alsoQuiet;
+    DebugLog alsoQuiet;
 };
 
 } // namespace
 
-TEST_P(Life, LeavesNothingBehindAndTheNextLinkWorks) {
+TEST_P(Life, EndsCleanlyAndTheNextLinkWorks) {
     const auto& [number, ending] = GetParam();
     const Flow& flow = flows()[number];
     const unsigned seed = numberFrom("CAMERA_LIFE_SEED", defaultSeed);

@@ -96,7 +96,7 @@ TEST_F(JsonPictures, AnswersTooShortForABodyAreEmptyText) {
     }
 }
 
-TEST_F(JsonPictures, AcceptanceDropsGarbageAndWantsTheExactLength) {
+TEST_F(JsonPictures, AcceptsOnlyTheExactLengthAfterGarbage) {
     answer("33 01 33");
     answer(propertyAnswer);
     EXPECT_FALSE(camera.getQuentaModbusProperty("").empty());
@@ -155,7 +155,7 @@ TEST_F(JsonPictures, A501stByteIsAChunkOfItsOwnAnd7000NeedTwo) {
     EXPECT_EQ(fake_serial::writes().size(), 4U);
 }
 
-TEST_F(JsonPictures, SizesUpTo500AndNegativeOnesEndAfterTheFirstChunk) {
+TEST_F(JsonPictures, SmallAndNegativeSizesEndAfterTheFirstChunk) {
     for (const char* size : {"500", "0", "-1"}) {
         answerBody(std::string(R"({"size":)") + size + "}<<BINARY>>x");
         EXPECT_TRUE(camera.getQuentaModbusPic(1)) << size;
@@ -164,7 +164,7 @@ TEST_F(JsonPictures, SizesUpTo500AndNegativeOnesEndAfterTheFirstChunk) {
     EXPECT_EQ(fake_serial::writes().size(), 3U);
 }
 
-TEST_F(JsonPictures, AnAnswerWithoutMarkerAddsNothingAndDoesNotFail) {
+TEST_F(JsonPictures, AnswerWithoutMarkerAddsNothing) {
     answerBody(R"({"size":501} no picture here)");
     answerBody("{}<<BINARY>>z");
     EXPECT_TRUE(camera.getQuentaModbusPic(1));

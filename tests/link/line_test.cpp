@@ -112,7 +112,7 @@ TEST_F(SharedLine, UploadWaitsForADownloadAndThenRuns) {
     EXPECT_EQ(fake_serial::writes().at(1).at(3), 0x1B);
 }
 
-TEST_F(SharedLine, EndingADownloadThatIsOverSparesTheUpload) {
+TEST_F(SharedLine, EndingAFinishedDownloadKeepsTheUpload) {
     ScratchFolder::write("file.bin", {1});
     camera.setFirewareFilePath("file.bin");
     camera.endDownload();

@@ -67,7 +67,7 @@ TEST_F(Pictures, CatalogueV1LogsThe16BitId) {
     EXPECT_EQ(out.lines().back(), "pic id:258");
 }
 
-TEST_F(Pictures, CatalogueIsCountedFromItsLengthNotFromItsCountByte) {
+TEST_F(Pictures, CatalogueIgnoresItsCountByte) {
     protocol::Bytes lying = bytes(originRecordAnswer);
     for (const std::uint8_t count : {std::uint8_t{0}, std::uint8_t{9}}) {
         lying[8] = count;
@@ -113,7 +113,7 @@ TEST_F(Pictures, DeletionSucceedsOnlyForResultZero) {
     EXPECT_EQ(out.lines(), (Lines{"error in delOriginPic deletepic", "error in delPicV1 deletepic"}));
 }
 
-TEST_F(Pictures, DownloadLogsEachRequestByteAndWritesExactlyThePicture) {
+TEST_F(Pictures, DownloadWritesThePictureAndLogsTheRequest) {
     ScratchFolder::write("5.jpg", std::vector<std::uint8_t>(100, 9));
     answer(originTransfer);
     std::cout << std::dec;
@@ -182,7 +182,7 @@ TEST_F(Pictures, RefusedReadWritesNoFileInTheFirstGeneration) {
     EXPECT_FALSE(out.has("read over"));
 }
 
-TEST_F(Pictures, RefusedReadWritesTheFileAllTheSameInV1) {
+TEST_F(Pictures, RefusedReadStillWritesTheFileInV1) {
     answer(v1TransferResult1);
     camera.getTargetPicV1(258, 20);
     EXPECT_EQ(ScratchFolder::read("258.jpg"), upTo(0x13));
@@ -203,7 +203,7 @@ TEST_F(Pictures, SizeZeroWritesAnEmptyFile) {
     EXPECT_EQ(ScratchFolder::read("5.jpg"), std::vector<std::uint8_t>{});
 }
 
-TEST_F(Pictures, AFolderInThePicturesPlaceLeavesOneLineAndNothingHalfWritten) {
+TEST_F(Pictures, DownloadOntoAFolderLogsOneLine) {
     std::filesystem::create_directories("5.jpg/keeps-it-from-being-replaced");
     answer(originTransfer);
     camera.getOriginTargetPic(5, 20);
@@ -211,7 +211,7 @@ TEST_F(Pictures, AFolderInThePicturesPlaceLeavesOneLineAndNothingHalfWritten) {
     EXPECT_EQ(folder.names(), Lines{"5.jpg"});
 }
 
-TEST_F(Pictures, AFullDiskLeavesOneLineAndNothingHalfWritten) {
+TEST_F(Pictures, FullDiskLeavesNoPartOfAPicture) {
     std::filesystem::create_symlink("/dev/full", "5.jpg.part");
     answer(originTransfer);
     camera.getOriginTargetPic(5, 20);
@@ -230,7 +230,7 @@ protected:
     }
 };
 
-TEST_F(TakePic, SendsFiveRequestsWithoutTheOffsetAndWritesThePicture) {
+TEST_F(TakePic, SendsFiveRequestsWithoutTheOffset) {
     camera.setOriginPicCmdExtraAdd(9);
     answerAll();
     EXPECT_TRUE(camera.takePic());
@@ -283,7 +283,7 @@ TEST_F(TakePic, EachUnansweredStepHasItsLine) {
     }
 }
 
-TEST_F(TakePic, AnUnansweredLastDeletionFailsAfterThePictureIsWritten) {
+TEST_F(TakePic, FailsWhenTheLastDeletionIsUnanswered) {
     answer(deleted);
     answer(capturedId5);
     answer(originRecordAnswer);

@@ -212,23 +212,23 @@ constexpr const char* v1Whole = "AA 5A 01 1D 06 00 00 00 01 00 03 00 00 00 00 00
 
 } // namespace
 
-TEST_F(UploadReport, DoneWhenTheCameraSaysSo) {
+TEST_F(UploadReport, IsDoneAfterAGoodVerdict) {
     answer(appFromZero);
     answer(appGood);
     EXPECT_EQ(endOf(app), CommandEnd::done);
 }
 
-TEST_F(UploadReport, NoAnswerToTheAnnouncement) {
+TEST_F(UploadReport, TellsAnUnansweredAnnouncement) {
     for (const CameraCall& upload : {app, system, model, v1})
         EXPECT_EQ(endOf(upload), CommandEnd::noAnswer);
 }
 
-TEST_F(UploadReport, RefusedModel) {
+TEST_F(UploadReport, TellsARefusedModel) {
     answer("AA 5A 01 CB 06 00 00 00 00 01 00 00 00 00 00 00");
     EXPECT_EQ(endOf(model), CommandEnd::refused);
 }
 
-TEST_F(UploadReport, OffsetBeyondTheFile) {
+TEST_F(UploadReport, TellsAnOffsetBeyondTheFile) {
     answer(appFrom512);
     answer(appBad);
     EXPECT_EQ(endOf(app), CommandEnd::offsetBeyondFile);
@@ -236,7 +236,7 @@ TEST_F(UploadReport, OffsetBeyondTheFile) {
     EXPECT_EQ(endOf(system), CommandEnd::offsetBeyondFile);
 }
 
-TEST_F(UploadReport, BadOrMissingVerdict) {
+TEST_F(UploadReport, TellsABadOrMissingVerdict) {
     answer(appFromZero);
     answer(appBad);
     EXPECT_EQ(endOf(app), CommandEnd::verdictBad);
@@ -244,7 +244,7 @@ TEST_F(UploadReport, BadOrMissingVerdict) {
     EXPECT_EQ(endOf(app), CommandEnd::noVerdict);
 }
 
-TEST_F(UploadReport, FilesThatCannotBeRead) {
+TEST_F(UploadReport, TellsUnreadableFiles) {
     camera.setAppFilePath("nothing.bin");
     EXPECT_EQ(endOf([](CameraSp& c) { EXPECT_THROW(c.appUpdate(), const char*); }), CommandEnd::fileMissing);
     std::filesystem::create_directory("folder");
@@ -256,19 +256,19 @@ TEST_F(UploadReport, FilesThatCannotBeRead) {
     EXPECT_EQ(endOf(app), CommandEnd::fileTooLarge);
 }
 
-TEST_F(UploadReport, SecondProtocolSendsNoData) {
+TEST_F(UploadReport, TellsThatTheSecondProtocolSendsNoData) {
     for (int i = 0; i < 5; ++i)
         answer(v1FromZero);
     EXPECT_EQ(endOf(v1), CommandEnd::dataNotSupported);
 }
 
-TEST_F(UploadReport, SecondProtocolWithoutAPackageResult) {
+TEST_F(UploadReport, TellsAMissingPackageResult) {
     for (int i = 0; i < 5; ++i)
         answer(v1Whole);
     EXPECT_EQ(endOf(v1), CommandEnd::noVerdict);
 }
 
-TEST_F(UploadReport, PortThatFails) {
+TEST_F(UploadReport, TellsAFailedPort) {
     answer(appFromZero);
     fake_serial::willThrowOnRead();
     EXPECT_EQ(endOf(app), CommandEnd::portFailed);

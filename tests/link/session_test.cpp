@@ -49,22 +49,26 @@ TEST_F(Session, TheOnlyPortIsPickedWithLongTimeouts) {
                                            "open COM7 9600 4294967295,5000,0,5000,0 8N1", "close"}));
 }
 
-TEST_F(Session, NoPortOrSeveralPortsAreRefusedWithATextEach) {
+TEST_F(Session, ThrowsWhenThereIsNoPort) {
     EXPECT_EQ(thrownText([] { CameraSp camera; }), "serial unavailable");
     EXPECT_EQ(thrownText([] { CameraSp camera(9600U); }), "serial unavailable");
+    EXPECT_EQ(fake_serial::calls(), Lines{});
+}
+
+TEST_F(Session, ThrowsWhenThereAreSeveralPorts) {
     fake_serial::setPorts({{"COM1", "", ""}, {"COM2", "", ""}});
     EXPECT_EQ(thrownText([] { CameraSp camera; }), "serial port size>1");
     EXPECT_EQ(thrownText([] { CameraSp camera(9600U); }), "serial port size>1");
     EXPECT_EQ(fake_serial::calls(), Lines{});
 }
 
-TEST_F(Session, APortThatDoesNotOpenLeavesTheLibrarysExceptionAndNoObject) {
+TEST_F(Session, ThrowsTheLibraryExceptionWhenOpeningFails) {
     fake_serial::failOpening(EACCES);
     EXPECT_THROW(CameraSp("COM3", 9600), serial::IOException);
     EXPECT_EQ(out.lines(), Lines{});
 }
 
-TEST_F(Session, WhatIsNoTerminalIsRefusedWithoutOpeningIt) {
+TEST_F(Session, RefusesOtherFilesWithoutOpeningThem) {
     for (const char* path : {"/dev/null", "/etc/passwd", "/tmp"})
         EXPECT_THROW(CameraSp(path, 9600), serial::IOException) << path;
     EXPECT_EQ(fake_serial::calls(), Lines{});
@@ -82,7 +86,7 @@ TEST_F(Session, PortsAreListedByNameInTheOrderReported) {
     EXPECT_EQ(CameraSp::getPorts(), (Lines{"COM10", "COM2"}));
 }
 
-TEST_F(Session, AnEmptyNameOpensNothingAndEveryCommandFailsByValue) {
+TEST_F(Session, EveryCommandFailsWithAnEmptyPortName) {
     CameraSp camera("", 9600);
     EXPECT_FALSE(camera.testHeartBeat());
     EXPECT_EQ(camera.getSn(), "");
@@ -184,10 +188,13 @@ TEST_F(Session, RemembersThatThePortFailedUntilItWorksAgain) {
     EXPECT_FALSE(camera.portFailed());
 }
 
-TEST_F(Session, SaysOfNoPortChosenAndOfAnInputThatCannotBeDiscardedNothingOfAFailure) {
+TEST_F(Session, DoesNotReportFailureWhenNoPortIsChosen) {
     CameraSp none("", 460800);
     EXPECT_FALSE(none.testHeartBeat());
     EXPECT_FALSE(none.portFailed());
+}
+
+TEST_F(Session, DoesNotReportFailureWhenInputIsNotDiscarded) {
     CameraSp camera("COM9", 460800);
     fake_serial::refuseFlushInput();
     EXPECT_FALSE(camera.testHeartBeat());

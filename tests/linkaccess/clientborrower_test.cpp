@@ -44,7 +44,7 @@ TEST(ClientBorrower, WithoutAClientEveryCommandHasFailed) {
         window.ask(QString(), &CameraSp::getCommonProperty, std::uint8_t{15}, std::uint8_t{2}).empty());
 }
 
-TEST(ClientBorrower, TellsOfEveryCommandAskedForWithoutAClient) {
+TEST(ClientBorrower, ReportsEveryCommandWithoutAClient) {
     Window window(nullptr);
     RecordingObserver observer;
     window.setObserver(&observer);
@@ -57,7 +57,7 @@ TEST(ClientBorrower, TellsOfEveryCommandAskedForWithoutAClient) {
     waitForPool();
 }
 
-TEST(ClientBorrower, TellsWhatItDoesAndHowItEnded) {
+TEST(ClientBorrower, ReportsUseAndOutcome) {
     const auto client = portlessClient();
     Window window(client.get());
     RecordingObserver observer;
@@ -74,7 +74,7 @@ TEST(ClientBorrower, TellsWhatItDoesAndHowItEnded) {
     EXPECT_EQ(observer.ended, QStringList({"heartbeat failed", "door failed", "job ok"}));
 }
 
-TEST(ClientBorrower, SaysNothingOfTheEndOfAJobThatALaterLinkHasOvertaken) {
+TEST(ClientBorrower, DoesNotReportJobsOfAnEarlierLink) {
     const auto client = portlessClient();
     Window window(client.get());
     RecordingObserver observer;
@@ -106,7 +106,7 @@ TEST(LinkUse, ResultTellsItsOwnWords) {
     EXPECT_EQ(outcomeOf(Result{}, CommandReport{CommandEnd::refused}).text, "bad");
 }
 
-TEST(ClientBorrower, TellsJobsBegunBeforeTheObserverCame) {
+TEST(ClientBorrower, ReportsJobsBegunBeforeTheObserver) {
     const auto client = portlessClient();
     Window window(client.get());
     RecordingObserver observer;
@@ -137,7 +137,7 @@ TEST(ClientBorrower, JobThatThrowsHasFailed) {
     client->waitUntilUnused(); // the lease was given back
 }
 
-TEST(ClientBorrower, WorksOnAPoolThreadAndAppliesOnTheUserInterfaceThread) {
+TEST(ClientBorrower, AppliesResultsOnTheUserInterfaceThread) {
     const auto client = portlessClient();
     Window window(client.get());
     QThread* worker = nullptr;
@@ -157,7 +157,7 @@ TEST(ClientBorrower, WorksOnAPoolThreadAndAppliesOnTheUserInterfaceThread) {
     EXPECT_NE(worker, qApp->thread());
 }
 
-TEST(ClientBorrower, HandsTheClientToTheJobAndNoneWhereThereIsNone) {
+TEST(ClientBorrower, JobGetsTheClientOrNone) {
     const auto client = portlessClient();
     for (CameraSp* attached : {client.get(), static_cast<CameraSp*>(nullptr)}) {
         Window window(attached);
@@ -201,7 +201,7 @@ TEST(ClientBorrower, DropsTheResultForAWindowThatIsGone) {
     EXPECT_FALSE(applied);
 }
 
-TEST(ClientBorrower, TheEndOfALinkWaitsForItsJobsAndCutsTheirPausesShort) {
+TEST(ClientBorrower, EndOfALinkCutsPausesOfItsJobs) {
     using Clock = std::chrono::steady_clock;
     auto client = portlessClient();
     Window window(client.get());
@@ -237,7 +237,7 @@ TEST(ClientBorrower, ManyJobsInARowLeaveTheClientUnused) {
     client->waitUntilUnused();
 }
 
-TEST(ClientBorrower, IsDisabledWhileSomebodyElseUsesTheClient) {
+TEST(ClientBorrower, IsDisabledWhileTheClientIsBusy) {
     Window window(nullptr);
     window.setExchangeAllowed(false);
     EXPECT_FALSE(window.isEnabled());

@@ -5,8 +5,8 @@
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
 #include "pictures/picturelistmodel.h"
-#include "tests/support/debuglines.h"
 #include "tests/support/cameratype.h"
+#include "tests/support/debuglog.h"
 #include "tests/support/stdoutcapture.h"
 
 #include <QFile>
@@ -97,7 +97,7 @@ protected:
     std::unique_ptr<emulator::PtyFront> front;
     std::unique_ptr<CameraSp> client;
     StdoutCapture out;
-    DebugLines debug;
+    DebugLog debug;
     QLabel label;
     bool controlsFree = true;
     CaptureFlow flow{&label, [this](bool allowed) { controlsFree = allowed; }};
@@ -133,7 +133,7 @@ public:
 
 } // namespace
 
-TEST_F(EmulatedPictures, TheFirstGenerationTakesShowsAndStoresThePictureOfTheCamera) {
+TEST_F(EmulatedPictures, TakesShowsAndStoresAFirstGenerationPicture) {
     plug(CameraType::ostra);
     hold(40, drawn()); // deleted before the capture
     ASSERT_TRUE(take(cameratype::ostra));
@@ -143,7 +143,7 @@ TEST_F(EmulatedPictures, TheFirstGenerationTakesShowsAndStoresThePictureOfTheCam
     expectCleanLine();
 }
 
-TEST_F(EmulatedPictures, TheSecondGenerationTakesTheFirstOfTheCatalogueByTheLowByteOfItsId) {
+TEST_F(EmulatedPictures, ReadsSecondGenerationPicturesByTheLowIdByte) {
     plug(CameraType::salesDynamic);
     front->withCamera([](VirtualCamera& camera) {
         camera.state().nextPictureId = 258;
@@ -181,7 +181,7 @@ TEST_F(EmulatedPictures, AJsonPictureIsShown) {
     EXPECT_FALSE(label.pixmap().isNull());
 }
 
-TEST_F(EmulatedPictures, JsonFaultsShowNothingAndGiveTheControlsBack) {
+TEST_F(EmulatedPictures, EnablesControlsAfterJsonFaults) {
     plug(CameraType::quenta);
     for (const char* fault : {"no-size@jsonPicture", "size-text=abc@jsonPicture", "short-json=9@jsonPicture",
                               "silent@jsonPicture"}) {
@@ -195,26 +195,26 @@ TEST_F(EmulatedPictures, JsonFaultsShowNothingAndGiveTheControlsBack) {
     }
 }
 
-TEST_F(EmulatedPictures, ACameraThatSendsLessThanItSaidKeepsTheFlowUntilTheLinkEnds) {
+TEST_F(EmulatedPictures, WaitsForAShortPictureUntilTheLinkEnds) {
     plug(CameraType::ostra);
     addFault("picture-size=-1@read");
     flow.start(cameratype::ostra);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return debug.has("pic start"); }, enoughMs));
+    ASSERT_TRUE(QTest::qWaitFor([] { return DebugLog::hasStart("pic start"); }, enoughMs));
     QTest::qWait(300);
     EXPECT_FALSE(controlsFree);
-    EXPECT_FALSE(debug.has("pic end"));
+    EXPECT_FALSE(DebugLog::hasStart("pic end"));
     unplug();
-    EXPECT_TRUE(debug.has("pic end"));
+    EXPECT_TRUE(DebugLog::hasStart("pic end"));
     QTest::qWait(50);
-    EXPECT_FALSE(debug.has("in timer"));
+    EXPECT_FALSE(DebugLog::hasStart("in timer"));
     EXPECT_TRUE(std::filesystem::is_empty("."));
 }
 
-TEST_F(EmulatedPictures, ADeviceThatVanishesEndsADownloadThatNeverWould) {
+TEST_F(EmulatedPictures, VanishedDeviceEndsAnEndlessDownload) {
     plug(CameraType::ostra);
     addFault("picture-size=-1@read");
     flow.start(cameratype::ostra);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return debug.has("pic start"); }, enoughMs));
+    ASSERT_TRUE(QTest::qWaitFor([] { return DebugLog::hasStart("pic start"); }, enoughMs));
     QTest::qWait(100);
     front->vanish();
     ASSERT_TRUE(QTest::qWaitFor([this] { return controlsFree; }, enoughMs));
@@ -222,7 +222,7 @@ TEST_F(EmulatedPictures, ADeviceThatVanishesEndsADownloadThatNeverWould) {
     EXPECT_TRUE(std::filesystem::is_empty("."));
 }
 
-TEST_F(EmulatedPictures, AListShowsDeletesAndViewsWhatTheCameraHolds) {
+TEST_F(EmulatedPictures, ListShowsDeletesAndViewsPictures) {
     plug(CameraType::ostra);
     hold(40, drawn());
     hold(41, Bytes(700, 0xFF)); // no JPEG
@@ -265,7 +265,7 @@ TEST_F(EmulatedPictures, ASecondGenerationListUsesTheWholeId) {
     expectCleanLine();
 }
 
-TEST_F(EmulatedPictures, TheLargestCatalogueIsListedWhateverItsCountByteSays) {
+TEST_F(EmulatedPictures, ListsTheLargestCatalogueForAnyCountByte) {
     plug(CameraType::salesDynamic);
     addFault("count=3@catalogueV1");
     for (int id = 1; id <= 1551; ++id)
@@ -276,7 +276,7 @@ TEST_F(EmulatedPictures, TheLargestCatalogueIsListedWhateverItsCountByteSays) {
     EXPECT_EQ(list.model()->pictureId(1550), 1551U);
 }
 
-TEST_F(EmulatedPictures, ADeviceThatVanishesEndsAViewThatNeverWould) {
+TEST_F(EmulatedPictures, VanishedDeviceEndsAnEndlessView) {
     plug(CameraType::ostra);
     hold(40, drawn());
     EmulatedList<PicList> list(client.get());

@@ -1,6 +1,6 @@
 // The window of one picture.
 #include "pictures/imgdialog.h"
-#include "tests/support/debuglines.h"
+#include "tests/support/debuglog.h"
 #include "tests/support/scriptedcamera.h"
 
 #include <QFrame>
@@ -21,8 +21,8 @@ const QString missingText = QStringLiteral("图片不存在或者图片数据错
 
 } // namespace
 
-TEST(ImgDialog, Is600By400WithAFrameAndALabelAndDiesWhenClosed) {
-    const DebugLines debug;
+TEST(ImgDialog, HasItsSizeAndPartsAndIsDeletedOnClose) {
+    const DebugLog debug;
     const QPointer<ImgDialog> dialog(new ImgDialog);
     EXPECT_EQ(dialog->size(), QSize(600, 400));
     EXPECT_EQ(dialog->findChildren<QLabel*>().size(), 1);
@@ -32,16 +32,23 @@ TEST(ImgDialog, Is600By400WithAFrameAndALabelAndDiesWhenClosed) {
     EXPECT_FALSE(dialog->isModal());
     dialog->close();
     EXPECT_TRUE(QTest::qWaitFor([&] { return dialog == nullptr; }));
-    EXPECT_TRUE(debug.has("imgDialog destroyed"));
+    EXPECT_TRUE(DebugLog::hasStart("imgDialog destroyed"));
 }
 
-TEST(ImgDialog, FindsThePictureByItsNameWithoutSuffixAndScalesItKeepingItsShape) {
+TEST(ImgDialog, FindsThePictureByItsNameWithoutSuffix) {
+    writeFile("258.jpg", jpeg(1200, 400, Qt::red));
+    ImgDialog dialog;
+    dialog.setAttribute(Qt::WA_DeleteOnClose, false);
+    dialog.showPicture("258");
+    EXPECT_GT(scripted::middle(labelIn(dialog)->pixmap()).red(), 240);
+}
+
+TEST(ImgDialog, ScalesThePictureKeepingItsShape) {
     writeFile("258.jpg", jpeg(1200, 400, Qt::red));
     ImgDialog dialog;
     dialog.setAttribute(Qt::WA_DeleteOnClose, false);
     dialog.showPicture("258");
     EXPECT_EQ(labelIn(dialog)->pixmap().size(), QSize(600, 200));
-    EXPECT_GT(scripted::middle(labelIn(dialog)->pixmap()).red(), 240);
     writeFile("7.jpg", jpeg(100, 200, Qt::red));
     dialog.showPicture("7");
     EXPECT_EQ(labelIn(dialog)->pixmap().size(), QSize(200, 400));
@@ -58,7 +65,7 @@ TEST(ImgDialog, ShowsTheNewPictureOfANameThatWasShownBefore) {
     EXPECT_LT(scripted::middle(labelIn(dialog)->pixmap()).red(), 20);
 }
 
-TEST(ImgDialog, SaysThatAPictureIsMissingOrBroken) {
+TEST(ImgDialog, ReportsAMissingOrBrokenPicture) {
     ImgDialog dialog;
     dialog.setAttribute(Qt::WA_DeleteOnClose, false);
     dialog.showPicture("5");

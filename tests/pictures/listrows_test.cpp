@@ -120,7 +120,7 @@ TEST(PicListModelDelegate, FillsASelectedRowWithTheSelectionColour) {
     EXPECT_EQ(inkSpan(painted(delegate, model, 600, QStyle::State_Enabled)), std::pair(-1, -1));
 }
 
-TEST(PicListModelDelegate, PaintsEachTextAtTheLeftOfItsColumnAndElidesWhatDoesNotFit) {
+TEST(PicListModelDelegate, PaintsTextsLeftAndElided) {
     const std::vector<std::pair<int, int>> columns{{0, 60},   {60, 60},   {120, 60},
                                                    {180, 60}, {240, 120}, {360, 240}};
     for (std::size_t column = 0; column < columns.size(); ++column) {
@@ -144,7 +144,7 @@ TEST(PicListV1ModelDelegate, PaintsTheDigestIntoTheRestOfTheRow) {
     EXPECT_LE(last, 382);
 }
 
-TEST(PicListModelDelegate, TipsOfTheColumnUnderTheMouse) {
+TEST(PicListModelDelegate, ShowsTheToolTipOfTheColumnUnderTheMouse) {
     PicListModel model;
     model.appendRow({"5", "1", "45", "1700000000", "20", "abc"});
     QListView list;
@@ -206,7 +206,7 @@ TEST(PictureListHeader, KeepsTheWindowWideEnoughForItsTexts) {
         EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
 }
 
-TEST(PictureListWindow, AsksOnlyTheVisibleRowsForTheirTexts) {
+TEST(PictureListWindow, ReadsTextsOfVisibleRowsOnly) {
     PicListV1 window(nullptr, nullptr);
     window.setAttribute(Qt::WA_DeleteOnClose, false);
     auto* list = window.findChild<QListView*>("listview");

@@ -3,10 +3,10 @@
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
 #include "pictures/picturelistmodel.h"
-#include "tests/support/debuglines.h"
+#include "tests/support/debuglog.h"
+#include "tests/support/recordingobserver.h"
 #include "tests/support/scriptedcamera.h"
 #include "tests/support/unwritabledirectory.h"
-#include "tests/support/recordingobserver.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -154,7 +154,7 @@ protected:
     CameraSp client{"COM9", 460800};
     QPointer<PictureListWindow> window;
     std::size_t asked = 0;
-    DebugLines debug;
+    DebugLog debug;
 };
 
 INSTANTIATE_TEST_SUITE_P(Generations, PictureListTest, testing::Values(origin, v1),
@@ -162,7 +162,7 @@ INSTANTIATE_TEST_SUITE_P(Generations, PictureListTest, testing::Values(origin, v
 
 } // namespace
 
-TEST_P(PictureListTest, IsAWindowOfItsOwnWithItsTextsAndNames) {
+TEST_P(PictureListTest, HasItsTextsAndNames) {
     EXPECT_TRUE(window->isWindow());
     EXPECT_TRUE(window->testAttribute(Qt::WA_DeleteOnClose));
     EXPECT_EQ(window->windowTitle(), generation.title);
@@ -187,7 +187,7 @@ TEST_P(PictureListTest, RefreshListsTheCatalogueInItsOrder) {
     EXPECT_EQ(model()->pictureId(0) & 0xFFU, 1U);
 }
 
-TEST_P(PictureListTest, AFailedRefreshLeavesTheListEmptyAndAsksOnlyOnce) {
+TEST_P(PictureListTest, EmptiesTheListOnAFailedRefresh) {
     fill({record(9), record(5)});
     button("btn_refresh")->click();
     EXPECT_EQ(model()->rowCount(), 0);
@@ -201,7 +201,7 @@ TEST_P(PictureListTest, AnEmptyCatalogueLeavesTheListEmpty) {
     EXPECT_EQ(model()->rowCount(), 0);
 }
 
-TEST_P(PictureListTest, DeletingAllClearsTheListAndReadsItAgainASecondLater) {
+TEST_P(PictureListTest, ReadsTheListASecondAfterDeletingAll) {
     fill({record(9), record(5)});
     camera.willSay(generation.deletion, 0);
     camera.willList(generation.catalogue, {record(1)});
@@ -213,7 +213,7 @@ TEST_P(PictureListTest, DeletingAllClearsTheListAndReadsItAgainASecondLater) {
     QTest::qWait(500);
     EXPECT_EQ(newRequests().size(), 2U);
     EXPECT_EQ(model()->rowCount(), 1);
-    EXPECT_EQ(debug.has("delV1 result ui: true"), generation.deletion == 0xC8);
+    EXPECT_EQ(DebugLog::hasStart("delV1 result ui: true"), generation.deletion == 0xC8);
 }
 
 TEST_P(PictureListTest, ARefusedDeletionOfAllChangesNothing) {
@@ -224,10 +224,10 @@ TEST_P(PictureListTest, ARefusedDeletionOfAllChangesNothing) {
     QTest::qWait(afterReloadMs);
     EXPECT_EQ(model()->rowCount(), 2);
     EXPECT_EQ(newRequests().size(), 2U);
-    EXPECT_EQ(debug.count("delV1 result ui: false"), generation.deletion == 0xC8 ? 2 : 0);
+    EXPECT_EQ(DebugLog::countStarts("delV1 result ui: false"), generation.deletion == 0xC8 ? 2 : 0);
 }
 
-TEST_P(PictureListTest, ClosingWithinASecondOfDeletingAllSendsNothingMore) {
+TEST_P(PictureListTest, SendsNothingWhenClosedAfterDeletingAll) {
     camera.willSay(generation.deletion, 0);
     button("btn_delete_all")->click();
     closeWindow();
@@ -235,7 +235,7 @@ TEST_P(PictureListTest, ClosingWithinASecondOfDeletingAllSendsNothingMore) {
     EXPECT_EQ(newRequests().size(), 1U);
 }
 
-TEST_P(PictureListTest, HidingWithinASecondOfDeletingAllSendsNothingMore) {
+TEST_P(PictureListTest, SendsNothingWhenHiddenAfterDeletingAll) {
     camera.willSay(generation.deletion, 0);
     button("btn_delete_all")->click();
     window->hide();
@@ -243,7 +243,7 @@ TEST_P(PictureListTest, HidingWithinASecondOfDeletingAllSendsNothingMore) {
     EXPECT_EQ(newRequests().size(), 1U);
 }
 
-TEST_P(PictureListTest, ADelayedReadIsLeftOutWhileSomebodyElseUsesTheClient) {
+TEST_P(PictureListTest, OmitsADelayedReadWhileTheClientIsBusy) {
     camera.willSay(generation.deletion, 0);
     button("btn_delete_all")->click();
     window->setExchangeAllowed(false);
@@ -251,7 +251,7 @@ TEST_P(PictureListTest, ADelayedReadIsLeftOutWhileSomebodyElseUsesTheClient) {
     EXPECT_EQ(newRequests().size(), 1U);
 }
 
-TEST_P(PictureListTest, TakingAPictureTellsTheResultAndRefreshesASecondAfterTheBox) {
+TEST_P(PictureListTest, RefreshesASecondAfterTheCaptureBox) {
     camera.willSay(generation.capture, 0);
     camera.willList(generation.catalogue, {record(1)});
     button(generation.captureButton)->click();
@@ -271,7 +271,7 @@ TEST_P(PictureListTest, TakingAPictureTellsTheResultAndRefreshesASecondAfterTheB
     EXPECT_EQ(box(), nullptr);
 }
 
-TEST_P(PictureListTest, AFailedPictureIsToldAndTheListIsRefreshedAllTheSame) {
+TEST_P(PictureListTest, RefreshesAfterAFailedCapture) {
     camera.willSay(generation.capture, 1);
     camera.willList(generation.catalogue, {record(1)});
     button(generation.captureButton)->click();
@@ -292,7 +292,7 @@ TEST_P(PictureListTest, MayBeDestroyedWhileItsMessageBoxIsOpen) {
     EXPECT_EQ(camera.codes().size(), 1U);
 }
 
-TEST_P(PictureListTest, ClosingWithinASecondOfTakingAPictureSendsNothingMore) {
+TEST_P(PictureListTest, SendsNothingWhenClosedAfterACapture) {
     camera.willSay(generation.capture, 0);
     button(generation.captureButton)->click();
     box()->close();
@@ -305,7 +305,7 @@ TEST_P(PictureListTest, HasAMenuOnlyWithASelectedRow) {
     fill({record(9), record(5)});
     emit list()->customContextMenuRequested(QPoint(3, 4));
     EXPECT_EQ(menu(), nullptr);
-    EXPECT_TRUE(debug.has("pos: QPoint(3,4)"));
+    EXPECT_TRUE(DebugLog::hasStart("pos: QPoint(3,4)"));
     rightClick(1);
     ASSERT_NE(menu(), nullptr);
     EXPECT_TRUE(menu()->isVisible());
@@ -325,8 +325,8 @@ TEST_P(PictureListTest, DeletesTheChosenPictureAndItsRow) {
     ASSERT_EQ(model()->rowCount(), 2);
     EXPECT_EQ(model()->pictureId(0) & 0xFFU, 9U);
     EXPECT_EQ(model()->pictureId(1) & 0xFFU, 7U);
-    EXPECT_TRUE(debug.has(generation.deletion == 0x08 ? "dele?: 1   pid 5"
-                                                      : "dele?: 1   pid 258  date: 20240131  gid: 7"));
+    EXPECT_TRUE(DebugLog::hasStart(
+        generation.deletion == 0x08 ? "dele?: 1   pid 5" : "dele?: 1   pid 258  date: 20240131  gid: 7"));
 }
 
 TEST_P(PictureListTest, KeepsTheRowOfAPictureThatIsNotDeleted) {
@@ -338,7 +338,7 @@ TEST_P(PictureListTest, KeepsTheRowOfAPictureThatIsNotDeleted) {
     EXPECT_EQ(newRequests().size(), 1U);
 }
 
-TEST_P(PictureListTest, DeletingThePictureOfTheHighestIdDeletesAllOnTheCamera) {
+TEST_P(PictureListTest, DeletesAllWithThePictureOfTheHighestId) {
     protocol::Bytes highest = record(0xFF);
     if (generation.deletion == 0xC8)
         highest[1] = 0xFF;
@@ -348,7 +348,7 @@ TEST_P(PictureListTest, DeletingThePictureOfTheHighestIdDeletesAllOnTheCamera) {
     EXPECT_EQ(newRequests(), std::vector{generation.deleteFrameOfHighestId});
 }
 
-TEST_P(PictureListTest, AMenuEntryOfARowThatHasGoneMeanwhileDoesNothing) {
+TEST_P(PictureListTest, IgnoresMenuEntriesOfARemovedRow) {
     fill({record(9), record(5)});
     rightClick(1);
     model()->clear();
@@ -358,7 +358,7 @@ TEST_P(PictureListTest, AMenuEntryOfARowThatHasGoneMeanwhileDoesNothing) {
     EXPECT_EQ(viewer(), nullptr);
 }
 
-TEST_P(PictureListTest, AMenuEntryActsOnItsRowWhereverThatIsMeanwhile) {
+TEST_P(PictureListTest, AppliesMenuEntriesToAMovedRow) {
     fill({record(9), bytes(generation.record)});
     rightClick(1);
     model()->removeRow(0);
@@ -376,7 +376,7 @@ TEST_P(PictureListTest, MayBeDestroyedWhileItsMenuIsOpen) {
     EXPECT_TRUE(newRequests().empty());
 }
 
-TEST_P(PictureListTest, AMenuEntryDoesNothingWhileSomebodyElseUsesTheClient) {
+TEST_P(PictureListTest, IgnoresMenuEntriesWhileTheClientIsBusy) {
     fill({record(9)});
     rightClick(0);
     window->setExchangeAllowed(false);
@@ -403,9 +403,9 @@ TEST_P(PictureListTest, ViewsTheChosenPicture) {
     const QPixmap shown = viewer()->findChild<QLabel*>()->pixmap();
     EXPECT_EQ(shown.size(), QSize(600, 400));
     EXPECT_GT(scripted::middle(shown).red(), 240);
-    EXPECT_TRUE(debug.has(QStringLiteral("get picture: 0   size: %1").arg(picture.size())));
-    EXPECT_TRUE(debug.has("get picture end"));
-    EXPECT_TRUE(debug.has(QString(generation.file).remove(".jpg")));
+    EXPECT_TRUE(DebugLog::hasStart(QStringLiteral("get picture: 0   size: %1").arg(picture.size())));
+    EXPECT_TRUE(DebugLog::hasStart("get picture end"));
+    EXPECT_TRUE(DebugLog::hasStart(QString(generation.file).remove(".jpg")));
 }
 
 TEST_P(PictureListTest, ShowsNoOldPictureWhenTheDownloadFails) {
@@ -419,7 +419,7 @@ TEST_P(PictureListTest, ShowsNoOldPictureWhenTheDownloadFails) {
     EXPECT_FALSE(QFile::exists(generation.file));
 }
 
-TEST_P(PictureListTest, SaysSoWhenThePictureIsBroken) {
+TEST_P(PictureListTest, ReportsABrokenPicture) {
     fill({bytes(generation.record)});
     camera.willSend(generation.download, 0, protocol::Bytes(20, 0x55));
     rightClick(0);
@@ -444,7 +444,7 @@ TEST_P(PictureListTest, ARefusedReadShowsAPictureInTheSecondGenerationOnly) {
     EXPECT_EQ(viewer()->findChild<QLabel*>()->text(), shown ? QString() : missingText);
 }
 
-TEST_P(PictureListTest, ShowsNoOldPictureThatCannotBeReplaced) {
+TEST_P(PictureListTest, ShowsNoOldPictureInAnUnwritableFolder) {
     const protocol::Bytes picture = jpeg(30, 20, Qt::red);
     fill({scripted::record(generation.record, generation.sizeAt, bytes(generation.record)[0],
                            static_cast<std::uint32_t>(picture.size()))});
@@ -464,10 +464,10 @@ TEST_P(PictureListTest, MayBeClosedWithItsViewerOpen) {
     rightClick(0);
     action("查看")->trigger();
     closeWindow();
-    EXPECT_TRUE(debug.has("imgDialog destroyed"));
+    EXPECT_TRUE(DebugLog::hasStart("imgDialog destroyed"));
 }
 
-TEST_P(PictureListTest, WithoutALinkEveryCommandFailsAndIsSaidToNeedOne) {
+TEST_P(PictureListTest, ReportsCommandsWithoutALink) {
     fill({record(9)});
     RecordingObserver observer;
     window->setObserver(&observer);

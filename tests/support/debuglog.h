@@ -1,6 +1,7 @@
-// What the windows say while a test runs.
+// The lines of Qt's message handler.
 #pragma once
 
+#include <QStringList>
 #include <QtDebug>
 
 #include <algorithm>
@@ -8,43 +9,70 @@
 #include <string>
 #include <vector>
 
-/// Collects the lines of Qt's debug logger, from any thread, without their quotes and with single blanks.
+/// Collects the lines as long as it lives, from any thread. One at a time.
 class DebugLog {
 public:
-    DebugLog() {
-        lines().clear();
-        m_before = qInstallMessageHandler(&DebugLog::take);
+    DebugLog() : m_previous(qInstallMessageHandler(&DebugLog::keep)) {
+        const std::lock_guard lock(s_mutex);
+        s_lines.clear();
     }
-    ~DebugLog() { qInstallMessageHandler(m_before); }
+    ~DebugLog() { qInstallMessageHandler(m_previous); }
     DebugLog(const DebugLog&) = delete;
     DebugLog& operator=(const DebugLog&) = delete;
 
-    [[nodiscard]] std::vector<std::string> all() const {
-        const std::lock_guard lock(mutex());
-        return lines();
+    /// Lines as written, warnings included.
+    [[nodiscard]] static QStringList lines() {
+        QStringList all;
+        for (const Line& line : kept())
+            all.append(line.text);
+        return all;
     }
-    [[nodiscard]] auto count(const std::string& line) const {
-        const std::vector<std::string> present = all();
-        return std::count(present.begin(), present.end(), line);
+    /// Lines of qDebug(), plain.
+    [[nodiscard]] static std::vector<std::string> plainLines() {
+        std::vector<std::string> all;
+        for (const Line& line : kept()) {
+            if (line.type == QtDebugMsg)
+                all.push_back(plain(line.text).toStdString());
+        }
+        return all;
     }
+    /// Number of lines that equal this one when both are plain.
+    [[nodiscard]] static qsizetype count(const QString& line) {
+        return countIf([wanted = plain(line)](const QString& each) { return each == wanted; });
+    }
+    [[nodiscard]] static bool has(const QString& line) { return count(line) > 0; }
+    /// Number of plain lines that start like this.
+    [[nodiscard]] static qsizetype countStarts(const QString& start) {
+        return countIf([wanted = plain(start)](const QString& each) { return each.startsWith(wanted); });
+    }
+    [[nodiscard]] static bool hasStart(const QString& start) { return countStarts(start) > 0; }
+
+    /// Without quotes, with single blanks.
+    [[nodiscard]] static QString plain(QString line) { return line.remove(QLatin1Char('"')).simplified(); }
 
 private:
-    static void take(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-        if (type != QtDebugMsg) // a warning of Qt itself
-            return;
-        QString line = message;
-        line.remove('"');
-        const std::lock_guard lock(mutex());
-        lines().push_back(line.simplified().toStdString());
+    struct Line {
+        QtMsgType type;
+        QString text;
+    };
+
+    static void keep(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
+        const std::lock_guard lock(s_mutex);
+        s_lines.push_back({type, text});
     }
-    static std::mutex& mutex() {
-        static std::mutex instance;
-        return instance;
+    static std::vector<Line> kept() {
+        const std::lock_guard lock(s_mutex);
+        return s_lines;
     }
-    static std::vector<std::string>& lines() {
-        static std::vector<std::string> instance;
-        return instance;
+    template <typename Condition>
+    static qsizetype countIf(Condition condition) {
+        const std::vector<Line> all = kept();
+        return std::count_if(all.begin(), all.end(),
+                             [&condition](const Line& line) { return condition(plain(line.text)); });
     }
 
-    QtMessageHandler m_before;
+    static inline std::mutex s_mutex;
+    static inline std::vector<Line> s_lines;
+
+    QtMessageHandler m_previous;
 };

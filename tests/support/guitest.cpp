@@ -8,7 +8,6 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMessageBox>
-#include <QMutex>
 #include <QRadioButton>
 #include <QRegularExpression>
 #include <QStatusBar>
@@ -23,15 +22,6 @@ namespace {
 
 constexpr int dialogPollMs = 5;
 constexpr int indicatorInset = 8; // pixels
-
-// The debug stream is written by pool threads as well.
-QMutex logMutex;
-QStringList logLines;
-
-void keepLine(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& line) {
-    const QMutexLocker lock(&logMutex);
-    logLines.append(line);
-}
 
 } // namespace
 
@@ -129,30 +119,6 @@ void FileChooser::answer() {
     if (!m_path.isEmpty()) // typed: selectFile leaves a name field alone that has the focus
         find<QLineEdit>(*dialog, "fileNameEdit")->setText(m_path);
     QMetaObject::invokeMethod(dialog, m_path.isEmpty() ? "reject" : "accept");
-}
-
-DebugLog::DebugLog() : m_previous(qInstallMessageHandler(keepLine)) {
-    const QMutexLocker lock(&logMutex);
-    logLines.clear();
-}
-
-DebugLog::~DebugLog() {
-    qInstallMessageHandler(m_previous);
-}
-
-QStringList DebugLog::lines() {
-    const QMutexLocker lock(&logMutex);
-    return logLines;
-}
-
-QString DebugLog::plain(QString line) {
-    return line.remove(QLatin1Char('"')).simplified();
-}
-
-bool DebugLog::has(const QString& line) {
-    const QStringList all = lines();
-    return std::any_of(all.begin(), all.end(),
-                       [&line](const QString& each) { return plain(each) == plain(line); });
 }
 
 } // namespace guitest

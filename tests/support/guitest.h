@@ -1,6 +1,8 @@
 // Driving windows as a user does, and seeing what they say.
 #pragma once
 
+#include "tests/support/debuglog.h"
+
 #include <QAction>
 #include <QPointer>
 #include <QStringList>
@@ -108,23 +110,6 @@ private:
     QString m_path;
     std::vector<Seen> m_seen;
     QTimer m_timer;
-};
-
-/// Collects the lines of the Qt debug stream as long as it lives; blanks at the ends are kept.
-class DebugLog {
-public:
-    DebugLog();
-    ~DebugLog();
-    DebugLog(const DebugLog&) = delete;
-    DebugLog& operator=(const DebugLog&) = delete;
-
-    [[nodiscard]] static QStringList lines();
-    /// Whether a line is this one, quotes and the number of blanks aside.
-    [[nodiscard]] static bool has(const QString& line);
-    [[nodiscard]] static QString plain(QString line);
-
-private:
-    QtMessageHandler m_previous;
 };
 
 } // namespace guitest

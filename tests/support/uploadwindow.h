@@ -56,7 +56,7 @@ protected:
     [[nodiscard]] QStringList allExchanges() const;
 
     StdoutCapture quiet;
-    guitest::DebugLog log;
+    DebugLog log;
     emulator::PtyFront camera;
     std::unique_ptr<MainWindow> window;
 

@@ -101,7 +101,7 @@ void Openings::uploadAfter(milliseconds lead, bool closesAgain, TurnWindow& used
     closeOwnWindow(reading);
 }
 
-TEST_P(Openings, LeaveTheUploadAlone) {
+TEST_P(Openings, DoNotDisturbTheUpload) {
     for (const milliseconds lead : reads.openFor)
         open(lead, false);
     for (const milliseconds lead : reads.closedFor)
@@ -128,7 +128,7 @@ protected:
     DebugLog alsoQuiet;
 };
 
-TEST_F(OpeningsWithADeadCamera, LetTheUploadFailByItself) {
+TEST_F(OpeningsWithADeadCamera, LetTheUploadFail) {
     const User& reader = userCalled("Location");
     const User& uploader = userCalled("SystemUpload");
     TurnWindow bench({.cameraType = cameratype::ostra});

@@ -192,7 +192,7 @@ bool Pairs::isDue(const User& second) const {
     return first.meetsOthers ? pair % 2 == number % 2 : pair % sampleDelays.size() == number;
 }
 
-TEST_P(Pairs, GetTheirOwnAnswersOneAfterTheOther) {
+TEST_P(Pairs, GetTheirOwnAnswersInTurn) {
     QElapsedTimer time;
     time.start();
     for (const std::uint32_t type : {cameratype::ostra, cameratype::quenta, cameratype::shelfDynamic}) {

@@ -72,7 +72,7 @@ protected:
     Work work = prepared(next, bench);
 };
 
-TEST_P(RefusedCapture, SpoilsNoUpload) {
+TEST_P(RefusedCapture, DisturbsNoUpload) {
     capture();
     ASSERT_TRUE(next.canStart(work));
     next.start(work);
@@ -124,7 +124,7 @@ protected:
     }
 };
 
-TEST_P(EndlessDownload, KeepsNobodyWaiting) {
+TEST_P(EndlessDownload, DelaysNoOtherUser) {
     ASSERT_TRUE(next.canStart(work)) << next.name << " is disabled";
     for (int round = 1; round <= 2; ++round) {
         QElapsedTimer time;

@@ -78,7 +78,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(At, BreakingOff, testing::ValuesIn(moments()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST_P(BreakingOff, ByTheButtonAsksAndEndsWithinOneTimeOut) {
+TEST_P(BreakingOff, ByTheButtonEndsWithinOneTimeout) {
     reach(GetParam());
     EXPECT_TRUE(portHeld());
     const BoxAnswerer boxes(QMessageBox::Yes);
@@ -88,7 +88,7 @@ TEST_P(BreakingOff, ByTheButtonAsksAndEndsWithinOneTimeOut) {
     expectEnded(time, boxes);
 }
 
-TEST_P(BreakingOff, ByClosingTheWindowAsksAndEndsWithinOneTimeOut) {
+TEST_P(BreakingOff, ByClosingTheWindowEndsWithinOneTimeout) {
     reach(GetParam());
     const BoxAnswerer boxes(QMessageBox::Yes);
     QElapsedTimer time;
@@ -97,7 +97,7 @@ TEST_P(BreakingOff, ByClosingTheWindowAsksAndEndsWithinOneTimeOut) {
     expectEnded(time, boxes);
 }
 
-TEST_P(BreakingOff, ByDestroyingTheWindowEndsWithinOneTimeOut) {
+TEST_P(BreakingOff, ByDestroyingTheWindowEndsWithinOneTimeout) {
     reach(GetParam());
     QElapsedTimer time;
     time.start();
@@ -123,7 +123,7 @@ protected:
     }
 };
 
-TEST_F(KeepingOn, TheUploadGoesOnWhenTheAnswerIsNo) {
+TEST_F(KeepingOn, ContinuesTheUploadOnNo) {
     open();
     fault("verdict-delay=1500@modelUpdate");
     start(modelUpload);
@@ -133,7 +133,7 @@ TEST_F(KeepingOn, TheUploadGoesOnWhenTheAnswerIsNo) {
     EXPECT_TRUE(record().uploads.at(0).digestRight);
 }
 
-TEST_F(KeepingOn, TheReturnWaitGoesOnWhenTheAnswerIsNo) {
+TEST_F(KeepingOn, ContinuesTheReturnWaitOnNo) {
     open();
     fault("back-at=6@systemUpdate");
     start(systemUpload);
@@ -142,7 +142,7 @@ TEST_F(KeepingOn, TheReturnWaitGoesOnWhenTheAnswerIsNo) {
     EXPECT_EQ(outcome(), "升级已完成，结果:true");
 }
 
-TEST_F(KeepingOn, NothingIsAskedWhenTheUploadIsOver) {
+TEST_F(KeepingOn, AsksNothingAfterTheUpload) {
     open();
     start(modelUpload);
     EXPECT_EQ(outcome(), "升级已完成，结果:true");
@@ -152,7 +152,7 @@ TEST_F(KeepingOn, NothingIsAskedWhenTheUploadIsOver) {
     EXPECT_EQ(boxes.seen().size(), 0U);
 }
 
-TEST_F(KeepingOn, AnotherUploadWorksOnANewLinkAfterOneThatWasBrokenOff) {
+TEST_F(KeepingOn, UploadsOnANewLinkAfterABreak) {
     open();
     fault("stall=50,1500@modelUpdate#1");
     camera.withCamera([](VirtualCamera& each) { each.settings().uploadSilence = 200ms; });
@@ -174,7 +174,7 @@ TEST_F(KeepingOn, AnotherUploadWorksOnANewLinkAfterOneThatWasBrokenOff) {
     EXPECT_TRUE(uploads[1].digestRight);
 }
 
-TEST_F(KeepingOn, TheResultIsShownOverAQuestionThatIsStillOpen) {
+TEST_F(KeepingOn, ShowsTheResultOverAnOpenQuestion) {
     open();
     fault("verdict-delay=400@modelUpdate");
     start(modelUpload);

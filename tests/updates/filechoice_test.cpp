@@ -39,7 +39,7 @@ TEST_F(FileChoice, ShowsEachDialogWithItsTextsAndLogsThePath) {
     }
 }
 
-TEST_F(FileChoice, ShowsThePathsThatThereAreAndTheirFrameWithTheFirst) {
+TEST_F(FileChoice, ShowsThePathFrameWithTheFirstPath) {
     open();
     EXPECT_FALSE(visible("frame_path"));
     std::vector<const char*> shown;
@@ -95,7 +95,7 @@ TEST_P(NothingToUpload, DisablesThePressedButtonWithoutAFile) {
     pressForNothing();
 }
 
-TEST_P(NothingToUpload, DisablesThePressedButtonWhenTheFileHasVanished) {
+TEST_P(NothingToUpload, DisablesThePressedButtonForAVanishedFile) {
     if (GetParam().secondProtocol)
         useSecondProtocol(true);
     open();
@@ -105,7 +105,7 @@ TEST_P(NothingToUpload, DisablesThePressedButtonWhenTheFileHasVanished) {
     pressForNothing();
 }
 
-TEST_P(NothingToUpload, DisablesThePressedButtonWhenAFolderHasTakenTheFilesPlace) {
+TEST_P(NothingToUpload, DisablesThePressedButtonForAFolder) {
     if (GetParam().secondProtocol)
         useSecondProtocol(true);
     open();
@@ -116,7 +116,7 @@ TEST_P(NothingToUpload, DisablesThePressedButtonWhenAFolderHasTakenTheFilesPlace
     pressForNothing();
 }
 
-TEST_P(NothingToUpload, GivesTheButtonBackWithAllTheOthersAfterTheNextUpload) {
+TEST_P(NothingToUpload, EnablesTheButtonAfterTheNextUpload) {
     open();
     click(*window, GetParam().updateButton);
     EXPECT_FALSE(isEnabled(*window, GetParam().updateButton));

@@ -159,7 +159,7 @@ TEST_F(RawUploads, ArriveWholeWhateverTheirSize) {
     }
 }
 
-TEST_F(RawUploads, GoOnFromWhatTheCameraHolds) {
+TEST_F(RawUploads, ContinueWhereTheCameraStopped) {
     storeFile(content(1300));
     std::vector<Cell> cells;
     for (const Kind kind : everyKind) {
@@ -169,19 +169,27 @@ TEST_F(RawUploads, GoOnFromWhatTheCameraHolds) {
     runSideBySide(cells, &runCell);
 }
 
-TEST_F(RawUploads, SendNothingFromAnOffsetAtOrBeyondTheEndAndFailBeyond31Bits) {
+TEST_F(RawUploads, SendNothingForOffsetsAtOrBeyondTheEnd) {
     storeFile(content(1300));
     std::vector<Cell> cells;
     for (const Kind kind : everyKind) {
         for (const char* const offset : {"size", "size+1", "0x7FFFFFFF"})
             cells.push_back({kind, std::string("offset=") + offset, true, Sent::nothing, 0, "verdict=0"});
+    }
+    runSideBySide(cells, &runCell);
+}
+
+TEST_F(RawUploads, FailForOffsetsBeyond31Bits) {
+    storeFile(content(1300));
+    std::vector<Cell> cells;
+    for (const Kind kind : everyKind) {
         for (const char* const offset : {"0x80000000", "0xFFFFFFFF"})
             cells.push_back({kind, std::string("offset=") + offset, false, Sent::nothing, 0, "verdict=0"});
     }
     runSideBySide(cells, &runCell);
 }
 
-TEST_F(RawUploads, AreJudgedByTheVerdictAloneWhereThereIsOne) {
+TEST_F(RawUploads, FollowTheVerdictWhereThereIsOne) {
     storeFile(content(1300));
     std::vector<Cell> cells;
     for (const Kind kind : everyKind) {
@@ -203,7 +211,7 @@ TEST_F(RawUploads, AreJudgedByTheVerdictAloneWhereThereIsOne) {
 }
 
 #ifndef __SANITIZE_ADDRESS__ // its shadow needs more address space than there would be
-TEST_F(RawUploads, FailWithoutSendingWhenTheFileDoesNotFitIntoTheMemory) {
+TEST_F(RawUploads, SendNothingWhenTheFileDoesNotFitIntoMemory) {
     storeFile({});
     std::filesystem::resize_file(std::filesystem::path(u8"新 固件 v2.bin"), std::uintmax_t{0x7FFFFFFF});
     PtyFront front;
@@ -227,7 +235,7 @@ class RawUploadKinds : public RawUploads, public testing::WithParamInterface<Kin
 INSTANTIATE_TEST_SUITE_P(Every, RawUploadKinds, testing::ValuesIn(everyKind),
                          [](const auto& test) { return nameOf(test.param); });
 
-TEST_P(RawUploadKinds, SendNothingWhenTheAnnouncementAnswerIsNone) {
+TEST_P(RawUploadKinds, SendNothingWithoutAnAnnouncementAnswer) {
     storeFile(content(1300));
     std::vector<std::string> unanswered{"silent",     "late",      "raw=414243",  "truncate=1",
                                         "truncate=6", "length=+1", "delay=11000", "length=0xFFFFFFFF"};
@@ -250,7 +258,7 @@ TEST_P(RawUploadKinds, SendNothingWhenTheAnnouncementAnswerIsNone) {
         << "answers too short for an offset have none";
 }
 
-TEST_P(RawUploadKinds, FindTheAnnouncementAnswerInWhatTheLineMakesOfIt) {
+TEST_P(RawUploadKinds, FindTheAnnouncementAnswerOnABadLine) {
     storeFile(content(1300));
     std::vector<Cell> cells;
     for (const char* const fault :
@@ -297,7 +305,7 @@ TEST_P(RawUploadKinds, AreResumedWhereTheDeviceVanished) {
 }
 
 /// The camera stands still for longer than writes wait: slices are cut short, told of, and not sent again.
-TEST_P(RawUploadKinds, GoOnAfterShortWritesWhenTheCameraStopsReading) {
+TEST_P(RawUploadKinds, ContinueAfterShortWrites) {
     const Bytes file = content(60000);
     storeFile(file);
     PtyFront front;
@@ -318,13 +326,13 @@ TEST_P(RawUploadKinds, GoOnAfterShortWritesWhenTheCameraStopsReading) {
     EXPECT_FALSE(record.digestRight);
 }
 
-TEST_P(RawUploadKinds, ArriveWholeWhenTheCameraStopsReadingForLessThanAWriteWaits) {
+TEST_P(RawUploadKinds, ArriveWholeAfterAShortReadingPause) {
     storeFile(content(60000));
     runSideBySide<Cell>({{GetParam(), "stall=50,600", true, Sent::everything}}, &runCell);
     EXPECT_EQ(linesWith("", " targetgap:200"), 0);
 }
 
-TEST_P(RawUploadKinds, EndWithinOneTimeOutWhenTheLinkIsStopped) {
+TEST_P(RawUploadKinds, EndWithinOneTimeoutOfAStop) {
     const Bytes file = content(60000);
     storeFile(file);
     struct Moment {

@@ -49,7 +49,7 @@ protected:
     StdoutCapture out;
 };
 
-TEST_F(SecondProtocolUploads, TakeFiveAnnouncementsElevenPacketsAndTheLastResultThatCame) {
+TEST_F(SecondProtocolUploads, TakeTheLastOfElevenPackageResults) {
     storeFile(2000);
     runSideBySide<Cell>(
         {
@@ -87,7 +87,7 @@ TEST_F(SecondProtocolUploads, CountTheFifthAnnouncementAnswerOnly) {
     EXPECT_TRUE(out.has("appupdateV1 queryCanUpdate checkfailed"));
 }
 
-TEST_F(SecondProtocolUploads, FailWithoutAPacketUnlessTheCameraHoldsExactlyTheFile) {
+TEST_F(SecondProtocolUploads, SendNoPacketUnlessTheCameraHoldsTheFile) {
     storeFile(2000);
     std::vector<Cell> cells{{{}, false, 0, false}};
     for (const char* const offset : {"size-1", "size+1", "0x7FFFFFFF", "0x80000000", "0xFFFFFFFF"})

@@ -22,7 +22,7 @@ extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attribute
 
 class UnstartableUpload : public UploadWindow, public testing::WithParamInterface<WindowUpload> {};
 
-TEST_P(UnstartableUpload, GivesTheControlsBack) {
+TEST_P(UnstartableUpload, EnablesTheControls) {
     open();
     choose(GetParam(), writeFile("image.bin", 100));
     refuseThreads = true;

@@ -130,7 +130,7 @@ TEST_F(Orientation, CanReportNoValueAndTooFewBytes) {
     EXPECT_EQ(read(100ms), protocol::buildFrame(0x02, hex("10 00 03 00 00"), 1));
 }
 
-TEST(Power, TheCameraIsSilentWhileItRestartsAndAliveAfterwards) {
+TEST(Power, CameraIsSilentWhileItRestarts) {
     CameraBench bench;
     bench.camera.settings().rebootTime = 3s;
     bench.ask("AA 5A 01 05 00 00 00 00 BB 68", 500ms);
@@ -141,7 +141,7 @@ TEST(Power, TheCameraIsSilentWhileItRestartsAndAliveAfterwards) {
     EXPECT_EQ(bench.ask(heartbeatRequest), hex(heartbeatAnswer));
 }
 
-TEST(Power, AFactoryResetRestoresTheSettingsAndTakesTenSeconds) {
+TEST(Power, FactoryResetTakesTenSeconds) {
     CameraBench bench;
     bench.camera.state().properties[15] = {60};
     bench.camera.state().pictures.push_back(makePicture(5, Bytes{1}));
@@ -191,7 +191,7 @@ TEST(Line, AWrongCheckCodeIsABadFrame) {
     EXPECT_EQ(bench.ask(heartbeatRequest), hex(heartbeatAnswer));
 }
 
-TEST(Line, AnImpossibleLengthIsABadFrameAndTheNextOneIsFound) {
+TEST(Line, FindsTheNextFrameAfterAnImpossibleLength) {
     CameraBench bench;
     EXPECT_EQ(bench.ask(std::string("AA 5A 01 01 FF FF FF FF") + heartbeatRequest), hex(heartbeatAnswer));
     EXPECT_EQ(bench.camera.record().badFrames, 1U);
@@ -220,7 +220,7 @@ TEST(Line, AFrameThatBreaksOffDoesNotSpoilTheNext) {
     EXPECT_EQ(bench.camera.record().badFrames, 1U);
 }
 
-TEST(Line, AtTheWrongRateNothingIsHeardWhenTheCameraMinds) {
+TEST(Line, HearsNothingAtAWrongRateIfConfigured) {
     CameraBench bench;
     bench.camera.setLineSpeed(9600);
     EXPECT_EQ(bench.ask(heartbeatRequest), hex(heartbeatAnswer));

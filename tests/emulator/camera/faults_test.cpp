@@ -93,7 +93,7 @@ struct AnswerFault {
 
 class SnAnswer : public testing::TestWithParam<AnswerFault> {};
 
-TEST_P(SnAnswer, IsChangedAsTheFaultSaysAndTheNextOneIsGood) {
+TEST_P(SnAnswer, IsChangedOnceByTheFault) {
     CameraBench bench;
     bench.camera.state().serialNumber = "A1";
     bench.camera.addFault(std::string(GetParam().fault) + "@getSn#1");
@@ -141,7 +141,7 @@ INSTANTIATE_TEST_SUITE_P(
                     PayloadFault{"value-size=5", "03 00 41 31 78 78 78"},
                     PayloadFault{"value-size=1", "03 00 41"}, PayloadFault{"refuse", "01"}));
 
-TEST(FaultEffect, WrongAddressCommandAndLengthKeepARightCheckCode) {
+TEST(FaultEffect, WrongFieldsKeepARightCheckCode) {
     CameraBench bench;
     bench.camera.state().serialNumber = "A1";
     bench.camera.addFault("address=0x55#1");

@@ -1,8 +1,8 @@
 // The small parts: digest, pace, pictures.
-#include "tests/emulator/camera/camerabench.h"
 #include "emulator/camera/md5.h"
 #include "emulator/camera/pictureartist.h"
 #include "emulator/line/pace.h"
+#include "tests/emulator/camera/camerabench.h"
 
 #include <QImage>
 
@@ -62,7 +62,7 @@ TEST(ShelfPicture, ShowsItsIdInTheUpperLeftCorner) {
     EXPECT_GT(qGray(eight.pixel(rightStrokeX, rightStrokeY)), 200);
 }
 
-TEST(ShelfPicture, CanBeFilledToAnExactSizeAndStaysReadable) {
+TEST(ShelfPicture, StaysReadableWhenFilledToASize) {
     const Bytes padded = paddedJpeg(drawShelfPicture(1, 1), 60000);
     EXPECT_EQ(padded.size(), 60000U);
     EXPECT_FALSE(QImage::fromData(padded.data(), 60000, "JPG").isNull());
@@ -75,7 +75,7 @@ TEST(ShelfPicture, TwoCamerasTakeDifferentPictures) {
     EXPECT_NE(first.takePicture(0s).jpeg, second.takePicture(0s).jpeg);
 }
 
-TEST(RandomBytes, NeverStopTheCameraFromFindingTheNextFrame) {
+TEST(RandomBytes, DoNotHideTheNextFrame) {
     std::uint32_t seed = 1;
     for (int round = 0; round < 300; ++round) {
         CameraBench bench;

@@ -1,6 +1,6 @@
 // Pictures of both generations.
-#include "tests/emulator/camera/camerabench.h"
 #include "emulator/camera/md5.h"
+#include "tests/emulator/camera/camerabench.h"
 
 namespace emulatortest {
 namespace {
@@ -13,7 +13,7 @@ Picture recordFromTheTable(std::uint16_t id) {
     return picture;
 }
 
-TEST(Pictures, ACaptureAnswersTheNewIdAndThePictureAppearsLater) {
+TEST(Pictures, CaptureAnswersTheIdBeforeThePictureExists) {
     CameraBench bench;
     bench.camera.state().nextPictureId = 5;
     EXPECT_EQ(bench.ask("AA 5A 01 06 00 00 00 00 69 86", 50ms), hex("AA 5A 01 06 02 00 00 00 00 05 54 97"));

@@ -1,6 +1,6 @@
 // A camera that answers from a recording.
-#include "tests/emulator/camera/camerabench.h"
 #include "emulator/camera/replaycamera.h"
+#include "tests/emulator/camera/camerabench.h"
 #include "tests/trace/tapbench.h"
 
 namespace emulatortest {
@@ -58,7 +58,7 @@ TEST(Replay, AnswersAtOnceWhenAsked) {
     EXPECT_EQ(bench.ask(heartbeatRequest, 0ms), hex(heartbeatAnswer));
 }
 
-TEST(Replay, GivesTheSameRequestItsAnswersInOrderAndThenBeginsAgain) {
+TEST(Replay, RepeatsTheAnswersOfOneRequestInOrder) {
     TapBench tap;
     tap.tool(heartbeatRequest);
     tap.camera(heartbeatAnswer);
@@ -71,7 +71,7 @@ TEST(Replay, GivesTheSameRequestItsAnswersInOrderAndThenBeginsAgain) {
     EXPECT_THAT(bench.words, Contains("goes on at request 1 of 2 in the recording"));
 }
 
-TEST(Replay, SkipsRequestsThatDoNotCome) {
+TEST(Replay, SkipsMissingRequests) {
     TapBench tap;
     tap.tool(heartbeatRequest);
     tap.camera(heartbeatAnswer);
@@ -83,7 +83,7 @@ TEST(Replay, SkipsRequestsThatDoNotCome) {
     EXPECT_EQ(bench.camera.unknownRequests(), 0U);
 }
 
-TEST(Replay, IsSilentToARequestThatTheRecordingDoesNotHaveAndSaysSo) {
+TEST(Replay, ReportsUnrecordedRequestsAndIsSilent) {
     TapBench tap;
     tap.tool(heartbeatRequest);
     tap.camera(heartbeatAnswer);
@@ -94,7 +94,7 @@ TEST(Replay, IsSilentToARequestThatTheRecordingDoesNotHaveAndSaysSo) {
     EXPECT_EQ(bench.ask(heartbeatRequest), hex(heartbeatAnswer)) << "one unknown request changes nothing";
 }
 
-TEST(Replay, IsSilentWhereTheCameraWasAndSaysThatToo) {
+TEST(Replay, ReportsRecordedSilence) {
     TapBench tap;
     tap.tool(heartbeatRequest);
     tap.tool(heartbeatRequest);
@@ -123,7 +123,7 @@ TEST(Replay, TakesAnUploadsDataAndGivesItsVerdict) {
     EXPECT_EQ(bench.camera.unknownRequests(), 0U);
 }
 
-TEST(Replay, KnowsTheDoorAtAnotherTimeOfDay) {
+TEST(Replay, MatchesDoorCommandsOfAnotherTime) {
     TapBench tap;
     tap.tool(doorOpens);
     tap.camera(heartbeatAnswer);
@@ -134,7 +134,7 @@ TEST(Replay, KnowsTheDoorAtAnotherTimeOfDay) {
     EXPECT_EQ(bench.ask(closing), Bytes());
 }
 
-TEST(Replay, KnowsTheWritingOfASerialNumberThatIsBlankInTheRecording) {
+TEST(Replay, MatchesWritesOfABlankedSerialNumber) {
     TapBench tap(true);
     tap.tool("AA 5A 01 03 04 00 00 00 03 41 31 00 1F 00");
     tap.camera("AA 5A 01 03 02 00 00 00 03 00 00 00");
@@ -142,7 +142,7 @@ TEST(Replay, KnowsTheWritingOfASerialNumberThatIsBlankInTheRecording) {
     EXPECT_EQ(bench.ask(protocol::buildFrame(0x03, hex("03 42 32 00"), 1)).size(), 12U);
 }
 
-TEST(Replay, DoesNotPlayWhatCameBeforeTheFirstRequest) {
+TEST(Replay, OmitsBytesBeforeTheFirstRequest) {
     TapBench tap;
     tap.camera("AA");
     tap.tool(heartbeatRequest);

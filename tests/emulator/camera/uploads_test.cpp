@@ -29,7 +29,7 @@ protected:
     CameraBench bench;
 };
 
-TEST_F(Uploads, AnApplicationImageIsTakenCheckedAndFollowedByARestart) {
+TEST_F(Uploads, ApplicationImageIsCheckedAndRestarts) {
     EXPECT_EQ(bench.ask(appAbc, 2s), hex(canFrom0));
     EXPECT_TRUE(bench.camera.uploading());
     EXPECT_EQ(bench.ask(abc), hex(verdictGood));
@@ -115,12 +115,12 @@ TEST_F(Uploads, DataBehindTheAnnouncementInOnePieceIsData) {
     EXPECT_EQ(upload().earlyBytes, 3U);
 }
 
-TEST_F(Uploads, AnEmptyFileIsCompleteAtOnceAndJudgedWhenTheToolListens) {
+TEST_F(Uploads, EmptyFileIsCompleteAtOnce) {
     EXPECT_EQ(bench.ask(appEmpty, 2s), hex(canFrom0));
     EXPECT_EQ(bench.listen(1s), hex(verdictGood));
 }
 
-TEST_F(Uploads, TheKeptPrefixIsNotAskedForAgainButChecked) {
+TEST_F(Uploads, ChecksTheKeptPrefix) {
     const Bytes file = countingBytes(1300);
     bench.camera.state().heldUpload = ByteView(file).range(0, 512).toBytes();
     EXPECT_EQ(bench.ask(app1300, 2s), hex("AA 5A 01 1B 05 00 00 00 00 00 02 00 00 F1 40"));
@@ -134,7 +134,7 @@ TEST_F(Uploads, AWrongKeptPrefixSpoilsTheDigest) {
     EXPECT_EQ(bench.ask("62 63"), hex(verdictBad));
 }
 
-TEST_F(Uploads, SilenceOfFiveSecondsEndsAnUploadWhichIsThenResumed) {
+TEST_F(Uploads, ResumesAfterFiveSecondsOfSilence) {
     const Bytes file = countingBytes(1300);
     bench.ask(app1300, 2s);
     bench.ask(ByteView(file).range(0, 512).toBytes(), 4900ms);
@@ -215,7 +215,7 @@ INSTANTIATE_TEST_SUITE_P(All, UploadOffset,
                                          OffsetRow{"0x80000000", 0x80000000, false},
                                          OffsetRow{"0xFFFFFFFF", 0xFFFFFFFF, false}));
 
-TEST_F(Uploads, AShortAnnouncementAnswerIsFollowedByFrames) {
+TEST_F(Uploads, ExpectsFramesAfterAShortAnnouncementAnswer) {
     for (int payload = 0; payload < 5; ++payload) {
         bench.camera.faults().clear();
         bench.camera.addFault("payload=" + std::to_string(payload) + "@appUpdate");
@@ -224,7 +224,7 @@ TEST_F(Uploads, AShortAnnouncementAnswerIsFollowedByFrames) {
     }
 }
 
-TEST_F(Uploads, AnAnnouncementWhoseAnswerIsSpoiltIsFollowedByFrames) {
+TEST_F(Uploads, ExpectsFramesAfterASpoiltAnnouncementAnswer) {
     for (const char* const fault :
          {"silent@appUpdate", "truncate=1@appUpdate", "length=+1@appUpdate", "length=-1@appUpdate",
           "raw=33@appUpdate", "stray=1@modelUpdate", "glue@modelUpdate", "length=+1@modelUpdate"}) {
@@ -242,7 +242,7 @@ TEST_F(Uploads, AnAnnouncementWhoseAnswerIsSpoiltIsFollowedByFrames) {
     }
 }
 
-TEST_F(Uploads, AnAnnouncementIsFollowedByDataWhenAReadOf15BytesTakesItsAnswerForWhole) {
+TEST_F(Uploads, ExpectsDataWhenAReadOf15BytesSeesAnAnswer) {
     bench.camera.addFault("stray=1@appUpdate#1");
     bench.camera.addFault("glue@appUpdate#2");
     bench.camera.addFault("length=-1@modelUpdate");
@@ -281,7 +281,7 @@ TEST_F(Uploads, TheCameraCanStopReadingInTheMiddle) {
     EXPECT_FALSE(bench.camera.readingPaused(bench.now));
 }
 
-TEST_F(Uploads, TheDeviceCanDisappearInTheMiddleAndTheUploadIsResumed) {
+TEST_F(Uploads, ResumesAfterTheDeviceVanished) {
     bench.camera.addFault("upload-hang-up=50@appUpdate#1");
     const Bytes file = countingBytes(1300);
     bench.ask(app1300, 2s);
@@ -293,7 +293,7 @@ TEST_F(Uploads, TheDeviceCanDisappearInTheMiddleAndTheUploadIsResumed) {
     EXPECT_EQ(bench.ask(app1300, 2s), protocol::buildFrame(0x1B, hex("00 00 04 00 00"), 1));
 }
 
-TEST_F(Uploads, TheRestartAfterAnImageTakesTheFaultsOfItsAnnouncement) {
+TEST_F(Uploads, RestartTakesTheFaultsOfTheAnnouncement) {
     bench.camera.addFault("back-at=2@systemUpdate");
     bench.ask(systemAbc, 2s);
     bench.ask(abc, 1h);
@@ -342,7 +342,7 @@ TEST_F(SecondProtocol, AnAnnouncementCanBeRefused) {
     EXPECT_EQ(bench.ask(appV1Abc), hex("AA 5A 01 1D 06 00 00 00 01 01 00 00 00 00 66 FB"));
 }
 
-TEST_F(SecondProtocol, SomeOfTheFiveAnnouncementsCanStayUnansweredOrDiffer) {
+TEST_F(SecondProtocol, FaultsSelectSingleAnnouncements) {
     bench.camera.addFault("silent@appUpdateV1#2-3");
     bench.camera.addFault("offset=size@appUpdateV1#5");
     EXPECT_EQ(bench.ask(appV1Abc).size(), 16U);
@@ -352,7 +352,7 @@ TEST_F(SecondProtocol, SomeOfTheFiveAnnouncementsCanStayUnansweredOrDiffer) {
     EXPECT_EQ(bench.ask(appV1Abc).at(10), 3);
 }
 
-TEST_F(SecondProtocol, ElevenClosingPacketsAreAnsweredAndThenItRestarts) {
+TEST_F(SecondProtocol, RestartsAfterElevenClosingPackets) {
     for (int i = 0; i < 11; ++i) {
         EXPECT_FALSE(bench.camera.booting(bench.now));
         EXPECT_EQ(bench.ask("AA 5A 01 1E 08 00 00 00 03 00 00 00 00 00 00 00 AF 2B"),

@@ -2,8 +2,8 @@
 #include "emulator/line/ptyfront.h"
 #include "emulator/program/lessonrun.h"
 #include "link/camerasp.h"
-#include "tests/emulator/program/program.h"
 #include "tests/emulator/line/ptyclient.h"
+#include "tests/emulator/program/program.h"
 
 #include <filesystem>
 
@@ -103,7 +103,7 @@ TEST(Lesson, ThreeIsSolvedByTheRightRate) {
     EXPECT_THAT(room.hear(), HasSubstr(endText));
 }
 
-TEST(Lesson, FourLosesBytesComesOutAndIsSolvedByOpeningAgain) {
+TEST(Lesson, FourIsSolvedByReopeningThePort) {
     Classroom room("4");
     EXPECT_THAT(room.hear(), HasSubstr("插头松了"));
     const std::string before = room.portName();
@@ -141,7 +141,7 @@ TEST(Lesson, FiveIsSolvedByARestart) {
     EXPECT_THAT(room.hear(), HasSubstr(endText));
 }
 
-TEST(Lesson, SixIsSilentAfterARestartThenLateThenWell) {
+TEST(Lesson, SixIsSilentAfterARestartThenSlow) {
     Classroom room("6");
     EXPECT_THAT(room.hear(), HasSubstr("不要断电"));
     EXPECT_EQ(room.front().withCamera([](VirtualCamera& camera) { return camera.settings().rebootTime; }),
@@ -162,7 +162,7 @@ TEST(Lesson, SixIsSilentAfterARestartThenLateThenWell) {
     EXPECT_THAT(room.hear(), HasSubstr(endText));
 }
 
-TEST(Lesson, FourOnADeviceWithoutAPlugIsSilentInstead) {
+TEST(Lesson, FourIsSilentOnADeviceWithoutAPlug) {
     PtyFront front(lessonCamera(*findLesson("4")));
     std::string said;
     LessonRun run(*findLesson("4"), front, [&](const std::string& line) { said += line; });

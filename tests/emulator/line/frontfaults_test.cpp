@@ -5,7 +5,7 @@
 namespace emulatortest {
 namespace {
 
-TEST(LineFault, TheDeviceDisappearsInsideAnAnswerAndCanComeBack) {
+TEST(LineFault, DeviceReturnsAfterVanishingInAnAnswer) {
     PtyFront front;
     front.withCamera([](VirtualCamera& camera) { camera.addFault("hang-up=4@heartbeat#1"); });
     PtyClient client(front.portName());
@@ -42,7 +42,7 @@ TEST(LineFault, AFarEndThatStopsForAWhileReadsOn) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, 200ms);
 }
 
-TEST(LineFault, TheDeviceDisappearsInTheMiddleOfAnUploadAndTheCameraKeepsWhatCame) {
+TEST(LineFault, CameraKeepsUploadDataOfAVanishedDevice) {
     PtyFront front;
     front.withCamera([](VirtualCamera& camera) { camera.addFault("upload-hang-up=50@appUpdate#1"); });
     PtyClient client(front.portName());
@@ -57,7 +57,7 @@ TEST(LineFault, TheDeviceDisappearsInTheMiddleOfAnUploadAndTheCameraKeepsWhatCam
               ByteView(file).range(0, 700).toBytes());
 }
 
-TEST(LineFault, ABusyDeviceIsMarkedForOneUserOnly) {
+TEST(LineFault, BusyDeviceIsExclusive) {
     // A privileged user may still open it, so the mark itself is looked at.
     PtyFront front;
     const PtyClient client(front.portName());

@@ -1,9 +1,9 @@
 // The tap between two real lines.
-#include "tests/emulator/camera/camerabench.h"
 #include "emulator/line/linetap.h"
 #include "emulator/line/pty.h"
 #include "emulator/line/ptyfront.h"
 #include "emulator/line/toolline.h"
+#include "tests/emulator/camera/camerabench.h"
 #include "tests/emulator/line/ptyclient.h"
 #include "tests/trace/tapbench.h"
 
@@ -113,7 +113,7 @@ TEST(LineTap, MakesTheToolWaitAsTheCameraDoes) {
     EXPECT_GE(rest, 1000U);
 }
 
-TEST(LineTap, LosesWhatTheToolDoesNotReadAndSaysSo) {
+TEST(LineTap, ReportsBytesThatTheToolDoesNotRead) {
     TapOnLines lines;
     PtyClient client(lines.toolName());
     const Bytes some(4096);
@@ -126,7 +126,7 @@ TEST(LineTap, LosesWhatTheToolDoesNotReadAndSaysSo) {
     EXPECT_THAT(lines.text(), HasSubstr("bytes lost: the tool does not read"));
 }
 
-TEST(LineTap, EndsWithASentenceWhenTheCamerasLineIsGone) {
+TEST(LineTap, EndsWithAMessageWhenTheCameraLineIsGone) {
     TapOnLines lines;
     lines.unplug();
     EXPECT_TRUE(comesTrue([&] { return !lines.tap().running(); }));
@@ -134,7 +134,7 @@ TEST(LineTap, EndsWithASentenceWhenTheCamerasLineIsGone) {
     EXPECT_THAT(lines.text(), HasSubstr("the line is gone: /dev/"));
 }
 
-TEST(LineTap, EndsWithASentenceWhenTheRecordingCannotBeWritten) {
+TEST(LineTap, EndsWithAMessageWhenTheRecordingFails) {
     auto calls = std::make_shared<std::atomic<int>>(0);
     TapOnLines lines([calls](const std::string&) {
         if (++*calls > 1)
@@ -146,7 +146,7 @@ TEST(LineTap, EndsWithASentenceWhenTheRecordingCannotBeWritten) {
     EXPECT_EQ(lines.tap().failure(), "no space");
 }
 
-TEST(LineTap, TellsThatTheToolsRateIsNotTheCameras) {
+TEST(LineTap, ReportsDifferentRates) {
     TapOnLines lines;
     PtyClient client(lines.toolName());
     client.setSpeed(B9600);

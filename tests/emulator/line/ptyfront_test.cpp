@@ -93,7 +93,7 @@ TEST(PtyFront, TheToolsBytesAreReadAtTheSetPace) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, 300ms);
 }
 
-TEST(PtyFront, AVanishedDeviceFailsAndANewOneTakesItsLink) {
+TEST(PtyFront, NewDeviceTakesTheLinkOfAVanishedOne) {
     PtyFront front;
     const std::string link = fs::absolute("camera-link").string();
     front.linkAt(link);
@@ -137,7 +137,7 @@ TEST(PtyFront, ALinkReplacesALinkButNothingElse) {
     EXPECT_TRUE(fs::is_regular_file("file"));
 }
 
-TEST(PtyFront, ItsLinkGoesWithItUnlessSomeoneElseTookThePath) {
+TEST(PtyFront, RemovesItsLinkUnlessThePathWasTaken) {
     {
         PtyFront front;
         front.linkAt("mine");
@@ -203,7 +203,7 @@ TEST(DeviceFront, ServesOnTheOtherEndOfAPair) {
     }
 }
 
-TEST(DeviceFront, RefusesWhatIsNoTerminal) {
+TEST(DeviceFront, RefusesOtherFiles) {
     std::ofstream("plain") << "x";
     EXPECT_THROW(DeviceFront(VirtualCamera(), "plain"), std::runtime_error);
     EXPECT_THROW(DeviceFront(VirtualCamera(), "missing"), std::runtime_error);

@@ -79,7 +79,7 @@ std::vector<std::string> replay(const Kept& kept, bool atOnce, std::size_t& unkn
 
 class Recordings : public testing::TestWithParam<Kept> {};
 
-TEST_P(Recordings, AnswerARealClientAsTheCameraDid) {
+TEST_P(Recordings, AnswerARealClientAsTheCamera) {
     std::size_t unknown = 0;
     EXPECT_EQ(replay(GetParam(), false, unknown), sessionResults(GetParam().type));
     EXPECT_EQ(unknown, 0U);

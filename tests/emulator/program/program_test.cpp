@@ -1,7 +1,7 @@
 // The virtual-camera program, started as a user starts it.
 #include "emulator/camera/fault.h"
-#include "tests/emulator/program/program.h"
 #include "tests/emulator/line/ptyclient.h"
+#include "tests/emulator/program/program.h"
 
 #include <filesystem>
 
@@ -28,7 +28,7 @@ TEST(Program, ListFaultsNamesEveryKindAndRequest) {
         EXPECT_THAT(list, testing::HasSubstr("  " + std::string(name.name) + " "));
 }
 
-TEST(Program, TheManualHasARowForEveryFaultAndNamesEveryRequest) {
+TEST(Program, ManualListsEveryFaultAndRequest) {
     const std::string manual = Program::text(VIRTUAL_CAMERA_MANUAL);
     for (const FaultKindInfo& info : faultKinds()) {
         const std::size_t row = manual.find("\n| `" + std::string(info.name) + "` |");

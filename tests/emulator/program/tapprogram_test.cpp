@@ -1,7 +1,7 @@
 // virtual-camera as a tap and as a replay, started as a technician starts it.
 #include "tests/emulator/camera/camerabench.h"
-#include "tests/emulator/program/program.h"
 #include "tests/emulator/line/ptyclient.h"
+#include "tests/emulator/program/program.h"
 #include "trace/recordingfile.h"
 
 #include <filesystem>
@@ -31,7 +31,7 @@ std::size_t entriesIn(const char* path) {
     return loadRecording(path).entries.size();
 }
 
-TEST(TapProgram, PassesRecordsAndTellsWhatPasses) {
+TEST(TapProgram, PassesRecordsAndDescribesFrames) {
     TappedCamera tapped;
     PtyClient client("tapped");
     client.write(hex(heartbeatRequest));
@@ -91,14 +91,22 @@ TEST(TapProgram, GivesTheRecordingANameOfItsOwn) {
     EXPECT_EQ(recordings, 1U);
 }
 
-TEST(TapProgram, RefusesACameraThatIsNotThereAndAFileThatCannotBeWritten) {
+TEST(TapProgram, RefusesAMissingCamera) {
     EXPECT_EQ(Program({"--tap", "missing"}).wait(), 2);
     EXPECT_EQ(Program::text("err"), "virtual-camera: missing: No such file or directory\n");
+}
+
+TEST(TapProgram, RefusesARecordingThatCannotBeWritten) {
     Program camera({"--link", "camera"}, "camera-");
     ASSERT_TRUE(comesTrue([] { return fs::is_symlink("camera"); }));
     EXPECT_EQ(Program({"--tap", "camera", "--record", "no/such/a.rec"}).wait(), 2);
     EXPECT_EQ(Program::text("err"),
               "virtual-camera: cannot write the recording no/such/a.rec: No such file or directory\n");
+}
+
+TEST(TapProgram, KeepsAnExistingRecording) {
+    Program camera({"--link", "camera"}, "camera-");
+    ASSERT_TRUE(comesTrue([] { return fs::is_symlink("camera"); }));
     std::ofstream("old.rec") << "precious";
     EXPECT_EQ(Program({"--tap", "camera", "--record", "old.rec"}).wait(), 2);
     EXPECT_EQ(Program::text("err"),
@@ -106,7 +114,7 @@ TEST(TapProgram, RefusesACameraThatIsNotThereAndAFileThatCannotBeWritten) {
     EXPECT_EQ(Program::text("old.rec"), "precious");
 }
 
-TEST(ReplayProgram, AnswersFromARecordingAndSaysWhatItDoesNotKnow) {
+TEST(ReplayProgram, AnswersFromARecording) {
     const std::string recording = std::string(KEPT_RECORDINGS) + "/ostra.rec";
     Program program({"--replay", recording, "--link", "camera", "--at-once"});
     ASSERT_TRUE(comesTrue([] { return fs::is_symlink("camera"); }));
@@ -121,7 +129,7 @@ TEST(ReplayProgram, AnswersFromARecordingAndSaysWhatItDoesNotKnow) {
     EXPECT_EQ(program.wait(), 0);
 }
 
-TEST(ReplayProgram, RefusesWhatIsNoRecording) {
+TEST(ReplayProgram, RefusesOtherFiles) {
     EXPECT_EQ(Program({"--replay", "missing.rec"}).wait(), 2);
     EXPECT_EQ(Program::text("err"), "virtual-camera: cannot read missing.rec: No such file or directory\n");
     std::ofstream("bad.rec") << "camera line recording 1\nstart now\n\n";
@@ -130,7 +138,7 @@ TEST(ReplayProgram, RefusesWhatIsNoRecording) {
               "virtual-camera: bad.rec, line 3: \"device\" and its value are missing here\n");
 }
 
-TEST(TapProgram, RefusesOptionsThatDoNotGoTogether) {
+TEST(TapProgram, RefusesIncompatibleOptions) {
     for (const std::vector<std::string>& arguments :
          std::vector<std::vector<std::string>>{{"--tap", "a", "--replay", "b"},
                                                {"--record", "a"},

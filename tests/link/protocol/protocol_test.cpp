@@ -16,8 +16,11 @@ TEST(CheckCode, XmodemHasItsPublishedCheckValue) {
     EXPECT_EQ(crc16Xmodem({}), 0x0000);
 }
 
-TEST(CheckCode, ModbusHasItsPublishedCheckValueAndAllOnesForNothing) {
+TEST(CheckCode, ModbusHasItsPublishedCheckValue) {
     EXPECT_EQ(crc16Modbus(bytesOf("123456789")), 0x4B37);
+}
+
+TEST(CheckCode, ModbusOfNothingIsAllOnes) {
     EXPECT_EQ(crc16Modbus({}), 0xFFFF);
 }
 
@@ -45,7 +48,7 @@ TEST(AnswerForm, DoesNotExamineCheckCodeAddressOrCommand) {
     EXPECT_TRUE(isWholeAnswer(bytes("AA 5A 77 99 01 00 00 00 00 00 00"), frameForm));
 }
 
-TEST(AnswerForm, IsNotFooledByALengthThatWrapsIn32Bits) {
+TEST(AnswerForm, RefusesALengthThatWrapsIn32Bits) {
     EXPECT_FALSE(isWholeAnswer(bytes("AA 5A 01 01 FF FF FF FF 00"), frameForm));
 }
 
@@ -54,7 +57,7 @@ TEST(AnswerForm, NeverReadsAShortBuffer) {
         EXPECT_FALSE(isWholeAnswer(Bytes(size, 0xAA), frameForm)) << size;
 }
 
-TEST(Garbage, IsDroppedUpToTheStartBytesAndASingleByteIsKept) {
+TEST(Garbage, IsDroppedUpToTheStartBytes) {
     EXPECT_EQ(leadingGarbage(bytes("33 AA 5A 01"), frameForm), 1U);
     EXPECT_EQ(leadingGarbage(bytes("AA 33 AA 5A"), frameForm), 2U);
     EXPECT_EQ(leadingGarbage(bytes("33 44 AA"), frameForm), 2U);
@@ -90,15 +93,18 @@ TEST(Records, OneRecordNeeds36And42Bytes) {
     EXPECT_EQ(catalogueRecords({}, v1_record::size).size(), 0U);
 }
 
-TEST(Records, TheCheckCodeIsNeverARecordAndAPartOfOneIsLeftOut) {
+TEST(Records, LeaveOutTheCheckCode) {
     for (std::size_t count = 0; count < 40; ++count) {
         EXPECT_EQ(catalogueRecords(Bytes(11 + 27 * count), origin_record::size).size(), count);
         EXPECT_EQ(catalogueRecords(Bytes(11 + 33 * count), v1_record::size).size(), count);
     }
+}
+
+TEST(Records, LeaveOutAPartOfARecord) {
     EXPECT_EQ(catalogueRecords(Bytes(11 + 27 + 20), origin_record::size).size(), 1U);
 }
 
-TEST(Records, AreReadAndBuiltByTheSameLayout) {
+TEST(Records, V1UsesOneLayoutBothWays) {
     const Bytes answer =
         bytes("AA 5A 01 C7 22 00 00 00 01 02 01 03 D7 34 01 07 01 2D 00 F1 53 65 14 00 00 00 15 49 D1 "
               "AA E2 02 14 E0 65 AB 4B 76 AA AC 89 A8 28 87");
@@ -116,7 +122,7 @@ TEST(Records, AreReadAndBuiltByTheSameLayout) {
     EXPECT_EQ(hex(buildV1Record(info)), hex(records.front().toBytes()));
 }
 
-TEST(Records, OfTheFirstGenerationAreReadAndBuiltByTheSameLayout) {
+TEST(Records, FirstGenerationUsesOneLayoutBothWays) {
     const Bytes record =
         bytes("05 01 2D 00 F1 53 65 14 00 00 00 15 49 D1 AA E2 02 14 E0 65 AB 4B 76 AA AC 89 A8");
     const PictureInfo info = parseOriginRecord(record);
