@@ -2,7 +2,7 @@
 #include "app/captureflow.h"
 #include "tests/support/debuglog.h"
 #include "tests/support/scriptedcamera.h"
-#include "tests/support/unwritabledirectory.h"
+#include "tests/support/workingdirectory.h"
 
 #include <QElapsedTimer>
 #include <QLabel>
@@ -22,18 +22,9 @@ constexpr int afterCatalogueMs = 1100; // the catalogue is read after 800 ms
 
 const std::string v1DeletionBefore = "AA 5A 01 C8 07 00 00 00 FF 00 00 00 00 00 00 9D F6";
 
-/// The answer envelope of cameras that speak JSON; its check code is never looked at.
-protocol::Bytes jsonAnswer(const std::string& text, const protocol::Bytes& picture) {
-    protocol::Bytes body(8, 0);
-    body.insert(body.end(), text.begin(), text.end());
-    const std::string marker = "<<BINARY>>";
-    body.insert(body.end(), marker.begin(), marker.end());
-    body.insert(body.end(), picture.begin(), picture.end());
-    protocol::Bytes answer{0x01, 0x17, static_cast<std::uint8_t>(body.size() >> 8 & 0xFFU),
-                           static_cast<std::uint8_t>(body.size() & 0xFFU)};
-    answer.insert(answer.end(), body.begin(), body.end());
-    answer.insert(answer.end(), 2, 0);
-    return answer;
+/// A piece of a picture behind its text.
+protocol::Bytes jsonPicture(const std::string& text, const protocol::Bytes& picture) {
+    return answers::json(text + "<<BINARY>>" + std::string(picture.begin(), picture.end()));
 }
 
 class CaptureFlowTest : public scripted::PictureTest {
@@ -104,14 +95,14 @@ protected:
 TEST_F(CaptureFlowTest, DeletesCapturesListsDownloadsAndShows) {
     const protocol::Bytes picture = jpeg(400, 300, Qt::red);
     willTakeOrigin(picture);
-    scripted::writeFile("5.jpg", jpeg(400, 300, Qt::blue));
+    files::write("5.jpg", jpeg(400, 300, Qt::blue));
     flow->start(firstGeneration);
     EXPECT_TRUE(labelIsEmpty());
     EXPECT_EQ(controls, std::vector{false});
     EXPECT_EQ(camera.requests(), std::vector<std::string>{"AA 5A 01 08 01 00 00 00 FF 4C AC"});
     ASSERT_TRUE(waitForControls());
     EXPECT_EQ(camera.codes(), (std::vector{0x08, 0x06, 0x07, 0x09}));
-    EXPECT_EQ(scripted::fileContent("5.jpg"), picture);
+    EXPECT_EQ(files::read("5.jpg"), picture);
     // To the label's width first, 200 x 150, and that to its height.
     EXPECT_EQ(label.pixmap().height(), 100);
     EXPECT_EQ(label.pixmap().width(), 133);
@@ -162,7 +153,7 @@ TEST_F(CaptureFlowTest, UsesTheLowByteOfASecondGenerationId) {
     ASSERT_TRUE(waitForControls());
     EXPECT_EQ(camera.codes(), (std::vector{0xC8, 0xC6, 0xC7, 0xC9}));
     EXPECT_EQ(camera.requests().back().substr(24, 17), "02 00 00 00 00 00");
-    EXPECT_EQ(scripted::fileContent("2.jpg"), picture);
+    EXPECT_EQ(files::read("2.jpg"), picture);
     EXPECT_FALSE(QFile::exists("258.jpg"));
     EXPECT_FALSE(label.pixmap().isNull());
     EXPECT_TRUE(DebugLog::hasStart("pic start  2"));
@@ -208,7 +199,7 @@ TEST_F(CaptureFlowTest, EndsWhenTheCatalogueIsEmptyTwice) {
     camera.willSay(0x06, 0);
     camera.willList(0x07, {});
     camera.willList(0x07, {});
-    scripted::writeFile("0.jpg", jpeg(40, 30, Qt::blue));
+    files::write("0.jpg", jpeg(40, 30, Qt::blue));
     flow->start(firstGeneration);
     ASSERT_TRUE(waitForControls());
     ASSERT_TRUE(QThreadPool::globalInstance()->waitForDone(enoughMs));
@@ -238,7 +229,7 @@ TEST_F(CaptureFlowTest, DownloadsTheKnownPictureAfterTenRounds) {
 
 TEST_F(CaptureFlowTest, AMissingOrBrokenPictureLeavesTheLabelEmpty) {
     willTakeOrigin(protocol::Bytes(300, 0x55));
-    scripted::writeFile("5.jpg", jpeg(40, 30, Qt::blue));
+    files::write("5.jpg", jpeg(40, 30, Qt::blue));
     flow->start(firstGeneration);
     ASSERT_TRUE(waitForControls());
     EXPECT_TRUE(DebugLog::hasStart("in timer"));
@@ -248,7 +239,7 @@ TEST_F(CaptureFlowTest, AMissingOrBrokenPictureLeavesTheLabelEmpty) {
 TEST_F(CaptureFlowTest, ARefusedReadShowsNoOldPicture) {
     camera.willSend(0x09, 1, protocol::Bytes(20, 0));
     willTakeOrigin(protocol::Bytes(20, 0));
-    scripted::writeFile("5.jpg", jpeg(40, 30, Qt::blue));
+    files::write("5.jpg", jpeg(40, 30, Qt::blue));
     flow->start(firstGeneration);
     ASSERT_TRUE(waitForControls());
     EXPECT_TRUE(labelIsEmpty());
@@ -256,14 +247,14 @@ TEST_F(CaptureFlowTest, ARefusedReadShowsNoOldPicture) {
 }
 
 TEST_F(CaptureFlowTest, ShowsNoOldPictureInAnUnwritableFolder) {
-    scripted::writeFile("5.jpg", jpeg(40, 30, Qt::blue));
+    files::write("5.jpg", jpeg(40, 30, Qt::blue));
     const UnwritableDirectory here;
     willTakeOrigin(jpeg(40, 30, Qt::red));
     flow->start(firstGeneration);
     ASSERT_TRUE(waitForControls());
     EXPECT_TRUE(labelIsEmpty());
     EXPECT_TRUE(out.has("can't write picture:5.jpg"));
-    EXPECT_EQ(scripted::fileNames(), std::vector<std::string>{"5.jpg"});
+    EXPECT_EQ(files::names(), std::vector<std::string>{"5.jpg"});
 }
 
 TEST_F(CaptureFlowTest, EndsWhenTheDeviceVanishes) {
@@ -275,9 +266,9 @@ TEST_F(CaptureFlowTest, EndsWhenTheDeviceVanishes) {
         if (code == 0x09)
             fake_serial::willThrowOnRead();
         else
-            fake_serial::willRead(
-                code == 0x07 ? scripted::answer(7, scripted::joined(1, bytes(scripted::originRecord)))
-                             : scripted::answer(code, {0}));
+            fake_serial::willRead(code == 0x07
+                                      ? answers::frame(7, scripted::joined(1, bytes(scripted::originRecord)))
+                                      : answers::frame(code, {0}));
     });
     flow->start(firstGeneration);
     ASSERT_TRUE(waitForControls());
@@ -301,7 +292,7 @@ TEST_F(CaptureFlowTest, EndsAnEndlessDownloadWithTheLink) {
     QTest::qWait(100);
     EXPECT_FALSE(DebugLog::hasStart("in timer"));
     EXPECT_TRUE(labelIsEmpty());
-    EXPECT_TRUE(scripted::fileNames().empty());
+    EXPECT_TRUE(files::names().empty());
     EXPECT_EQ(controls, std::vector{false}); // whoever ends the link gives them back
 }
 
@@ -367,14 +358,14 @@ TEST_F(CaptureFlowTest, AJsonCameraGivesItsPictureAtOnce) {
     const std::size_t first = std::min<std::size_t>(picture.size(), 500);
     const auto middle = picture.begin() + static_cast<std::ptrdiff_t>(first);
     camera.willSayJson(
-        jsonAnswer("{\"size\":" + std::to_string(picture.size()) + "}", {picture.begin(), middle}));
-    camera.willSayJson(jsonAnswer("{}", {middle, picture.end()}));
-    scripted::writeFile("1.jpg", jpeg(40, 30, Qt::blue));
+        jsonPicture("{\"size\":" + std::to_string(picture.size()) + "}", {picture.begin(), middle}));
+    camera.willSayJson(jsonPicture("{}", {middle, picture.end()}));
+    files::write("1.jpg", jpeg(40, 30, Qt::blue));
     flow->start(json);
     EXPECT_TRUE(labelIsEmpty());
     EXPECT_EQ(controls, std::vector{false});
     ASSERT_TRUE(waitForControls());
-    EXPECT_EQ(scripted::fileContent("1.jpg"), picture);
+    EXPECT_EQ(files::read("1.jpg"), picture);
     EXPECT_EQ(label.pixmap().size(), QSize(133, 100));
     EXPECT_GT(scripted::middle(label.pixmap()).red(), 240);
     EXPECT_EQ(DebugLog::plainLines(),
@@ -384,13 +375,13 @@ TEST_F(CaptureFlowTest, AJsonCameraGivesItsPictureAtOnce) {
 }
 
 TEST_F(CaptureFlowTest, AFailedJsonPictureShowsNothing) {
-    scripted::writeFile("1.jpg", jpeg(40, 30, Qt::blue));
+    files::write("1.jpg", jpeg(40, 30, Qt::blue));
     flow->start(json);
     ASSERT_TRUE(waitForControls());
     EXPECT_TRUE(labelIsEmpty());
     EXPECT_FALSE(DebugLog::hasStart("in quenta timer"));
     EXPECT_FALSE(QFile::exists("1.jpg"));
-    camera.willSayJson(jsonAnswer("{\"result\":0}", {1, 2, 3})); // no size
+    camera.willSayJson(jsonPicture("{\"result\":0}", {1, 2, 3})); // no size
     controls.clear();
     flow->start(json);
     ASSERT_TRUE(waitForControls());
@@ -399,14 +390,14 @@ TEST_F(CaptureFlowTest, AFailedJsonPictureShowsNothing) {
 
 TEST_F(CaptureFlowTest, WaitsForALostJsonChunkUntilTheLinkEnds) {
     CameraSp* const current = client.get();
-    camera.willSayJson(jsonAnswer("{\"size\":60000}", protocol::Bytes(500, 0)));
+    camera.willSayJson(jsonPicture("{\"size\":60000}", protocol::Bytes(500, 0)));
     fake_serial::onWrite({});
-    fake_serial::willRead(jsonAnswer("{\"size\":60000}", protocol::Bytes(500, 0)));
+    fake_serial::willRead(jsonPicture("{\"size\":60000}", protocol::Bytes(500, 0)));
     flow->start(json);
     ASSERT_TRUE(QTest::qWaitFor([] { return fake_serial::writes().size() == 2; }, enoughMs));
     EXPECT_FALSE(current->stopRequested());
     unlink();
     QTest::qWait(50);
     EXPECT_FALSE(DebugLog::hasStart("in quenta timer"));
-    EXPECT_TRUE(scripted::fileNames().empty());
+    EXPECT_TRUE(files::names().empty());
 }

@@ -3,6 +3,7 @@
 #include "dialogs/doorop.h"
 #include "dialogs/setcameraprotocol.h"
 #include "tests/fake/fakeserial.h"
+#include "tests/support/answers.h"
 #include "tests/support/guitest.h"
 #include "tests/support/printing.h"
 
@@ -66,31 +67,8 @@ protected:
     std::unique_ptr<MainWindow> window;
 };
 
-/// A frame with this payload from address 1; the check code of an answer is never looked at.
-fake_serial::Bytes answer(std::uint8_t command, const std::string& payload) {
-    fake_serial::Bytes frame = {0xAA, 0x5A, 0x01, command, static_cast<std::uint8_t>(payload.size()),
-                                0,    0,    0};
-    frame.insert(frame.end(), payload.begin(), payload.end());
-    frame.insert(frame.end(), {0, 0});
-    return frame;
-}
-
 fake_serial::Bytes textBytes(const std::string& text) {
     return {text.begin(), text.end()};
-}
-
-/// An answer of the JSON kind around this text.
-fake_serial::Bytes jsonAnswer(const std::string& json) {
-    const auto length = static_cast<std::uint8_t>(json.size());
-    const auto total = static_cast<std::uint8_t>(json.size() + 8);
-    fake_serial::Bytes bytes = {0x01, 0x17, 0x00, total, 0xFD, 0xFC, 0xFB, 0xFA, 0x64, 0x00, length, 0x00};
-    bytes.insert(bytes.end(), json.begin(), json.end());
-    bytes.insert(bytes.end(), {0, 0});
-    return bytes;
-}
-
-std::string property(std::uint8_t id, const std::string& value) {
-    return std::string{static_cast<char>(id), '\0'} + value;
 }
 
 void scriptVersions() {
@@ -98,7 +76,7 @@ void scriptVersions() {
         if (frame.size() < 9)
             return;
         const std::string value = frame[3] == 0xC2 ? "qv" : frame[8] == 0x02 ? "app" : "system";
-        fake_serial::willRead(answer(frame[3], property(frame[8], value)));
+        fake_serial::willRead(answers::property(frame[3], frame[8], value));
     });
 }
 
@@ -208,7 +186,7 @@ TEST_F(MainWindowStatus, AsksCamerasOfType3ForTheirVersionOverJson) {
     const DebugLog log;
     chooseType("rb_quenta");
     open();
-    fake_serial::willRead(jsonAnswer(R"({"result":0,"version":"1.0.3"})"));
+    fake_serial::willRead(answers::json(R"({"result":0,"version":"1.0.3"})"));
     click(*window, "btn_appversion");
     EXPECT_EQ(text(*window, "tv_appversion"), "APP版本:1.0.3");
     ASSERT_EQ(fake_serial::writes().size(), 1U);
@@ -237,7 +215,7 @@ TEST_F(MainWindowStatus, ShowsErrorsOfAJsonAnswer) {
     chooseType("rb_quenta");
     open();
     for (const Case& each : cases) {
-        fake_serial::willRead(jsonAnswer(each.answer));
+        fake_serial::willRead(answers::json(each.answer));
         click(*window, "btn_appversion");
         EXPECT_EQ(text(*window, "tv_appversion"), each.shown) << each.answer;
     }
@@ -248,7 +226,7 @@ TEST_F(MainWindowStatus, ShowsErrorsOfAJsonAnswer) {
 TEST_F(MainWindowStatus, ShowsTheModelInformation) {
     const DebugLog log;
     open();
-    fake_serial::willRead(answer(0xC2, property(0xCC, "model_v7")));
+    fake_serial::willRead(answers::property(0xC2, 0xCC, "model_v7"));
     click(*window, "btn_modelinfo");
     EXPECT_EQ(sent(), std::vector<std::string>{"AA 5A 01 C2 01 00 00 00 CC 4E 92"});
     EXPECT_EQ(text(*window, "label_modelinfo"), "模型信息:model_v7");

@@ -28,16 +28,8 @@
 
 using namespace guitest;
 using namespace std::chrono_literals;
-using scripted::answer;
 
 namespace {
-
-fake_serial::Bytes property(std::uint8_t command, std::uint8_t id, const std::string& value,
-                            std::uint8_t result = 0) {
-    fake_serial::Bytes payload{id, result};
-    payload.insert(payload.end(), value.begin(), value.end());
-    return answer(command, payload);
-}
 
 class Outcomes : public scripted::PictureTest {
 protected:
@@ -96,18 +88,18 @@ TEST_F(Outcomes, VersionQueryReportsThatNothingWasRead) {
 }
 
 TEST_F(Outcomes, VersionQueryNamesWhatIsMissing) {
-    camera.will(0x02, property(0x02, 0x02, "1.0"));
-    camera.will(0x02, property(0x02, 0x15, "", 1));
-    camera.will(0xC2, property(0xC2, 0xD4, "3.0"));
+    camera.will(0x02, answers::property(0x02, 0x02, "1.0"));
+    camera.will(0x02, answers::property(0x02, 0x15, "", 1));
+    camera.will(0xC2, answers::property(0xC2, 0xD4, "3.0"));
     click(*window, "btn_appversion");
     EXPECT_TRUE(comesToSay("读取版本号：缺少 系统版本（摄像头拒绝执行，请检查摄像头类型和设置值）"))
         << status().toStdString();
 }
 
 TEST_F(Outcomes, WholeVersionQueryIsDone) {
-    camera.will(0x02, property(0x02, 0x02, "1.0"));
-    camera.will(0x02, property(0x02, 0x15, "2.0"));
-    camera.will(0xC2, property(0xC2, 0xD4, "3.0"));
+    camera.will(0x02, answers::property(0x02, 0x02, "1.0"));
+    camera.will(0x02, answers::property(0x02, 0x15, "2.0"));
+    camera.will(0xC2, answers::property(0xC2, 0xD4, "3.0"));
     click(*window, "btn_appversion");
     EXPECT_TRUE(comesToSay("读取版本号：完成")) << status().toStdString();
 }
@@ -206,7 +198,7 @@ TEST_F(Outcomes, DeletingAllEndsWithAnEmptyList) {
 
 TEST_F(Outcomes, RefusedViewIsNotDone) {
     auto* const list = open<PicList>("actionPicInfo");
-    scripted::writeFile("7.jpg", scripted::jpeg(40, 30, Qt::blue));
+    files::write("7.jpg", scripted::jpeg(40, 30, Qt::blue));
     camera.willList(0x07, {scripted::record(scripted::originRecord, 7, 7, 3)});
     click(*list, "btn_refresh");
     camera.willSend(0x09, 1, {1, 2, 3});
@@ -230,7 +222,7 @@ TEST_F(Outcomes, DoorCommandIsOnlySent) {
 
 TEST_F(Outcomes, RefusedWriteDiffersFromNoAnswer) {
     const auto* const heat = open<SetPwmHeat>("actionPwmHeatSet");
-    camera.will(0x03, property(0x03, 15, "", 1));
+    camera.will(0x03, answers::property(0x03, 15, "", 1));
     click(*heat, "btn_setheat");
     EXPECT_EQ(status(), "写入设置：摄像头拒绝执行，请检查摄像头类型和设置值");
     click(*heat, "btn_setheat");
@@ -268,7 +260,7 @@ TEST_F(Outcomes, FirstReadingOfAWindowIsReported) {
 }
 
 TEST_F(Outcomes, PartlyReadSettingsAreReported) {
-    camera.will(0x02, property(0x02, 10, "ab"));
+    camera.will(0x02, answers::property(0x02, 10, "ab"));
     open<SetCaptureDegree>("actionCaptureDegree");
     EXPECT_TRUE(comesToSay(QString("读取设置：部分没有读到（%1）").arg(adviceNoAnswer)))
         << status().toStdString();
@@ -294,7 +286,7 @@ TEST_F(Outcomes, GyroAnswerBehindAByteOrderMarkFails) {
 // --- texts from the camera -------------------------------------------------------------------------------
 
 TEST_F(Outcomes, CameraTextIsPlainAndEndsAtTheFirstZero) {
-    camera.will(0xC2, property(0xC2, 0xCC, std::string("<b>m</b>\0rest", 13)));
+    camera.will(0xC2, answers::property(0xC2, 0xCC, std::string("<b>m</b>\0rest", 13)));
     click(*window, "btn_modelinfo");
     const auto* const label = find<QLabel>(*window, "label_modelinfo");
     EXPECT_EQ(label->text(), "模型信息:<b>m</b>");
@@ -305,7 +297,7 @@ TEST_F(Outcomes, CameraTextIsPlainAndEndsAtTheFirstZero) {
 
 TEST_F(Outcomes, LongCameraTextIsCutWithAToolTip) {
     const std::string name(130, 'x');
-    camera.will(0xC2, property(0xC2, 0xCC, name));
+    camera.will(0xC2, answers::property(0xC2, 0xCC, name));
     click(*window, "btn_modelinfo");
     const auto* const label = find<QLabel>(*window, "label_modelinfo");
     EXPECT_EQ(label->text().size(), 120);
@@ -344,7 +336,7 @@ namespace {
 class WaitingUpload : public Outcomes {
 protected:
     WaitingUpload() {
-        scripted::writeFile("app.bin", {'a', 'b', 'c'});
+        files::write("app.bin", {'a', 'b', 'c'});
         QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         const FileChooser chooser(QDir::current().absoluteFilePath("app.bin"));
         click(*window, "btn_apppath");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/fake/fakeserial.h"
+#include "tests/support/answers.h"
 
 #include <cstddef>
 #include <map>
@@ -45,13 +46,6 @@ public:
         m_silent = true;
     }
 
-    static Bytes frame(std::uint8_t command, const Bytes& payload) {
-        Bytes bytes{0xAA, 0x5A, 1, command, static_cast<std::uint8_t>(payload.size()), 0, 0, 0};
-        bytes.insert(bytes.end(), payload.begin(), payload.end());
-        bytes.insert(bytes.end(), {0, 0}); // the tool does not look at an answer's check code
-        return bytes;
-    }
-
 private:
     struct Turn {
         std::vector<Bytes> values;
@@ -75,7 +69,7 @@ private:
 
     void answerRead(std::uint8_t id) {
         if (const auto payload = m_payloads.find(id); payload != m_payloads.end()) {
-            fake_serial::willRead(frame(readCommand, payload->second));
+            fake_serial::willRead(answers::frame(readCommand, payload->second));
             return;
         }
         const auto turn = m_values.find(id);
@@ -84,7 +78,7 @@ private:
         Bytes payload{id, 0};
         const Bytes& value = turn->second.values[turn->second.next++ % turn->second.values.size()];
         payload.insert(payload.end(), value.begin(), value.end());
-        fake_serial::willRead(frame(readCommand, payload));
+        fake_serial::willRead(answers::frame(readCommand, payload));
     }
 
     void answerWrite(std::uint8_t id, const Bytes& value) {
@@ -93,7 +87,7 @@ private:
             return;
         }
         m_values[id] = {{value}, 0};
-        fake_serial::willRead(frame(writeCommand, {id, 0}));
+        fake_serial::willRead(answers::frame(writeCommand, {id, 0}));
     }
 
     std::mutex m_mutex;

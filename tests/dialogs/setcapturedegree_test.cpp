@@ -259,7 +259,7 @@ TEST_F(SetCaptureDegreeTest, ReadsTheItemHalfASecondAfterAnyWrite) {
     };
     const Row rows[] = {{"btn_set1", readAngles}, {"btn_set2", readDirection}, {"btn_set3", readGyro}};
     const QWidget* const window = openAndWait();
-    m_camera.answerWritesWith(PropertyCamera::frame(3, {10, 1}));
+    m_camera.answerWritesWith(answers::frame(3, {10, 1}));
     for (const Row& row : rows) {
         forgetRequests();
         QElapsedTimer time;

@@ -159,10 +159,10 @@ TEST_P(SettingWriteTest, StartsTheNextCountdownFromItsFirstSecondAgain) {
 }
 
 TEST_P(SettingWriteTest, EnablesTheControlsAfterABadAnswer) {
-    auto stray = PropertyCamera::frame(3, {kind().id, 0});
+    auto stray = answers::frame(3, {kind().id, 0});
     stray.push_back(0xEE);
     const std::vector<PropertyCamera::Bytes> answers{
-        PropertyCamera::frame(3, {kind().id, 1}), {}, {0xAA, 0x5A, 0x01, 0x03, 0x02}, {0xAA}, stray};
+        answers::frame(3, {kind().id, 1}), {}, {0xAA, 0x5A, 0x01, 0x03, 0x02}, {0xAA}, stray};
     for (const auto& answer : answers) {
         SCOPED_TRACE(fake_serial::hex(answer));
         m_camera.answerWritesWith(answer);

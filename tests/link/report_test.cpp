@@ -1,11 +1,14 @@
 // Why a command failed, beside its result.
 #include "tests/link/linktest.h"
-#include "tests/support/scratchfolder.h"
+#include "tests/link/uploadanswers.h"
+#include "tests/support/workingdirectory.h"
 
 #include <functional>
 #include <future>
 
 using namespace std::chrono_literals;
+
+using namespace uploadanswers;
 
 namespace {
 
@@ -57,8 +60,6 @@ protected:
         run(camera);
         return scope.report().end;
     }
-
-    ScratchFolder folder;
 };
 
 class EveryReport : public Report, public testing::WithParamInterface<Case> {};
@@ -191,7 +192,7 @@ namespace {
 class UploadReport : public Report {
 protected:
     UploadReport() {
-        ScratchFolder::write("file.bin", {'a', 'b', 'c'});
+        files::write("file.bin", {'a', 'b', 'c'});
         camera.setAppFilePath("file.bin");
         camera.setFirewareFilePath("file.bin");
         camera.setModelNameAndPath("m", "file.bin");
@@ -202,13 +203,6 @@ protected:
     static inline const CameraCall model = [](CameraSp& c) { c.modelUpdate(); };
     static inline const CameraCall v1 = [](CameraSp& c) { c.appUpdateV1("file.bin", "file.bin"); };
 };
-
-constexpr const char* appFromZero = "AA 5A 01 1B 05 00 00 00 00 00 00 00 00 91 2E";
-constexpr const char* appFrom512 = "AA 5A 01 1B 05 00 00 00 00 00 02 00 00 F1 40";
-constexpr const char* appGood = "AA 5A 01 1B 01 00 00 00 00 D8 66";
-constexpr const char* appBad = "AA 5A 01 1B 01 00 00 00 01 F9 76";
-constexpr const char* v1FromZero = "AA 5A 01 1D 06 00 00 00 01 00 00 00 00 00 00 00";
-constexpr const char* v1Whole = "AA 5A 01 1D 06 00 00 00 01 00 03 00 00 00 00 00";
 
 } // namespace
 
@@ -264,7 +258,7 @@ TEST_F(UploadReport, TellsThatTheSecondProtocolSendsNoData) {
 
 TEST_F(UploadReport, TellsAMissingPackageResult) {
     for (int i = 0; i < 5; ++i)
-        answer(v1Whole);
+        answer(v1HoldsAll);
     EXPECT_EQ(endOf(v1), CommandEnd::noVerdict);
 }
 

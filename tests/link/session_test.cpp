@@ -1,6 +1,6 @@
 // Opening, closing, stopping, and what an exception of the library becomes.
 #include "tests/link/linktest.h"
-#include "tests/support/scratchfolder.h"
+#include "tests/support/workingdirectory.h"
 
 #include <atomic>
 #include <cerrno>
@@ -146,8 +146,6 @@ protected:
         CameraSp::replaceSleep([](auto) {});
     }
     ~EveryCommand() override { CameraSp::replaceSleep({}); }
-
-    ScratchFolder folder;
 };
 
 TEST_P(EveryCommand, ReportsAnExceptionOfTheLibraryByValue) {

@@ -8,6 +8,7 @@
 #include "tests/support/cameratype.h"
 #include "tests/support/debuglog.h"
 #include "tests/support/stdoutcapture.h"
+#include "tests/support/workingdirectory.h"
 
 #include <QFile>
 #include <QLabel>
@@ -31,14 +32,6 @@ using emulator::VirtualCamera;
 using protocol::Bytes;
 
 constexpr int enoughMs = 20000;
-
-Bytes fileContent(const QString& name) {
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray data = file.readAll();
-    return {data.begin(), data.end()};
-}
 
 class EmulatedPictures : public testing::Test {
 protected:
@@ -138,7 +131,7 @@ TEST_F(EmulatedPictures, TakesShowsAndStoresAFirstGenerationPicture) {
     hold(40, drawn()); // deleted before the capture
     ASSERT_TRUE(take(cameratype::ostra));
     ASSERT_EQ(heldCount(), 1U);
-    EXPECT_EQ(fileContent("33.jpg"), held(0));
+    EXPECT_EQ(files::read("33.jpg"), held(0));
     EXPECT_FALSE(label.pixmap().isNull());
     expectCleanLine();
 }
@@ -151,7 +144,7 @@ TEST_F(EmulatedPictures, ReadsSecondGenerationPicturesByTheLowIdByte) {
     });
     ASSERT_TRUE(take(cameratype::shelfDynamic));
     ASSERT_EQ(heldCount(), 1U);
-    EXPECT_EQ(fileContent("2.jpg"), held(0));
+    EXPECT_EQ(files::read("2.jpg"), held(0));
     EXPECT_FALSE(QFile::exists("258.jpg"));
     EXPECT_FALSE(label.pixmap().isNull());
     expectCleanLine();
@@ -166,7 +159,7 @@ TEST_F(EmulatedPictures, JsonPicturesOfEverySizeArriveWhole) {
         front->withCamera([&](VirtualCamera& camera) { camera.state().jsonPicture = picture; });
         ASSERT_TRUE(take(cameratype::quenta)) << size;
         EXPECT_TRUE(QFile::exists("1.jpg")) << size;
-        EXPECT_EQ(fileContent("1.jpg"), picture) << size;
+        EXPECT_EQ(files::read("1.jpg"), picture) << size;
         EXPECT_TRUE(label.pixmap().isNull()) << size; // these bytes are no JPEG
     }
     expectCleanLine();
@@ -177,7 +170,7 @@ TEST_F(EmulatedPictures, AJsonPictureIsShown) {
     const Bytes picture = drawn();
     front->withCamera([&](VirtualCamera& camera) { camera.state().jsonPicture = picture; });
     ASSERT_TRUE(take(cameratype::quenta));
-    EXPECT_EQ(fileContent("1.jpg"), picture);
+    EXPECT_EQ(files::read("1.jpg"), picture);
     EXPECT_FALSE(label.pixmap().isNull());
 }
 
@@ -231,7 +224,7 @@ TEST_F(EmulatedPictures, ListShowsDeletesAndViewsPictures) {
     list.press("btn_refresh");
     ASSERT_EQ(list.model()->rowCount(), 3);
     list.choose(2, "查看");
-    EXPECT_EQ(fileContent("42.jpg"), held(2));
+    EXPECT_EQ(files::read("42.jpg"), held(2));
     EXPECT_FALSE(list.shown()->pixmap().isNull());
     list.choose(1, "查看");
     EXPECT_EQ(list.shown()->text(), "图片不存在或者图片数据错误");
@@ -257,7 +250,7 @@ TEST_F(EmulatedPictures, ASecondGenerationListUsesTheWholeId) {
     list.press("btn_refresh");
     ASSERT_EQ(list.model()->rowCount(), 2);
     list.choose(1, "查看");
-    EXPECT_EQ(fileContent("258.jpg"), held(1));
+    EXPECT_EQ(files::read("258.jpg"), held(1));
     EXPECT_FALSE(list.shown()->pixmap().isNull());
     list.choose(1, "删除");
     ASSERT_EQ(heldCount(), 1U);

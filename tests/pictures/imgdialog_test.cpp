@@ -10,8 +10,8 @@
 
 namespace {
 
+using files::write;
 using scripted::jpeg;
-using scripted::writeFile;
 
 const QLabel* labelIn(const ImgDialog& dialog) {
     return dialog.findChild<QLabel*>();
@@ -36,7 +36,7 @@ TEST(ImgDialog, HasItsSizeAndPartsAndIsDeletedOnClose) {
 }
 
 TEST(ImgDialog, FindsThePictureByItsNameWithoutSuffix) {
-    writeFile("258.jpg", jpeg(1200, 400, Qt::red));
+    files::write("258.jpg", jpeg(1200, 400, Qt::red));
     ImgDialog dialog;
     dialog.setAttribute(Qt::WA_DeleteOnClose, false);
     dialog.showPicture("258");
@@ -44,12 +44,12 @@ TEST(ImgDialog, FindsThePictureByItsNameWithoutSuffix) {
 }
 
 TEST(ImgDialog, ScalesThePictureKeepingItsShape) {
-    writeFile("258.jpg", jpeg(1200, 400, Qt::red));
+    files::write("258.jpg", jpeg(1200, 400, Qt::red));
     ImgDialog dialog;
     dialog.setAttribute(Qt::WA_DeleteOnClose, false);
     dialog.showPicture("258");
     EXPECT_EQ(labelIn(dialog)->pixmap().size(), QSize(600, 200));
-    writeFile("7.jpg", jpeg(100, 200, Qt::red));
+    files::write("7.jpg", jpeg(100, 200, Qt::red));
     dialog.showPicture("7");
     EXPECT_EQ(labelIn(dialog)->pixmap().size(), QSize(200, 400));
 }
@@ -57,9 +57,9 @@ TEST(ImgDialog, ScalesThePictureKeepingItsShape) {
 TEST(ImgDialog, ShowsTheNewPictureOfANameThatWasShownBefore) {
     ImgDialog dialog;
     dialog.setAttribute(Qt::WA_DeleteOnClose, false);
-    writeFile("5.jpg", jpeg(60, 40, Qt::red));
+    files::write("5.jpg", jpeg(60, 40, Qt::red));
     dialog.showPicture("5");
-    writeFile("5.jpg", jpeg(60, 40, Qt::blue)); // same second, quite possibly the same size
+    files::write("5.jpg", jpeg(60, 40, Qt::blue)); // same second, quite possibly the same size
     dialog.showPicture("5");
     EXPECT_GT(scripted::middle(labelIn(dialog)->pixmap()).blue(), 240);
     EXPECT_LT(scripted::middle(labelIn(dialog)->pixmap()).red(), 20);
@@ -70,10 +70,10 @@ TEST(ImgDialog, ReportsAMissingOrBrokenPicture) {
     dialog.setAttribute(Qt::WA_DeleteOnClose, false);
     dialog.showPicture("5");
     EXPECT_EQ(labelIn(dialog)->text(), missingText);
-    writeFile("6.jpg", {});
+    files::write("6.jpg", {});
     dialog.showPicture("6");
     EXPECT_EQ(labelIn(dialog)->text(), missingText);
-    writeFile("8.jpg", protocol::Bytes(500, 0xFF));
+    files::write("8.jpg", protocol::Bytes(500, 0xFF));
     dialog.showPicture("8");
     EXPECT_EQ(labelIn(dialog)->text(), missingText);
     dialog.showPicture(QString());

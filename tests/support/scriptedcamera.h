@@ -3,17 +3,17 @@
 
 #include "link/camerasp.h"
 #include "tests/fake/fakeserial.h"
+#include "tests/support/answers.h"
 #include "tests/support/stdoutcapture.h"
+#include "tests/support/workingdirectory.h"
 
 #include <QBuffer>
-#include <QFile>
 #include <QImage>
 #include <QPixmap>
 
 #include <gtest/gtest.h>
 
 #include <deque>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -32,22 +32,6 @@ inline const std::string originRecord = "05 01 2D 00 F1 53 65 14 00 00 00 "
 inline const std::string v1Record = "02 01 03 D7 34 01 07 01 2D 00 F1 53 65 14 00 00 00 "
                                     "15 49 D1 AA E2 02 14 E0 65 AB 4B 76 AA AC 89 A8";
 inline const char* const digestText = "1549d1aae20214e065ab4b76aaac89a8";
-
-/// A whole answer; its check code is never looked at and left zero.
-inline Bytes answer(std::uint8_t command, const Bytes& payload) {
-    const auto length = static_cast<std::uint32_t>(payload.size());
-    Bytes frame{0xAA,
-                0x5A,
-                0x01,
-                command,
-                static_cast<std::uint8_t>(length & 0xFFU),
-                static_cast<std::uint8_t>(length >> 8 & 0xFFU),
-                static_cast<std::uint8_t>(length >> 16 & 0xFFU),
-                static_cast<std::uint8_t>(length >> 24)};
-    frame.insert(frame.end(), payload.begin(), payload.end());
-    frame.insert(frame.end(), 2, 0);
-    return frame;
-}
 
 inline Bytes joined(std::uint8_t first, const Bytes& rest) {
     Bytes all{first};
@@ -91,16 +75,16 @@ public:
         m_replies[code].push_back(std::move(reply));
     }
     /// The next request of this code gets a result byte, 0 for success.
-    void willSay(std::uint8_t code, std::uint8_t result) { will(code, answer(code, {result})); }
+    void willSay(std::uint8_t code, std::uint8_t result) { will(code, answers::frame(code, {result})); }
     /// A catalogue of these records, which may be none.
     void willList(std::uint8_t code, const std::vector<Bytes>& records) {
         Bytes payload{static_cast<std::uint8_t>(records.size())};
         for (const Bytes& each : records)
             payload.insert(payload.end(), each.begin(), each.end());
-        will(code, answer(code, payload));
+        will(code, answers::frame(code, payload));
     }
     void willSend(std::uint8_t code, std::uint8_t result, const Bytes& picture) {
-        will(code, answer(code, joined(result, picture)));
+        will(code, answers::frame(code, joined(result, picture)));
     }
     void willSayJson(Bytes reply) { will(jsonFunction, std::move(reply)); }
 
@@ -137,29 +121,6 @@ private:
     std::mutex m_mutex;
     std::map<std::uint8_t, std::deque<Bytes>> m_replies;
 };
-
-/// Writes a file into the working directory.
-inline void writeFile(const QString& name, const Bytes& content) {
-    QFile file(name);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(reinterpret_cast<const char*>(content.data()), static_cast<qint64>(content.size()));
-}
-
-inline Bytes fileContent(const QString& name) {
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray data = file.readAll();
-    return {data.begin(), data.end()};
-}
-
-/// What is in the working directory.
-inline std::vector<std::string> fileNames() {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator("."))
-        names.push_back(entry.path().filename().string());
-    return names;
-}
 
 /// The colour in the middle of a picture.
 inline QColor middle(const QPixmap& picture) {

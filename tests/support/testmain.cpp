@@ -1,6 +1,6 @@
-// The main function of all test programs. For programs with windows the build names the class and header of the
-// application object: Qt's or the product's own.
-#include "tests/support/freshdirectory.h"
+// The main function of all test programs. For programs with windows the build names the class and header of
+// the application object: Qt's or the product's own.
+#include "tests/support/workingdirectory.h"
 
 #ifdef TEST_APPLICATION
 #include TEST_APPLICATION_HEADER

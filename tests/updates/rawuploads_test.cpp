@@ -57,11 +57,11 @@ struct Cell {
 };
 
 Bytes storedFile() {
-    return ScratchFolder::read(std::filesystem::path(u8"新 固件 v2.bin")).value();
+    return files::read(std::filesystem::path(u8"新 固件 v2.bin")).value();
 }
 
 void storeFile(const Bytes& bytes) {
-    ScratchFolder::write(std::filesystem::path(u8"新 固件 v2.bin"), bytes);
+    files::write(std::filesystem::path(u8"新 固件 v2.bin"), bytes);
 }
 
 /// A camera that is back at once after an update and gives a broken-off upload up soon.

@@ -44,7 +44,7 @@ Complaints runCell(const Cell& cell) {
 class SecondProtocolUploads : public testing::Test {
 protected:
     static void storeFile(std::size_t size) {
-        ScratchFolder::write(std::filesystem::path(u8"新 固件 v2.bin"), content(size));
+        files::write(std::filesystem::path(u8"新 固件 v2.bin"), content(size));
     }
     StdoutCapture out;
 };

@@ -3,7 +3,7 @@
 
 #include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
-#include "tests/support/scratchfolder.h"
+#include "tests/support/workingdirectory.h"
 
 #include <gtest/gtest.h>
 
