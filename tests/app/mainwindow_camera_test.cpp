@@ -1,11 +1,9 @@
 // The main window, the real serial library and a virtual camera on a pseudo-terminal.
-#include "app/mainwindow.h"
 #include "dialogs/doorop.h"
-#include "dialogs/setcameraprotocol.h"
-#include "emulator/line/ptyfront.h"
 #include "pictures/piclist.h"
-#include "tests/support/guitest.h"
+#include "tests/support/camerawindow.h"
 #include "tests/support/printing.h"
+#include "tests/support/windowactions.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>
@@ -28,9 +26,9 @@ using emulator::VirtualCamera;
 
 namespace {
 
-class MainWindowAndCamera : public testing::Test {
+class MainWindowAndCamera : public testing::Test, protected CameraWindow {
 protected:
-    MainWindowAndCamera() : camera(emulator::CameraType::ostra) { window->show(); }
+    MainWindowAndCamera() : CameraWindow(emulator::settingsForType(emulator::CameraType::ostra)) {}
 
     ~MainWindowAndCamera() override {
         window.reset();
@@ -39,27 +37,6 @@ protected:
         EXPECT_EQ(record().garbageBytes, 0U);
     }
 
-    void open() {
-        choosePort(camera.portName());
-        click(*window, "btn_open");
-        ASSERT_EQ(text(*window, "btn_open"), "关闭串口");
-    }
-    void close() {
-        click(*window, "btn_open");
-        ASSERT_EQ(text(*window, "btn_open"), "打开串口");
-    }
-    void choosePort(const std::string& port) {
-        auto* const ports = find<QComboBox>(*window, "sel_ports");
-        ports->addItem(QString::fromStdString(port));
-        ports->setCurrentText(QString::fromStdString(port));
-    }
-    void choose(const char* radioButton) {
-        trigger(*window, "actionaddress");
-        SetCameraProtocol* const dialog = openWindows<SetCameraProtocol>().at(0);
-        click(*dialog, radioButton);
-        click(*dialog, "btn_confirm");
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
     bool heartbeat() {
         click(*window, "btn_heartbeat");
         return find<QRadioButton>(*window, "rb_heartbeat")->isChecked();
@@ -84,25 +61,6 @@ protected:
         trigger(*window, entry);
         return boxes.seen().at(1).text;
     }
-
-    CameraRecord record() {
-        return camera.withCamera([](VirtualCamera& each) { return each.record(); });
-    }
-    CameraState state() {
-        return camera.withCamera([](VirtualCamera& each) { return each.state(); });
-    }
-    void fault(const char* description) {
-        camera.withCamera([description](VirtualCamera& each) { each.addFault(description); });
-    }
-    void noFaults() {
-        camera.withCamera([](VirtualCamera& each) { each.faults().clear(); });
-    }
-    void adopt(const emulator::CameraSettings& settings) {
-        camera.withCamera([&settings](VirtualCamera& each) { each.settings() = settings; });
-    }
-
-    PtyFront camera;
-    std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
 };
 
 } // namespace
@@ -199,7 +157,7 @@ TEST_F(MainWindowAndCamera, ReachesACameraOfEveryTypeAtItsAddress) {
         {"rb_quenta", emulator::CameraType::quenta}};
     for (const auto& [button, type] : types) {
         adopt(emulator::settingsForType(type));
-        choose(button);
+        chooseCameraType(*window, button);
         open();
         EXPECT_TRUE(heartbeat()) << button;
         close();
@@ -211,17 +169,17 @@ TEST_F(MainWindowAndCamera, ReachesACameraOfEveryTypeAtItsAddress) {
 TEST_F(MainWindowAndCamera, GetsNoHeartbeatFromAnotherAddress) {
     open();
     EXPECT_TRUE(heartbeat());
-    choose("rb_dvl");
+    chooseCameraType(*window, "rb_dvl");
     EXPECT_FALSE(heartbeat());
     EXPECT_EQ(record().foreignFrames, 1U);
-    choose("rb_ost");
+    chooseCameraType(*window, "rb_ost");
     EXPECT_TRUE(heartbeat());
 }
 
 TEST_F(MainWindowAndCamera, AsksAJsonCameraForItsVersion) {
     adopt(emulator::settingsForType(emulator::CameraType::quenta));
     camera.withCamera([](VirtualCamera& each) { each.state().jsonVersion = "4.4.4"; });
-    choose("rb_quenta");
+    chooseCameraType(*window, "rb_quenta");
     open();
     EXPECT_EQ(versions(), "APP版本:4.4.4");
     camera.withCamera([](VirtualCamera& each) { each.state().jsonPropertyText = R"({"version":)"; });
@@ -295,7 +253,7 @@ TEST_P(MainWindowAndFault, WorksAgainAfterEveryFault) {
     EXPECT_FALSE(heartbeat());
     EXPECT_EQ(modelInfo(), "模型信息:");
     EXPECT_EQ(versions(), "SDK版本:\n系统版本:\nQV-APP版本:");
-    noFaults();
+    clearFaults();
     const bool late = std::string(GetParam()).starts_with("delay");
     QTest::qWait(late ? 2200 : 100); // what the faults have left on the line arrives
     EXPECT_TRUE(heartbeat()) << "throws away what is left on the line";
@@ -323,7 +281,7 @@ TEST_F(MainWindowAndCamera, WorksAgainWhenAVanishedDeviceIsBack) {
 TEST_F(MainWindowAndCamera, ReopensAVanishedPortWhenItIsBack) {
     const std::string link = "ttyCamera";
     camera.linkAt(link);
-    choosePort(link);
+    choosePort(*window, QString::fromStdString(link));
     camera.vanish();
     BoxAnswerer boxes;
     clickThatThrows(*window, "btn_open");
@@ -358,7 +316,7 @@ TEST_F(MainWindowAndCamera, ClosesTheLinkQuicklyDuringTheVersionQuery) {
     time.start();
     close();
     EXPECT_LT(time.elapsed(), 200) << "one time-out of the query is 50 ms";
-    noFaults();
+    clearFaults();
     open();
     QTest::qWait(100);
     EXPECT_EQ(text(*window, "tv_appversion"), "") << "the dropped result stays dropped";

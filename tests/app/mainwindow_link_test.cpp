@@ -5,6 +5,7 @@
 #include "tests/support/guitest.h"
 #include "tests/support/printing.h"
 #include "tests/support/stdoutcapture.h"
+#include "tests/support/windowactions.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -83,9 +84,7 @@ TEST_F(MainWindowLink, OpensTheChosenPortAtTheChosenRate) {
 }
 
 TEST_F(MainWindowLink, OpensAPortThatWasAddedToTheListLater) {
-    auto* const ports = find<QComboBox>(*window, "sel_ports");
-    ports->addItem("/dev/pts/7");
-    ports->setCurrentText("/dev/pts/7");
+    choosePort(*window, "/dev/pts/7");
     click(*window, "btn_open");
     ASSERT_EQ(opened().size(), 1U);
     EXPECT_TRUE(opened().front().starts_with("open /dev/pts/7 460800 "));

@@ -2,6 +2,7 @@
 #include "app/mainwindow.h"
 #include "tests/support/guitest.h"
 #include "tests/support/printing.h"
+#include "tests/support/windowactions.h"
 
 #include <QComboBox>
 #include <QPushButton>
@@ -27,12 +28,6 @@ protected:
         std::ofstream("a-file") << "no terminal";
         std::filesystem::create_symlink("nowhere", "dangling");
         window.show();
-    }
-
-    void choose(const QString& port) {
-        auto* const ports = find<QComboBox>(window, "sel_ports");
-        ports->addItem(port);
-        ports->setCurrentText(port);
     }
 
     void expectClosed() const {
@@ -66,7 +61,7 @@ TEST_F(BadPorts, ShowsAdviceAndStaysClosed) {
     BoxAnswerer boxes;
     std::size_t count = 0;
     for (const auto& [port, advice] : ports) {
-        choose(port);
+        choosePort(window, port);
         clickThatThrows(window, "btn_open");
         ASSERT_TRUE(boxes.waitFor(++count)) << port;
         EXPECT_TRUE(boxes.seen().back().text.startsWith("打开串口失败：")) << port;
@@ -79,7 +74,7 @@ TEST_F(BadPorts, ShowsAdviceAndStaysClosed) {
 TEST_F(BadPorts, LosesNoDescriptorInAThousandOpenings) {
     BoxAnswerer boxes;
     for (const char* const port : {"/dev/ttyUSB-missing", "dangling", "a-file", "/dev/null"}) {
-        choose(port);
+        choosePort(window, port);
         const std::ptrdiff_t before = openDescriptors();
         for (int attempt = 0; attempt < 250; ++attempt)
             clickThatThrows(window, "btn_open");

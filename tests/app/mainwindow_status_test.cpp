@@ -6,6 +6,7 @@
 #include "tests/support/answers.h"
 #include "tests/support/guitest.h"
 #include "tests/support/printing.h"
+#include "tests/support/windowactions.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -30,10 +31,6 @@ constexpr const char* rebootAnswer = "AA 5A 01 05 01 00 00 00 00 FF FC";
 constexpr const char* resetRequest = "AA 5A 01 04 00 00 00 00 EA C2";
 constexpr const char* resetAnswer = "AA 5A 01 04 01 00 00 00 00 5F B9";
 
-const std::vector<const char*> exchanging = {
-    "btn_heartbeat", "rb_heartbeat",     "btn_appversion",     "btn_takepic",     "btn_apppath",
-    "btn_appupdate", "btn_firewarepath", "btn_firewareupdate", "label_modelinfo", "btn_modelinfo",
-    "btn_modelpath", "et_modelname",     "btn_modelupdate",    "btn_gyro"};
 const std::vector<const char*> otherEntries = {"actionaddress", "actionOriginCmdExtraAdd", "actionAbout"};
 
 class MainWindowStatus : public testing::Test {
@@ -46,14 +43,6 @@ protected:
     }
 
     void open() { click(*window, "btn_open"); }
-
-    void chooseType(const char* radioButton) {
-        trigger(*window, "actionaddress");
-        SetCameraProtocol* const dialog = openWindows<SetCameraProtocol>().at(0);
-        click(*dialog, radioButton);
-        click(*dialog, "btn_confirm");
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
 
     static std::vector<std::string> sent() {
         std::vector<std::string> frames;
@@ -110,7 +99,7 @@ TEST_F(MainWindowStatus, ShowsVersionsAndLocksExchangesMeanwhile) {
     open();
     click(*window, "btn_appversion");
     EXPECT_EQ(text(*window, "tv_appversion"), "。。。。");
-    for (const char* const name : exchanging)
+    for (const char* const name : exchangeControls)
         EXPECT_FALSE(isEnabled(*window, name)) << name;
     EXPECT_EQ(exchangingEntries(*window).size(), 10);
     for (const QString& name : exchangingEntries(*window))
@@ -127,7 +116,7 @@ TEST_F(MainWindowStatus, ShowsVersionsAndLocksExchangesMeanwhile) {
                                                 "AA 5A 01 02 01 00 00 00 15 2A 76",
                                                 "AA 5A 01 C2 01 00 00 00 D4 77 01"}));
     EXPECT_TRUE(DebugLog::has("app   version1 system  version2 qv   version3"));
-    for (const char* const name : exchanging)
+    for (const char* const name : exchangeControls)
         EXPECT_TRUE(isEnabled(*window, name)) << name;
     for (const QString& name : exchangingEntries(*window))
         EXPECT_TRUE(find<QAction>(*window, qPrintable(name))->isEnabled()) << qPrintable(name);
@@ -184,7 +173,7 @@ TEST_F(MainWindowStatus, MayBeDestroyedDuringTheVersionQuery) {
 
 TEST_F(MainWindowStatus, AsksCamerasOfType3ForTheirVersionOverJson) {
     const DebugLog log;
-    chooseType("rb_quenta");
+    chooseCameraType(*window, "rb_quenta");
     open();
     fake_serial::willRead(answers::json(R"({"result":0,"version":"1.0.3"})"));
     click(*window, "btn_appversion");
@@ -212,7 +201,7 @@ TEST_F(MainWindowStatus, ShowsErrorsOfAJsonAnswer) {
         {R"({"version":)", "解析失败:unterminated object"},
         {R"({"version" "1"})", "解析失败:missing name separator"},
     };
-    chooseType("rb_quenta");
+    chooseCameraType(*window, "rb_quenta");
     open();
     for (const Case& each : cases) {
         fake_serial::willRead(answers::json(each.answer));
@@ -413,7 +402,7 @@ TEST_F(MainWindowStatus, KeepsGoingWhenAnOffsetIsEnteredWithoutALink) {
 }
 
 TEST_F(MainWindowStatus, SendsTheChosenAddressWithTheFirstFrame) {
-    chooseType("rb_dvl");
+    chooseCameraType(*window, "rb_dvl");
     open();
     fake_serial::willRead(fake_serial::bytes("AA 5A EE 01 01 00 00 00 01 75 78"));
     click(*window, "btn_heartbeat");
@@ -427,7 +416,7 @@ TEST_F(MainWindowStatus, SendsTheChosenAddressWithTheFirstFrame) {
 
 TEST_F(MainWindowStatus, AppliesTheAddressToAnOpenLinkAtOnce) {
     open();
-    chooseType("rb_dx_dt");
+    chooseCameraType(*window, "rb_dx_dt");
     click(*window, "btn_heartbeat");
     EXPECT_EQ(sent(), std::vector<std::string>{"AA 5A 02 01 01 00 00 00 00 DC 22"});
     EXPECT_EQ(fake_serial::count("close"), 0) << "the link stays as it is";
@@ -435,11 +424,11 @@ TEST_F(MainWindowStatus, AppliesTheAddressToAnOpenLinkAtOnce) {
 
 TEST_F(MainWindowStatus, ShowsTheAddressInDecimalAndChoosesTheRateOfTheType) {
     const auto* const rates = find<QComboBox>(*window, "sel_baund");
-    chooseType("rb_quenta");
+    chooseCameraType(*window, "rb_quenta");
     EXPECT_EQ(text(*window, "label_slaveinfo"), "当前从机地址:3");
     EXPECT_EQ(rates->currentText(), "230400");
     find<QComboBox>(*window, "sel_baund")->setCurrentText("9600");
-    chooseType("rb_dvl");
+    chooseCameraType(*window, "rb_dvl");
     EXPECT_EQ(text(*window, "label_slaveinfo"), "当前从机地址:238");
     EXPECT_EQ(rates->currentText(), "460800");
     open();

@@ -1,11 +1,11 @@
 // What the status bar tells, against the recording library and with a device that goes away.
 #include "app/mainwindow.h"
 #include "app/statusline.h"
-#include "dialogs/setcameraprotocol.h"
 #include "link/camerasp.h"
 #include "tests/support/guitest.h"
 #include "tests/support/oneport.h"
 #include "tests/support/printing.h"
+#include "tests/support/windowactions.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -29,14 +29,6 @@ constexpr const char* goneText = "串口转接器已断开，请插好后关闭�
 class StatusBar : public OnePort {
 protected:
     StatusBar() { window->show(); }
-
-    void chooseCamera(const char* radioButton) const {
-        trigger(*window, "actionaddress");
-        SetCameraProtocol* const dialog = openWindows<SetCameraProtocol>().at(0);
-        click(*dialog, radioButton);
-        click(*dialog, "btn_confirm");
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
 
     std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
 };
@@ -66,7 +58,7 @@ TEST_F(StatusBar, ShowsTheOpenPortAtItsRightEnd) {
 TEST_F(StatusBar, ShowsTheRateOfTheOpenPort) {
     find<QComboBox>(*window, "sel_baund")->setCurrentText("115200");
     click(*window, "btn_open");
-    chooseCamera("rb_quenta");
+    chooseCameraType(*window, "rb_quenta");
     EXPECT_EQ(find<QComboBox>(*window, "sel_baund")->currentText(), "230400");
     EXPECT_EQ(text(*window, "label_link"), "COM3，115200，从机地址 3");
     click(*window, "btn_open");
@@ -77,7 +69,7 @@ TEST_F(StatusBar, ShowsTheRateOfTheOpenPort) {
 TEST_F(StatusBar, ShowsTheOpenedPort) {
     click(*window, "btn_open");
     find<QComboBox>(*window, "sel_ports")->setItemText(0, "COM4"); // the list has changed since
-    chooseCamera("rb_quenta");
+    chooseCameraType(*window, "rb_quenta");
     EXPECT_EQ(text(*window, "label_link"), "COM3，460800，从机地址 3");
 }
 

@@ -1,9 +1,7 @@
 // A main window with a virtual camera, whose link is ended while something uses it.
 #pragma once
 
-#include "app/mainwindow.h"
-#include "emulator/line/ptyfront.h"
-#include "tests/support/guitest.h"
+#include "tests/support/camerawindow.h"
 
 #include <chrono>
 #include <functional>
@@ -41,7 +39,7 @@ public:
     void live(Ending ending, std::chrono::milliseconds moment);
 
     // For steps:
-    [[nodiscard]] MainWindow* window() const { return m_window.get(); }
+    [[nodiscard]] MainWindow* window() const { return m_bench.window.get(); }
     /// Presses the button of the window if both are there and usable.
     static void press(const QWidget* window, const char* button);
     void choose(const char* menuEntry) const;
@@ -69,9 +67,8 @@ private:
     void expectWorkingLink();
 
     const Flow& m_flow;
-    emulator::PtyFront m_camera;
+    guitest::CameraWindow m_bench;
     std::string m_portName;
-    std::unique_ptr<MainWindow> m_window = std::make_unique<MainWindow>();
     guitest::BoxAnswerer m_boxes;
     bool m_ended = false;
 };

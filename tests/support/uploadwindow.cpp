@@ -1,13 +1,10 @@
 #include "tests/support/uploadwindow.h"
 
-#include "dialogs/setcameraprotocol.h"
+#include "tests/support/windowactions.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QComboBox>
 #include <QDir>
 #include <QFile>
-#include <QLineEdit>
 #include <QMessageBox>
 
 #include <mutex>
@@ -21,10 +18,6 @@ namespace {
 
 constexpr auto shortPause = 3ms;
 
-const QStringList exchangeControls{
-    "btn_heartbeat", "rb_heartbeat",     "btn_appversion",     "btn_takepic",    "btn_apppath",
-    "btn_appupdate", "btn_firewarepath", "btn_modelinfo",      "btn_modelpath",  "btn_modelupdate",
-    "et_modelname",  "btn_gyro",         "btn_firewareupdate", "label_modelinfo"};
 } // namespace
 
 const WindowUpload appUpload{"App",       "btn_apppath", "btn_appupdate", "label_apppath",
@@ -54,9 +47,8 @@ struct UploadWindow::NotedPauses {
 };
 
 UploadWindow::UploadWindow()
-    : camera(emulator::CameraType::ostra), window(std::make_unique<MainWindow>()),
+    : CameraWindow(emulator::settingsForType(emulator::CameraType::ostra)),
       m_pauses(std::make_shared<NotedPauses>()) {
-    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     CameraSp::replaceSleep([pauses = m_pauses](std::chrono::nanoseconds asked) {
         {
             const std::lock_guard lock(pauses->mutex);
@@ -65,7 +57,6 @@ UploadWindow::UploadWindow()
         std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(asked, shortPause));
     });
     camera.withCamera([](VirtualCamera& each) { each.settings().updateRestartTime = 0s; });
-    window->show();
 }
 
 UploadWindow::~UploadWindow() {
@@ -83,26 +74,13 @@ QString UploadWindow::writeFile(const QString& name, int size) {
     return QDir::current().absoluteFilePath(name);
 }
 
-void UploadWindow::open() {
-    const QString port = QString::fromStdString(camera.portName());
-    auto* const ports = find<QComboBox>(*window, "sel_ports");
-    ports->addItem(port);
-    ports->setCurrentText(port);
-    click(*window, "btn_open");
-    ASSERT_EQ(text(*window, "btn_open"), "关闭串口");
-}
-
 void UploadWindow::useSecondProtocol(bool holdsImage) {
     camera.withCamera([holdsImage](VirtualCamera& each) {
         each.settings() = emulator::settingsForType(emulator::CameraType::salesDynamic);
         each.settings().updateRestartTime = 0s;
         each.settings().holdsAnnouncedImage = holdsImage;
     });
-    trigger(*window, "actionaddress");
-    SetCameraProtocol* const dialog = openWindows<SetCameraProtocol>().at(0);
-    click(*dialog, "rb_dx_dt");
-    click(*dialog, "btn_confirm");
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    chooseCameraType(*window, "rb_dx_dt");
 }
 
 void UploadWindow::choose(const WindowUpload& upload, const QString& path) {
@@ -116,10 +94,6 @@ void UploadWindow::start(const WindowUpload& upload, int size, bool holdsImage) 
         useSecondProtocol(holdsImage);
     choose(upload, writeFile("新 固件 v2.bin", size));
     click(*window, upload.updateButton);
-}
-
-void UploadWindow::fault(const std::string& description) {
-    camera.withCamera([&description](VirtualCamera& each) { each.addFault(description); });
 }
 
 QString UploadWindow::outcome(int timeoutMs) {
@@ -148,18 +122,17 @@ std::vector<std::chrono::milliseconds> UploadWindow::longPauses() const {
     return found;
 }
 
-emulator::CameraRecord UploadWindow::record() {
-    return camera.withCamera([](VirtualCamera& each) { return each.record(); });
-}
-
 QStringList UploadWindow::allExchanges() const {
-    return exchangeControls + exchangingEntries(*window);
+    QStringList all = exchangingEntries(*window);
+    for (const char* const name : exchangeControls)
+        all.append(name);
+    return all;
 }
 
 QStringList UploadWindow::enabledExchanges() const {
     QStringList enabled;
-    for (const QString& name : exchangeControls) {
-        if (find<QWidget>(*window, qPrintable(name))->isEnabled())
+    for (const char* const name : exchangeControls) {
+        if (isEnabled(*window, name))
             enabled.append(name);
     }
     for (const QString& name : exchangingEntries(*window)) {

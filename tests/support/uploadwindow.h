@@ -1,9 +1,7 @@
-// The main window with a virtual camera behind a pty, as somebody uses it who uploads files.
+// The main window with a virtual camera, for uploads.
 #pragma once
 
-#include "app/mainwindow.h"
-#include "emulator/line/ptyfront.h"
-#include "tests/support/guitest.h"
+#include "tests/support/camerawindow.h"
 #include "tests/support/printing.h"
 #include "tests/support/stdoutcapture.h"
 
@@ -32,24 +30,21 @@ extern const WindowUpload systemUpload;
 extern const WindowUpload modelUpload;
 
 /// Pauses of the link are cut to a few ms and noted, unless a test asks for real ones.
-class UploadWindow : public testing::Test {
+class UploadWindow : public testing::Test, protected guitest::CameraWindow {
 protected:
     UploadWindow();
     ~UploadWindow() override;
 
     static QString writeFile(const QString& name, int size);
-    void open();
     /// Chooses the camera of the second protocol in the window and makes the virtual camera one.
     void useSecondProtocol(bool holdsImage);
     void choose(const WindowUpload& upload, const QString& path);
     /// Chooses a file of this many bytes and presses the button; the camera is one that fits.
     void start(const WindowUpload& upload, int size = 1300, bool holdsImage = true);
-    void fault(const std::string& description);
     /// The only box of an upload that has been started, answered; its text.
     QString outcome(int timeoutMs = 50000);
     void realPauses();
     [[nodiscard]] std::vector<std::chrono::milliseconds> longPauses() const;
-    emulator::CameraRecord record();
 
     /// The controls and menu entries that are kept away during an upload and the return wait.
     [[nodiscard]] QStringList enabledExchanges() const;
@@ -57,8 +52,6 @@ protected:
 
     StdoutCapture quiet;
     DebugLog log;
-    emulator::PtyFront camera;
-    std::unique_ptr<MainWindow> window;
 
 private:
     struct NotedPauses;

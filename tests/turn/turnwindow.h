@@ -1,11 +1,9 @@
 // A main window with a virtual camera whose values are all distinct, for two users of the line at once.
 #pragma once
 
-#include "app/mainwindow.h"
-#include "emulator/line/ptyfront.h"
-#include "tests/support/guitest.h"
-#include "tests/turn/linejudge.h"
+#include "tests/support/camerawindow.h"
 #include "tests/support/uploadwindow.h"
+#include "tests/turn/linejudge.h"
 
 #include <algorithm>
 #include <chrono>
@@ -59,13 +57,13 @@ public:
     TurnWindow& operator=(const TurnWindow&) = delete;
 
     [[nodiscard]] const Setup& setup() const { return m_setup; }
-    [[nodiscard]] MainWindow& window() const { return *m_window; }
+    [[nodiscard]] MainWindow& window() const { return *m_bench.window; }
 
     /// Opens a window by its menu entry.
     template <typename Window>
     [[nodiscard]] Window* openWindow(const char* menuEntry) const {
         const auto before = guitest::openWindows<Window>();
-        guitest::trigger(*m_window, menuEntry);
+        guitest::trigger(window(), menuEntry);
         for (Window* const each : guitest::openWindows<Window>()) {
             if (std::find(before.begin(), before.end(), each) == before.end())
                 return each;
@@ -78,7 +76,7 @@ public:
 
     /// Texts of the boxes so far that begin like this.
     [[nodiscard]] QStringList boxTexts(const QString& beginning) const;
-    void fault(const std::string& description);
+    void fault(const std::string& description) { m_bench.fault(description); }
     /// With answers after 200 ms, the wait for the camera's return would not hear a single heartbeat.
     void answerHeartbeatsInTime();
     /// Ids of the pictures that the camera holds at first, in catalogue order.
@@ -87,8 +85,8 @@ public:
     void renewCamera();
     /// A camera that keeps its pictures although it has confirmed their deletion.
     void putPicturesBack();
-    [[nodiscard]] emulator::CameraRecord record();
-    [[nodiscard]] emulator::CameraState cameraState();
+    [[nodiscard]] emulator::CameraRecord record() { return m_bench.record(); }
+    [[nodiscard]] emulator::CameraState cameraState() { return m_bench.state(); }
     /// No job and no upload runs.
     [[nodiscard]] bool isIdle() const;
     /// For overlaps and uploadFaults, since the camera was renewed.
@@ -96,13 +94,10 @@ public:
 
 private:
     void fillCamera(emulator::VirtualCamera& camera);
-    void chooseType();
-    void openLink();
 
     Setup m_setup;
     std::vector<emulator::Time> m_uploadEnds; ///< guarded by the camera's mutex
-    emulator::PtyFront m_camera;
-    std::unique_ptr<MainWindow> m_window;
+    guitest::CameraWindow m_bench;
     guitest::BoxAnswerer m_boxes;
 };
 

@@ -9,6 +9,7 @@
 #include "emulator/line/devicefront.h"
 #include "emulator/line/terminalcamera.h"
 #include "tests/support/guitest.h"
+#include "tests/support/windowactions.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -128,9 +129,7 @@ void TurnsTest::init() {
     }
     m_window = std::make_unique<MainWindow>();
     m_window->show();
-    auto* const ports = find<QComboBox>(*m_window, "sel_ports");
-    ports->addItem(QString::fromStdString(toolPort));
-    ports->setCurrentText(QString::fromStdString(toolPort));
+    choosePort(*m_window, QString::fromStdString(toolPort));
     checked([this] { openLink(); });
 }
 

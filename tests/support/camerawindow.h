@@ -1,0 +1,35 @@
+// The main window with a virtual camera on a pseudo-terminal.
+#pragma once
+
+#include "app/mainwindow.h"
+#include "emulator/line/ptyfront.h"
+#include "tests/support/guitest.h"
+
+#include <memory>
+#include <string>
+
+namespace guitest {
+
+/// Shows the window. It ends before the camera.
+class CameraWindow {
+public:
+    explicit CameraWindow(emulator::CameraSettings settings);
+    ~CameraWindow();
+    CameraWindow(const CameraWindow&) = delete;
+    CameraWindow& operator=(const CameraWindow&) = delete;
+
+    /// Opens the camera's port.
+    void open();
+    void close();
+    void renewWindow();
+    void fault(const std::string& description);
+    void clearFaults();
+    void adopt(const emulator::CameraSettings& settings);
+    [[nodiscard]] emulator::CameraRecord record();
+    [[nodiscard]] emulator::CameraState state();
+
+    emulator::PtyFront camera;
+    std::unique_ptr<MainWindow> window;
+};
+
+} // namespace guitest
