@@ -139,8 +139,18 @@ start_ctest() (
   shift
   cd "$project_root"
   export QT_QPA_PLATFORM=offscreen
-  "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 5))" "$@"
+  "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 5))" \
+    --output-junit "$project_root/build/$preset/tests.xml" "$@"
 )
+
+# report_unlabelled_tests PRESET: tests of the last run that took more than two seconds and have no label "slow".
+report_unlabelled_tests() {
+  awk 'match($0, /<testcase name="[^"]*"/) { name = substr($0, RSTART + 16, RLENGTH - 17); seconds = 0; slow = 0 }
+    match($0, / time="[0-9.]*"/) { seconds = substr($0, RSTART + 7, RLENGTH - 8) }
+    /"cmake_labels"/ { slow = /[";]slow[";]/ }
+    /<\/testcase>/ && seconds + 0 > 2 && !slow { printf "not labelled slow: %.1f s  %s\n", seconds, name }' \
+    "$project_root/build/$1/tests.xml"
+}
 
 # output_of_test LOG TEST: what ctest's log of a run keeps of one test.
 output_of_test() {
@@ -196,8 +206,10 @@ run_failed_again() {
 run_tests() {
   say "testing $1"
   if [ -z "${CI:-}" ]; then
-    start_ctest "$@"
-    return
+    local code=0
+    start_ctest "$@" || code=$?
+    report_unlabelled_tests "$1"
+    return "$code"
   fi
   [ -n "${CAMERA_WHOLE_RUN:-}" ] || rm -f "$unstable_tests" # .ci/run counts those of all builds
   rm -f "$project_root/build/$1/Testing/Temporary/LastTestsFailed.log"
