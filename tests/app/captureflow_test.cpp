@@ -1,4 +1,4 @@
-// The take-picture flow: frames, pictures, log lines, controls, and links that end in the middle of it.
+// The take-picture flow: frames, pictures, log lines, controls, links that end during a capture.
 #include "app/captureflow.h"
 #include "tests/support/debuglog.h"
 #include "tests/support/scriptedcamera.h"
@@ -46,7 +46,7 @@ protected:
         flow->attachClient(client.get());
     }
 
-    /// Ends the link as its owner does.
+    /// Detaches, stops, waits, deletes.
     void unlink() {
         if (client == nullptr)
             return;
@@ -182,7 +182,7 @@ TEST_F(CaptureFlowTest, ShowsAPictureAfterAFailedCapture) {
     ASSERT_TRUE(waitForLine("in timer"));
     EXPECT_EQ(camera.codes(), (std::vector{0x08, 0x06, 0x07, 0x09}));
     EXPECT_FALSE(label.pixmap().isNull());
-    EXPECT_EQ(controls, (std::vector{false, true})); // not a second time: somebody else may have them by now
+    EXPECT_EQ(controls, (std::vector{false, true})); // only once: another action may have locked them since
 }
 
 TEST_F(CaptureFlowTest, AnEmptyCatalogueIsAskedForTwice) {
@@ -293,7 +293,7 @@ TEST_F(CaptureFlowTest, EndsAnEndlessDownloadWithTheLink) {
     EXPECT_FALSE(DebugLog::hasStart("in timer"));
     EXPECT_TRUE(labelIsEmpty());
     EXPECT_TRUE(files::names().empty());
-    EXPECT_EQ(controls, std::vector{false}); // whoever ends the link gives them back
+    EXPECT_EQ(controls, std::vector{false}); // closing the link enables them
 }
 
 TEST_F(CaptureFlowTest, MayLoseItsLinkAtAnyStep) {

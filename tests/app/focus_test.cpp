@@ -93,7 +93,7 @@ protected:
         ASSERT_TRUE(eventually([top] { return QGuiApplication::focusWindow() == top->windowHandle(); }));
     }
 
-    /// What a window manager does when a window has closed: its parent is the next one.
+    /// Activates the parent of a closed window, as a window manager does.
     void activateNext(const QPointer<QWidget>& opened) const {
         if (QApplication::activeModalWidget() == nullptr)
             activate(opened != nullptr && opened->isVisible() ? opened.data() : window.get());
@@ -129,7 +129,7 @@ protected:
         return names;
     }
 
-    /// As the keyboard does: to whatever has the focus now.
+    /// Sends the key to the focused widget.
     void press(int key) const { QTest::keyClick(QGuiApplication::focusWindow(), static_cast<Qt::Key>(key)); }
 
     void focusAndPress(const char* button, int key = Qt::Key_Return) const {

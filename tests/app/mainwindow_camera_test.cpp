@@ -32,7 +32,7 @@ protected:
 
     ~MainWindowAndCamera() override {
         window.reset();
-        // Whatever a test did: the window never sends a broken frame.
+        // The window never sends a broken frame.
         EXPECT_EQ(record().badFrames, 0U);
         EXPECT_EQ(record().garbageBytes, 0U);
     }
@@ -255,7 +255,7 @@ TEST_P(MainWindowAndFault, WorksAgainAfterEveryFault) {
     EXPECT_EQ(versions(), "SDK版本:\n系统版本:\nQV-APP版本:");
     clearFaults();
     const bool late = std::string(GetParam()).starts_with("delay");
-    QTest::qWait(late ? 2200 : 100); // what the faults have left on the line arrives
+    QTest::qWait(late ? 2200 : 100); // late bytes of the fault arrive
     EXPECT_TRUE(heartbeat()) << "throws away what is left on the line";
     EXPECT_EQ(modelInfo(), "模型信息:model_v1 2024-01-31");
 }
@@ -358,7 +358,7 @@ TEST_F(MainWindowAndCamera, CountsTheSecondsOfACommandThatBlocks) {
     trigger(*window, "actionPicInfo");
     click(*openWindows<PicList>().at(0), "btn_takepic");
     EXPECT_TRUE(messages.contains("正在拍照…"));
-    // Counted between two reads of a second each: at least once.
+    // Counts between two reads of a second each: at least once.
     EXPECT_FALSE(messages.filter("正在拍照…（").isEmpty()) << messages.join("; ").toStdString();
     EXPECT_TRUE(statusText(*window).startsWith("拍照：完成")) << statusText(*window).toStdString();
     window->close();

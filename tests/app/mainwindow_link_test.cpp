@@ -1,4 +1,4 @@
-// Opening and closing the link, and what goes wrong there.
+// Opening and closing the link, with failures.
 #include "app/mainwindow.h"
 #include "dialogs/doorop.h"
 #include "tests/fake/fakeserial.h"

@@ -1,4 +1,4 @@
-// The status controls: what they send, what they show, with and without a link.
+// The status controls: requests and texts, with and without a link.
 #include "app/mainwindow.h"
 #include "dialogs/doorop.h"
 #include "dialogs/setcameraprotocol.h"

@@ -1,4 +1,4 @@
-// The main window as it stands after the start: widgets, texts, menus, rules for the controls.
+// The main window after the start: widgets, texts, menus, enabled controls.
 #include "app/mainwindow.h"
 #include "dialogs/doorop.h"
 #include "tests/fake/fakeserial.h"

@@ -1,4 +1,4 @@
-// Pictures from the main window: its button, its menu, and closing it in the middle.
+// Pictures from the main window: button, menu, closing during a capture.
 #include "app/mainwindow.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"

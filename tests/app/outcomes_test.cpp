@@ -1,4 +1,4 @@
-// The status bar tells what happened, and nothing else.
+// Outcomes of actions in the status bar.
 #include "app/mainwindow.h"
 #include "app/statusline.h"
 #include "dialogs/doorop.h"

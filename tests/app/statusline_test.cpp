@@ -1,4 +1,4 @@
-// What the status bar tells, against the recording library and with a device that goes away.
+// Texts of the status bar, with the recording library and a vanishing device.
 #include "app/mainwindow.h"
 #include "app/statusline.h"
 #include "link/camerasp.h"
@@ -33,7 +33,7 @@ protected:
     std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
 };
 
-/// A line of its own, without a window.
+/// A status line without a main window.
 struct Line {
     QStatusBar bar;
     StatusLine line{&bar};

@@ -1,4 +1,4 @@
-// The forms: names, texts, sizes, and what a user without a mouse or with bad eyes meets.
+// The forms: names, texts, sizes, keyboard, screen readers.
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcapturedegree.h"
 #include "dialogs/setpicrate.h"

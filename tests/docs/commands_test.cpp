@@ -1,5 +1,4 @@
-// The commands that the documents tell to type: those of the virtual camera are started as they stand,
-// scripts and presets have to be there with the options named.
+// Commands in the documents: those of the virtual camera are run, scripts, presets and options must exist.
 #include "emulator/line/pty.h"
 #include "tests/docs/markdown.h"
 #include "tests/emulator/program/program.h"
@@ -18,7 +17,7 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using emulatortest::Program;
 
-/// One line to be typed.
+/// One command line.
 struct Typed {
     std::string document;
     std::string line;

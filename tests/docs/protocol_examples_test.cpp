@@ -23,14 +23,14 @@ using namespace protocol;
 
 namespace {
 
-/// One example: how its bytes come about, by what it is called in the document.
+/// An example of the document: its name and the origin of its bytes.
 using Examples = std::map<std::string, std::function<Bytes()>>;
 
 constexpr std::uint32_t exampleTime = 0x65A0B1C2;
 const std::string orderedBytes = "00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13";
 const std::string orderedDigest = "15 49 D1 AA E2 02 14 E0 65 AB 4B 76 AA AC 89 A8";
 
-/// What a fresh client writes, sleeping nowhere. Answers are scripted by the call itself.
+/// Writes of a new client, without sleeping. The call scripts the answers.
 std::vector<Bytes> writesOf(const std::function<void(CameraSp&)>& call) {
     fake_serial::reset();
     const StdoutCapture quiet;

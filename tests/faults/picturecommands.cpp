@@ -63,7 +63,7 @@ Command catalogue(const std::string& method, const std::string& request, CameraT
 
 Column transferColumn(const Lines& lines, const Expected& refused) {
     const Expected good{works, lines.good, {}};
-    const Expected shifted{otherValue, lines.good, {}}; // a picture that begins too early in the answer
+    const Expected shifted{otherValue, lines.good, {}}; // the picture starts too early in the answer
     const Expected waits{endless, stopped, {}};
     Column column = frameColumn(lines);
     for (const char* const fault : {"silent", "late", "raw=414243", "truncate=1", "truncate=6", "payload=2",

@@ -1,4 +1,4 @@
-// The link ends at a random moment of everything that uses it.
+// The link ends at a random moment of each flow.
 #include "tests/life/livingwindow.h"
 #include "tests/support/stdoutcapture.h"
 

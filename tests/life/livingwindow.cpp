@@ -29,7 +29,7 @@ constexpr int stepGapMs = 15;
 constexpr auto startedBy = 700ms;
 constexpr int releaseLimitMs = 2000;
 constexpr int lateMs = 300;      // a dropped result would have come by then
-constexpr int comeBackMs = 6000; // the camera ends what it was in the middle of
+constexpr int comeBackMs = 6000; // until the camera gives up an interrupted upload
 constexpr std::size_t fileSize = 30000;
 constexpr std::uint32_t pace = 46080; // bytes per second
 constexpr const char* fileName = "image.bin";
@@ -55,7 +55,7 @@ std::ptrdiff_t timesOpen(const std::string& device) {
 
 } // namespace
 
-/// What a late result would change.
+/// Texts that a late result would change.
 struct LivingWindow::Shown {
     QString versions;
     QString model;
@@ -160,7 +160,7 @@ void LivingWindow::closeLink() {
     find<QPushButton>(*window(), "btn_open")->click();
 }
 
-/// At the moment, whatever the user-interface thread does just then; and time for everything to notice it.
+/// At the moment, independent of the user-interface thread; then time for all to notice it.
 void LivingWindow::removeDevice(std::chrono::milliseconds moment) {
     std::thread remover([this, moment] {
         std::this_thread::sleep_for(moment);

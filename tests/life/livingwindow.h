@@ -1,4 +1,4 @@
-// A main window with a virtual camera, whose link is ended while something uses it.
+// A main window and a virtual camera, whose link ends during use.
 #pragma once
 
 #include "tests/support/camerawindow.h"
@@ -12,7 +12,7 @@
 namespace life {
 
 class LivingWindow;
-/// What a user does. A step that finds its window closed or disabled does nothing.
+/// An action of a user. It does nothing when its window is closed or disabled.
 using Step = std::function<void(LivingWindow&)>;
 
 struct Flow {
@@ -26,7 +26,7 @@ struct Flow {
 
 enum class Ending { closeLink, closeWindow, removeDevice };
 
-/// Everything that the link can do.
+/// All flows that use the link.
 [[nodiscard]] const std::vector<Flow>& flows();
 
 class LivingWindow {
@@ -34,8 +34,7 @@ public:
     explicit LivingWindow(const Flow& flow);
     ~LivingWindow();
 
-    /// Starts the flow, ends it by this ending after the moment, and looks what is left. Test failures say
-    /// what was wrong.
+    /// Starts the flow, ends it after the moment, and checks that nothing is left. Reports by test failures.
     void live(Ending ending, std::chrono::milliseconds moment);
 
     // For steps:

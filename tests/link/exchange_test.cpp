@@ -1,4 +1,4 @@
-// Every request: its bytes, the library calls around it, and how often an answer that does not come is read.
+// Every request: bytes, library calls, reads of a missing answer.
 #include "tests/link/linktest.h"
 
 #include <functional>

@@ -1,4 +1,4 @@
-// The line under several users, and what commands log and keep when something is thrown in them.
+// Several users of the line, and log lines of exceptions.
 #include "tests/link/linktest.h"
 #include "tests/support/workingdirectory.h"
 

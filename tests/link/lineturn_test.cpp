@@ -1,4 +1,4 @@
-// Who gets the line, in which order, and who does not wait.
+// Order of the users of the line, and refusals.
 #include "link/lineturn.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ using Refusal = LineTurn::Refusal;
 
 namespace {
 
-/// Takes the line on a thread of its own and keeps it until told.
+/// Takes the line on its own thread and keeps it until released.
 class Holder {
 public:
     Holder(LineTurn& turn, LineUser user)

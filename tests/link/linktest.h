@@ -1,4 +1,4 @@
-// What the tests of the link against the recording library share.
+// Fixture for the link on the recording library.
 #pragma once
 
 #include "link/camerasp.h"
@@ -15,8 +15,7 @@ using fake_serial::bytes;
 using fake_serial::hex;
 using Lines = std::vector<std::string>;
 
-/// A client on the recording library, with the calls of its construction already forgotten and every sleep
-/// recorded instead of slept.
+/// A client on the recording library. It records its sleeps and does not sleep.
 class LinkTest : public testing::Test {
 protected:
     LinkTest() {
@@ -53,7 +52,7 @@ inline Lines operator+(Lines first, const Lines& second) {
     return first;
 }
 
-/// "setTimeout" as the recording library words it.
+/// "setTimeout" in the words of the recording library.
 inline std::string timeouts(unsigned readMs, unsigned writeMs) {
     return "setTimeout 4294967295," + std::to_string(readMs) + ",0," + std::to_string(writeMs) + ",0";
 }

@@ -1,4 +1,4 @@
-// Why a command failed, beside its result.
+// Reasons of failed commands.
 #include "tests/link/linktest.h"
 #include "tests/link/uploadanswers.h"
 #include "tests/support/workingdirectory.h"

@@ -1,4 +1,4 @@
-// Opening, closing, stopping, and what an exception of the library becomes.
+// Opening, closing, stopping, exceptions of the library.
 #include "tests/link/linktest.h"
 #include "tests/support/workingdirectory.h"
 
@@ -75,7 +75,7 @@ TEST_F(Session, RefusesOtherFilesWithoutOpeningThem) {
 }
 
 TEST_F(Session, ATerminalsPathIsOpened) {
-    const CameraSp camera("/dev/ptmx", 9600); // by its looks; the recording library opens nothing
+    const CameraSp camera("/dev/ptmx", 9600); // the recording library opens nothing
     ASSERT_EQ(fake_serial::calls().size(), 1U);
     EXPECT_EQ(fake_serial::calls().front().rfind("open /dev/ptmx 9600", 0), 0U);
 }

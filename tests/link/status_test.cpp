@@ -1,4 +1,4 @@
-// Properties and status commands: what an answer means and what is logged of it.
+// Properties and status commands: meaning of answers, log lines.
 #include "tests/link/linktest.h"
 
 namespace {

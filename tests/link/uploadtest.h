@@ -31,7 +31,7 @@ protected:
         return hex(fake_serial::writes().at(index));
     }
 
-    /// What was written after the announcement, joined.
+    /// Bytes written after the announcement.
     [[nodiscard]] static std::vector<std::uint8_t> streamed() {
         std::vector<std::uint8_t> all;
         const auto writes = fake_serial::writes();

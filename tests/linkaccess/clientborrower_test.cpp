@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Shows what a window sees of its base.
+/// Makes the protected members public.
 class Window final : public QWidget, public ClientBorrower {
 public:
     explicit Window(CameraSp* client) : ClientBorrower(this, client) {}
@@ -29,7 +29,7 @@ void waitForPool() {
     QTest::qWait(20); // results are posted with a timer of no delay
 }
 
-/// A client without a port: every command fails at once.
+/// A client without a port; every command fails at once.
 std::unique_ptr<CameraSp> portlessClient() {
     return std::make_unique<CameraSp>(std::string(), 9600U);
 }

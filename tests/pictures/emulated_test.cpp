@@ -74,7 +74,7 @@ protected:
     [[nodiscard]] Bytes drawn() {
         return front->withCamera([](VirtualCamera& camera) { return camera.settings().drawPicture(1, 1); });
     }
-    /// Starts the flow and waits until it lets go of the controls.
+    /// Starts the flow and waits until it enables the controls.
     [[nodiscard]] bool take(std::uint32_t type) {
         controlsFree = true;
         flow.start(type);
@@ -96,7 +96,7 @@ protected:
     CaptureFlow flow{&label, [this](bool allowed) { controlsFree = allowed; }};
 };
 
-/// A list window on a camera, driven as a user does.
+/// Actions of a user in a list window.
 template <typename Window>
 class EmulatedList {
 public:

@@ -1,4 +1,4 @@
-// How the rows are painted, and where the header labels stand.
+// Painting of rows and position of header labels.
 #include "pictures/listcolumns.h"
 #include "pictures/piclistmodel.h"
 #include "pictures/piclistmodeldelegate.h"
@@ -43,7 +43,7 @@ QImage painted(const QStyledItemDelegate& delegate, const QAbstractItemModel& mo
     return image;
 }
 
-/// First and last column of pixels that is not white; -1 when all are.
+/// First and last column of pixels that is not white; -1 if there is none.
 std::pair<int, int> inkSpan(const QImage& image) {
     std::pair<int, int> span{-1, -1};
     for (int x = 0; x < image.width(); ++x) {
@@ -76,7 +76,7 @@ QLabel* labelOf(const QWidget& window, const QString& text) {
     return nullptr;
 }
 
-/// Counts how often the rows are asked for their texts.
+/// Counts reads of row texts.
 class CountingModel final : public QIdentityProxyModel {
 public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {

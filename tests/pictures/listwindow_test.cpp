@@ -1,4 +1,4 @@
-// The picture list windows of both generations: texts, frames and what is safe to close when.
+// The picture list windows of both generations: texts, frames, closing at any time.
 #include "tests/pictures/picturelisttest.h"
 #include "tests/support/recordingobserver.h"
 
@@ -196,7 +196,7 @@ TEST_P(PictureListTest, SurvivesADeviceThatVanishesAtAnyCommand) {
 }
 
 TEST_P(PictureListTest, ListsTheLargestCatalogue) {
-    // What one answer can hold: tries times read size.
+    // Limit of one answer: tries times read size.
     const std::size_t most = generation.catalogue == 0xC7 ? 1551 : 378;
     camera.willList(generation.catalogue, {most, record(5)});
     button("btn_refresh")->click();

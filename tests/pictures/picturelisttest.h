@@ -20,7 +20,7 @@ namespace picturelist {
 
 inline const QString missingText = QStringLiteral("图片不存在或者图片数据错误");
 
-/// What the two generations differ in, as the user and the camera see it.
+/// Differences of the two generations.
 struct Generation {
     const char* name;
     PictureListWindow* (*make)(QWidget* parent, CameraSp* client);
@@ -112,7 +112,7 @@ protected:
         return scripted::record(generation.record, generation.sizeAt, idLow, size);
     }
 
-    /// Lists these and forgets the frames it took.
+    /// Lists these records; newRequests() starts here.
     void fill(const std::vector<protocol::Bytes>& records) {
         camera.willList(generation.catalogue, records);
         button("btn_refresh")->click();

@@ -1,4 +1,4 @@
-// Driving windows as a user does, and seeing what they say.
+// Acts in windows as a user and reads their texts.
 #pragma once
 
 #include "tests/support/debuglog.h"
@@ -18,7 +18,7 @@
 
 namespace guitest {
 
-/// The descendant of this kind and name. Throws when there is none: the test cannot go on.
+/// The descendant of this kind and name. Throws if there is none.
 template <typename Object = QWidget>
 Object* find(const QObject& parent, const char* name) {
     auto* const object = parent.findChild<Object*>(QString::fromUtf8(name));
@@ -41,12 +41,12 @@ void hoverEntries(const Menu& menu) {
 }
 /// Chooses a menu entry.
 void trigger(const QWidget& window, const char* name);
-/// Menu entries that exchange with the camera, by the mark that the form gives them.
+/// Menu entries that the form marks as exchanging with the camera.
 [[nodiscard]] QStringList exchangingEntries(const QWidget& window);
 /// The text of a label, button or line edit.
 [[nodiscard]] QString text(const QWidget& window, const char* name);
 [[nodiscard]] bool isEnabled(const QWidget& window, const char* name);
-/// The status bar's line without the time of day that an outcome begins with, and with it.
+/// The status bar's text without and with the time of day of an outcome.
 [[nodiscard]] QString statusText(const QWidget& window);
 [[nodiscard]] QString statusLine(const QWidget& window);
 
@@ -64,7 +64,7 @@ std::vector<Window*> openWindows() {
     return found;
 }
 
-/// What a message box showed.
+/// Content of a message box.
 struct SeenBox {
     QString title;
     QString text;
@@ -72,8 +72,8 @@ struct SeenBox {
     QStringList buttons;
 };
 
-/// Looks for modal dialogs as long as it lives, notes each message box and presses a button of it: the given
-/// one where the box has it, else Ok.
+/// Records each message box as long as it lives and presses the given button, or Ok if the box has no such
+/// one.
 class BoxAnswerer {
 public:
     /// A QMessageBox::StandardButton.
@@ -92,7 +92,7 @@ private:
     QTimer m_timer;
 };
 
-/// Answers the next file dialogs as long as it lives: chooses the path, or cancels if that is empty.
+/// Answers file dialogs as long as it lives: chooses the path, or cancels if that is empty.
 class FileChooser {
 public:
     explicit FileChooser(QString path);

@@ -1,4 +1,4 @@
-// Holds the client's pauses, so that a test can act in the middle of a job.
+// Holds the client's pauses, so that a test can act during a job.
 #pragma once
 
 #include "link/camerasp.h"

@@ -9,7 +9,7 @@
 
 namespace guitest {
 
-/// The system has COM3 and nothing else; the library's records begin and end empty.
+/// The system has only COM3; the library's record is empty before and after.
 class OnePort : public testing::Test {
 protected:
     OnePort() {

@@ -127,7 +127,7 @@ inline QColor middle(const QPixmap& picture) {
     return picture.toImage().pixelColor(picture.width() / 2, picture.height() / 2);
 }
 
-/// What nearly every test here needs: the recording library forgotten, standard output kept aside.
+/// Fixture with a fresh recording library and captured standard output.
 class PictureTest : public testing::Test {
 protected:
     struct FreshLibrary {

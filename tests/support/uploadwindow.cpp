@@ -123,10 +123,7 @@ std::vector<std::chrono::milliseconds> UploadWindow::longPauses() const {
 }
 
 QStringList UploadWindow::allExchanges() const {
-    QStringList all = exchangingEntries(*window);
-    for (const char* const name : exchangeControls)
-        all.append(name);
-    return all;
+    return QStringList(exchangeControls.begin(), exchangeControls.end()) + exchangingEntries(*window);
 }
 
 QStringList UploadWindow::enabledExchanges() const {

@@ -11,7 +11,7 @@
 
 using guitest::FileChooser;
 
-/// One kind of upload as the window offers it.
+/// An upload of the window.
 struct WindowUpload {
     const char* name;
     const char* pathButton;
@@ -29,24 +29,24 @@ extern const WindowUpload appUploadV1;
 extern const WindowUpload systemUpload;
 extern const WindowUpload modelUpload;
 
-/// Pauses of the link are cut to a few ms and noted, unless a test asks for real ones.
+/// Cuts pauses of the link to a few ms and records them, unless a test asks for real ones.
 class UploadWindow : public testing::Test, protected guitest::CameraWindow {
 protected:
     UploadWindow();
     ~UploadWindow() override;
 
     static QString writeFile(const QString& name, int size);
-    /// Chooses the camera of the second protocol in the window and makes the virtual camera one.
+    /// Switches the window and the virtual camera to the second protocol.
     void useSecondProtocol(bool holdsImage);
     void choose(const WindowUpload& upload, const QString& path);
-    /// Chooses a file of this many bytes and presses the button; the camera is one that fits.
+    /// Chooses a file of this size and presses the button; switches the protocol if needed.
     void start(const WindowUpload& upload, int size = 1300, bool holdsImage = true);
-    /// The only box of an upload that has been started, answered; its text.
+    /// Answers the only box of the upload; its text.
     QString outcome(int timeoutMs = 50000);
     void realPauses();
     [[nodiscard]] std::vector<std::chrono::milliseconds> longPauses() const;
 
-    /// The controls and menu entries that are kept away during an upload and the return wait.
+    /// Controls and menu entries that an upload and the return wait disable.
     [[nodiscard]] QStringList enabledExchanges() const;
     [[nodiscard]] QStringList allExchanges() const;
 

@@ -1,4 +1,4 @@
-// The little JSON that is read.
+// The JSON reader of recordings.
 #include "trace/jsontext.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The text of recordings: what is written, and what is not taken for one.
+// The text of recordings: writing, reading, refusing.
 #include "tests/trace/tapbench.h"
 #include "trace/recordingfile.h"
 

@@ -1,4 +1,4 @@
-// Serial numbers left out of recordings.
+// Blanking of serial numbers in recordings.
 #include "link/protocol/crc16.h"
 #include "tests/trace/tapbench.h"
 #include "trace/framewords.h"

@@ -1,4 +1,4 @@
-// What the tap says about what passes, and what it takes for one thing.
+// Words of the tap for frames and uploads.
 #include "link/protocol/jsonenvelope.h"
 #include "tests/trace/tapbench.h"
 

@@ -25,18 +25,18 @@ constexpr auto cutTwoSeconds = 300ms;  // behind an announcement: long enough fo
 constexpr auto cutThreeSeconds = 60ms; // before one of forty heartbeats
 constexpr auto uploadSilence = 5s;     // longer than the pause behind an announcement
 constexpr auto cutUploadSilence = 2s;
-constexpr int poolThreads = 4; // users have threads of their own on any machine
+constexpr int poolThreads = 4; // enough for all users on any machine
 
 constexpr std::uint16_t firstHeldId = 101;
 constexpr std::uint16_t firstNewId = 33;
 constexpr int heldPictures = 30;
-/// With what stands around it in a transfer answer, a multiple of the block size.
+/// With the other bytes of a transfer answer a multiple of the block size.
 constexpr int pictureSize = 3 * 512 - 11;
 constexpr int jsonPictureSize = 1200; // two pieces
 
 constexpr std::array<const WindowUpload*, 4> uploads{&appUpload, &appUploadV1, &systemUpload, &modelUpload};
 
-/// A small picture of a colour of its own.
+/// A small picture of one colour.
 Bytes drawPicture(std::uint16_t id, std::uint32_t variation) {
     QImage image(16, 16, QImage::Format_RGB32);
     image.fill(QColor::fromHsv(id % 360, 200, 100 + static_cast<int>(variation % 100)));

@@ -1,4 +1,4 @@
-// A main window with a virtual camera whose values are all distinct, for two users of the line at once.
+// The main window and a virtual camera with distinct values, for two users of the line at once.
 #pragma once
 
 #include "tests/support/camerawindow.h"
@@ -12,7 +12,7 @@
 
 namespace turn {
 
-/// What the camera holds. No two quantities are alike, so that a text tells which command it came from.
+/// Values of the camera, all distinct: a text identifies its command.
 namespace held {
 inline constexpr std::uint8_t compressionRate = 71;
 inline constexpr std::uint8_t heaterDuty = 62;
@@ -37,12 +37,12 @@ inline constexpr const char* jsonVersion = "json 55.5";
 /// Of the running test.
 [[nodiscard]] int failuresSoFar();
 
-/// The main window with an open link to the camera. Everybody works in it through its widgets.
+/// The main window with an open link to the camera. Users act through its widgets.
 class TurnWindow {
 public:
-    /// How long the product's pauses of a second and more last; shorter ones are always real.
+    /// Length of the product's pauses of a second and more; shorter ones are always real.
     enum class Pauses { cut, real };
-    /// Padded answers fill the reads of commands that would wait out a second for the rest of a block.
+    /// Padded answers fill their reads; a command does not wait one second for the rest of a block.
     enum class Answers { padded, plain };
 
     struct Setup {
@@ -77,7 +77,7 @@ public:
     /// Texts of the boxes so far that begin like this.
     [[nodiscard]] QStringList boxTexts(const QString& beginning) const;
     void fault(const std::string& description) { m_bench.fault(description); }
-    /// With answers after 200 ms, the wait for the camera's return would not hear a single heartbeat.
+    /// Answers after 200 ms would come too late for every heartbeat of the return wait.
     void answerHeartbeatsInTime();
     /// Ids of the pictures that the camera holds at first, in catalogue order.
     [[nodiscard]] static QStringList heldPictureIds();

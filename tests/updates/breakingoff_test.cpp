@@ -15,7 +15,7 @@ namespace {
 constexpr const char* questionTitle = "升级尚未结束";
 constexpr const char* questionText = "现在关闭会中断升级，摄像头可能要重新升级后才能使用。确定要关闭吗？";
 
-/// A place in the life of an upload, reached by a fault, and how long ending it there may take.
+/// A step of an upload, reached by a fault, and the time limit of ending it there.
 struct Moment {
     const char* name;
     const WindowUpload* upload;
@@ -44,7 +44,7 @@ const std::vector<Moment>& moments() {
 
 class BreakingOff : public UploadWindow, public testing::WithParamInterface<Moment> {
 protected:
-    /// Starts the upload and waits until the moment has come.
+    /// Starts the upload and waits for the step.
     void reach(const Moment& moment) {
         if (moment.realPauses)
             realPauses();
@@ -59,7 +59,7 @@ protected:
         std::error_code ignored;
         for (const auto& each : std::filesystem::directory_iterator("/proc/self/fd"))
             holders += std::filesystem::read_symlink(each.path(), ignored) == camera.portName() ? 1 : 0;
-        return holders > 1; // the virtual camera's front holds the device once
+        return holders > 1; // the virtual camera has it open once
     }
     void expectEnded(const QElapsedTimer& time, const BoxAnswerer& boxes) {
         constexpr int machineSlackMs = 500;
@@ -109,7 +109,7 @@ TEST_P(BreakingOff, ByDestroyingTheWindowEndsWithinOneTimeout) {
 
 class KeepingOn : public UploadWindow {
 protected:
-    /// Tries to close by the button and by the window, and says No.
+    /// Closes by the button and by the window; answers No.
     void refuseToClose() {
         const BoxAnswerer boxes(QMessageBox::No);
         click(*window, "btn_open");
@@ -162,7 +162,7 @@ TEST_F(KeepingOn, UploadsOnANewLinkAfterABreak) {
         const BoxAnswerer boxes(QMessageBox::Yes);
         click(*window, "btn_open");
     }
-    QTest::qWait(2500); // the camera reads on and gives the broken-off upload up
+    QTest::qWait(2500); // the camera gives up the broken upload
     camera.withCamera([](VirtualCamera& each) { each.settings().uploadSilence = 5s; });
     open();
     EXPECT_EQ(enabledExchanges(), allExchanges());

@@ -1,4 +1,4 @@
-// Choosing the files, and pressing a button without one.
+// Choosing files, and starting an upload without one.
 #include "tests/support/uploadwindow.h"
 
 #include <QDir>
@@ -69,7 +69,7 @@ TEST_F(FileChoice, KeepsThePathWhenTheDialogIsCancelled) {
 
 class NothingToUpload : public FileChoice, public testing::WithParamInterface<WindowUpload> {
 protected:
-    /// Presses the button and sees that nothing comes of it but the disabled button.
+    /// Presses the button and expects only that it is disabled.
     void pressForNothing() {
         BoxAnswerer boxes;
         click(*window, GetParam().updateButton);

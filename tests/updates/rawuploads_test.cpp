@@ -1,4 +1,4 @@
-// Application image, system image and model, in raw chunks, to a virtual camera that checks what it gets.
+// Application image, system image and model, in raw chunks, to a virtual camera that checks them.
 #include "tests/support/stdoutcapture.h"
 #include "tests/updates/uploadcells.h"
 
@@ -43,7 +43,7 @@ bool upload(CameraSp& client, Kind kind) {
     return false;
 }
 
-/// What the camera is to receive behind the announcement.
+/// Data that the camera receives after the announcement.
 enum class Sent { everything, nothing, some };
 
 struct Cell {
@@ -64,7 +64,7 @@ void storeFile(const Bytes& bytes) {
     files::write(std::filesystem::path(u8"新 固件 v2.bin"), bytes);
 }
 
-/// A camera that is back at once after an update and gives a broken-off upload up soon.
+/// A camera that restarts at once after an update and soon gives up a broken upload.
 void prepare(PtyFront& front, const Cell& cell, const Bytes& file) {
     front.setPace(cell.pace);
     front.withCamera([&](VirtualCamera& camera) {
@@ -102,7 +102,7 @@ void requireSent(Complaints& complaints, const Cell& cell, const UploadRecord& r
     complaints.require(record.fileSize == file.size(), "the size is wrong");
 }
 
-/// What the camera has when nothing more is on its way.
+/// The camera's record after the last byte has arrived.
 emulator::CameraRecord settledRecord(PtyFront& front, Sent sent) {
     const auto longest = Clock::now() + 2s;
     while (sent == Sent::everything && Clock::now() < longest) {
@@ -131,7 +131,7 @@ Complaints runCell(const Cell& cell) {
                            "more than the announcement arrived");
     for (const UploadRecord& each : record.uploads)
         requireSent(complaints, cell, each, file);
-    // An announcement that the camera does not answer is no upload to it.
+    // The camera takes an unanswered announcement for no upload.
     const bool counted = cell.sent == Sent::nothing || record.uploads.size() == 1;
     complaints.require(counted, std::to_string(record.uploads.size()) + " uploads arrived");
     return complaints;
@@ -201,7 +201,7 @@ TEST_F(RawUploads, FollowTheVerdictWhereThereIsOne) {
         cells.push_back({kind, "verdict-delay=3300", true, Sent::everything});
         // Ten reads of a second for an application image, thirty for a model.
         cells.push_back({kind, "verdict-delay=12000", kind != Kind::app, Sent::everything});
-        // An image goes on although the camera says that it cannot; a model does not.
+        // An image continues after a refusal; a model does not.
         const bool model = kind == Kind::model;
         cells.push_back({kind, "result=1", !model, model ? Sent::nothing : Sent::everything});
     }
@@ -210,7 +210,7 @@ TEST_F(RawUploads, FollowTheVerdictWhereThereIsOne) {
     EXPECT_EQ(linesWith("modelupdate update-end failed2", ""), 1);
 }
 
-#ifndef __SANITIZE_ADDRESS__ // its shadow needs more address space than there would be
+#ifndef __SANITIZE_ADDRESS__ // its shadow exceeds the limited address space
 TEST_F(RawUploads, SendNothingWhenTheFileDoesNotFitIntoMemory) {
     storeFile({});
     std::filesystem::resize_file(std::filesystem::path(u8"新 固件 v2.bin"), std::uintmax_t{0x7FFFFFFF});
@@ -275,10 +275,10 @@ TEST_P(RawUploadKinds, FailWhenTheDeviceVanishes) {
     for (const char* const percent : {"0", "1", "50"})
         cells.push_back(
             {GetParam(), std::string("upload-hang-up=") + percent, false, Sent::some, 0, "", pace});
-    // All is written when the device goes: nobody can know of it but by a verdict.
+    // All is written when the device vanishes: only a verdict reveals it.
     const bool noVerdictNeeded = GetParam() == Kind::system;
     cells.push_back({GetParam(), "upload-hang-up=100", noVerdictNeeded, Sent::everything, 0, "", pace});
-    // In between it depends on how much the line holds, where no verdict is awaited.
+    // Without a verdict, the cases between depend on the buffers of the line.
     if (!noVerdictNeeded)
         cells.push_back({GetParam(), "upload-hang-up=99", false, Sent::some, 0, "", pace});
     runSideBySide(cells, &runCell);
@@ -304,7 +304,7 @@ TEST_P(RawUploadKinds, AreResumedWhereTheDeviceVanished) {
     EXPECT_EQ(uploads[1].digest, uploads[0].digest) << "the same announcement again";
 }
 
-/// The camera stands still for longer than writes wait: slices are cut short, told of, and not sent again.
+/// The camera pauses longer than the write timeout: cut slices are logged and not repeated.
 TEST_P(RawUploadKinds, ContinueAfterShortWrites) {
     const Bytes file = content(60000);
     storeFile(file);

@@ -12,7 +12,7 @@ namespace {
 std::atomic<bool> refuseThreads{false};
 }
 
-// Stands in front of the system's function for this whole program.
+// Replaces the system's function in this program.
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
                               void* argument) {
     using Function = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);

@@ -1,4 +1,4 @@
-// Uploads through the main window: what is sent, what is locked, what is shown and logged.
+// Uploads through the main window: requests, locked controls, texts, log lines.
 #include "dialogs/setsn.h"
 #include "link/protocol/uploads.h"
 #include "tests/support/uploadwindow.h"
@@ -281,7 +281,7 @@ TEST_F(UploadResults, LockTheExchangesDuringTheReturnWait) {
     EXPECT_FALSE(find<QWidget>(*window, "transferDisplay")->isVisible());
 }
 
-/// With the pauses as they are: 2 s behind the announcement, then eight times 2 s and a heartbeat's 200 ms.
+/// Real pauses: 2 s after the announcement, then eight times 2 s and a heartbeat's 200 ms.
 TEST_F(UploadResults, TakeTheirRealTimeUntilTheCameraIsGivenUp) {
     realPauses();
     open();

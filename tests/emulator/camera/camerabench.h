@@ -1,4 +1,4 @@
-// A virtual camera on a bench: requests in, answers out, with a time that the test turns on.
+// A virtual camera fed with requests, on the clock of the test.
 #pragma once
 
 #include "emulator/camera/virtualcamera.h"
@@ -21,7 +21,7 @@ public:
         camera.onEvent([this](const Event& event) { events.push_back(event); });
     }
 
-    /// What the camera says within the time, from now on.
+    /// Bytes of the camera within the time.
     Bytes listen(Time duration) {
         const Time end = now + duration;
         Bytes heard;
@@ -39,7 +39,7 @@ public:
         return listen(patience);
     }
     Bytes ask(std::string_view request, Time patience = 400ms) { return ask(hex(request), patience); }
-    /// A request that no literal exists for.
+    /// For requests without a literal.
     Bytes askFrame(std::uint8_t code, const Bytes& payload, Time patience = 400ms) {
         return ask(protocol::buildFrame(code, payload, camera.settings().address), patience);
     }
@@ -50,7 +50,7 @@ public:
     std::vector<Event> events;
 };
 
-/// Emulated time is cheap; real time is not: how long a test waits for something that must come.
+/// Limit of waits in real time.
 inline constexpr std::chrono::seconds longEnough{10};
 
 } // namespace emulatortest

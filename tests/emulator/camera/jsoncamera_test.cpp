@@ -1,7 +1,7 @@
 // The JSON camera, with envelopes computed outside this project.
-#include "tests/emulator/camera/camerabench.h"
 #include "link/protocol/crc16.h"
 #include "link/protocol/jsonenvelope.h"
+#include "tests/emulator/camera/camerabench.h"
 
 namespace emulatortest {
 namespace {

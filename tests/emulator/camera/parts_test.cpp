@@ -1,4 +1,4 @@
-// The small parts: digest, pace, pictures.
+// Digest, pace, pictures.
 #include "emulator/camera/md5.h"
 #include "emulator/camera/pictureartist.h"
 #include "emulator/line/pace.h"
@@ -86,7 +86,7 @@ TEST(RandomBytes, DoNotHideTheNextFrame) {
             const std::uint32_t top = seed >> 24;
             noise.push_back(top < 128 ? likely[top % 8] : static_cast<std::uint8_t>(top));
         }
-        bench.ask(noise, 2s); // what is unfinished by then was broken off
+        bench.ask(noise, 2s); // the camera drops unfinished frames meanwhile
         EXPECT_EQ(bench.ask(heartbeatRequest, 2s), hex(heartbeatAnswer)) << round;
     }
 }

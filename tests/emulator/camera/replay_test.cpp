@@ -18,7 +18,7 @@ public:
     explicit ReplayBench(const TapBench& tap, bool atOnce = false) : camera(tap.recording(), atOnce) {
         camera.onEvent([this](const Event& event) { words.push_back(event.text); });
     }
-    /// What comes within the time.
+    /// The answer within the time.
     Bytes ask(const Bytes& request, Time patience = 400ms) {
         camera.receive(request, now);
         const Time end = now + patience;

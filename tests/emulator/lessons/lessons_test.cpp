@@ -1,4 +1,4 @@
-// The course for technicians: every lesson shows its symptom to the real client, and its remedy ends it.
+// Lessons: each shows its symptom to the real client; its remedy ends it.
 #include "emulator/line/ptyfront.h"
 #include "emulator/program/lessonrun.h"
 #include "link/camerasp.h"
@@ -16,7 +16,7 @@ using testing::HasSubstr;
 constexpr std::uint32_t usualRate = 460800;
 constexpr const char* endText = "这一课完成了。按 Ctrl+C 结束。";
 
-/// A student at a pseudo-terminal. The teacher looks when the student waits.
+/// A lesson on a pseudo-terminal. It checks for progress while the test waits.
 class Classroom {
 public:
     explicit Classroom(const char* lesson)
@@ -30,12 +30,12 @@ public:
     PtyFront& front() { return m_front; }
     [[nodiscard]] std::string portName() const { return m_front.portName(); }
     [[nodiscard]] bool solved() const { return m_run.solved(); }
-    /// What has been said since the last time.
+    /// Text since the last call.
     std::string hear() {
         m_run.look();
         return std::exchange(m_said, {});
     }
-    /// Until it has been said.
+    /// Waits for the text.
     bool hears(const std::string& text) {
         return comesTrue([&] {
             m_run.look();
@@ -58,7 +58,7 @@ TEST(Lesson, OneIsAHealthyCamera) {
     EXPECT_EQ(client.getAppVersion(), "2.3.1");
     EXPECT_THAT(room.hear(), HasSubstr("下一步：点击“拍照”。"));
     EXPECT_TRUE(client.originCapture());
-    ::usleep(300000); // the picture comes into the catalogue
+    ::usleep(300000); // the catalogue lists the picture by then
     const auto records = client.getOriginPicInfos();
     ASSERT_EQ(records.size(), 1U);
     const auto info =
@@ -81,7 +81,7 @@ TEST(Lesson, TwoIsSolvedByTheRightAddress) {
     EXPECT_THAT(room.hear(), HasSubstr(endText));
 }
 
-/// A loaded machine may answer later than the tool waits.
+/// Repeats, as answers of a loaded machine may come after the timeout.
 bool answersSoon(CameraSp& client) {
     for (int tries = 0; tries < 5; ++tries) {
         if (client.testHeartBeat())
@@ -213,7 +213,7 @@ TEST(LessonProgram, TeachesAtItsLink) {
     EXPECT_EQ(program.wait(), 0);
 }
 
-/// The guide has the course in the program's own words.
+/// The guide quotes the program.
 TEST(LessonProgram, SaysWhatTheGuideSays) {
     const std::string guide = Program::text(USER_GUIDE);
     const auto expectInGuide = [&guide](std::string_view text) {

@@ -16,7 +16,7 @@ using tracetest::TapBench;
 
 using testing::HasSubstr;
 
-/// The tool's end, the tap, and the camera's end, all of them real.
+/// Tool's end, tap and camera's end on real terminals.
 class TapOnLines {
 public:
     explicit TapOnLines(Recorder::Sink sink = {}) {

@@ -80,7 +80,7 @@ private:
     bool m_gone = false;
 };
 
-/// True when the condition comes true within a time that is plenty.
+/// Waits for the condition; false after a generous limit.
 template <typename Condition>
 bool comesTrue(Condition condition) {
     const auto end = std::chrono::steady_clock::now() + longEnough;

@@ -89,7 +89,7 @@ TEST(PtyFront, TheToolsBytesAreReadAtTheSetPace) {
     PtyClient client(front.portName());
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(client.write(Bytes(30000, 0x33)), 30000U);
-    // What the terminal buffers does not have to be waited for.
+    // Bytes in the terminal's buffer need no wait.
     EXPECT_GE(std::chrono::steady_clock::now() - start, 300ms);
 }
 

@@ -1,7 +1,7 @@
 #include "tests/emulator/line/recordedsession.h"
 
-#include "tests/emulator/camera/camerabench.h"
 #include "emulator/camera/md5.h"
+#include "tests/emulator/camera/camerabench.h"
 #include "trace/hextext.h"
 
 #include <fstream>

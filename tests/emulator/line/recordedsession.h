@@ -9,14 +9,14 @@
 
 namespace emulatortest {
 
-/// The camera of the session: nothing about it depends on chance or on the time of day.
+/// The camera of the session, independent of chance and time of day.
 [[nodiscard]] emulator::CameraSettings sessionSettings(emulator::CameraType type);
 void fillSessionCamera(emulator::VirtualCamera& camera);
 
 /// Everything that the camera type knows, through the real client; a line of text for each result. Uses files
 /// of the working directory.
 [[nodiscard]] std::vector<std::string> runSession(emulator::CameraType type, CameraSp& client);
-/// What it brings with the session's camera.
+/// Results of the session with its camera.
 [[nodiscard]] std::vector<std::string> sessionResults(emulator::CameraType type);
 
 } // namespace emulatortest

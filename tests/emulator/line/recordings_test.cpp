@@ -1,5 +1,5 @@
-// The recordings that are kept: a real client gets from them what it got from the camera, and the same
-// session gives the same recording again.
+// The kept recordings: a real client gets the answers of the camera, and the same session gives the same
+// recording.
 #include "emulator/line/linetap.h"
 #include "emulator/line/ptyfront.h"
 #include "emulator/line/replayservice.h"
@@ -32,8 +32,8 @@ std::string keptPath(const Kept& kept) {
     return std::string(KEPT_RECORDINGS) + "/" + kept.name + ".rec";
 }
 
-/// What passed, without its times and without the places where the system cut it: the bytes of one side in a
-/// row are one piece.
+/// Bytes of the recording without times; successive bytes of one side are one piece, however the system split
+/// them.
 std::vector<RecordingEntry> conversation(const Recording& recording) {
     std::vector<RecordingEntry> pieces;
     for (const RecordingEntry& entry : recording.entries) {
@@ -91,7 +91,7 @@ TEST_P(Recordings, AnswerTheSameAtOnce) {
     EXPECT_EQ(unknown, 0U);
 }
 
-/// CAMERA_KEEP_RECORDINGS=1 in the environment puts the new recording in the place of the kept one.
+/// CAMERA_KEEP_RECORDINGS=1 in the environment replaces the kept recording.
 TEST_P(Recordings, ComeOutTheSameAgain) {
     EXPECT_EQ(record(GetParam(), "again.rec"), sessionResults(GetParam().type));
     if (std::getenv("CAMERA_KEEP_RECORDINGS") != nullptr)

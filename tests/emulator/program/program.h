@@ -1,4 +1,4 @@
-// The virtual-camera program, started as a user starts it.
+// The virtual-camera program as a process.
 #pragma once
 
 #include <csignal>

@@ -1,4 +1,4 @@
-// The virtual-camera program, started as a user starts it.
+// The virtual-camera program as a process.
 #include "emulator/camera/fault.h"
 #include "tests/emulator/line/ptyclient.h"
 #include "tests/emulator/program/program.h"

@@ -1,4 +1,4 @@
-// virtual-camera as a tap and as a replay, started as a technician starts it.
+// The virtual-camera program as tap and as replay.
 #include "tests/emulator/camera/camerabench.h"
 #include "tests/emulator/line/ptyclient.h"
 #include "tests/emulator/program/program.h"

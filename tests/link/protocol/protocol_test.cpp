@@ -1,4 +1,4 @@
-// Check codes, frames and answer acceptance, against values computed elsewhere.
+// Check codes, frames and answer acceptance, against values computed outside the product.
 #include "link/protocol/crc16.h"
 #include "link/protocol/frame.h"
 #include "link/protocol/jsonenvelope.h"
