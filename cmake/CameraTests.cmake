@@ -22,7 +22,7 @@ if(CAMERA_SANITIZE MATCHES "thread")
     "TSAN_OPTIONS=second_deadlock_stack=1:suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endif()
 
-# camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [LABELS labels...] [SLOW regex]
+# camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [LABELS labels...] [SLOW regexes...]
 #             [TIMEOUT seconds])
 #
 # A GoogleTest program. ctest runs each of its tests as a process, several at once. A test starts in an empty working
@@ -30,10 +30,10 @@ endif()
 #   GUI          main makes a QApplication on the offscreen platform; Qt6::Test and test_windows are linked
 #   APPLICATION  as GUI, with the product's own application object
 #   LABELS       "threads" for tests worth running under the thread sanitizer
-#   SLOW         tests whose names match get the label "slow": each takes more than two seconds
+#   SLOW         tests whose names match get the label "slow": some or all of them take more than two seconds
 #   TIMEOUT      for one test, 60 s if not given; sanitizers get three times as much
 function(camera_test name)
-  cmake_parse_arguments(arg "GUI;APPLICATION" "SLOW;TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(arg "GUI;APPLICATION" "TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "camera_test(${name}): what is ${arg_UNPARSED_ARGUMENTS}?")
   endif()
@@ -92,8 +92,9 @@ function(camera_test name)
 endif()
 ")
   if(arg_SLOW)
+    list(JOIN arg_SLOW "|" slow)
     file(APPEND "${properties_file}" "foreach(test IN LISTS ${name}_TESTS)
-  if(test MATCHES [==[${arg_SLOW}]==])
+  if(test MATCHES [==[${slow}]==])
     set_tests_properties(\"\${test}\" PROPERTIES LABELS [==[${arg_LABELS};slow]==])
   endif()
 endforeach()

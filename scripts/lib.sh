@@ -139,17 +139,22 @@ start_ctest() (
   shift
   cd "$project_root"
   export QT_QPA_PLATFORM=offscreen
-  "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 5))" \
-    --output-junit "$project_root/build/$preset/tests.xml" "$@"
+  "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 5))" "$@"
 )
 
-# report_unlabelled_tests PRESET: tests of the last run that took more than two seconds and have no label "slow".
+# list_slow_tests PRESET: tests with the label "slow", one a line. It empties ctest's log of the last run.
+list_slow_tests() (
+  cd "$project_root"
+  ctest --preset "$1" --show-only --label-regex '^slow$' | sed -n 's/^ *Test *#[0-9]*: //p'
+)
+
+# report_unlabelled_tests PRESET: tests of the last run that took more than two seconds; standard input lists those with
+# the label "slow".
 report_unlabelled_tests() {
-  awk 'match($0, /<testcase name="[^"]*"/) { name = substr($0, RSTART + 16, RLENGTH - 17); seconds = 0; slow = 0 }
-    match($0, / time="[0-9.]*"/) { seconds = substr($0, RSTART + 7, RLENGTH - 8) }
-    /"cmake_labels"/ { slow = /[";]slow[";]/ }
-    /<\/testcase>/ && seconds + 0 > 2 && !slow { printf "not labelled slow: %.1f s  %s\n", seconds, name }' \
-    "$project_root/build/$1/tests.xml"
+  awk 'NR == FNR { labelled[$0] = 1; next }
+    / Test: / { name = substr($0, index($0, " Test: ") + 7) }
+    /^Test time = / && $4 > 2 && !(name in labelled) { printf "not labelled slow: %.1f s  %s\n", $4, name }' \
+    - "$project_root/build/$1/Testing/Temporary/LastTest.log"
 }
 
 # output_of_test LOG TEST: what ctest's log of a run keeps of one test.
@@ -206,9 +211,10 @@ run_failed_again() {
 run_tests() {
   say "testing $1"
   if [ -z "${CI:-}" ]; then
-    local code=0
+    local slow code=0
+    slow=$(list_slow_tests "$1")
     start_ctest "$@" || code=$?
-    report_unlabelled_tests "$1"
+    report_unlabelled_tests "$1" <<<"$slow"
     return "$code"
   fi
   [ -n "${CAMERA_WHOLE_RUN:-}" ] || rm -f "$unstable_tests" # .ci/run counts those of all builds
