@@ -1,5 +1,5 @@
-// Exceptions that leave a handler: told in words, one box at a time, and nothing ends. The program's icon,
-// and what Qt itself writes into windows.
+// Exceptions that leave a handler: texts, one box at a time, no end of the program. Also the program's icon
+// and Qt's own texts.
 #include "app/application.h"
 #include "app/failuretext.h"
 #include "tests/support/guitest.h"
@@ -25,13 +25,13 @@ FailureText textOf(const Failure& failure) {
     return failureText(std::make_exception_ptr(failure));
 }
 
-/// Throws out of an event handler, as a slot does.
+/// Throws from an event handler, as a slot may.
 template <typename Failure>
 void throwFromTheEventLoop(Failure failure) {
     QTimer::singleShot(0, qApp, [failure] { throw failure; });
 }
 
-/// Whether Qt's Chinese texts are installed here, by Qt or beside the program.
+/// Whether Qt's Chinese texts are installed, by Qt or beside the program.
 bool chineseIsInstalled() {
     const QString name = QStringLiteral("/qtbase_zh_CN.qm");
     return QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + name) ||

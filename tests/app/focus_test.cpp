@@ -1,8 +1,8 @@
-// The keyboard focus: while controls are disabled, and when a key is pressed once too often.
+// The keyboard focus while controls are disabled, and after repeated key presses.
 #include "app/mainwindow.h"
 #include "tests/support/guitest.h"
-#include "tests/support/oneport.h"
 #include "tests/support/printing.h"
+#include "tests/support/recordedwindow.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -23,7 +23,7 @@ namespace {
 
 constexpr const char* mainWindow = "mainwindow";
 
-/// Every write waits until the line is released, or for long enough that a test which closes the link ends.
+/// Every write waits until release(), or for a limited time, so that a test which closes the link ends.
 class BusyLine {
 public:
     BusyLine() {
@@ -35,7 +35,7 @@ private:
     std::promise<void> m_freed;
 };
 
-/// Notes which buttons a key press reaches; those of message boxes are left out.
+/// Records the buttons that a key press reaches, except those of message boxes.
 class KeyReceivers final : public QObject {
 public:
     explicit KeyReceivers(int key) : m_key(key) { qApp->installEventFilter(this); }
@@ -78,7 +78,7 @@ protected:
         restart();
     }
 
-    /// A new main window, active, with an open link.
+    /// Activates a new main window with an open link.
     void restart() {
         window.reset();
         window = std::make_unique<MainWindow>();
@@ -99,7 +99,7 @@ protected:
             activate(opened != nullptr && opened->isVisible() ? opened.data() : window.get());
     }
 
-    /// The main window, or the one that this menu entry opens, active.
+    /// Activates the main window, or the window of this menu entry.
     QWidget* open(const std::string& entry) {
         if (entry == mainWindow)
             return window.get();
@@ -227,7 +227,7 @@ TEST_F(Focus, ReturnsAfterTheVersionQuery) {
     EXPECT_EQ(QApplication::focusWidget(), window->focusWidget());
 }
 
-TEST_F(Focus, StaysWhereTheUserMovesItMeanwhile) {
+TEST_F(Focus, StaysWhereTheUserMovesIt) {
     BusyLine busy;
     focusAndPress("btn_appversion");
     click(*window, "btn_test");
@@ -299,13 +299,13 @@ TEST_F(Focus, ReturnsToAListChosenFromWhenTheLinkIsClosed) {
     auto* const rates = find<QWidget>(*window, "sel_baund");
     rates->setFocus();
     auto* const button = find<QAbstractButton>(*window, "btn_open");
-    button->click(); // as an accessibility tool does, which moves no focus
+    button->click(); // as an accessibility tool does, without moving the focus
     EXPECT_EQ(focused(), "");
     button->click();
     EXPECT_EQ(focused(), "sel_baund");
 }
 
-TEST_F(Focus, IsNotLeftOnAButtonBehindTheCameraSettings) {
+TEST_F(Focus, DoesNotStayBehindTheCameraSettings) {
     click(*window, "btn_open");
     ASSERT_EQ(focused(), "btn_open");
     QWidget* const settings = open("actionaddress");
@@ -326,7 +326,7 @@ TEST_F(Focus, HasNoHiddenTabStop) {
             continue;
         for (const QWidget* const control : top->findChildren<QWidget*>()) {
             const bool tabStop = (control->focusPolicy() & Qt::TabFocus) != 0;
-            // A combo box's list and a number field's edit belong to their owner.
+            // The list of a combo box and the edit of a number field count as their owner.
             if (!tabStop || control->window() != top || control->objectName().startsWith("qt_"))
                 continue;
             EXPECT_TRUE(control->isVisible() && !control->visibleRegion().isEmpty())

@@ -1,7 +1,7 @@
 // The windows on a small screen, at twice the size of texts, and in a dark style.
 #include "app/mainwindow.h"
 #include "tests/support/guitest.h"
-#include "tests/support/oneport.h"
+#include "tests/support/recordedwindow.h"
 
 #include <QApplication>
 #include <QImage>

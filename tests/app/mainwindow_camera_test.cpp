@@ -126,11 +126,11 @@ TEST_F(MainWindowAndCamera, OpensAndClosesTheDoor) {
     for (const char* const name : {"btn_open", "btn_open", "btn_close"})
         click(door, name);
     ASSERT_TRUE(eventually([this] { return state().doorLog.size() == 3; }));
-    const auto log = state().doorLog;
-    EXPECT_TRUE(log[0].open && log[1].open && !log[2].open);
-    for (const auto& event : log)
+    const auto events = state().doorLog;
+    EXPECT_TRUE(events[0].open && events[1].open && !events[2].open);
+    for (const auto& event : events)
         EXPECT_TRUE(event.sequenceRight);
-    EXPECT_EQ(log[0].sequence, 0);
+    EXPECT_EQ(events[0].sequence, 0);
     EXPECT_TRUE(heartbeat()) << "no answer of the door is left behind";
 }
 

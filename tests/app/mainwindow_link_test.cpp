@@ -4,6 +4,7 @@
 #include "tests/fake/fakeserial.h"
 #include "tests/support/guitest.h"
 #include "tests/support/printing.h"
+#include "tests/support/recordedwindow.h"
 #include "tests/support/stdoutcapture.h"
 #include "tests/support/windowactions.h"
 
@@ -29,14 +30,9 @@ constexpr const char* needLink[] = {"btn_heartbeat",    "rb_heartbeat",       "b
                                     "btn_firewarepath", "btn_firewareupdate", "label_modelinfo",
                                     "btn_modelinfo",    "btn_modelpath",      "et_modelname"};
 
-class MainWindowLink : public testing::Test {
+class MainWindowLink : public RecordedWindow {
 protected:
-    void SetUp() override {
-        fake_serial::reset();
-        fake_serial::setPorts({{"/dev/ttyA", "first", "n/a"}, {"/dev/ttyB", "second", "n/a"}});
-        window = std::make_unique<MainWindow>();
-        window->show();
-    }
+    MainWindowLink() : RecordedWindow({"/dev/ttyA", "/dev/ttyB"}) {}
 
     void expectClosed() const {
         EXPECT_EQ(text(*window, "btn_open"), "打开串口");
@@ -54,8 +50,6 @@ protected:
         for (const char* const name : needLink)
             EXPECT_TRUE(isEnabled(*window, name)) << name;
     }
-
-    std::unique_ptr<MainWindow> window;
 };
 
 std::vector<std::string> opened() {

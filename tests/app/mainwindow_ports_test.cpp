@@ -42,7 +42,7 @@ protected:
 
 } // namespace
 
-TEST_F(BadPorts, ListsWhatTheLibraryReports) {
+TEST_F(BadPorts, ListsPortsOfTheLibrary) {
     const auto* const ports = find<QComboBox>(window, "sel_ports");
     const std::vector<std::string> reported = CameraSp::getPorts();
     ASSERT_EQ(static_cast<std::size_t>(ports->count()), reported.size());

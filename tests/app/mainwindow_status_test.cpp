@@ -6,6 +6,7 @@
 #include "tests/support/answers.h"
 #include "tests/support/guitest.h"
 #include "tests/support/printing.h"
+#include "tests/support/recordedwindow.h"
 #include "tests/support/windowactions.h"
 
 #include <QApplication>
@@ -33,14 +34,9 @@ constexpr const char* resetAnswer = "AA 5A 01 04 01 00 00 00 00 5F B9";
 
 const std::vector<const char*> otherEntries = {"actionaddress", "actionOriginCmdExtraAdd", "actionAbout"};
 
-class MainWindowStatus : public testing::Test {
+class MainWindowStatus : public RecordedWindow {
 protected:
-    void SetUp() override {
-        fake_serial::reset();
-        fake_serial::setPorts({{"/dev/ttyA", "first", "n/a"}});
-        window = std::make_unique<MainWindow>();
-        window->show();
-    }
+    MainWindowStatus() : RecordedWindow({"/dev/ttyA"}) {}
 
     void open() { click(*window, "btn_open"); }
 
@@ -52,8 +48,6 @@ protected:
     }
 
     [[nodiscard]] bool lamp() const { return find<QRadioButton>(*window, "rb_heartbeat")->isChecked(); }
-
-    std::unique_ptr<MainWindow> window;
 };
 
 fake_serial::Bytes textBytes(const std::string& text) {
@@ -91,7 +85,7 @@ TEST_F(MainWindowStatus, SwitchesTheLampOffWithoutAHeartbeat) {
     EXPECT_TRUE(find<QRadioButton>(*window, "rb_heartbeat")->isCheckable());
 }
 
-TEST_F(MainWindowStatus, ShowsVersionsAndLocksExchangesMeanwhile) {
+TEST_F(MainWindowStatus, ShowsVersionsAndLocksExchanges) {
     scriptVersions();
     const DebugLog log;
     trigger(*window, "actionOpenCloseDoor");

@@ -47,6 +47,11 @@ protected:
     [[nodiscard]] bool downloadHasStarted() const {
         return QTest::qWaitFor([] { return DebugLog::hasStart("pic start"); }, 5000);
     }
+    void startEndlessDownload() {
+        willTake(0xFFFFFFFF);
+        button("btn_takepic")->click();
+        ASSERT_TRUE(downloadHasStarted());
+    }
 
     OnePort onePort;
     DebugLog debug;
@@ -100,9 +105,7 @@ TEST_F(MainWindowPictures, GiveTheFocusBackAfterACapture) {
 
 TEST_F(MainWindowPictures, ClosingTheLinkEndsAnEndlessDownload) {
     button("btn_open")->click();
-    willTake(0xFFFFFFFF);
-    button("btn_takepic")->click();
-    ASSERT_TRUE(downloadHasStarted());
+    startEndlessDownload();
     QElapsedTimer closing;
     closing.start();
     button("btn_open")->click();
@@ -119,9 +122,7 @@ TEST_F(MainWindowPictures, ClosingTheLinkEndsAnEndlessDownload) {
 TEST_F(MainWindowPictures, ClosingTheWindowEndsAnEndlessDownload) {
     window->show();
     button("btn_open")->click();
-    willTake(0xFFFFFFFF);
-    button("btn_takepic")->click();
-    ASSERT_TRUE(downloadHasStarted());
+    startEndlessDownload();
     QElapsedTimer closing;
     closing.start();
     window->close();
@@ -131,7 +132,7 @@ TEST_F(MainWindowPictures, ClosingTheWindowEndsAnEndlessDownload) {
     QTest::qWait(50);
 }
 
-TEST_F(MainWindowPictures, OpensBothListsWhateverTheCameraType) {
+TEST_F(MainWindowPictures, OpensBothListsForAnyCameraType) {
     button("btn_open")->click();
     action("actionPicInfo")->trigger();
     action("actionPicInfoV1")->trigger();
@@ -163,9 +164,7 @@ TEST_F(MainWindowPictures, ClosingTheLinkDetachesOpenLists) {
     button("btn_open")->click();
     action("actionPicInfo")->trigger();
     auto* const list = window->findChild<PicList*>();
-    willTake(0xFFFFFFFF);
-    button("btn_takepic")->click();
-    ASSERT_TRUE(downloadHasStarted());
+    startEndlessDownload();
     button("btn_open")->click();
     const std::size_t asked = camera.codes().size();
     list->findChild<QPushButton*>("btn_refresh")->click();

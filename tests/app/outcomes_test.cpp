@@ -87,7 +87,7 @@ TEST_F(Outcomes, VersionQueryReportsThatNothingWasRead) {
     EXPECT_TRUE(comesToSay(QString("读取版本号：") + adviceNoAnswer)) << status().toStdString();
 }
 
-TEST_F(Outcomes, VersionQueryNamesWhatIsMissing) {
+TEST_F(Outcomes, VersionQueryNamesMissingVersions) {
     camera.will(0x02, answers::property(0x02, 0x02, "1.0"));
     camera.will(0x02, answers::property(0x02, 0x15, "", 1));
     camera.will(0xC2, answers::property(0xC2, 0xD4, "3.0"));
@@ -275,7 +275,7 @@ TEST_F(Outcomes, OtherGyroAnswerIsNotDone) {
     EXPECT_EQ(box.seen().front().text, "陀螺仪测试失败:2fail");
 }
 
-TEST_F(Outcomes, GyroAnswerBehindAByteOrderMarkFails) {
+TEST_F(Outcomes, GyroAnswerAfterAByteOrderMarkFails) {
     BoxAnswerer box;
     camera.will(0x0F, {0xEF, 0xBB, 0xBF, '3', 's', 'u', 'c', 'c', 'e', 's', 's'});
     click(*window, "btn_gyro");
@@ -332,7 +332,7 @@ TEST(StatusLine, DoesNotCountShortCommands) {
 
 namespace {
 
-/// The camera refuses to take a picture; the older one that it lists never becomes whole.
+/// The camera refuses a capture; the download of the older picture never ends.
 class WaitingUpload : public Outcomes {
 protected:
     WaitingUpload() {

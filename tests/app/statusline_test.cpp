@@ -3,8 +3,8 @@
 #include "app/statusline.h"
 #include "link/camerasp.h"
 #include "tests/support/guitest.h"
-#include "tests/support/oneport.h"
 #include "tests/support/printing.h"
+#include "tests/support/recordedwindow.h"
 #include "tests/support/windowactions.h"
 
 #include <QComboBox>
@@ -26,12 +26,7 @@ namespace {
 constexpr const char* heartbeatAnswer = "AA 5A EE 01 01 00 00 00 01 75 78";
 constexpr const char* goneText = "串口转接器已断开，请插好后关闭并重新打开串口";
 
-class StatusBar : public OnePort {
-protected:
-    StatusBar() { window->show(); }
-
-    std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
-};
+class StatusBar : public RecordedWindow {};
 
 /// A status line without a main window.
 struct Line {

@@ -1,4 +1,4 @@
-// Progress in the status bar: the numbers, the texts, and what a running upload shows.
+// Progress in the status bar: numbers, texts, a running upload.
 #include "app/transferdisplay.h"
 #include "tests/support/uploadwindow.h"
 

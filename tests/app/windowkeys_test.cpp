@@ -4,7 +4,7 @@
 #include "dialogs/setsn.h"
 #include "pictures/piclist.h"
 #include "tests/support/guitest.h"
-#include "tests/support/oneport.h"
+#include "tests/support/recordedwindow.h"
 
 #include <QPushButton>
 
@@ -14,12 +14,9 @@ using namespace guitest;
 
 namespace {
 
-class Keys : public OnePort {
+class Keys : public RecordedWindow {
 protected:
-    Keys() {
-        window->show();
-        window->activateWindow();
-    }
+    Keys() { window->activateWindow(); }
 
     template <typename Window>
     Window* open(const char* entry) {
@@ -29,8 +26,6 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(opened));
         return opened;
     }
-
-    std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
 };
 
 } // namespace
@@ -68,7 +63,7 @@ TEST_F(Keys, EnterPressesOnlyTheFocusedButton) {
     QTest::keyClicks(name, "model_v1");
     QTest::keyClick(name, Qt::Key_Return);
     auto* const sn = open<SetSN>("actionSnSet");
-    EXPECT_TRUE(fake_serial::writes().empty()); // nothing is written into a camera by a slip
+    EXPECT_TRUE(fake_serial::writes().empty()); // no accidental write
     find<QPushButton>(*sn, "btn_getsn")->setFocus();
     QTest::keyClick(find<QPushButton>(*sn, "btn_getsn"), Qt::Key_Enter);
     EXPECT_FALSE(fake_serial::writes().empty());

@@ -20,7 +20,7 @@ using namespace guitest;
 
 namespace {
 
-/// Shows the protected conversions.
+/// Makes the protected conversions public.
 class OpenHexSpinBox final : public QObject {
 public:
     [[nodiscard]] static QString shown(int value) {

@@ -5,6 +5,7 @@
 #include "tests/fake/fakeserial.h"
 #include "tests/support/guitest.h"
 #include "tests/support/printing.h"
+#include "tests/support/recordedwindow.h"
 
 #include <QApplication>
 #include <QFrame>
@@ -19,20 +20,12 @@ using namespace guitest;
 
 namespace {
 
-class DoorAndAbout : public testing::Test {
+class DoorAndAbout : public RecordedWindow {
 protected:
-    void SetUp() override {
-        fake_serial::reset();
-        fake_serial::setPorts({{"/dev/ttyA", "first", "n/a"}});
-        window = std::make_unique<MainWindow>();
-        window->show();
-    }
     DoorOp& openDoorWindow() {
         trigger(*window, "actionOpenCloseDoor");
         return *openWindows<DoorOp>().at(0);
     }
-
-    std::unique_ptr<MainWindow> window;
 };
 
 std::uint32_t sentTime(const fake_serial::Bytes& frame) {
@@ -132,7 +125,7 @@ TEST_F(DoorAndAbout, AboutNamesToolMakerAndVersion) {
         EXPECT_EQ(label->alignment(), Qt::AlignCenter);
 }
 
-TEST_F(DoorAndAbout, AboutHasNoParentWhateverIsPassed) {
+TEST_F(DoorAndAbout, AboutIgnoresItsParent) {
     const AboutDialog about(window.get());
     EXPECT_EQ(about.parent(), nullptr);
 }

@@ -1,4 +1,4 @@
-// The settings windows with the real serial library and a virtual camera at the other end of the line.
+// The settings windows with the real serial library and a virtual camera.
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcapturedegree.h"
 #include "dialogs/setpicrate.h"
@@ -51,7 +51,7 @@ protected:
     std::size_t received(std::uint8_t code) {
         return m_front.withCamera([code](VirtualCamera& camera) { return camera.record().count(code); });
     }
-    /// No request came broken or mixed with another.
+    /// Every request arrived whole.
     void expectCleanLine() {
         m_front.withCamera([](VirtualCamera& camera) {
             EXPECT_EQ(camera.record().badFrames, 0U);
@@ -189,7 +189,7 @@ TEST_F(EmulatedDialogTest, SilentCameraDoesNotBlockTheWindows) {
     const QWidget* const window = open<SetCaptureDegree>();
     QElapsedTimer time;
     qint64 longest = 0;
-    // Two and a half seconds of waiting on the pool; the user interface never stands still.
+    // The pool waits two and a half seconds; the user interface never blocks.
     const bool failed = QTest::qWaitFor(
         [&] {
             longest = std::max(longest, time.isValid() ? time.elapsed() : 0);
@@ -219,7 +219,7 @@ TEST_F(EmulatedDialogTest, NextLinkServesOpenWindows) {
     const QWidget* const window = open<SetCaptureDegree>();
     closeLink();
     settle();
-    QTest::qWait(200); // what the camera still answers to the old link is not to come to the new one
+    QTest::qWait(200); // late answers to the old link must not reach the new one
     openLink(m_front.portName());
     for (const char* button : {"btn_get1", "btn_get2", "btn_get3"}) {
         press(window, button);

@@ -20,7 +20,7 @@ struct Form {
     const char* root;
     const char* title;
     QWidget* (*make)();
-    std::map<QString, QString> texts;        // labels and buttons, as a first look shows them
+    std::map<QString, QString> texts;        // labels and buttons, at first
     std::map<QString, QString> placeholders; // line edits
     QStringList containers;
     QStringList hidden;
@@ -129,7 +129,7 @@ class SettingForm : public testing::TestWithParam<const Form*> {
 protected:
     SettingForm() : m_window(form().make()) {
         m_window->show();
-        // Without a link all has failed by now; the failure texts are the longest.
+        // Without a link every read has failed; the failure texts are the longest.
         QThreadPool::globalInstance()->waitForDone();
     }
 

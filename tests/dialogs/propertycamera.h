@@ -1,4 +1,4 @@
-// A camera behind the recording serial port that holds properties.
+// A camera with properties on the recording library.
 #pragma once
 
 #include "tests/fake/fakeserial.h"
@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-/// Answers property reads (command 2) and writes (command 3) that are written to the fake serial library.
-/// Answers come from any thread; what is scripted may be changed at any time.
+/// Answers reads (command 2) and writes (command 3) of properties. Thread-safe; the script may change at any
+/// time.
 class PropertyCamera {
 public:
     using Bytes = fake_serial::Bytes;
@@ -24,17 +24,17 @@ public:
     PropertyCamera(const PropertyCamera&) = delete;
     PropertyCamera& operator=(const PropertyCamera&) = delete;
 
-    /// Reads of the property give these values in turn, over and over.
+    /// Reads of the property give these values in turn, repeatedly.
     void hold(std::uint8_t id, std::vector<Bytes> values) {
         const std::lock_guard lock(m_mutex);
         m_values[id] = {std::move(values), 0};
     }
-    /// The payload of the answer to every read of the property, whatever it is.
+    /// Payload of the answer to every read of the property.
     void answerReadsWith(std::uint8_t id, Bytes payload) {
         const std::lock_guard lock(m_mutex);
         m_payloads[id] = std::move(payload);
     }
-    /// What every write is answered with: bytes as they stand (empty: no answer). Accepting is the default.
+    /// Bytes of the answer to every write (empty: no answer). By default writes are accepted.
     void answerWritesWith(Bytes answer) {
         const std::lock_guard lock(m_mutex);
         m_writesAccepted = false;

@@ -39,7 +39,7 @@ protected:
         return window;
     }
 
-    /// Debug lines without that of the full refresh.
+    /// Debug lines after that of the first refresh.
     [[nodiscard]] Lines linesAfterOpening() const {
         Lines lines = DebugLog::plainLines();
         if (!lines.empty())
@@ -92,7 +92,7 @@ TEST_F(SetCaptureDegreeTest, ShowsGyroStatesOtherThanOneAsOff) {
     }
 }
 
-TEST_F(SetCaptureDegreeTest, TellsOfEveryFailedRead) {
+TEST_F(SetCaptureDegreeTest, ShowsEveryFailedRead) {
     for (std::uint8_t id = 10; id <= 13; ++id)
         m_camera.answerReadsWith(id, {id, 1, 1, 1});
     const QWidget* const window = openAndWait();
@@ -188,7 +188,7 @@ TEST_F(SetCaptureDegreeTest, AFailedGyroReadLeavesTheCheckBoxAsItIs) {
     EXPECT_TRUE(isChecked(window, "cb_open"));
 }
 
-TEST_F(SetCaptureDegreeTest, SendsTheLowBytesOfWhateverIsTypedAsAngles) {
+TEST_F(SetCaptureDegreeTest, SendsTheLowBytesOfAnyAngles) {
     struct Row {
         QString angleA;
         QString angleB;
@@ -273,7 +273,7 @@ TEST_F(SetCaptureDegreeTest, ReadsTheItemHalfASecondAfterAnyWrite) {
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度:30,60");
 }
 
-TEST_F(SetCaptureDegreeTest, ShowsWhatTheCameraHoldsAfterAnAcceptedWrite) {
+TEST_F(SetCaptureDegreeTest, ShowsTheCameraValueAfterAnAcceptedWrite) {
     const QWidget* const window = openAndWait();
     part<QLineEdit>(window, "et_set1_0")->setText("7");
     part<QLineEdit>(window, "et_set1_1")->setText("300");

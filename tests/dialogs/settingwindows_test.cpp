@@ -1,4 +1,4 @@
-// What each of the three writing windows does in its own way.
+// Differences of the three writing windows.
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
@@ -146,7 +146,7 @@ TEST_F(SetPwmHeatTest, ShowsTheFirstByteOfTheAnswerAndLogsAll) {
                      "resultVector: std::vector(255)"}));
 }
 
-TEST_F(SetPwmHeatTest, TellsOfAFailedReadAndLogsNothing) {
+TEST_F(SetPwmHeatTest, ShowsAFailedReadAndLogsNothing) {
     const QWidget* const window = open<SetPwmHeat>();
     const std::vector<PropertyCamera::Bytes> payloads{{15, 1, 30}, {15}, {}, {15, 0}};
     for (const auto& payload : payloads) {
@@ -181,7 +181,7 @@ TEST_F(SetPicRateTest, SendsNothingForAnEmptyText) {
     EXPECT_TRUE(requests().empty());
 }
 
-TEST_F(SetPicRateTest, SendsTheLowByteOfWhateverIsTyped) {
+TEST_F(SetPicRateTest, SendsTheLowByteOfAnyInput) {
     const std::string zero = "AA 5A 01 03 02 00 00 00 06 00 F0 14";
     const std::vector<std::pair<QString, std::string>> rows{
         {"85", "AA 5A 01 03 02 00 00 00 06 55 A0 1E"},
@@ -222,7 +222,7 @@ TEST_F(SetPicRateTest, ReturnInTheLineEditSetsTheRate) {
     EXPECT_EQ(requests().size(), 1U);
 }
 
-TEST_F(SetSNTest, EachWindowSaysThatItIsGone) {
+TEST_F(SetSNTest, EachWindowLogsItsEnd) {
     delete open<SetSN>();
     delete open<SetPwmHeat>();
     delete open<SetPicRate>();

@@ -1,4 +1,4 @@
-// Writing a setting and the countdown after it: what the three writing windows have in common.
+// Writing a setting and the countdown after it, in all three writing windows.
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
@@ -102,7 +102,7 @@ protected:
         return window;
     }
 
-    /// How many of the controls can be used.
+    /// Number of enabled controls.
     static std::size_t enabledControls(const QWidget* window) {
         std::size_t count = 0;
         for (const char* name : kind().controls)
@@ -114,7 +114,7 @@ protected:
         return QString(kind().countdown).arg(seconds).toStdString();
     }
 
-    /// All ticks but the last, which declares success.
+    /// All ticks except the last, which shows success.
     static void countDownToZero(const QWidget* window) {
         for (int seconds = kind().seconds; seconds > 0; --seconds) {
             tick(window);
@@ -211,7 +211,7 @@ TEST_P(SettingWriteTest, TickWhileHiddenOnlyStopsTheTimer) {
     window->show();
     EXPECT_EQ(enabledControls(window), 0U);
     EXPECT_FALSE(timerOf(window)->isActive());
-    tick(window); // the counter stood still
+    tick(window); // the counter has not moved
     EXPECT_EQ(textOf(window, "label_hint"), countdownText(kind().seconds - 1));
     EXPECT_EQ(requests().size(), 1U);
 }

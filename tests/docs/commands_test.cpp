@@ -95,7 +95,7 @@ class VirtualCameraLine : public testing::TestWithParam<Typed> {};
 
 } // namespace
 
-TEST_P(VirtualCameraLine, StartsAsItStandsAndEndsWell) {
+TEST_P(VirtualCameraLine, StartsAndEndsWithoutError) {
     emulator::Pty device;
     device.open();
     fs::create_directory("photos");

@@ -405,7 +405,7 @@ TEST(ProtocolExamples, ExistForEveryCommandAndNothingElse) {
     EXPECT_EQ(documented, expected);
 }
 
-TEST(ProtocolExamples, AreWhatTheClientSendsAndTheLayoutsMake) {
+TEST(ProtocolExamples, MatchClientAndLayouts) {
     const Examples examples = allExamples();
     for (const Shown& shown : shownUnder("## Byte examples")) {
         const auto example = examples.find(shown.what);

@@ -280,8 +280,7 @@ private:
     Texts m_complaints;
 };
 
-// --- a process each
-// -------------------------------------------------------------------------------------------
+// --- a process each ----------------------------------------------------------------------------------------
 
 Cell guardedRun(const Command& command, const std::string& fault, const Expected& expected, std::uint8_t id) {
     try {

@@ -59,7 +59,6 @@ Command catalogue(const std::string& method, const std::string& request, CameraT
 }
 
 // --- transfers: blocks are read until size + 11 bytes are there, and nothing but the result is looked at
-// ----
 
 Column transferColumn(const Lines& lines, const Expected& refused) {
     const Expected good{works, lines.good, {}};
@@ -109,8 +108,7 @@ std::vector<Command> transfers() {
     };
 }
 
-// --- takePic: five exchanges of a second each, with a second between them
-// ------------------------------------
+// --- takePic: five exchanges of a second each, with a second between them ----------------------------------
 
 constexpr auto takePicUsual = 9s;
 

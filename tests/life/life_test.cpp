@@ -44,11 +44,7 @@ void PrintTo(const FlowAndEnding& test, std::ostream* out) {
     *out << nameOf(test);
 }
 
-class Life : public testing::TestWithParam<FlowAndEnding> {
-protected:
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
-};
+class Life : public testing::TestWithParam<FlowAndEnding> {};
 
 } // namespace
 

@@ -188,7 +188,7 @@ TEST_F(Pictures, RefusedReadStillWritesTheFileInV1) {
     EXPECT_TRUE(out.has("readResult:1"));
 }
 
-TEST_F(Pictures, StrayBytesBehindThePictureAreNotInTheFile) {
+TEST_F(Pictures, StrayBytesAfterThePictureAreDropped) {
     protocol::Bytes longer = bytes(originTransfer);
     longer.insert(longer.end(), {0x55, 0x66});
     fake_serial::willRead(longer);

@@ -78,16 +78,16 @@ TEST_P(EveryReport, IsDoneAfterAGoodAnswer) {
     EXPECT_EQ(endOf(GetParam().run), CommandEnd::done);
 }
 
-TEST_P(EveryReport, TellsThatNothingCame) {
+TEST_P(EveryReport, ReportsAMissingAnswer) {
     EXPECT_EQ(endOf(GetParam().run), CommandEnd::noAnswer);
 }
 
-TEST_P(EveryReport, TellsAPortThatFailed) {
+TEST_P(EveryReport, ReportsAFailedPort) {
     fake_serial::throwOn("write");
     EXPECT_EQ(endOf(GetParam().run), CommandEnd::portFailed);
 }
 
-TEST_P(EveryReport, TellsAStoppedLink) {
+TEST_P(EveryReport, ReportsAStoppedLink) {
     camera.requestStop();
     EXPECT_EQ(endOf(GetParam().run), CommandEnd::stopped);
 }
@@ -95,7 +95,7 @@ TEST_P(EveryReport, TellsAStoppedLink) {
 INSTANTIATE_TEST_SUITE_P(Link, EveryReport, testing::ValuesIn(cases()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST_P(EveryRefusal, IsTold) {
+TEST_P(EveryRefusal, IsReported) {
     answer(GetParam().refused);
     EXPECT_EQ(endOf(GetParam().run), CommandEnd::refused);
 }
@@ -103,7 +103,7 @@ TEST_P(EveryRefusal, IsTold) {
 INSTANTIATE_TEST_SUITE_P(Link, EveryRefusal, testing::ValuesIn(refusableCases()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST_F(Report, TellsAnswersThatCannotBeUsed) {
+TEST_F(Report, ReportsUnusableAnswers) {
     const std::string half = "AA 5A 01 02 03 00 00 00 0F";
     answer(half);
     EXPECT_EQ(endOf([](CameraSp& c) { c.getCommonProperty(15, 2); }), CommandEnd::unusable);
@@ -113,7 +113,7 @@ TEST_F(Report, TellsAnswersThatCannotBeUsed) {
     EXPECT_EQ(endOf([](CameraSp& c) { c.getModelInfo(); }), CommandEnd::unusable);
 }
 
-TEST_F(Report, TellsThatNoPortIsOpen) {
+TEST_F(Report, ReportsAMissingPort) {
     CameraSp none("", 9600);
     const ReportScope scope;
     none.testHeartBeat();
@@ -135,7 +135,7 @@ TEST_F(Report, EmptyValueIsNoFailure) {
     EXPECT_EQ(endOf([](CameraSp& c) { c.getSn(); }), CommandEnd::empty);
 }
 
-TEST_F(Report, DownloadTellsWhetherItWroteTheFile) {
+TEST_F(Report, DownloadReportsWhetherItWroteTheFile) {
     const CameraCall download = [](CameraSp& c) { c.getOriginTargetPic(7, 1); };
     answer("AA 5A 01 09 02 00 00 00 00 55 00 00");
     EXPECT_EQ(endOf(download), CommandEnd::done);
@@ -173,7 +173,7 @@ TEST_F(Report, InnerScopeHearsOnlyItsOwnCommands) {
     EXPECT_EQ(outer.report().end, CommandEnd::noAnswer);
 }
 
-TEST_F(Report, TellsWhatTheLineIsBusyWith) {
+TEST_F(Report, NamesTheJobThatHoldsTheLine) {
     const LineTurn::Hold versions = camera.takeLine(LineUser::versions);
     const CommandReport report = std::async(std::launch::async, [this] {
                                      const ReportScope scope;
@@ -212,17 +212,17 @@ TEST_F(UploadReport, IsDoneAfterAGoodVerdict) {
     EXPECT_EQ(endOf(app), CommandEnd::done);
 }
 
-TEST_F(UploadReport, TellsAnUnansweredAnnouncement) {
+TEST_F(UploadReport, ReportsAnUnansweredAnnouncement) {
     for (const CameraCall& upload : {app, system, model, v1})
         EXPECT_EQ(endOf(upload), CommandEnd::noAnswer);
 }
 
-TEST_F(UploadReport, TellsARefusedModel) {
+TEST_F(UploadReport, ReportsARefusedModel) {
     answer("AA 5A 01 CB 06 00 00 00 00 01 00 00 00 00 00 00");
     EXPECT_EQ(endOf(model), CommandEnd::refused);
 }
 
-TEST_F(UploadReport, TellsAnOffsetBeyondTheFile) {
+TEST_F(UploadReport, ReportsAnOffsetBeyondTheFile) {
     answer(appFrom512);
     answer(appBad);
     EXPECT_EQ(endOf(app), CommandEnd::offsetBeyondFile);
@@ -230,7 +230,7 @@ TEST_F(UploadReport, TellsAnOffsetBeyondTheFile) {
     EXPECT_EQ(endOf(system), CommandEnd::offsetBeyondFile);
 }
 
-TEST_F(UploadReport, TellsABadOrMissingVerdict) {
+TEST_F(UploadReport, ReportsABadOrMissingVerdict) {
     answer(appFromZero);
     answer(appBad);
     EXPECT_EQ(endOf(app), CommandEnd::verdictBad);
@@ -238,7 +238,7 @@ TEST_F(UploadReport, TellsABadOrMissingVerdict) {
     EXPECT_EQ(endOf(app), CommandEnd::noVerdict);
 }
 
-TEST_F(UploadReport, TellsUnreadableFiles) {
+TEST_F(UploadReport, ReportsUnreadableFiles) {
     camera.setAppFilePath("nothing.bin");
     EXPECT_EQ(endOf([](CameraSp& c) { EXPECT_THROW(c.appUpdate(), const char*); }), CommandEnd::fileMissing);
     std::filesystem::create_directory("folder");
@@ -250,19 +250,19 @@ TEST_F(UploadReport, TellsUnreadableFiles) {
     EXPECT_EQ(endOf(app), CommandEnd::fileTooLarge);
 }
 
-TEST_F(UploadReport, TellsThatTheSecondProtocolSendsNoData) {
+TEST_F(UploadReport, ReportsThatTheSecondProtocolSendsNoData) {
     for (int i = 0; i < 5; ++i)
         answer(v1FromZero);
     EXPECT_EQ(endOf(v1), CommandEnd::dataNotSupported);
 }
 
-TEST_F(UploadReport, TellsAMissingPackageResult) {
+TEST_F(UploadReport, ReportsAMissingPackageResult) {
     for (int i = 0; i < 5; ++i)
         answer(v1HoldsAll);
     EXPECT_EQ(endOf(v1), CommandEnd::noVerdict);
 }
 
-TEST_F(UploadReport, TellsAFailedPort) {
+TEST_F(UploadReport, ReportsAFailedPort) {
     answer(appFromZero);
     fake_serial::willThrowOnRead();
     EXPECT_EQ(endOf(app), CommandEnd::portFailed);

@@ -199,7 +199,7 @@ TEST_F(Session, DoesNotReportFailureWhenInputIsNotDiscarded) {
     EXPECT_FALSE(camera.portFailed());
 }
 
-TEST_F(Session, SaysWhetherItIsBeingStopped) {
+TEST_F(Session, ReportsARequestedStop) {
     CameraSp camera("COM9", 9600);
     EXPECT_FALSE(camera.stopRequested());
     camera.requestStop();

@@ -96,7 +96,7 @@ TEST(LinkUse, AListOfValuesIsPartlyReadWhenOneWas) {
     EXPECT_FALSE(outcomeOf(Values{{1}, {1}}, CommandReport{}).partly);
 }
 
-TEST(LinkUse, ResultTellsItsOwnWords) {
+TEST(LinkUse, ResultHasItsOwnWords) {
     struct Result {
         [[nodiscard]] QString outcomeText(const CommandReport& report) const {
             return report.succeeded() ? QStringLiteral("good") : QStringLiteral("bad");

@@ -115,7 +115,7 @@ TEST(PicListModel, HasAnEmptyTextWhereARowHasNoSuchCell) {
     EXPECT_FALSE(DebugLog::hasStart("invilidddd"));
 }
 
-TEST(PicListModel, TellsItsViewsOfEveryChange) {
+TEST(PicListModel, NotifiesViewsOfEveryChange) {
     PicListModel model;
     const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
     QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);

@@ -165,7 +165,7 @@ TEST(PicListModelDelegate, ShowsTheToolTipOfTheColumnUnderTheMouse) {
     QToolTip::hideText();
 }
 
-TEST(PictureListHeader, StandsOverTheColumnsWhateverTheWidth) {
+TEST(PictureListHeader, FollowsTheColumnsAtAnyWidth) {
     PicListV1 window(nullptr, nullptr);
     window.setAttribute(Qt::WA_DeleteOnClose, false);
     auto* list = window.findChild<QListView*>("listview");

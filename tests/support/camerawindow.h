@@ -4,13 +4,14 @@
 #include "app/mainwindow.h"
 #include "emulator/line/ptyfront.h"
 #include "tests/support/guitest.h"
+#include "tests/support/stdoutcapture.h"
 
 #include <memory>
 #include <string>
 
 namespace guitest {
 
-/// Shows the window. It ends before the camera.
+/// Shows the window and captures its output. The window ends before the camera.
 class CameraWindow {
 public:
     explicit CameraWindow(emulator::CameraSettings settings);
@@ -28,6 +29,8 @@ public:
     [[nodiscard]] emulator::CameraRecord record();
     [[nodiscard]] emulator::CameraState state();
 
+    StdoutCapture output;
+    DebugLog log;
     emulator::PtyFront camera;
     std::unique_ptr<MainWindow> window;
 };

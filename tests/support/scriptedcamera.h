@@ -1,4 +1,4 @@
-// A camera of canned answers on the recording serial library, and the pictures it holds.
+// A camera with scripted answers on the recording library, and pictures.
 #pragma once
 
 #include "link/camerasp.h"
@@ -59,7 +59,7 @@ inline Bytes jpeg(int width, int height, Qt::GlobalColor colour) {
     return {data.begin(), data.end()};
 }
 
-/// Answers each write by the command code in it: with the next answer queued for that code, or not at all.
+/// Answers each write with the next answer queued for its command code, or not at all.
 class Camera {
 public:
     Camera() {

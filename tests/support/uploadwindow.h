@@ -3,7 +3,6 @@
 
 #include "tests/support/camerawindow.h"
 #include "tests/support/printing.h"
-#include "tests/support/stdoutcapture.h"
 
 #include <gtest/gtest.h>
 
@@ -49,9 +48,6 @@ protected:
     /// Controls and menu entries that an upload and the return wait disable.
     [[nodiscard]] QStringList enabledExchanges() const;
     [[nodiscard]] QStringList allExchanges() const;
-
-    StdoutCapture quiet;
-    DebugLog log;
 
 private:
     struct NotedPauses;

@@ -1,4 +1,4 @@
-// What a user does in the main window, for tests of any of its ends: recorded, or a virtual camera.
+// Actions in the main window, on the recording library or with a virtual camera.
 #pragma once
 
 #include "dialogs/setcameraprotocol.h"

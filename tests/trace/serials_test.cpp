@@ -64,7 +64,7 @@ TEST(BlankedSerials, DelayNoOtherFrame) {
     EXPECT_EQ(bench.recording().entries.size(), 2U);
 }
 
-TEST(BlankedSerials, LeaveAllOtherPropertiesAsTheyAre) {
+TEST(BlankedSerials, KeepOtherProperties) {
     TapBench bench(true);
     const Bytes version = protocol::buildFrame(0x02, hex("02 00 41 31"), 1);
     bench.camera(version);

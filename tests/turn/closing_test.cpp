@@ -26,11 +26,7 @@ void PrintTo(const TwoUsers& users, std::ostream* out) {
     *out << users.first << users.second;
 }
 
-class Closing : public testing::TestWithParam<TwoUsers> {
-protected:
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
-};
+class Closing : public testing::TestWithParam<TwoUsers> {};
 
 TEST_P(Closing, EndsBothInTime) {
     const User& first = userCalled(GetParam().first);

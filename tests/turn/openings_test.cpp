@@ -48,8 +48,6 @@ protected:
     const User& reader = userCalled(std::get<0>(GetParam()));
     const User& uploader = userCalled(std::get<1>(GetParam()));
     const Reads reads = std::get<2>(GetParam());
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
     std::unique_ptr<TurnWindow> bench;
 };
 
@@ -121,14 +119,7 @@ INSTANTIATE_TEST_SUITE_P(
                      testing::ValuesIn(readsOf())),
     nameOf);
 
-/// The camera is silent.
-class OpeningsWithADeadCamera : public testing::Test {
-protected:
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
-};
-
-TEST_F(OpeningsWithADeadCamera, LetTheUploadFail) {
+TEST(OpeningsWithADeadCamera, LetTheUploadFail) {
     const User& reader = userCalled("Location");
     const User& uploader = userCalled("SystemUpload");
     TurnWindow bench({.cameraType = cameratype::ostra});

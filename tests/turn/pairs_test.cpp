@@ -84,8 +84,6 @@ protected:
     int together = 0;
     int failures = 0; ///< places that showed one
 
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
     std::unique_ptr<TurnWindow> bench;
 };
 

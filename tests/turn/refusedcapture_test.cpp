@@ -59,8 +59,6 @@ protected:
 
     const Generation generation = std::get<0>(GetParam());
     const TurnWindow::Answers answers;
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
     // Real pauses: the older picture is fetched while an upload is under way.
     TurnWindow bench{{.cameraType = generation.cameraType,
                       .answerDelay = answerDelay,

@@ -149,7 +149,7 @@ protected:
     }
 };
 
-TEST_F(RawUploads, ArriveWholeWhateverTheirSize) {
+TEST_F(RawUploads, ArriveWholeAtAnySize) {
     for (const std::size_t size : {0U, 1U, 511U, 512U, 513U, 40000U}) {
         storeFile(content(size));
         std::vector<Cell> cells;

@@ -65,7 +65,7 @@ TEST(Pictures, DeleteTakesOneIdOrAll) {
     EXPECT_TRUE(bench.camera.state().pictures.empty());
 }
 
-TEST(Pictures, DeletingWhatIsNotThereSucceedsUnlessSwitched) {
+TEST(Pictures, DeletingAMissingPictureSucceedsByDefault) {
     CameraBench bench;
     EXPECT_EQ(bench.ask("AA 5A 01 08 01 00 00 00 05 19 E2"), protocol::buildFrame(0x08, {{0}}, 1));
     bench.camera.settings().deleteOfAbsentFails = true;

@@ -74,7 +74,7 @@ TEST_F(Uploads, TheNameOfAModelMayBeEmpty) {
     EXPECT_EQ(upload().fileSize, 3U);
 }
 
-TEST_F(Uploads, ChunksAreCountedAsTheyCome) {
+TEST_F(Uploads, CountsChunks) {
     bench.ask(app1300, 2s);
     const Bytes file = countingBytes(1300);
     const ByteView view(file);
@@ -85,7 +85,7 @@ TEST_F(Uploads, ChunksAreCountedAsTheyCome) {
     EXPECT_EQ(upload().received, file);
 }
 
-TEST_F(Uploads, NothingInTheDataIsTakenForAFrame) {
+TEST_F(Uploads, FindsNoFrameInTheData) {
     bench.ask(app1300, 2s);
     EXPECT_EQ(bench.ask(heartbeatRequest), Bytes());
     EXPECT_EQ(bench.camera.record().count(0x01), 0U);
@@ -109,7 +109,7 @@ TEST_F(Uploads, DataWithinTwoSecondsOfTheAnswerIsRecorded) {
     EXPECT_LT(*upload().firstByteAt - upload().answeredAt, 1900ms);
 }
 
-TEST_F(Uploads, DataBehindTheAnnouncementInOnePieceIsData) {
+TEST_F(Uploads, TakesDataInOnePieceWithTheAnnouncement) {
     bench.ask(std::string(appAbc) + abc);
     EXPECT_TRUE(upload().complete);
     EXPECT_EQ(upload().earlyBytes, 3U);

@@ -214,7 +214,7 @@ TEST(LessonProgram, TeachesAtItsLink) {
 }
 
 /// The guide quotes the program.
-TEST(LessonProgram, SaysWhatTheGuideSays) {
+TEST(LessonProgram, UsesTheTextsOfTheGuide) {
     const std::string guide = Program::text(USER_GUIDE);
     const auto expectInGuide = [&guide](std::string_view text) {
         while (!text.empty()) {

@@ -72,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BadLine{{"--link", "no/such/folder/link"}, "no/such/folder"},
                     BadLine{{"--device", "d", "--link", "l"}, "--link"}));
 
-TEST(Program, ServesOverItsLinkAndTellsWhatHappens) {
+TEST(Program, ServesOverItsLinkAndLogsExchanges) {
     Program program({"--link", "camera", "--fault", "silent@heartbeat#2"});
     ASSERT_TRUE(comesTrue([] { return fs::is_symlink("camera"); }));
     PtyClient client("camera");

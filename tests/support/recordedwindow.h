@@ -1,11 +1,15 @@
-// The recording library with one port, and the windows that the menu opens.
+// The main window on the recording library.
 #pragma once
 
+#include "app/mainwindow.h"
 #include "tests/fake/fakeserial.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace guitest {
 
@@ -19,6 +23,26 @@ protected:
         fake_serial::setPorts({port});
     }
     ~OnePort() override { fake_serial::reset(); }
+};
+
+/// A main window on a system with these ports.
+class RecordedWindow : public testing::Test {
+protected:
+    explicit RecordedWindow(const std::vector<std::string>& ports = {"COM3"}) {
+        fake_serial::reset();
+        std::vector<serial::PortInfo> infos;
+        for (const std::string& port : ports)
+            infos.push_back({port, "adapter", "n/a"});
+        fake_serial::setPorts(infos);
+        window = std::make_unique<MainWindow>();
+        window->show();
+    }
+    ~RecordedWindow() override {
+        window.reset();
+        fake_serial::reset();
+    }
+
+    std::unique_ptr<MainWindow> window;
 };
 
 /// Each opens a window that is not modal.
