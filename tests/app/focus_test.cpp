@@ -71,7 +71,7 @@ private:
     QTimer m_timer;
 };
 
-class Focus : public OnePort {
+class Focus : public RecordedPorts {
 protected:
     Focus() {
         QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);

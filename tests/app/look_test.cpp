@@ -46,7 +46,7 @@ double contrast(QWidget* widget) {
     return (lightest + 0.05) / (darkest + 0.05);
 }
 
-class Look : public OnePort {};
+class Look : public RecordedPorts {};
 
 } // namespace
 

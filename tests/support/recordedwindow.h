@@ -9,40 +9,32 @@
 #include <array>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace guitest {
 
-/// The system has only COM3; the library's record is empty before and after.
-class OnePort : public testing::Test {
+/// A system with these ports; the library's record is empty before and after.
+class RecordedPorts : public testing::Test {
 protected:
-    OnePort() {
+    explicit RecordedPorts(const std::vector<std::string>& names = {"COM3"}) {
         fake_serial::reset();
-        serial::PortInfo port;
-        port.port = "COM3";
-        fake_serial::setPorts({port});
+        std::vector<serial::PortInfo> ports;
+        for (const std::string& name : names)
+            ports.push_back({name, {}, {}});
+        fake_serial::setPorts(std::move(ports));
     }
-    ~OnePort() override { fake_serial::reset(); }
+    ~RecordedPorts() override { fake_serial::reset(); }
 };
 
-/// A main window on a system with these ports.
-class RecordedWindow : public testing::Test {
+/// A main window on it.
+class RecordedWindow : public RecordedPorts {
 protected:
-    explicit RecordedWindow(const std::vector<std::string>& ports = {"COM3"}) {
-        fake_serial::reset();
-        std::vector<serial::PortInfo> infos;
-        for (const std::string& port : ports)
-            infos.push_back({port, "adapter", "n/a"});
-        fake_serial::setPorts(infos);
-        window = std::make_unique<MainWindow>();
+    explicit RecordedWindow(const std::vector<std::string>& names = {"COM3"}) : RecordedPorts(names) {
         window->show();
     }
-    ~RecordedWindow() override {
-        window.reset();
-        fake_serial::reset();
-    }
 
-    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<MainWindow> window = std::make_unique<MainWindow>();
 };
 
 /// Each opens a window that is not modal.
