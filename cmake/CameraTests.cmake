@@ -1,13 +1,13 @@
-# The function that makes a test program and tells ctest of every test in it.
+# The function that makes a test program and registers each of its tests with ctest.
 
 include(GoogleTest)
 
 # Builds all programs that hold tests labelled "threads": what a thread-sanitizer run needs.
 add_custom_target(thread_tests)
 
-# The leak check leaves thread-local storage out: its walk through that of threads that are ending crashes in
-# some tests. What libraries keep nowhere else is named in lsan.supp.
-# What the sanitizers' run-time libraries read; tests started by hand have to set it themselves.
+# Environment of the sanitizers' run-time libraries; tests started by hand have to set it themselves.
+# The leak check skips thread-local storage: reading that of ending threads crashes in some tests. lsan.supp names what
+# libraries keep nowhere else.
 set(camera_test_environment "")
 if(CAMERA_SANITIZE MATCHES "address")
   list(APPEND camera_test_environment
@@ -22,17 +22,18 @@ if(CAMERA_SANITIZE MATCHES "thread")
     "TSAN_OPTIONS=second_deadlock_stack=1:suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endif()
 
-# camera_test(name SOURCES... [LINK targets...] [GUI] [OWN_MAIN] [LABELS labels...] [TIMEOUT seconds])
+# camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [LABELS labels...] [SLOW regexes...]
+#             [TIMEOUT seconds])
 #
-# A GoogleTest program; ctest runs every test of it as a process of its own, several at once. Each test
-# starts in an empty working directory of its own, which disappears with it: pictures are written into the
-# working directory.
-#   GUI       the program's main makes a QApplication on the offscreen platform, and Qt6::Test is linked
-#   OWN_MAIN  the sources bring their own main
-#   LABELS    "threads" for tests worth running under the thread sanitizer
-#   TIMEOUT   for one test, 60 s if not given; sanitizers get three times as much
+# A GoogleTest program. ctest runs each of its tests as a process, several at once. A test starts in an empty working
+# directory, which is deleted afterwards: downloads go into the working directory.
+#   GUI          main makes a QApplication on the offscreen platform; Qt6::Test and test_windows are linked
+#   APPLICATION  as GUI, with the product's own application object
+#   LABELS       "threads" for tests worth running under the thread sanitizer
+#   SLOW         tests whose names match get the label "slow": some or all of them take more than two seconds
+#   TIMEOUT      for one test, 60 s if not given; sanitizers get three times as much
 function(camera_test name)
-  cmake_parse_arguments(arg "GUI;OWN_MAIN" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(arg "GUI;APPLICATION" "TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "camera_test(${name}): what is ${arg_UNPARSED_ARGUMENTS}?")
   endif()
@@ -45,35 +46,44 @@ function(camera_test name)
 
   set(environment ${camera_test_environment})
   set(libraries ${arg_LINK} GTest::gmock GTest::gtest)
-  set(main "${PROJECT_SOURCE_DIR}/tests/support/testmain.cpp")
+  set(sources ${arg_SOURCES} "${PROJECT_SOURCE_DIR}/tests/support/testmain.cpp")
   set(precompiled <gmock/gmock.h> <gtest/gtest.h> <chrono> <functional> <thread>)
-  if(arg_GUI)
+  set(application "")
+  if(arg_APPLICATION)
+    set(application Application)
+    set(header app/application.h)
+  elseif(arg_GUI)
+    set(application QApplication)
+    set(header QApplication)
+  endif()
+  if(application)
     list(APPEND precompiled <QApplication> <QTest> <QtWidgets>)
-    list(APPEND libraries Qt6::Widgets Qt6::Test)
+    list(APPEND libraries test_windows Qt6::Widgets Qt6::Test)
     list(APPEND environment "QT_QPA_PLATFORM=offscreen")
-    set(main "${PROJECT_SOURCE_DIR}/tests/support/guitestmain.cpp")
   endif()
-  if(arg_OWN_MAIN)
-    set(main "")
-  endif()
-  if(arg_GUI AND CAMERA_SANITIZE MATCHES "thread")
-    list(APPEND main "${PROJECT_SOURCE_DIR}/tests/support/qthandover.cpp")
+  if(application AND CAMERA_SANITIZE MATCHES "thread")
+    list(APPEND sources "${PROJECT_SOURCE_DIR}/tests/support/qthandover.cpp")
     list(APPEND libraries ${CMAKE_DL_LIBS})
   endif()
 
-  camera_program(${name} SOURCES ${arg_SOURCES} ${main} LINK ${libraries})
+  camera_program(${name} SOURCES ${sources} LINK ${libraries})
+  if(application)
+    target_compile_definitions(${name} PRIVATE
+      TEST_APPLICATION=${application}
+      TEST_APPLICATION_HEADER="${header}")
+  endif()
   if(CAMERA_FAST_BUILD)
     list(LENGTH arg_SOURCES source_count)
     if(source_count GREATER 2)
       target_precompile_headers(${name} PRIVATE ${precompiled})
     endif()
     if(CAMERA_SANITIZE MATCHES "undefined")
-      # What is tested is watched; watching the tests themselves costs a third of the time.
+      # Checks of the tests themselves would cost a third of the time.
       target_compile_options(${name} PRIVATE -fno-sanitize=undefined)
     endif()
   endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${arg_TIMEOUT})
-  # Properties that are lists do not survive discovery: ctest sets them when it has read the tests' names.
+  # Discovery loses properties that are lists: ctest sets them after it has read the names of the tests.
   set(properties_file "${CMAKE_CURRENT_BINARY_DIR}/${name}_properties.cmake")
   file(WRITE "${properties_file}" "if(${name}_TESTS)
   set_tests_properties(\${${name}_TESTS} PROPERTIES
@@ -81,6 +91,15 @@ function(camera_test name)
     ENVIRONMENT [==[${environment}]==])
 endif()
 ")
+  if(arg_SLOW)
+    list(JOIN arg_SLOW "|" slow)
+    file(APPEND "${properties_file}" "foreach(test IN LISTS ${name}_TESTS)
+  if(test MATCHES [==[${slow}]==])
+    set_tests_properties(\"\${test}\" PROPERTIES LABELS [==[${arg_LABELS};slow]==])
+  endif()
+endforeach()
+")
+  endif()
   set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${properties_file}")
   if("threads" IN_LIST arg_LABELS)
     add_dependencies(thread_tests ${name})

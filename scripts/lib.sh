@@ -142,6 +142,21 @@ start_ctest() (
   "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 5))" "$@"
 )
 
+# list_slow_tests PRESET: tests with the label "slow", one a line. It empties ctest's log of the last run.
+list_slow_tests() (
+  cd "$project_root"
+  ctest --preset "$1" --show-only --label-regex '^slow$' | sed -n 's/^ *Test *#[0-9]*: //p'
+)
+
+# report_unlabelled_tests PRESET: tests of the last run that took more than two seconds; standard input lists those with
+# the label "slow".
+report_unlabelled_tests() {
+  awk 'NR == FNR { labelled[$0] = 1; next }
+    / Test: / { name = substr($0, index($0, " Test: ") + 7) }
+    /^Test time = / && $4 > 2 && !(name in labelled) { printf "not labelled slow: %.1f s  %s\n", $4, name }' \
+    - "$project_root/build/$1/Testing/Temporary/LastTest.log"
+}
+
 # output_of_test LOG TEST: what ctest's log of a run keeps of one test.
 output_of_test() {
   awk -v name="$2" 'index($0, " Test: ") && substr($0, index($0, " Test: ") + 7) == name { inside = 1 }
@@ -196,8 +211,11 @@ run_failed_again() {
 run_tests() {
   say "testing $1"
   if [ -z "${CI:-}" ]; then
-    start_ctest "$@"
-    return
+    local slow code=0
+    slow=$(list_slow_tests "$1")
+    start_ctest "$@" || code=$?
+    report_unlabelled_tests "$1" <<<"$slow"
+    return "$code"
   fi
   [ -n "${CAMERA_WHOLE_RUN:-}" ] || rm -f "$unstable_tests" # .ci/run counts those of all builds
   rm -f "$project_root/build/$1/Testing/Temporary/LastTestsFailed.log"

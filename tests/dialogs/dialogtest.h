@@ -1,9 +1,9 @@
-// What the tests of the settings windows share: a main window, an open link, and ways to press and look.
+// Fixture for settings windows: main window, open link, actions, texts.
 #pragma once
 
 #include "link/camerasp.h"
 #include "linkaccess/clientborrower.h"
-#include "tests/dialogs/debuglog.h"
+#include "tests/support/debuglog.h"
 #include "tests/support/testclock.h"
 
 #include <QAbstractButton>
@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-/// A child by its object name. A missing one ends the test program: nothing after it would mean anything.
+/// A child by its object name. A missing one ends the test program.
 template <typename Widget>
 Widget* part(const QWidget* window, const QString& name) {
     auto* const found = window->findChild<Widget*>(name);
@@ -40,7 +40,7 @@ inline void press(const QWidget* window, const QString& button) {
 
 using Lines = std::vector<std::string>;
 
-/// The window's own timer: each of them has exactly one.
+/// The window's only timer.
 inline QTimer* timerOf(const QWidget* window) {
     const auto timers = window->findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
     return timers.size() == 1 ? timers.front() : nullptr;
@@ -52,8 +52,8 @@ inline void tick(const QWidget* window) {
     ASSERT_TRUE(QMetaObject::invokeMethod(timerOf(window), "timeout"));
 }
 
-/// Opens and closes a link as the main window does, and the windows that borrow it. Derived fixtures say
-/// which port, and end the link before the camera at its other end goes.
+/// Opens and closes a link and the windows that borrow it, as the main window does. Derived fixtures choose
+/// the port and end the link before the camera.
 class DialogTest : public testing::Test {
 protected:
     struct Borrower {
@@ -98,7 +98,7 @@ protected:
         return window;
     }
 
-    /// Everything on the pool is done and its results have been shown or dropped.
+    /// Waits until the pool is idle and its results are shown or dropped.
     static void settle() {
         QThreadPool::globalInstance()->waitForDone();
         QTest::qWait(20);

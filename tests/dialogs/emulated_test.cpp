@@ -1,4 +1,4 @@
-// The settings windows with the real serial library and a virtual camera at the other end of the line.
+// The settings windows with the real serial library and a virtual camera.
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcapturedegree.h"
 #include "dialogs/setpicrate.h"
@@ -51,7 +51,7 @@ protected:
     std::size_t received(std::uint8_t code) {
         return m_front.withCamera([code](VirtualCamera& camera) { return camera.record().count(code); });
     }
-    /// No request came broken or mixed with another.
+    /// Every request arrived whole.
     void expectCleanLine() {
         m_front.withCamera([](VirtualCamera& camera) {
             EXPECT_EQ(camera.record().badFrames, 0U);
@@ -100,14 +100,16 @@ TEST_F(EmulatedDialogTest, TheCompressionRateIsStoredAndReadBack) {
     expectCleanLine();
 }
 
-TEST_F(EmulatedDialogTest, ARefusedOrUnansweredWriteIsToldAndChangesNothing) {
+TEST_F(EmulatedDialogTest, RefusedWriteChangesNothing) {
     refuseWriting(emulator::property::heaterDuty);
     const QWidget* const heat = open<SetPwmHeat>();
     part<QComboBox>(heat, "cb_setheat")->setCurrentText("60");
     press(heat, "btn_setheat");
     EXPECT_EQ(textOf(heat, "label_hint"), "设置占空比失败，请重试");
     EXPECT_EQ(held(emulator::property::heaterDuty), std::vector<std::uint8_t>{30});
+}
 
+TEST_F(EmulatedDialogTest, UnansweredWriteFailsAfterTenTries) {
     addFault("silent");
     const QWidget* const rate = open<SetPicRate>();
     part<QLineEdit>(rate, "et_setsn")->setText("10");
@@ -120,7 +122,7 @@ TEST_F(EmulatedDialogTest, ARefusedOrUnansweredWriteIsToldAndChangesNothing) {
     EXPECT_EQ(textOf(rate, "label_setsn"), "获取图片压缩率失败");
 }
 
-TEST_F(EmulatedDialogTest, TruncatedStrayAndSlowAnswersAreTakenForWhatTheyAre) {
+TEST_F(EmulatedDialogTest, ReadsSlowAnswersAndFailsBrokenOnes) {
     const QWidget* const window = open<SetPwmHeat>();
     for (const char* fault : {"truncate=9#1", "stray=1#1"}) {
         SCOPED_TRACE(fault);
@@ -139,7 +141,7 @@ TEST_F(EmulatedDialogTest, TruncatedStrayAndSlowAnswersAreTakenForWhatTheyAre) {
     EXPECT_EQ(textOf(window, "label_setheat"), "当前占空比:  30");
 }
 
-TEST_F(EmulatedDialogTest, TheCaptureSettingsFillInByThemselvesWithRoomBetweenTheReads) {
+TEST_F(EmulatedDialogTest, CaptureSettingsAreReadWithPauses) {
     QElapsedTimer time;
     time.start();
     const QWidget* const window = open<SetCaptureDegree>();
@@ -152,7 +154,7 @@ TEST_F(EmulatedDialogTest, TheCaptureSettingsFillInByThemselvesWithRoomBetweenTh
     expectCleanLine();
 }
 
-TEST_F(EmulatedDialogTest, TheCaptureSettingsAreWrittenAndShownAsTheCameraHoldsThem) {
+TEST_F(EmulatedDialogTest, WrittenCaptureSettingsAreReadBack) {
     const QWidget* const window = open<SetCaptureDegree>();
     settle();
     part<QLineEdit>(window, "et_set1_0")->setText("15");
@@ -170,7 +172,7 @@ TEST_F(EmulatedDialogTest, TheCaptureSettingsAreWrittenAndShownAsTheCameraHoldsT
     expectCleanLine();
 }
 
-TEST_F(EmulatedDialogTest, TheMountingIsShownInTheOrderInWhichTheCameraReportsIt) {
+TEST_F(EmulatedDialogTest, MountingIsShownInTheOrderOfTheReports) {
     m_front.withCamera([](VirtualCamera& camera) {
         camera.state().orientation[1].answer = emulator::OrientationItem::Answer::sentinel;
         camera.state().orientation[2].answer = emulator::OrientationItem::Answer::tooShort;
@@ -179,15 +181,15 @@ TEST_F(EmulatedDialogTest, TheMountingIsShownInTheOrderInWhichTheCameraReportsIt
     settle();
     EXPECT_EQ(labels(window, 4), (std::vector<std::string>{"当前仰俯角:45", "当前横滚角:不支持,获取失败",
                                                            "当前偏航角:不支持,获取失败", "当前加速度:981"}));
-    EXPECT_EQ(m_debug.count("got no location"), 1);
+    EXPECT_EQ(DebugLog::count("got no location"), 1);
 }
 
-TEST_F(EmulatedDialogTest, ASilentCameraFailsEveryReadWhileTheWindowsStayAlive) {
+TEST_F(EmulatedDialogTest, SilentCameraDoesNotBlockTheWindows) {
     addFault("silent");
     const QWidget* const window = open<SetCaptureDegree>();
     QElapsedTimer time;
     qint64 longest = 0;
-    // Two and a half seconds of waiting on the pool; the user interface never stands still.
+    // The pool waits two and a half seconds; the user interface never blocks.
     const bool failed = QTest::qWaitFor(
         [&] {
             longest = std::max(longest, time.isValid() ? time.elapsed() : 0);
@@ -199,7 +201,7 @@ TEST_F(EmulatedDialogTest, ASilentCameraFailsEveryReadWhileTheWindowsStayAlive) 
     EXPECT_LT(longest, 300);
 }
 
-TEST_F(EmulatedDialogTest, ClosingTheLinkInMidFetchTakesAtMostOneTimeOutAndDropsTheResult) {
+TEST_F(EmulatedDialogTest, ClosingTheLinkEndsAFetchInOneTimeout) {
     addFault("silent");
     const QWidget* const capture = open<SetCaptureDegree>();
     const QWidget* const location = open<SetCameraLocation>();
@@ -213,11 +215,11 @@ TEST_F(EmulatedDialogTest, ClosingTheLinkInMidFetchTakesAtMostOneTimeOutAndDrops
     EXPECT_EQ(labels(location, 4), locationFirst);
 }
 
-TEST_F(EmulatedDialogTest, TheNextLinkServesTheWindowsThatStayedOpen) {
+TEST_F(EmulatedDialogTest, NextLinkServesOpenWindows) {
     const QWidget* const window = open<SetCaptureDegree>();
     closeLink();
     settle();
-    QTest::qWait(200); // what the camera still answers to the old link is not to come to the new one
+    QTest::qWait(200); // late answers to the old link must not reach the new one
     openLink(m_front.portName());
     for (const char* button : {"btn_get1", "btn_get2", "btn_get3"}) {
         press(window, button);
@@ -226,7 +228,7 @@ TEST_F(EmulatedDialogTest, TheNextLinkServesTheWindowsThatStayedOpen) {
     EXPECT_EQ(labels(window, 3), captureTexts);
 }
 
-TEST_F(EmulatedDialogTest, APulledAdapterFailsTheCommandsAndNothingElse) {
+TEST_F(EmulatedDialogTest, PulledAdapterFailsTheCommands) {
     m_front.vanish();
     const QWidget* const location = open<SetCameraLocation>();
     settle();

@@ -1,4 +1,4 @@
-// The forms: names, texts, sizes, and what a user without a mouse or with bad eyes meets.
+// The forms: names, texts, sizes, keyboard, screen readers.
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcapturedegree.h"
 #include "dialogs/setpicrate.h"
@@ -20,7 +20,7 @@ struct Form {
     const char* root;
     const char* title;
     QWidget* (*make)();
-    std::map<QString, QString> texts;        // labels and buttons, as a first look shows them
+    std::map<QString, QString> texts;        // labels and buttons, at first
     std::map<QString, QString> placeholders; // line edits
     QStringList containers;
     QStringList hidden;
@@ -129,7 +129,7 @@ class SettingForm : public testing::TestWithParam<const Form*> {
 protected:
     SettingForm() : m_window(form().make()) {
         m_window->show();
-        // Without a link all has failed by now; the failure texts are the longest.
+        // Without a link every read has failed; the failure texts are the longest.
         QThreadPool::globalInstance()->waitForDone();
     }
 
@@ -181,7 +181,7 @@ TEST_P(SettingForm, CutsNoTextInItsSmallestSize) {
     }
 }
 
-TEST_P(SettingForm, IsWalkedThroughByTabAsTheEyeGoes) {
+TEST_P(SettingForm, MovesTheFocusInReadingOrder) {
     QStringList walked;
     const QWidget* widget = m_window.get();
     while ((widget = widget->nextInFocusChain()) != m_window.get()) {
@@ -193,7 +193,7 @@ TEST_P(SettingForm, IsWalkedThroughByTabAsTheEyeGoes) {
     EXPECT_EQ(walked, form().tabOrder);
 }
 
-TEST_P(SettingForm, HasNoTabStopOutOfSight) {
+TEST_P(SettingForm, HasNoHiddenTabStop) {
     for (const QWidget* widget : m_window->findChildren<QWidget*>()) {
         const bool outOfSight = !widget->isVisible() || widget->visibleRegion().isEmpty();
         if (outOfSight && widget->window() == m_window.get()) {
@@ -202,7 +202,7 @@ TEST_P(SettingForm, HasNoTabStopOutOfSight) {
     }
 }
 
-TEST_P(SettingForm, NamesEverythingTheKeyboardReaches) {
+TEST_P(SettingForm, NamesEveryControlOnTheTabOrder) {
     std::map<QString, QString> names;
     for (const QWidget* widget : m_window->findChildren<QWidget*>()) {
         if ((widget->focusPolicy() & Qt::TabFocus) == 0 || widget->objectName().startsWith("qt_"))

@@ -1,7 +1,8 @@
-// A camera behind the recording serial port that holds properties.
+// A camera with properties on the recording library.
 #pragma once
 
 #include "tests/fake/fakeserial.h"
+#include "tests/support/answers.h"
 
 #include <cstddef>
 #include <map>
@@ -9,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-/// Answers property reads (command 2) and writes (command 3) that are written to the fake serial library.
-/// Answers come from any thread; what is scripted may be changed at any time.
+/// Answers reads (command 2) and writes (command 3) of properties. Thread-safe; the script may change at any
+/// time.
 class PropertyCamera {
 public:
     using Bytes = fake_serial::Bytes;
@@ -23,17 +24,17 @@ public:
     PropertyCamera(const PropertyCamera&) = delete;
     PropertyCamera& operator=(const PropertyCamera&) = delete;
 
-    /// Reads of the property give these values in turn, over and over.
+    /// Reads of the property give these values in turn, repeatedly.
     void hold(std::uint8_t id, std::vector<Bytes> values) {
         const std::lock_guard lock(m_mutex);
         m_values[id] = {std::move(values), 0};
     }
-    /// The payload of the answer to every read of the property, whatever it is.
+    /// Payload of the answer to every read of the property.
     void answerReadsWith(std::uint8_t id, Bytes payload) {
         const std::lock_guard lock(m_mutex);
         m_payloads[id] = std::move(payload);
     }
-    /// What every write is answered with: bytes as they stand (empty: no answer). Accepting is the default.
+    /// Bytes of the answer to every write (empty: no answer). By default writes are accepted.
     void answerWritesWith(Bytes answer) {
         const std::lock_guard lock(m_mutex);
         m_writesAccepted = false;
@@ -43,13 +44,6 @@ public:
     void fallSilent() {
         const std::lock_guard lock(m_mutex);
         m_silent = true;
-    }
-
-    static Bytes frame(std::uint8_t command, const Bytes& payload) {
-        Bytes bytes{0xAA, 0x5A, 1, command, static_cast<std::uint8_t>(payload.size()), 0, 0, 0};
-        bytes.insert(bytes.end(), payload.begin(), payload.end());
-        bytes.insert(bytes.end(), {0, 0}); // the tool does not look at an answer's check code
-        return bytes;
     }
 
 private:
@@ -75,7 +69,7 @@ private:
 
     void answerRead(std::uint8_t id) {
         if (const auto payload = m_payloads.find(id); payload != m_payloads.end()) {
-            fake_serial::willRead(frame(readCommand, payload->second));
+            fake_serial::willRead(answers::frame(readCommand, payload->second));
             return;
         }
         const auto turn = m_values.find(id);
@@ -84,7 +78,7 @@ private:
         Bytes payload{id, 0};
         const Bytes& value = turn->second.values[turn->second.next++ % turn->second.values.size()];
         payload.insert(payload.end(), value.begin(), value.end());
-        fake_serial::willRead(frame(readCommand, payload));
+        fake_serial::willRead(answers::frame(readCommand, payload));
     }
 
     void answerWrite(std::uint8_t id, const Bytes& value) {
@@ -93,7 +87,7 @@ private:
             return;
         }
         m_values[id] = {{value}, 0};
-        fake_serial::willRead(frame(writeCommand, {id, 0}));
+        fake_serial::willRead(answers::frame(writeCommand, {id, 0}));
     }
 
     std::mutex m_mutex;

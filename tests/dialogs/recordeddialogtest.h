@@ -1,4 +1,4 @@
-// The settings windows over the recording port.
+// The settings windows on the recording library.
 #pragma once
 
 #include "tests/dialogs/dialogtest.h"
@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
-/// Sees every byte of every request.
+/// Records every request.
 class RecordedDialogTest : public DialogTest {
 protected:
     RecordedDialogTest() { openLink("COM7"); }
     ~RecordedDialogTest() override { endLinkAndWindows(); }
 
-    /// Requests since the last forgetting, as hexadecimal text.
+    /// Requests since forgetRequests(), as hexadecimal text.
     [[nodiscard]] std::vector<std::string> requests() const {
         std::vector<std::string> result;
         for (const auto& bytes : fake_serial::writes())

@@ -22,19 +22,20 @@ protected:
     SetCameraLocationTest() { m_clock.skipPauses(); }
 };
 
-TEST_F(SetCameraLocationTest, AsksForTheSamePropertyFourTimesAndShowsTheAnswersInTurn) {
+TEST_F(SetCameraLocationTest, ShowsTheAnswersOfFourReadsInOrder) {
     m_camera.hold(16, {{45, 0, 0, 0}, {0, 1, 0, 0}, {0xFF, 0xFF, 0xFF, 0xFF}, {1, 0, 0, 0x80, 9, 9}});
     const QWidget* const window = open<SetCameraLocation>();
     settle();
     EXPECT_EQ(requests(), std::vector<std::string>(4, readOrientation));
     EXPECT_EQ(m_clock.pauses(), std::vector<std::chrono::nanoseconds>(4, 100ms));
-    EXPECT_EQ(m_debug.all(), (Lines{"std::vector(45, 0, 0, 0)", "std::vector(0, 1, 0, 0)",
-                                    "std::vector(255, 255, 255, 255)", "std::vector(1, 0, 0, 128, 9, 9)"}));
+    EXPECT_EQ(DebugLog::plainLines(),
+              (Lines{"std::vector(45, 0, 0, 0)", "std::vector(0, 1, 0, 0)", "std::vector(255, 255, 255, 255)",
+                     "std::vector(1, 0, 0, 128, 9, 9)"}));
     EXPECT_EQ(labels(window), (std::vector<std::string>{"当前仰俯角:45", "当前横滚角:256",
                                                         "当前偏航角:4294967295", "当前加速度:2147483649"}));
 }
 
-TEST_F(SetCameraLocationTest, TakesTheUpperBytesFFFF7FAsNoLocationWhateverTheLowestHolds) {
+TEST_F(SetCameraLocationTest, TakesUpperBytesFFFF7FAsNoLocation) {
     m_camera.hold(
         16, {{0, 0xFF, 0xFF, 0x7F}, {0xFF, 0xFF, 0xFF, 0x7F}, {0, 0xFF, 0xFF, 0x7E}, {0, 0xFE, 0xFF, 0x7F}});
     const QWidget* const window = open<SetCameraLocation>();
@@ -42,10 +43,10 @@ TEST_F(SetCameraLocationTest, TakesTheUpperBytesFFFF7FAsNoLocationWhateverTheLow
     EXPECT_EQ(labels(window),
               (std::vector<std::string>{"当前仰俯角:不支持,获取失败", "当前横滚角:不支持,获取失败",
                                         "当前偏航角:2130706176", "当前加速度:2147483136"}));
-    EXPECT_EQ(m_debug.count("got no location"), 2);
+    EXPECT_EQ(DebugLog::count("got no location"), 2);
 }
 
-TEST_F(SetCameraLocationTest, TellsOfShortMissingAndRefusedAnswersWithoutCallingThemNoLocation) {
+TEST_F(SetCameraLocationTest, DistinguishesFailuresFromNoLocation) {
     m_camera.hold(16, {{0xFF, 0xFF, 0x7F}, {}, {1}, {0xFF, 0xFF, 0xFF}});
     const std::vector<std::string> failed{"当前仰俯角:不支持,获取失败", "当前横滚角:不支持,获取失败",
                                           "当前偏航角:不支持,获取失败", "当前加速度:不支持,获取失败"};
@@ -60,7 +61,7 @@ TEST_F(SetCameraLocationTest, TellsOfShortMissingAndRefusedAnswersWithoutCalling
     window = open<SetCameraLocation>();
     settle();
     EXPECT_EQ(labels(window), failed);
-    EXPECT_EQ(m_debug.count("got no location"), 0);
+    EXPECT_EQ(DebugLog::count("got no location"), 0);
 }
 
 TEST_F(SetCameraLocationTest, DoesNothingWithoutALink) {
@@ -68,7 +69,7 @@ TEST_F(SetCameraLocationTest, DoesNothingWithoutALink) {
     const QWidget* const window = open<SetCameraLocation>();
     settle();
     EXPECT_EQ(labels(window), firstTexts);
-    EXPECT_TRUE(m_debug.all().empty());
+    EXPECT_TRUE(DebugLog::plainLines().empty());
     EXPECT_TRUE(requests().empty());
 }
 
@@ -85,7 +86,7 @@ TEST_F(SetCameraLocationTest, NeverRunsItsTimerAndConnectsNoButton) {
     EXPECT_EQ(timerOf(window)->interval(), 1000);
 }
 
-TEST_F(SetCameraLocationTest, TenAtOnceDoNotTakeEachOthersQuantities) {
+TEST_F(SetCameraLocationTest, TenAtOnceReadTheirOwnQuantities) {
     m_camera.hold(16, {{1, 0, 0, 0}, {2, 0, 0, 0}, {3, 0, 0, 0}, {4, 0, 0, 0}});
     std::vector<const QWidget*> windows;
     for (int i = 0; i < 10; ++i)
@@ -111,13 +112,13 @@ TEST_F(SetCameraLocationInMidFetch, EndsItsReadingWhenItIsClosed) {
     window->close();
     QTest::qWait(20);
     EXPECT_TRUE(window.isNull());
-    EXPECT_EQ(m_debug.count("cameraLocationUi destroyed"), 1);
+    EXPECT_EQ(DebugLog::count("cameraLocationUi destroyed"), 1);
     m_clock.release();
     settle();
     EXPECT_EQ(requests().size(), 1U);
 }
 
-TEST_F(SetCameraLocationInMidFetch, DropsTheResultOfALinkThatWasClosedMeanwhile) {
+TEST_F(SetCameraLocationInMidFetch, DropsTheResultOfAClosedLink) {
     const QWidget* const window = open<SetCameraLocation>();
     ASSERT_TRUE(m_clock.waitForFirst());
     m_borrowers.front().borrower->attachClient(nullptr);

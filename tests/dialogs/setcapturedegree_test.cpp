@@ -40,20 +40,21 @@ protected:
         return window;
     }
 
-    /// Debug lines without that of the full refresh.
+    /// Debug lines after that of the first refresh.
     [[nodiscard]] Lines linesAfterOpening() const {
-        Lines lines = m_debug.all();
+        Lines lines = DebugLog::plainLines();
         if (!lines.empty())
             lines.erase(lines.begin());
         return lines;
     }
 };
 
-TEST_F(SetCaptureDegreeTest, ReadsAllFourPropertiesInOrderAsSoonAsItOpens) {
+TEST_F(SetCaptureDegreeTest, ReadsAllFourPropertiesWhenItOpens) {
     const QWidget* const window = openAndWait();
     EXPECT_EQ(requests(), readAll);
     EXPECT_EQ(m_clock.pauses(), std::vector<std::chrono::nanoseconds>(4, 100ms));
-    EXPECT_EQ(m_debug.all(), Lines{"std::vector(30, 60) std::vector(1) std::vector() std::vector(1)"});
+    EXPECT_EQ(DebugLog::plainLines(),
+              Lines{"std::vector(30, 60) std::vector(1) std::vector() std::vector(1)"});
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度:30,60");
     EXPECT_EQ(textOf(window, "label_2"), "当前陀螺仪抓图方向:顺时针");
     EXPECT_EQ(textOf(window, "label_3"), "当前陀螺仪开启状态:开启");
@@ -72,29 +73,35 @@ TEST_F(SetCaptureDegreeTest, NeverRunsItsTimer) {
     EXPECT_EQ(timerOf(window)->interval(), 1000);
 }
 
-TEST_F(SetCaptureDegreeTest, ShowsAnyDirectionOtherThanOneAsAnticlockwiseAndAnyStateOtherThanOneAsOff) {
+TEST_F(SetCaptureDegreeTest, ShowsDirectionsOtherThanOneAsAnticlockwise) {
     m_camera.hold(11, {{2}, {0}, {255, 1}});
-    m_camera.hold(13, {{2}, {0}, {255, 1}});
     for (int i = 0; i < 3; ++i) {
         const QWidget* const window = openAndWait();
         EXPECT_EQ(textOf(window, "label_2"), "当前陀螺仪抓图方向:逆时针");
         EXPECT_TRUE(isChecked(window, "rb_anticlosewise"));
+    }
+}
+
+TEST_F(SetCaptureDegreeTest, ShowsGyroStatesOtherThanOneAsOff) {
+    m_camera.hold(13, {{2}, {0}, {255, 1}});
+    for (int i = 0; i < 3; ++i) {
+        const QWidget* const window = openAndWait();
         EXPECT_EQ(textOf(window, "label_3"), "当前陀螺仪开启状态:关闭");
         EXPECT_FALSE(isChecked(window, "cb_open"));
     }
 }
 
-TEST_F(SetCaptureDegreeTest, TellsOfEveryFailedRead) {
+TEST_F(SetCaptureDegreeTest, ShowsEveryFailedRead) {
     for (std::uint8_t id = 10; id <= 13; ++id)
         m_camera.answerReadsWith(id, {id, 1, 1, 1});
     const QWidget* const window = openAndWait();
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度:获取失败");
     EXPECT_EQ(textOf(window, "label_2"), "当前陀螺仪抓图方向:获取失败");
     EXPECT_EQ(textOf(window, "label_3"), "当前陀螺仪开启状态:获取失败");
-    EXPECT_EQ(m_debug.all(), Lines{"std::vector() std::vector() std::vector() std::vector()"});
+    EXPECT_EQ(DebugLog::plainLines(), Lines{"std::vector() std::vector() std::vector() std::vector()"});
 }
 
-TEST_F(SetCaptureDegreeTest, TakesShortAnswersAsFailedAndIgnoresWhatIsTooMuch) {
+TEST_F(SetCaptureDegreeTest, FailsShortAnswersAndIgnoresExtraBytes) {
     m_camera.hold(10, {{30}, {255, 0, 7, 7}});
     const QWidget* const window = openAndWait();
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度:获取失败");
@@ -124,7 +131,7 @@ TEST_F(SetCaptureDegreeTest, FailsEverywhereWithoutALink) {
     EXPECT_TRUE(requests().empty());
 }
 
-TEST_F(SetCaptureDegreeTest, AGetButtonReadsAndShowsItsOwnItemOnlyAndDoesNotPause) {
+TEST_F(SetCaptureDegreeTest, GetButtonReadsItsOwnItemWithoutPause) {
     struct Row {
         const char* button;
         const char* label;
@@ -149,7 +156,7 @@ TEST_F(SetCaptureDegreeTest, AGetButtonReadsAndShowsItsOwnItemOnlyAndDoesNotPaus
         press(window, row.button);
         settle();
         EXPECT_EQ(requests(), std::vector<std::string>{row.request});
-        EXPECT_EQ(m_debug.count(row.logged), 1);
+        EXPECT_EQ(DebugLog::count(row.logged), 1);
         for (const char* label : {"label_1", "label_2", "label_3"})
             EXPECT_EQ(textOf(window, label), std::string(label) == row.label ? row.shown : "old");
     }
@@ -165,7 +172,7 @@ TEST_F(SetCaptureDegreeTest, ItemThreeIsReadAndLoggedButNotShown) {
     window->doGetInfo(false, SetCaptureDegree::reserveItem);
     settle();
     EXPECT_EQ(requests(), std::vector<std::string>{readReserve});
-    EXPECT_EQ(m_debug.count("std::vector() std::vector() std::vector(9, 8) std::vector()"), 1);
+    EXPECT_EQ(DebugLog::count("std::vector() std::vector() std::vector(9, 8) std::vector()"), 1);
     for (const char* label : {"label_1", "label_2", "label_3"})
         EXPECT_EQ(textOf(window, label), "old");
 }
@@ -180,7 +187,7 @@ TEST_F(SetCaptureDegreeTest, AFailedGyroReadLeavesTheCheckBoxAsItIs) {
     EXPECT_TRUE(isChecked(window, "cb_open"));
 }
 
-TEST_F(SetCaptureDegreeTest, SendsTheLowBytesOfWhateverIsTypedAsAngles) {
+TEST_F(SetCaptureDegreeTest, SendsTheLowBytesOfAnyAngles) {
     struct Row {
         QString angleA;
         QString angleB;
@@ -202,7 +209,7 @@ TEST_F(SetCaptureDegreeTest, SendsTheLowBytesOfWhateverIsTypedAsAngles) {
         part<QLineEdit>(window, "et_set1_1")->setText(row.angleB);
         press(window, "btn_set1");
         EXPECT_EQ(requests(), std::vector<std::string>{row.request});
-        EXPECT_EQ(m_debug.count(row.logged), 1);
+        EXPECT_EQ(DebugLog::count(row.logged), 1);
     }
 }
 
@@ -216,7 +223,7 @@ TEST_F(SetCaptureDegreeTest, ReturnInEitherAngleSetsBoth) {
     EXPECT_EQ(requests(), std::vector<std::string>(2, "AA 5A 01 03 03 00 00 00 0A 1E 3C 16 B8"));
 }
 
-TEST_F(SetCaptureDegreeTest, SendsTheChosenDirectionAndAnticlockwiseWhenNoneIsChosen) {
+TEST_F(SetCaptureDegreeTest, SendsAnticlockwiseUnlessClockwiseIsChosen) {
     m_camera.fallSilent();
     const QWidget* const window = openAndWait();
     const std::string clockwise = "AA 5A 01 03 02 00 00 00 0B 01 8D 72";
@@ -244,14 +251,14 @@ TEST_F(SetCaptureDegreeTest, SendsTheGyroSwitch) {
     EXPECT_EQ(linesAfterOpening(), (Lines{"true", "false"}));
 }
 
-TEST_F(SetCaptureDegreeTest, ReadsTheSameItemAgainHalfASecondAfterAWriteWhateverItsResult) {
+TEST_F(SetCaptureDegreeTest, ReadsTheItemHalfASecondAfterAnyWrite) {
     struct Row {
         const char* button;
         std::string request;
     };
     const Row rows[] = {{"btn_set1", readAngles}, {"btn_set2", readDirection}, {"btn_set3", readGyro}};
     const QWidget* const window = openAndWait();
-    m_camera.answerWritesWith(PropertyCamera::frame(3, {10, 1}));
+    m_camera.answerWritesWith(answers::frame(3, {10, 1}));
     for (const Row& row : rows) {
         forgetRequests();
         press(window, row.button);
@@ -263,7 +270,7 @@ TEST_F(SetCaptureDegreeTest, ReadsTheSameItemAgainHalfASecondAfterAWriteWhatever
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度:30,60");
 }
 
-TEST_F(SetCaptureDegreeTest, ShowsWhatTheCameraHoldsAfterAnAcceptedWrite) {
+TEST_F(SetCaptureDegreeTest, ShowsTheCameraValueAfterAnAcceptedWrite) {
     const QWidget* const window = openAndWait();
     part<QLineEdit>(window, "et_set1_0")->setText("7");
     part<QLineEdit>(window, "et_set1_1")->setText("300");
@@ -271,7 +278,7 @@ TEST_F(SetCaptureDegreeTest, ShowsWhatTheCameraHoldsAfterAnAcceptedWrite) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return textOf(window, "label_1") == "当前陀螺仪抓图角度:7,44"; }));
 }
 
-TEST_F(SetCaptureDegreeTest, WaitsWithTheReadBackWhileSomebodyElseUsesTheClient) {
+TEST_F(SetCaptureDegreeTest, DelaysTheReadBackWhileTheClientIsBusy) {
     const QWidget* const window = openAndWait();
     press(window, "btn_set3");
     forgetRequests();
@@ -289,10 +296,10 @@ TEST_F(SetCaptureDegreeTest, MayBeClosedBetweenWriteAndReadBack) {
     window->close();
     QTest::qWait(600);
     EXPECT_TRUE(requests().empty());
-    EXPECT_EQ(m_debug.count("captureDegreeUi destroyed"), 1);
+    EXPECT_EQ(DebugLog::count("captureDegreeUi destroyed"), 1);
 }
 
-TEST_F(SetCaptureDegreeTest, FailsTheReadBackWhenTheLinkWasClosedAfterTheWrite) {
+TEST_F(SetCaptureDegreeTest, FailsTheReadBackAfterTheLinkClosed) {
     const QWidget* const window = openAndWait();
     press(window, "btn_set1");
     closeLink();
@@ -327,7 +334,7 @@ TEST_F(SetCaptureDegreeInMidFetch, EndsItsReadingWhenItIsClosed) {
     EXPECT_EQ(requests().size(), 1U);
 }
 
-TEST_F(SetCaptureDegreeInMidFetch, MayBeHiddenAndShowsTheResultAllTheSame) {
+TEST_F(SetCaptureDegreeInMidFetch, ShowsTheResultWhileHidden) {
     QWidget* const window = open<SetCaptureDegree>();
     ASSERT_TRUE(m_clock.waitForFirst());
     window->hide();
@@ -336,7 +343,7 @@ TEST_F(SetCaptureDegreeInMidFetch, MayBeHiddenAndShowsTheResultAllTheSame) {
     EXPECT_EQ(textOf(window, "label_3"), "当前陀螺仪开启状态:开启");
 }
 
-TEST_F(SetCaptureDegreeInMidFetch, DropsTheResultOfALinkThatWasClosedMeanwhile) {
+TEST_F(SetCaptureDegreeInMidFetch, DropsTheResultOfAClosedLink) {
     const QWidget* const window = open<SetCaptureDegree>();
     ASSERT_TRUE(m_clock.waitForFirst());
     m_borrowers.front().borrower->attachClient(nullptr);
@@ -348,7 +355,7 @@ TEST_F(SetCaptureDegreeInMidFetch, DropsTheResultOfALinkThatWasClosedMeanwhile) 
     EXPECT_EQ(textOf(window, "label_1"), "当前陀螺仪抓图角度");
 }
 
-TEST_F(SetCaptureDegreeTest, ClosingTheLinkEndsAFetchInTheMiddleOfItsPauses) {
+TEST_F(SetCaptureDegreeTest, ClosingTheLinkEndsAFetchInItsPause) {
     m_clock.speedUp(1);
     m_clock.pauseForReal();
     for (int i = 0; i < 10; ++i)

@@ -1,4 +1,4 @@
-// What each of the three writing windows does in its own way.
+// Differences of the three writing windows.
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
@@ -26,7 +26,7 @@ TEST_F(SetSNTest, SeedsWithAFixedTextWhenNoAdapterHasAnAddress) {
     EXPECT_EQ(SetSN::adapterText({QNetworkInterface()}), "123456");
 }
 
-TEST_F(SetSNTest, SeedsWithTheFirstAddressOfAnAdapterThatIsNoLoopback) {
+TEST_F(SetSNTest, SeedsWithTheFirstAdapterExceptLoopback) {
     QList<QNetworkInterface> loopbacks;
     QString first;
     for (const QNetworkInterface& adapter : QNetworkInterface::allInterfaces()) {
@@ -81,7 +81,7 @@ TEST_F(SetSNTest, ShowsTheNumberUpToItsFirstZeroByte) {
     const QWidget* const window = open<SetSN>();
     press(window, "btn_getsn");
     EXPECT_EQ(textOf(window, "label_setsn"), "当前序列号:  SN1");
-    EXPECT_EQ(m_debug.count("sn: SN1"), 1);
+    EXPECT_EQ(DebugLog::count("sn: SN1"), 1);
 }
 
 TEST_F(SetSNTest, ShowsTheBarePrefixAfterAFailedRead) {
@@ -96,7 +96,7 @@ TEST_F(SetSNTest, ShowsTheBarePrefixAfterAFailedRead) {
     }
 }
 
-TEST_F(SetSNTest, ShowsWhateverTheCameraSaysAsPlainText) {
+TEST_F(SetSNTest, ShowsCameraTextAsPlainText) {
     m_camera.hold(3, {{'<', 'b', '>', '&', 'a'}});
     const QWidget* const window = open<SetSN>();
     press(window, "btn_getsn");
@@ -141,11 +141,12 @@ TEST_F(SetPwmHeatTest, ShowsTheFirstByteOfTheAnswerAndLogsAll) {
         press(window, "btn_getheat");
         EXPECT_EQ(textOf(window, "label_setheat"), shown);
     }
-    EXPECT_EQ(m_debug.all(), (Lines{"resultVector: std::vector(30)", "resultVector: std::vector(30, 1, 2)",
-                                    "resultVector: std::vector(255)"}));
+    EXPECT_EQ(DebugLog::plainLines(),
+              (Lines{"resultVector: std::vector(30)", "resultVector: std::vector(30, 1, 2)",
+                     "resultVector: std::vector(255)"}));
 }
 
-TEST_F(SetPwmHeatTest, TellsOfAFailedReadAndLogsNothing) {
+TEST_F(SetPwmHeatTest, ShowsAFailedReadAndLogsNothing) {
     const QWidget* const window = open<SetPwmHeat>();
     const std::vector<PropertyCamera::Bytes> payloads{{15, 1, 30}, {15}, {}, {15, 0}};
     for (const auto& payload : payloads) {
@@ -154,7 +155,7 @@ TEST_F(SetPwmHeatTest, TellsOfAFailedReadAndLogsNothing) {
         press(window, "btn_getheat");
         EXPECT_EQ(textOf(window, "label_setheat"), "获取占空比失败");
     }
-    EXPECT_TRUE(m_debug.all().empty());
+    EXPECT_TRUE(DebugLog::plainLines().empty());
 }
 
 TEST_F(SetPicRateTest, ShowsTheFirstByteOfTheAnswerAndLogsAll) {
@@ -162,11 +163,11 @@ TEST_F(SetPicRateTest, ShowsTheFirstByteOfTheAnswerAndLogsAll) {
     m_camera.hold(6, {{85, 7}});
     press(window, "btn_getsn");
     EXPECT_EQ(textOf(window, "label_setsn"), "当前图片压缩率:  85");
-    EXPECT_EQ(m_debug.all(), Lines{"resultVector: std::vector(85, 7)"});
+    EXPECT_EQ(DebugLog::plainLines(), Lines{"resultVector: std::vector(85, 7)"});
     m_camera.answerReadsWith(6, {6, 2});
     press(window, "btn_getsn");
     EXPECT_EQ(textOf(window, "label_setsn"), "获取图片压缩率失败");
-    EXPECT_EQ(m_debug.all().size(), 1U);
+    EXPECT_EQ(DebugLog::plainLines().size(), 1U);
 }
 
 // --- compression rate ----------------------------------------------------------------------------------
@@ -180,7 +181,7 @@ TEST_F(SetPicRateTest, SendsNothingForAnEmptyText) {
     EXPECT_TRUE(requests().empty());
 }
 
-TEST_F(SetPicRateTest, SendsTheLowByteOfWhateverIsTyped) {
+TEST_F(SetPicRateTest, SendsTheLowByteOfAnyInput) {
     const std::string zero = "AA 5A 01 03 02 00 00 00 06 00 F0 14";
     const std::vector<std::pair<QString, std::string>> rows{
         {"85", "AA 5A 01 03 02 00 00 00 06 55 A0 1E"},
@@ -221,9 +222,9 @@ TEST_F(SetPicRateTest, ReturnInTheLineEditSetsTheRate) {
     EXPECT_EQ(requests().size(), 1U);
 }
 
-TEST_F(SetSNTest, EachWindowSaysThatItIsGone) {
+TEST_F(SetSNTest, EachWindowLogsItsEnd) {
     delete open<SetSN>();
     delete open<SetPwmHeat>();
     delete open<SetPicRate>();
-    EXPECT_EQ(m_debug.all(), (Lines{"snUi destroyed", "pwmHeatUi destroyed", "picrate destroyed"}));
+    EXPECT_EQ(DebugLog::plainLines(), (Lines{"snUi destroyed", "pwmHeatUi destroyed", "picrate destroyed"}));
 }

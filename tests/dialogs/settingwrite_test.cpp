@@ -1,4 +1,4 @@
-// Writing a setting and the countdown after it: what the three writing windows have in common.
+// Writing a setting and the countdown after it, in all three writing windows.
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
@@ -102,7 +102,7 @@ protected:
         return window;
     }
 
-    /// How many of the controls can be used.
+    /// Number of enabled controls.
     static std::size_t enabledControls(const QWidget* window) {
         std::size_t count = 0;
         for (const char* name : kind().controls)
@@ -114,7 +114,7 @@ protected:
         return QString(kind().countdown).arg(seconds).toStdString();
     }
 
-    /// All ticks but the last, which declares success.
+    /// All ticks except the last, which shows success.
     static void countDownToZero(const QWidget* window) {
         for (int seconds = kind().seconds; seconds > 0; --seconds) {
             tick(window);
@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(Windows, SettingWriteTest,
                          testing::Values(&serialNumber, &heaterDuty, &compressionRate),
                          [](const auto& tested) { return std::string(tested.param->name); });
 
-TEST_P(SettingWriteTest, HoldsTheControlsAfterAnAcceptedWriteCountsDownAndReadsBack) {
+TEST_P(SettingWriteTest, LocksControlsCountsDownAndReadsBack) {
     const StdoutCapture output;
     QWidget* const window = openWindow();
     press(window, kind().setButton);
@@ -158,11 +158,11 @@ TEST_P(SettingWriteTest, StartsTheNextCountdownFromItsFirstSecondAgain) {
     }
 }
 
-TEST_P(SettingWriteTest, GivesTheControlsBackAfterARefusedMissingShortOrLongAnswer) {
-    auto stray = PropertyCamera::frame(3, {kind().id, 0});
+TEST_P(SettingWriteTest, EnablesTheControlsAfterABadAnswer) {
+    auto stray = answers::frame(3, {kind().id, 0});
     stray.push_back(0xEE);
     const std::vector<PropertyCamera::Bytes> answers{
-        PropertyCamera::frame(3, {kind().id, 1}), {}, {0xAA, 0x5A, 0x01, 0x03, 0x02}, {0xAA}, stray};
+        answers::frame(3, {kind().id, 1}), {}, {0xAA, 0x5A, 0x01, 0x03, 0x02}, {0xAA}, stray};
     for (const auto& answer : answers) {
         SCOPED_TRACE(fake_serial::hex(answer));
         m_camera.answerWritesWith(answer);
@@ -198,7 +198,7 @@ TEST_P(SettingWriteTest, FailsWithoutALink) {
     EXPECT_TRUE(requests().empty());
 }
 
-TEST_P(SettingWriteTest, OnlyStopsTheTimerAtATickWhileHidden) {
+TEST_P(SettingWriteTest, TickWhileHiddenOnlyStopsTheTimer) {
     QWidget* const window = openWindow();
     press(window, kind().setButton);
     tick(window);
@@ -211,7 +211,7 @@ TEST_P(SettingWriteTest, OnlyStopsTheTimerAtATickWhileHidden) {
     window->show();
     EXPECT_EQ(enabledControls(window), 0U);
     EXPECT_FALSE(timerOf(window)->isActive());
-    tick(window); // the counter stood still
+    tick(window); // the counter has not moved
     EXPECT_EQ(textOf(window, "label_hint"), countdownText(kind().seconds - 1));
     EXPECT_EQ(requests().size(), 1U);
 }
@@ -227,7 +227,7 @@ TEST_P(SettingWriteTest, MayBeClosedInMidCountdown) {
     EXPECT_EQ(requests().size(), 1U);
 }
 
-TEST_P(SettingWriteTest, EndsTheCountdownWithAFailedReadWhenTheLinkWasClosedMeanwhile) {
+TEST_P(SettingWriteTest, FailsTheReadBackAfterTheLinkClosed) {
     QWidget* const window = openWindow();
     press(window, kind().setButton);
     tick(window);
@@ -250,7 +250,7 @@ TEST_P(SettingWriteTest, ReadsBackOverTheLinkThatIsOpenThen) {
     EXPECT_EQ(textOf(window, kind().readLabel), kind().readBack);
 }
 
-TEST_P(SettingWriteTest, WaitsWithTheReadBackWhileSomebodyElseUsesTheClient) {
+TEST_P(SettingWriteTest, DelaysTheReadBackWhileTheClientIsBusy) {
     QWidget* const window = openWindow();
     press(window, kind().setButton);
     m_borrowers.front().borrower->setExchangeAllowed(false);
@@ -265,7 +265,7 @@ TEST_P(SettingWriteTest, WaitsWithTheReadBackWhileSomebodyElseUsesTheClient) {
     EXPECT_EQ(textOf(window, kind().readLabel), kind().readBack);
 }
 
-TEST_P(SettingWriteTest, GivesTheKeyboardFocusBackWithTheControls) {
+TEST_P(SettingWriteTest, RestoresTheFocusWithTheControls) {
     QWidget* const window = openWindow();
     auto* const button = part<QAbstractButton>(window, kind().setButton);
     button->setFocus();
@@ -308,7 +308,7 @@ TEST_P(SettingWriteTest, LeavesTheFocusWhereTheUserMovesIt) {
     EXPECT_EQ(window->focusWidget(), &other);
 }
 
-TEST_P(SettingWriteTest, GivesTheFocusBackAfterSomebodyElseHasUsedTheClient) {
+TEST_P(SettingWriteTest, RestoresTheFocusAfterAnotherUser) {
     QWidget* const window = openWindow();
     auto* const button = part<QAbstractButton>(window, kind().setButton);
     button->setFocus();

@@ -1,8 +1,7 @@
-// The commands that the documents tell to type: those of the virtual camera are started as they stand,
-// scripts and presets have to be there with the options named.
+// Commands in the documents: those of the virtual camera are run, scripts, presets and options must exist.
 #include "emulator/line/pty.h"
 #include "tests/docs/markdown.h"
-#include "tests/emulator/program.h"
+#include "tests/emulator/program/program.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +17,7 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using emulatortest::Program;
 
-/// One line to be typed.
+/// One command line.
 struct Typed {
     std::string document;
     std::string line;
@@ -96,7 +95,7 @@ class VirtualCameraLine : public testing::TestWithParam<Typed> {};
 
 } // namespace
 
-TEST_P(VirtualCameraLine, StartsAsItStandsAndEndsWell) {
+TEST_P(VirtualCameraLine, StartsAndEndsWithoutError) {
     emulator::Pty device;
     device.open();
     fs::create_directory("photos");
@@ -118,7 +117,7 @@ TEST_P(VirtualCameraLine, StartsAsItStandsAndEndsWell) {
 INSTANTIATE_TEST_SUITE_P(Documents, VirtualCameraLine, testing::ValuesIn(typedLines("virtual-camera")),
                          [](const auto& test) { return std::to_string(test.index); });
 
-TEST(DocumentedCommands, NameScriptsThatAreThereWithTheOptionsThatTheyKnow) {
+TEST(DocumentedCommands, UseExistingScriptsAndOptions) {
     const std::vector<Typed> lines = typedLines(".sh");
     EXPECT_GT(lines.size(), 10U);
     for (const Typed& typed : lines) {
@@ -135,7 +134,7 @@ TEST(DocumentedCommands, NameScriptsThatAreThereWithTheOptionsThatTheyKnow) {
     }
 }
 
-TEST(DocumentedCommands, NamePresetsThatThereAre) {
+TEST(DocumentedCommands, UseExistingPresets) {
     const std::string presets = markdown::contentOf(markdown::sourceFolder() / "CMakePresets.json");
     const std::regex preset(R"(--preset (\w+))");
     int looked = 0;
@@ -150,7 +149,7 @@ TEST(DocumentedCommands, NamePresetsThatThereAre) {
     EXPECT_GT(looked, 4);
 }
 
-TEST(DocumentedCommands, AreAllOfAKindThatIsTriedSomewhere) {
+TEST(DocumentedCommands, AreAllOfATestedKind) {
     const std::vector<Typed> all = typedLines();
     const std::size_t tried = typedLines("virtual-camera").size() + typedLines(".sh").size() +
                               typedLines("cmake ").size() + typedLines("build/release/app/shelf-").size() +

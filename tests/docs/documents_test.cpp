@@ -102,7 +102,7 @@ std::set<std::string> textsOf(const fs::path& folder) {
 
 } // namespace
 
-TEST(Documents, LinkOnlyToWhatExists) {
+TEST(Documents, HaveNoBrokenLink) {
     for (const fs::path& document : documents()) {
         for (const std::string& target : markdown::targets(markdown::contentOf(document)))
             EXPECT_EQ(missingBehind(document, target), "") << document;

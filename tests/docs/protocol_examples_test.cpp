@@ -24,14 +24,14 @@ using namespace protocol;
 
 namespace {
 
-/// One example: how its bytes come about, by what it is called in the document.
+/// An example of the document: its name and the origin of its bytes.
 using Examples = std::map<std::string, std::function<Bytes()>>;
 
 constexpr std::uint32_t exampleTime = 0x65A0B1C2;
 const std::string orderedBytes = "00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13";
 const std::string orderedDigest = "15 49 D1 AA E2 02 14 E0 65 AB 4B 76 AA AC 89 A8";
 
-/// What a fresh client writes, sleeping nowhere. Answers are scripted by the call itself.
+/// Writes of a new client, without sleeping. The call scripts the answers.
 std::vector<Bytes> writesOf(const std::function<void(CameraSp&)>& call) {
     fake_serial::reset();
     const StdoutCapture quiet;
@@ -396,7 +396,7 @@ std::vector<Shown> shownUnder(std::string_view heading) {
 
 } // namespace
 
-TEST(ProtocolExamples, AreShownForEverythingAndForNothingElse) {
+TEST(ProtocolExamples, ExistForEveryCommandAndNothingElse) {
     std::set<std::string> expected;
     for (const auto& [what, make] : allExamples())
         expected.insert(what);
@@ -406,7 +406,7 @@ TEST(ProtocolExamples, AreShownForEverythingAndForNothingElse) {
     EXPECT_EQ(documented, expected);
 }
 
-TEST(ProtocolExamples, AreWhatTheClientSendsAndTheLayoutsMake) {
+TEST(ProtocolExamples, MatchClientAndLayouts) {
     const Examples examples = allExamples();
     for (const Shown& shown : shownUnder("## Byte examples")) {
         const auto example = examples.find(shown.what);
@@ -467,7 +467,7 @@ TEST(ProtocolExamples, AreEnvelopesWithRightCountsAndCheckCode) {
     }
 }
 
-TEST(ProtocolExamples, OfAnswersSayToTheClientWhatTheirNamesSay) {
+TEST(ProtocolExamples, AnswersHaveTheMeaningOfTheirNames) {
     const auto answerNamed = [](const std::string& what) {
         for (const Shown& shown : shownUnder("### Answers")) {
             if (shown.what == what)

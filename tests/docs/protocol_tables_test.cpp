@@ -140,7 +140,7 @@ TEST(ProtocolDocument, ListsEveryCommandWithItsCode) {
     EXPECT_EQ(documented, expected);
 }
 
-TEST(ProtocolDocument, AddsTheOffsetToTheFirstGenerationsPictureCommandsOnly) {
+TEST(ProtocolDocument, OffsetsOnlyFirstGenerationPictureCommands) {
     std::vector<std::string> shifted;
     for (const markdown::Row& row : tableOf("## Commands")) {
         if (row.at(2) == "yes")

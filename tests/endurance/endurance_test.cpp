@@ -1,4 +1,4 @@
-// Everything many times over in one process; the camera lives in another.
+// Memory, descriptors and threads over many repetitions; the camera runs in another process.
 #include "bench/farend.h"
 #include "bench/lognowhere.h"
 #include "bench/measure.h"
@@ -23,12 +23,12 @@ constexpr std::size_t imageSize = 200000;
 constexpr std::uint32_t pictureSize = 40 * 512 - 11; // a transfer of whole reads
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool memoryCounts = false; // the sanitizer keeps what is freed
+constexpr bool memoryCounts = false; // the sanitizer keeps freed memory
 #else
 constexpr bool memoryCounts = true;
 #endif
 
-/// Answers that fill their reads come back at once: a thousand exchanges need no thousand time-outs.
+/// Answers that fill their reads, so that a thousand exchanges do not wait for a thousand timeouts.
 void prepare(emulator::PtyFront& front) {
     front.withCamera([](emulator::VirtualCamera& camera) {
         camera.state().appVersion = "1.2";                  // a frame of 15 bytes
@@ -59,7 +59,7 @@ protected:
         std::ofstream(imageName) << std::string(imageSize, 'i');
     }
 
-    /// Does it a few times unwatched, for what is made once, and then so many times.
+    /// Warms up, then measures the repetitions.
     void repeat(const char* what, int times, const std::function<bool(int round)>& work) {
         const int warmUp = std::max(5, times / 10);
         int failures = 0;
@@ -100,13 +100,13 @@ bool exchangeOnce(CameraSp& camera, int round) {
     case 3:
         return camera.getCommonPropertyWithoutParse(3, 0x0F, 50, 8).size() == 8;
     default:
-        // One in 25 is a write, which costs its time-out.
+        // One in 25 is a write, which waits for its timeout.
         return round % 25 == 4 ? camera.setCommonProperty(15, {30}, 3) : !camera.getSn().empty();
     }
 }
 
 bool uploadOnce(CameraSp& camera, int round) {
-    // Every tenth waits for a verdict and a second for it; a system image has none.
+    // Every tenth waits one second for its verdict; a system image has none.
     return round % 10 == 0 ? camera.appUpdate() : camera.firewareUpdate();
 }
 
@@ -119,32 +119,32 @@ bool captureOnce(CameraSp& camera, std::uint16_t id, bool lists) {
     const std::string file = std::to_string(id) + ".jpg";
     const bool right = std::filesystem::file_size(file) == pictureSize;
     std::filesystem::remove(file);
-    camera.getAppVersion(); // short time-outs again, after the catalogue's long ones
+    camera.getAppVersion(); // sets short timeouts after the long ones of the catalogue
     return right && camera.delPicV1(0xFFFF, 0, 0);
 }
 
 } // namespace
 
-TEST_F(Endurance, AThousandExchangesLeaveTheProcessAsItWas) {
+TEST_F(Endurance, ThousandExchangesLeakNothing) {
     CameraSp camera(ostra.portName(), baudRate, clock);
     repeat("exchanges", 1000, [&](int round) { return exchangeOnce(camera, round); });
 }
 
-TEST_F(Endurance, TwoHundredLinksLeaveTheProcessAsItWas) {
+TEST_F(Endurance, TwoHundredLinksLeakNothing) {
     repeat("openings and closings", 200, [&](int) {
         CameraSp camera(ostra.portName(), baudRate, clock);
         return camera.getAppVersion() == "1.2";
     });
 }
 
-TEST_F(Endurance, FiftyUploadsLeaveTheProcessAsItWas) {
+TEST_F(Endurance, FiftyUploadsLeakNothing) {
     CameraSp camera(ostra.portName(), baudRate, clock);
     camera.setAppFilePath(imageName);
     camera.setFirewareFilePath(imageName);
     repeat("uploads of 200 kB", 50, [&](int round) { return uploadOnce(camera, round); });
 }
 
-TEST_F(Endurance, FiftyCapturesLeaveTheProcessAsItWas) {
+TEST_F(Endurance, FiftyCapturesLeakNothing) {
     CameraSp camera(dynamic.portName(), baudRate, clock);
     camera.setSlaveAddress(emulator::settingsForType(CameraType::salesDynamic).address);
     std::uint16_t id = emulator::CameraState().nextPictureId;
@@ -152,7 +152,7 @@ TEST_F(Endurance, FiftyCapturesLeaveTheProcessAsItWas) {
            [&](int round) { return captureOnce(camera, id++, round % 10 == 0); });
 }
 
-TEST_F(Endurance, AllOfItInTurnLeavesTheProcessAsItWas) {
+TEST_F(Endurance, MixedUseLeaksNothing) {
     CameraSp origin(ostra.portName(), baudRate, clock);
     origin.setFirewareFilePath(imageName);
     CameraSp v1(dynamic.portName(), baudRate, clock);

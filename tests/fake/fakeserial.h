@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// What the port objects made in this process do and have done. One script for all of them; any thread.
+/// Script and record of all port objects of the process. Thread-safe.
 namespace fake_serial {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -22,13 +22,13 @@ void setPorts(std::vector<serial::PortInfo> ports);
 /// Every non-empty port name fails to open with serial::IOException of this error number; 0 opens again.
 void failOpening(int errorNumber);
 
-/// One read call to come returns these bytes. More bytes than asked for stay for the next read.
+/// A later read call returns these bytes. Extra bytes stay for the next read.
 void willRead(Bytes bytes);
-/// One read call to come returns nothing, as after a time-out.
+/// A later read call returns nothing, as after a timeout.
 void willTimeOut(int times = 1);
-/// One read call to come throws serial::SerialException.
+/// A later read call throws serial::SerialException.
 void willThrowOnRead();
-/// After the reads that were scripted every read returns these bytes (empty: nothing, the default).
+/// After the scripted reads, every read returns these bytes (default: none).
 void willReadForever(Bytes bytes);
 /// The next write reports this count instead of all.
 void willWriteOnly(std::size_t count);
@@ -37,7 +37,7 @@ void throwOn(const std::string& call, const std::string& text = "scripted");
 /// flushInput throws serial::IOException with this text; the default is that of version 1.2.1 of the library
 /// on Windows.
 void refuseFlushInput(const std::string& text = "flushInput is not supported on Windows.");
-/// available() reports this count although the read to come returns nothing.
+/// available() reports this count although the next read returns nothing.
 void willPromise(std::size_t count);
 /// Called after every write with the bytes written, on the writing thread; may script reads.
 void onWrite(std::function<void(const Bytes&)> reaction);

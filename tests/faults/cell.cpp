@@ -29,16 +29,16 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 using Texts = std::vector<std::string>;
 
-/// Beyond the bound: what starting threads and a busy machine cost.
+/// Allowance for starting threads and a busy machine.
 constexpr milliseconds allowance = 1s;
 constexpr int allowancePercent = 5;
-/// Longer than the pause between announcement and data, and a read that waits in vain for more of the answer.
+/// Longer than the pause between announcement and data plus a read that times out.
 constexpr milliseconds uploadSilence = 4500ms;
 /// Several rows run at once: their cells begin one after another, so that no camera answers too late for
 /// that.
 constexpr auto startPause = 20ms;
 constexpr std::size_t shortUpload = 1300;
-/// More than the line holds by itself.
+/// More than the buffers of the line.
 constexpr std::size_t longUpload = 200'000;
 
 protocol::Bytes pattern(std::size_t size) {
@@ -156,7 +156,7 @@ private:
         return m_command.run(bench);
     }
 
-    /// The command, timed; one that is to wait for ever is stopped when its patience is over.
+    /// Measures the command; stops an endless one after its limit.
     void timedCommand() {
         std::promise<void> ended;
         std::atomic<bool> stopped{false};
@@ -217,7 +217,7 @@ private:
                 "drops " + std::to_string(dropped) + " bytes of garbage");
     }
 
-    /// What a user does: plugs the device in again, opens the link again.
+    /// Plugs the device in and opens the link again.
     void recover() {
         if (m_fault.starts_with("hang-up") || m_fault.starts_with("upload-hang-up")) {
             waitFor([this] { return !m_front.lineOpen(); },
@@ -280,8 +280,7 @@ private:
     Texts m_complaints;
 };
 
-// --- a process each
-// -------------------------------------------------------------------------------------------
+// --- a process each ----------------------------------------------------------------------------------------
 
 Cell guardedRun(const Command& command, const std::string& fault, const Expected& expected, std::uint8_t id) {
     try {

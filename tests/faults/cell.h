@@ -5,7 +5,7 @@
 
 namespace faultmatrix {
 
-/// What was seen in a cell, and what of it was not as it must be.
+/// Observations in a cell, and the unexpected ones among them.
 struct Cell {
     std::string fault;
     Ending ending = Ending::fails;

@@ -1,4 +1,4 @@
-// The rows of the fault matrix: commands, and what each of them does at each fault.
+// The rows of the fault matrix: commands and their expected result for each fault.
 #pragma once
 
 #include "emulator/line/ptyfront.h"
@@ -22,7 +22,7 @@ enum class Ending {
     endless,    ///< it waits until the link is stopped
 };
 
-/// What a cell has to show.
+/// Expected result of a cell.
 struct Expected {
     Ending ending = Ending::works;
     /// Patterns of the shell; each fits a line of the log. No line fits another pattern of the row.
@@ -34,7 +34,7 @@ struct Expected {
 /// By fault, as the virtual camera takes it.
 using Column = std::map<std::string, Expected>;
 
-/// Everything that a command works on.
+/// Objects that a command uses.
 struct Bench {
     CameraSp& client;
     emulator::PtyFront& front;
@@ -52,7 +52,7 @@ struct Command {
     milliseconds longest{0}; ///< bound of every cell
     Column cells;
     std::vector<std::string> goodLines;
-    /// An endless command is stopped after this.
+    /// Time after which an endless command is stopped.
     milliseconds patience{1500};
     bool dropsGarbage = true; ///< logs each byte in front of an answer
     bool leavesFile = false;  ///< even when it fails
@@ -75,7 +75,7 @@ std::ostream& operator<<(std::ostream& out, const Command& command);
 [[nodiscard]] std::vector<Command> jsonCommands();
 [[nodiscard]] std::vector<Command> uploadCommands();
 
-/// What a command logs when it works, when it gets no whole answer, when the device goes away.
+/// Log lines of success, of an incomplete answer, of a vanished device.
 struct Lines {
     std::vector<std::string> good;
     std::vector<std::string> unanswered;
@@ -95,7 +95,7 @@ struct Lines {
 [[nodiscard]] Column frameColumn(const Lines& lines);
 /// The first column with the cells of the second put in or replaced.
 [[nodiscard]] Column with(Column column, const Column& changed);
-/// Without cells of faults that say nothing to the command.
+/// Without the cells of these faults.
 [[nodiscard]] Column without(Column column, const std::vector<std::string>& faults);
 
 [[nodiscard]] inline Ending endingOf(bool success) {

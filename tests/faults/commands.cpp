@@ -1,4 +1,4 @@
-// What the rows have in common.
+// Common cells of the rows.
 #include "tests/faults/command.h"
 
 #include <ostream>

@@ -1,4 +1,4 @@
-// Commands against faults, over a pty with the real serial library.
+// Commands under faults, over a pseudo-terminal with the real serial library.
 #include "tests/faults/report.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Named by the environment, the page of what is seen; its rows are kept beside it.
+/// Page of results, named by the environment; its rows are stored beside it.
 std::filesystem::path pagePath() {
     const char* const path = std::getenv("CAMERA_FAULT_REPORT");
     return path == nullptr ? "" : path;
@@ -24,8 +24,7 @@ std::filesystem::path rowsFolder() {
     return pagePath().string() + ".rows";
 }
 
-/// Cells that last minutes run when the page is written, not every time: the waiting that they see is
-/// counted read by read against the recording library.
+/// Cells that take minutes run only for the page: tests with the recording library count their reads.
 Command withoutLongWaits(Command command) {
     constexpr auto longWait = 60s;
     if (pagePath().empty() && command.longest > longWait)
@@ -47,7 +46,7 @@ class PageAtTheEnd : public testing::Environment {
 
 class FaultMatrix : public testing::TestWithParam<Command> {};
 
-TEST_P(FaultMatrix, EveryFaultEndsAsItMustInTimeWithItsLogLineAndTheNextCommandWorks) {
+TEST_P(FaultMatrix, MatchesExpectedOutcome) {
     const Command command = withoutLongWaits(GetParam());
     const std::vector<Cell> cells = runRow(command);
     for (const Cell& cell : cells) {

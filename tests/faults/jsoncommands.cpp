@@ -21,7 +21,7 @@ Command row(const char* method, const char* part, const char* request, std::func
     command.run = std::move(run);
     command.longest = longest;
     command.goodLines = lines.good;
-    // An envelope of its own: no address, and its start is another.
+    // The envelope has no address and another start.
     command.cells = with(without(frameColumn(lines), {"address=0x55", "command=0x21"}), changed);
     return command;
 }
@@ -60,7 +60,7 @@ Command firstPiece() {
                 {"invalid-json", {works, lines.good, {}}}});
 }
 
-/// 5000 reads of 50 ms: a camera that falls silent in the middle keeps the command for four minutes.
+/// 5000 reads of 50 ms: silence in the middle keeps the command waiting for four minutes.
 Command laterPiece() {
     const Lines lines{
         {"first end"}, {"first end", "check2 failed", "read failed"}, {"first end", "command failed:*"}};

@@ -59,11 +59,10 @@ Command catalogue(const std::string& method, const std::string& request, CameraT
 }
 
 // --- transfers: blocks are read until size + 11 bytes are there, and nothing but the result is looked at
-// ----
 
 Column transferColumn(const Lines& lines, const Expected& refused) {
     const Expected good{works, lines.good, {}};
-    const Expected shifted{otherValue, lines.good, {}}; // a picture that begins too early in the answer
+    const Expected shifted{otherValue, lines.good, {}}; // the picture starts too early in the answer
     const Expected waits{endless, stopped, {}};
     Column column = frameColumn(lines);
     for (const char* const fault : {"silent", "late", "raw=414243", "truncate=1", "truncate=6", "payload=2",
@@ -109,8 +108,7 @@ std::vector<Command> transfers() {
     };
 }
 
-// --- takePic: five exchanges of a second each, with a second between them
-// ------------------------------------
+// --- takePic: five exchanges of a second each, with a second between them ----------------------------------
 
 constexpr auto takePicUsual = 9s;
 

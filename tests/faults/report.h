@@ -1,4 +1,5 @@
-// The matrix as two pages: how each command ends under each fault, and the same with times and log lines.
+// The matrix as two pages: the ending of each command under each fault, and the same with times and log
+// lines.
 #pragma once
 
 #include "tests/faults/cell.h"

@@ -27,13 +27,13 @@ Command row(const std::string& method, const std::string& request, std::function
     return command;
 }
 
-/// Reads that log through the generic property read.
+/// Commands that log as the generic property read.
 const Lines propertyLines{{"end commonproperty"},
                           {"getCommonProperty error2:check failed in getCommonProperty"},
                           {"getCommonProperty error3:*"}};
 const Expected propertyRefused{fails, {"getCommonProperty error2:getCommonProperty result !=0x00"}, {}};
 
-/// What the generic property read does beyond the column of frames.
+/// Cells of the generic property read beyond the column of frames.
 Column propertyCells(const Column& more) {
     return with({{"result=1", propertyRefused},
                  {"result=0xFF", propertyRefused},
@@ -78,7 +78,7 @@ Command heartbeat() {
                 {"delay=400", nothing}});
 }
 
-/// One short read of an answer without a frame: whatever came is the value.
+/// One short read of an answer without a frame: all bytes are the value.
 Command rawProperty() {
     const std::vector<std::string> end{"end commonpropertyWithoutParse"};
     const Expected empty{fails, end, {}};
@@ -106,7 +106,7 @@ Command rawProperty() {
     return command;
 }
 
-/// Nothing is read: whatever the camera answers, the door command is done when it is written.
+/// The door command reads nothing: it is done when it is written.
 Command door() {
     Command command =
         row("opDoor", "door",

@@ -166,8 +166,7 @@ Command modelUpdate() {
                 patient + 3s}}}));
 }
 
-// --- second protocol: five announcements of which the last counts, eleven closing packets
-// --------------------
+// --- second protocol: five announcements of which the last counts, eleven closing packets ------------------
 
 const std::vector<std::string> closed{"packageResult:0"};
 

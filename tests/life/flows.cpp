@@ -1,4 +1,4 @@
-// Everything that uses the link, as a user starts it.
+// The flows that use the link.
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcapturedegree.h"
 #include "dialogs/setpicrate.h"

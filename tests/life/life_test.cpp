@@ -1,4 +1,4 @@
-// The link ends at a random moment of everything that uses it.
+// The link ends at a random moment of each flow.
 #include "tests/life/livingwindow.h"
 #include "tests/support/stdoutcapture.h"
 
@@ -44,15 +44,11 @@ void PrintTo(const FlowAndEnding& test, std::ostream* out) {
     *out << nameOf(test);
 }
 
-class Life : public testing::TestWithParam<FlowAndEnding> {
-protected:
-    StdoutCapture quiet;
-    guitest::DebugLog alsoQuiet;
-};
+class Life : public testing::TestWithParam<FlowAndEnding> {};
 
 } // namespace
 
-TEST_P(Life, LeavesNothingBehindAndTheNextLinkWorks) {
+TEST_P(Life, EndsCleanlyAndTheNextLinkWorks) {
     const auto& [number, ending] = GetParam();
     const Flow& flow = flows()[number];
     const unsigned seed = numberFrom("CAMERA_LIFE_SEED", defaultSeed);

@@ -1,9 +1,8 @@
 #include "tests/life/livingwindow.h"
 
-#include "dialogs/setcameraprotocol.h"
-#include "tests/gui/support/printing.h"
+#include "tests/support/printing.h"
+#include "tests/support/windowactions.h"
 
-#include <QComboBox>
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLabel>
@@ -30,7 +29,7 @@ constexpr int stepGapMs = 15;
 constexpr auto startedBy = 700ms;
 constexpr int releaseLimitMs = 2000;
 constexpr int lateMs = 300;      // a dropped result would have come by then
-constexpr int comeBackMs = 6000; // the camera ends what it was in the middle of
+constexpr int comeBackMs = 6000; // until the camera gives up an interrupted upload
 constexpr std::size_t fileSize = 30000;
 constexpr std::uint32_t pace = 46080; // bytes per second
 constexpr const char* fileName = "image.bin";
@@ -56,7 +55,7 @@ std::ptrdiff_t timesOpen(const std::string& device) {
 
 } // namespace
 
-/// What a late result would change.
+/// Texts that a late result would change.
 struct LivingWindow::Shown {
     QString versions;
     QString model;
@@ -68,32 +67,23 @@ struct LivingWindow::Shown {
 };
 
 LivingWindow::LivingWindow(const Flow& flow)
-    : m_flow(flow), m_camera(quickSettings(flow)), m_portName(m_camera.portName()),
+    : m_flow(flow), m_bench(quickSettings(flow)), m_portName(m_bench.camera.portName()),
       m_boxes(QMessageBox::Yes) {
     std::ofstream(fileName) << std::string(fileSize, 'x');
-    m_camera.setPace(pace);
+    m_bench.camera.setPace(pace);
     if (flow.fault != nullptr)
-        m_camera.withCamera([&flow](emulator::VirtualCamera& camera) { camera.addFault(flow.fault); });
+        m_bench.fault(flow.fault);
     open();
 }
 
 LivingWindow::~LivingWindow() {
-    m_window.reset();
+    m_bench.window.reset();
     QThreadPool::globalInstance()->waitForDone();
 }
 
 void LivingWindow::open() {
-    m_window->show();
-    trigger(*m_window, "actionaddress");
-    const SetCameraProtocol* const types = opened<SetCameraProtocol>();
-    click(*types, m_flow.cameraButton);
-    click(*types, "btn_confirm");
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    auto* const ports = find<QComboBox>(*m_window, "sel_ports");
-    ports->addItem(QString::fromStdString(m_portName));
-    ports->setCurrentText(QString::fromStdString(m_portName));
-    press(m_window.get(), "btn_open");
-    EXPECT_EQ(text(*m_window, "btn_open"), "关闭串口");
+    chooseCameraType(*window(), m_flow.cameraButton);
+    m_bench.open();
 }
 
 // --- steps -------------------------------------------------------------------------------------------------
@@ -104,8 +94,8 @@ void LivingWindow::press(const QWidget* window, const char* button) {
 }
 
 void LivingWindow::choose(const char* menuEntry) const {
-    if (m_window != nullptr)
-        find<QAction>(*m_window, menuEntry)->trigger();
+    if (window() != nullptr)
+        find<QAction>(*window(), menuEntry)->trigger();
 }
 
 void LivingWindow::chooseFile(const char* button) {
@@ -118,26 +108,26 @@ void LivingWindow::chooseFile(const char* button) {
         QMetaObject::invokeMethod(dialog, "accept");
     });
     answer.start(stepGapMs);
-    press(m_window.get(), button);
+    press(window(), button);
 }
 
 void LivingWindow::runSteps(std::size_t next) {
     if (m_ended || next == m_flow.steps.size())
         return;
     m_flow.steps[next](*this);
-    QTimer::singleShot(stepGapMs, m_window.get(), [this, next] { runSteps(next + 1); });
+    QTimer::singleShot(stepGapMs, window(), [this, next] { runSteps(next + 1); });
 }
 
 // --- endings -----------------------------------------------------------------------------------------------
 
 void LivingWindow::live(Ending ending, std::chrono::milliseconds moment) {
     bool over = false;
-    QTimer::singleShot(0, m_window.get(), [this] { runSteps(0); });
+    QTimer::singleShot(0, window(), [this] { runSteps(0); });
     if (ending == Ending::removeDevice) {
         removeDevice(moment);
         end(Ending::closeLink);
-        m_camera.comeBack();
-        m_portName = m_camera.portName();
+        m_bench.camera.comeBack();
+        m_portName = m_bench.camera.portName();
     } else {
         QTimer::singleShot(moment, qApp, [this, ending, &over] {
             end(ending);
@@ -158,38 +148,38 @@ void LivingWindow::end(Ending ending) {
     QElapsedTimer time;
     time.start();
     if (ending == Ending::closeWindow)
-        m_window->close();
+        window()->close();
     else
         closeLink();
     EXPECT_LE(time.elapsed(), releaseLimitMs);
-    EXPECT_EQ(text(*m_window, "btn_open"), "打开串口");
+    EXPECT_EQ(text(*window(), "btn_open"), "打开串口");
 }
 
 /// The button itself, whatever is open in front of it.
 void LivingWindow::closeLink() {
-    find<QPushButton>(*m_window, "btn_open")->click();
+    find<QPushButton>(*window(), "btn_open")->click();
 }
 
-/// At the moment, whatever the user-interface thread does just then; and time for everything to notice it.
+/// At the moment, independent of the user-interface thread; then time for all to notice it.
 void LivingWindow::removeDevice(std::chrono::milliseconds moment) {
     std::thread remover([this, moment] {
         std::this_thread::sleep_for(moment);
-        m_camera.vanish();
+        m_bench.camera.vanish();
     });
-    EXPECT_TRUE(eventually([this] { return !m_camera.lineOpen(); }, 20000));
+    EXPECT_TRUE(eventually([this] { return !m_bench.camera.lineOpen(); }, 20000));
     remover.join();
     QTest::qWait(100);
 }
 
 std::uint64_t LivingWindow::receivedBytes() {
-    return m_camera.withCamera([](emulator::VirtualCamera& camera) { return camera.record().byteCount; });
+    return m_bench.record().byteCount;
 }
 
 // --- afterwards --------------------------------------------------------------------------------------------
 
 LivingWindow::Shown LivingWindow::shown() const {
-    return {text(*m_window, "tv_appversion"), text(*m_window, "label_modelinfo"), text(*m_window, "btn_open"),
-            !find<QLabel>(*m_window, "label")->pixmap().isNull(), isEnabled(*m_window, "btn_heartbeat")};
+    return {text(*window(), "tv_appversion"), text(*window(), "label_modelinfo"), text(*window(), "btn_open"),
+            !find<QLabel>(*window(), "label")->pixmap().isNull(), isEnabled(*window(), "btn_heartbeat")};
 }
 
 std::size_t LivingWindow::uploadResults() const {
@@ -218,14 +208,13 @@ void LivingWindow::expectNothingLate() {
 
 /// By a new window: the old one may be gone by now, with everything that it opened.
 void LivingWindow::expectWorkingLink() {
-    m_window.reset();
-    m_window = std::make_unique<MainWindow>();
-    m_camera.withCamera([](emulator::VirtualCamera& camera) { camera.faults().clear(); });
+    m_bench.renewWindow();
+    m_bench.clearFaults();
     open();
     EXPECT_TRUE(eventually(
         [this] {
-            click(*m_window, "btn_heartbeat");
-            return find<QRadioButton>(*m_window, "rb_heartbeat")->isChecked();
+            click(*window(), "btn_heartbeat");
+            return find<QRadioButton>(*window(), "rb_heartbeat")->isChecked();
         },
         comeBackMs));
 }

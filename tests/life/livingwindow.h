@@ -1,9 +1,7 @@
-// A main window with a virtual camera, whose link is ended while something uses it.
+// A main window and a virtual camera, whose link ends during use.
 #pragma once
 
-#include "app/mainwindow.h"
-#include "emulator/line/ptyfront.h"
-#include "tests/gui/support/guitest.h"
+#include "tests/support/camerawindow.h"
 
 #include <chrono>
 #include <functional>
@@ -14,7 +12,7 @@
 namespace life {
 
 class LivingWindow;
-/// What a user does. A step that finds its window closed or disabled does nothing.
+/// An action of a user. It does nothing when its window is closed or disabled.
 using Step = std::function<void(LivingWindow&)>;
 
 struct Flow {
@@ -28,7 +26,7 @@ struct Flow {
 
 enum class Ending { closeLink, closeWindow, removeDevice };
 
-/// Everything that the link can do.
+/// All flows that use the link.
 [[nodiscard]] const std::vector<Flow>& flows();
 
 class LivingWindow {
@@ -36,12 +34,11 @@ public:
     explicit LivingWindow(const Flow& flow);
     ~LivingWindow();
 
-    /// Starts the flow, ends it by this ending after the moment, and looks what is left. Test failures say
-    /// what was wrong.
+    /// Starts the flow, ends it after the moment, and checks that nothing is left. Reports by test failures.
     void live(Ending ending, std::chrono::milliseconds moment);
 
     // For steps:
-    [[nodiscard]] MainWindow* window() const { return m_window.get(); }
+    [[nodiscard]] MainWindow* window() const { return m_bench.window.get(); }
     /// Presses the button of the window if both are there and usable.
     static void press(const QWidget* window, const char* button);
     void choose(const char* menuEntry) const;
@@ -69,9 +66,8 @@ private:
     void expectWorkingLink();
 
     const Flow& m_flow;
-    emulator::PtyFront m_camera;
+    guitest::CameraWindow m_bench;
     std::string m_portName;
-    std::unique_ptr<MainWindow> m_window = std::make_unique<MainWindow>();
     guitest::BoxAnswerer m_boxes;
     bool m_ended = false;
 };

@@ -1,4 +1,4 @@
-// Every request: its bytes, the library calls around it, and how often an answer that does not come is read.
+// Every request: bytes, library calls, reads of a missing answer.
 #include "tests/link/linktest.h"
 
 #include <functional>
@@ -155,7 +155,7 @@ TEST_F(Address, IsTheLowByteOfTheNumber) {
     EXPECT_EQ(fake_serial::writes().back()[2], 0xFF);
 }
 
-TEST_F(Address, OfTheRebootAndTheSerialNumber) {
+TEST_F(Address, IsInRebootAndSerialNumberRequests) {
     camera.setSlaveAddress(0xEE);
     camera.rebootCamera();
     EXPECT_EQ(hex(fake_serial::writes().back()), "AA 5A EE 05 00 00 00 00 80 26");
@@ -163,7 +163,7 @@ TEST_F(Address, OfTheRebootAndTheSerialNumber) {
     EXPECT_EQ(hex(fake_serial::writes().back()), "AA 5A EE 02 01 00 00 00 03 D7 96");
 }
 
-TEST_F(Address, AndOffsetAreStoredWithoutSendingAnything) {
+TEST_F(Address, SetterSendsNothing) {
     camera.setSlaveAddress(7);
     camera.setOriginPicCmdExtraAdd(250);
     EXPECT_EQ(calls(), Lines{});
@@ -185,7 +185,7 @@ TEST_F(PictureOffset, WrapsTheFourFirstGenerationCodes) {
     std::remove("5.jpg");
 }
 
-TEST_F(PictureOffset, OfOneSendsTheNextCode) {
+TEST_F(PictureOffset, SendsTheNextCodeForOne) {
     camera.setOriginPicCmdExtraAdd(1);
     camera.originCapture();
     EXPECT_EQ(hex(fake_serial::writes().back()), "AA 5A 01 07 00 00 00 00 38 2C");
@@ -193,7 +193,7 @@ TEST_F(PictureOffset, OfOneSendsTheNextCode) {
 
 class KeptTimeouts : public LinkTest {};
 
-TEST_F(KeptTimeouts, DeletionNeverSetsAny) {
+TEST_F(KeptTimeouts, AreKeptByDeletion) {
     camera.delOriginPic(1);
     camera.testHeartBeat();
     camera.delOriginPic(1);
@@ -203,7 +203,7 @@ TEST_F(KeptTimeouts, DeletionNeverSetsAny) {
 
 class Door : public LinkTest {};
 
-TEST_F(Door, CommandIsSentWithoutReadingAndCountsItsSequence) {
+TEST_F(Door, SendsItsSequenceNumberWithoutReading) {
     for (int i = 0; i < 257; ++i)
         camera.opDoor(i % 2 == 0);
     EXPECT_EQ(fake_serial::count("read"), 0);
@@ -236,7 +236,7 @@ TEST_F(Door, ANewClientStartsAgainAtZero) {
 
 class Acceptance : public LinkTest {};
 
-TEST_F(Acceptance, AnAnswerSplitOverReadsIsAcceptedAsSoonAsItIsWhole) {
+TEST_F(Acceptance, AcceptsASplitAnswerOnceItIsComplete) {
     answer("AA 5A 01 05 01");
     fake_serial::willTimeOut();
     answer("00 00 00 00 FF FC");
@@ -272,7 +272,7 @@ TEST_F(Acceptance, ALoneByteIsKeptAndReadFurther) {
     EXPECT_EQ(out.lines(), (Lines{"check data51"}));
 }
 
-TEST_F(Acceptance, CheckCodeAddressAndCommandOfAnAnswerAreNotExamined) {
+TEST_F(Acceptance, IgnoresCheckCodeAddressAndCommand) {
     answer("AA 5A 77 99 01 00 00 00 00 00 00");
     EXPECT_TRUE(camera.rebootCamera());
 }

@@ -1,6 +1,7 @@
 // Properties and pictures over JSON.
 #include "tests/link/linktest.h"
-#include "tests/support/scratchfolder.h"
+#include "tests/support/answers.h"
+#include "tests/support/workingdirectory.h"
 
 namespace {
 
@@ -43,21 +44,9 @@ constexpr const char* pictureOf3Bytes = "01 17 00 2A FD FC FB FA 64 00 22 00 7B 
                                         "30 2C 22 73 69 7A 65 22 3A 33 7D 3C 3C 42 49 4E "
                                         "41 52 59 3E 3E FF D8 FF 4E 3C";
 
-/// An answer with this body; its check code is not examined.
-fake_serial::Bytes envelope(const std::string& body) {
-    fake_serial::Bytes answer = bytes("01 17 00 00 FD FC FB FA 64 00 00 00");
-    const std::size_t count = body.size() + 8;
-    answer[2] = static_cast<std::uint8_t>(count >> 8);
-    answer[3] = static_cast<std::uint8_t>(count & 0xFF);
-    answer.insert(answer.end(), body.begin(), body.end());
-    answer.insert(answer.end(), {0, 0});
-    return answer;
-}
-
 class JsonPictures : public LinkTest {
 protected:
-    static void answerBody(const std::string& body) { fake_serial::willRead(envelope(body)); }
-    ScratchFolder folder;
+    static void answerBody(const std::string& body) { fake_serial::willRead(answers::json(body)); }
 };
 
 TEST_F(JsonPictures, PropertyQueryIsSentAsTheseBytes) {
@@ -96,7 +85,7 @@ TEST_F(JsonPictures, AnswersTooShortForABodyAreEmptyText) {
     }
 }
 
-TEST_F(JsonPictures, AcceptanceDropsGarbageAndWantsTheExactLength) {
+TEST_F(JsonPictures, AcceptsOnlyTheExactLengthAfterGarbage) {
     answer("33 01 33");
     answer(propertyAnswer);
     EXPECT_FALSE(camera.getQuentaModbusProperty("").empty());
@@ -124,7 +113,7 @@ TEST_F(JsonPictures, APictureOfOneChunkIsWritten) {
     answer(pictureOf3Bytes);
     EXPECT_TRUE(camera.getQuentaModbusPic(1));
     EXPECT_EQ(calls(), (Lines{timeouts(50), "flush", std::string("write ") + firstChunk, "read 1000"}));
-    EXPECT_EQ(ScratchFolder::read("1.jpg"), (std::vector<std::uint8_t>{0xFF, 0xD8, 0xFF}));
+    EXPECT_EQ(files::read("1.jpg"), (std::vector<std::uint8_t>{0xFF, 0xD8, 0xFF}));
     EXPECT_EQ(out.lines(), Lines{"first end"});
 }
 
@@ -138,7 +127,7 @@ TEST_F(JsonPictures, ChunksAreOf500Then6500ThenTheRest) {
     EXPECT_EQ(hex(writes[1]), chunk500of6500);
     EXPECT_EQ(hex(writes[2]), chunk7000of1);
     EXPECT_EQ(fake_serial::count("setTimeout"), 1);
-    const auto picture = ScratchFolder::read("7.jpg");
+    const auto picture = files::read("7.jpg");
     ASSERT_TRUE(picture);
     EXPECT_EQ(std::string(picture->begin(), picture->end()),
               std::string(500, 'a') + std::string(6500, 'b') + "c");
@@ -155,20 +144,20 @@ TEST_F(JsonPictures, A501stByteIsAChunkOfItsOwnAnd7000NeedTwo) {
     EXPECT_EQ(fake_serial::writes().size(), 4U);
 }
 
-TEST_F(JsonPictures, SizesUpTo500AndNegativeOnesEndAfterTheFirstChunk) {
+TEST_F(JsonPictures, SmallAndNegativeSizesEndAfterTheFirstChunk) {
     for (const char* size : {"500", "0", "-1"}) {
         answerBody(std::string(R"({"size":)") + size + "}<<BINARY>>x");
         EXPECT_TRUE(camera.getQuentaModbusPic(1)) << size;
-        EXPECT_EQ(ScratchFolder::read("1.jpg"), std::vector<std::uint8_t>{'x'});
+        EXPECT_EQ(files::read("1.jpg"), std::vector<std::uint8_t>{'x'});
     }
     EXPECT_EQ(fake_serial::writes().size(), 3U);
 }
 
-TEST_F(JsonPictures, AnAnswerWithoutMarkerAddsNothingAndDoesNotFail) {
+TEST_F(JsonPictures, AnswerWithoutMarkerAddsNothing) {
     answerBody(R"({"size":501} no picture here)");
     answerBody("{}<<BINARY>>z");
     EXPECT_TRUE(camera.getQuentaModbusPic(1));
-    EXPECT_EQ(ScratchFolder::read("1.jpg"), std::vector<std::uint8_t>{'z'});
+    EXPECT_EQ(files::read("1.jpg"), std::vector<std::uint8_t>{'z'});
 }
 
 TEST_F(JsonPictures, AMissingOrMalformedSizeFailsWithoutAFile) {
@@ -177,7 +166,7 @@ TEST_F(JsonPictures, AMissingOrMalformedSizeFailsWithoutAFile) {
         answerBody(body);
         EXPECT_FALSE(camera.getQuentaModbusPic(1)) << body;
     }
-    EXPECT_EQ(folder.names(), Lines{});
+    EXPECT_EQ(files::names(), Lines{});
 }
 
 TEST_F(JsonPictures, AMissingFirstChunkIsReadFiftyTimes) {
@@ -187,12 +176,12 @@ TEST_F(JsonPictures, AMissingFirstChunkIsReadFiftyTimes) {
 }
 
 TEST_F(JsonPictures, AMissingLaterChunkLeavesTheOldFileAlone) {
-    ScratchFolder::write("1.jpg", {1});
+    files::write("1.jpg", {1});
     answerBody(R"({"size":501}<<BINARY>>)" + std::string(500, 'a'));
     EXPECT_FALSE(camera.getQuentaModbusPic(1));
     EXPECT_EQ(fake_serial::count("read"), 1 + 5000);
     EXPECT_EQ(out.lines(), (Lines{"first end", "check2 failed", "read failed"}));
-    EXPECT_EQ(ScratchFolder::read("1.jpg"), std::vector<std::uint8_t>{1});
+    EXPECT_EQ(files::read("1.jpg"), std::vector<std::uint8_t>{1});
 }
 
 } // namespace

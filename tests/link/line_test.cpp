@@ -1,6 +1,6 @@
-// The line under several users, and what commands log and keep when something is thrown in them.
+// Several users of the line, and log lines of exceptions.
 #include "tests/link/linktest.h"
-#include "tests/support/scratchfolder.h"
+#include "tests/support/workingdirectory.h"
 
 #include <atomic>
 #include <functional>
@@ -13,7 +13,6 @@ namespace {
 
 class SharedLine : public LinkTest {
 protected:
-    ScratchFolder folder;
 };
 
 template <typename Work>
@@ -73,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(Link, EveryFailureLine, testing::ValuesIn(failureLines(
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(SharedLine, AnnouncementsFailureLineFollowsItsException) {
-    ScratchFolder::write("file.bin", {1});
+    files::write("file.bin", {1});
     camera.setAppFilePath("file.bin");
     fake_serial::throwOn("read");
     EXPECT_FALSE(camera.appUpdate());
@@ -83,7 +82,7 @@ TEST_F(SharedLine, AnnouncementsFailureLineFollowsItsException) {
 }
 
 TEST_F(SharedLine, VerdictsFailureLineFollowsItsException) {
-    ScratchFolder::write("file.bin", {1});
+    files::write("file.bin", {1});
     camera.setAppFilePath("file.bin");
     answer("AA 5A 01 1B 05 00 00 00 00 00 00 00 00 91 2E");
     fake_serial::willThrowOnRead();
@@ -92,7 +91,7 @@ TEST_F(SharedLine, VerdictsFailureLineFollowsItsException) {
 }
 
 TEST_F(SharedLine, UploadWaitsForADownloadAndThenRuns) {
-    ScratchFolder::write("file.bin", {1});
+    files::write("file.bin", {1});
     camera.setAppFilePath("file.bin");
     std::atomic<bool> downloading{false};
     fake_serial::onWrite([&](const auto&) { downloading = true; });
@@ -112,8 +111,8 @@ TEST_F(SharedLine, UploadWaitsForADownloadAndThenRuns) {
     EXPECT_EQ(fake_serial::writes().at(1).at(3), 0x1B);
 }
 
-TEST_F(SharedLine, EndingADownloadThatIsOverSparesTheUpload) {
-    ScratchFolder::write("file.bin", {1});
+TEST_F(SharedLine, EndingAFinishedDownloadKeepsTheUpload) {
+    files::write("file.bin", {1});
     camera.setFirewareFilePath("file.bin");
     camera.endDownload();
     answer("AA 5A 01 0B 05 00 00 00 00 00 00 00 00 07 BA");
@@ -208,7 +207,7 @@ TEST_F(SharedLine, ShortPauseSeesTheStop) {
 }
 
 TEST_F(SharedLine, DigestIsLoggedAfterTheTimeouts) {
-    ScratchFolder::write("file.bin", {1});
+    files::write("file.bin", {1});
     camera.setAppFilePath("file.bin");
     fake_serial::throwOn("setTimeout");
     EXPECT_FALSE(camera.appUpdate());
@@ -217,7 +216,7 @@ TEST_F(SharedLine, DigestIsLoggedAfterTheTimeouts) {
 }
 
 TEST_F(SharedLine, SecondProtocolBuildsItsFramesOnce) {
-    ScratchFolder::write("file.bin", {'a', 'b', 'c'});
+    files::write("file.bin", {'a', 'b', 'c'});
     int announcements = 0;
     fake_serial::onWrite([&](const auto&) {
         if (++announcements == 3)

@@ -1,4 +1,4 @@
-// Who gets the line, in which order, and who does not wait.
+// Order of the users of the line, and refusals.
 #include "link/lineturn.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ using Refusal = LineTurn::Refusal;
 
 namespace {
 
-/// Takes the line on a thread of its own and keeps it until told.
+/// Takes the line on its own thread and keeps it until released.
 class Holder {
 public:
     Holder(LineTurn& turn, LineUser user)
@@ -130,7 +130,7 @@ TEST(LineTurn, ServesInTheOrderOfAsking) {
 
 class WholeJob : public testing::TestWithParam<LineUser> {};
 
-TEST_P(WholeJob, RefusesEveryOtherUserAtOnceButAnUpload) {
+TEST_P(WholeJob, RefusesEveryUserExceptAnUpload) {
     LineTurn turn;
     Holder job(turn, GetParam());
     ASSERT_EQ(job.refusal(), Refusal::none);
@@ -151,7 +151,7 @@ TEST_P(WholeJob, RefusesEveryOtherUserAtOnceButAnUpload) {
 INSTANTIATE_TEST_SUITE_P(Jobs, WholeJob,
                          testing::Values(LineUser::versions, LineUser::download, LineUser::upload));
 
-TEST(LineTurn, WaitingUploadRefusesWhoComesLater) {
+TEST(LineTurn, WaitingUploadRefusesLaterUsers) {
     LineTurn turn;
     Holder reading(turn, LineUser::reading);
     ASSERT_EQ(reading.refusal(), Refusal::none);

@@ -1,4 +1,4 @@
-// What the tests of the link against the recording library share.
+// Fixture for the link on the recording library.
 #pragma once
 
 #include "link/camerasp.h"
@@ -16,8 +16,7 @@ using fake_serial::bytes;
 using fake_serial::hex;
 using Lines = std::vector<std::string>;
 
-/// A client on the recording library, with the calls of its construction already forgotten and pauses that
-/// end at once.
+/// A client on the recording library, whose pauses end at once.
 class LinkTest : public testing::Test {
 protected:
     LinkTest() { clock.skipPauses(); }
@@ -51,7 +50,7 @@ inline Lines operator+(Lines first, const Lines& second) {
     return first;
 }
 
-/// "setTimeout" as the recording library words it.
+/// "setTimeout" in the words of the recording library.
 inline std::string timeouts(unsigned readMs, unsigned writeMs) {
     return "setTimeout 4294967295," + std::to_string(readMs) + ",0," + std::to_string(writeMs) + ",0";
 }

@@ -1,6 +1,6 @@
 // Picture commands of both frame generations: what is read, logged and written.
 #include "tests/link/linktest.h"
-#include "tests/support/scratchfolder.h"
+#include "tests/support/workingdirectory.h"
 
 using namespace std::chrono_literals;
 
@@ -27,7 +27,6 @@ std::vector<std::uint8_t> upTo(std::uint8_t last) {
 
 class Pictures : public LinkTest {
 protected:
-    ScratchFolder folder;
 };
 
 TEST_F(Pictures, CaptureSucceedsOnlyForResultZero) {
@@ -67,7 +66,7 @@ TEST_F(Pictures, CatalogueV1LogsThe16BitId) {
     EXPECT_EQ(out.lines().back(), "pic id:258");
 }
 
-TEST_F(Pictures, CatalogueIsCountedFromItsLengthNotFromItsCountByte) {
+TEST_F(Pictures, CatalogueIgnoresItsCountByte) {
     protocol::Bytes lying = bytes(originRecordAnswer);
     for (const std::uint8_t count : {std::uint8_t{0}, std::uint8_t{9}}) {
         lying[8] = count;
@@ -113,12 +112,12 @@ TEST_F(Pictures, DeletionSucceedsOnlyForResultZero) {
     EXPECT_EQ(out.lines(), (Lines{"error in delOriginPic deletepic", "error in delPicV1 deletepic"}));
 }
 
-TEST_F(Pictures, DownloadLogsEachRequestByteAndWritesExactlyThePicture) {
-    ScratchFolder::write("5.jpg", std::vector<std::uint8_t>(100, 9));
+TEST_F(Pictures, DownloadWritesThePictureAndLogsTheRequest) {
+    files::write("5.jpg", std::vector<std::uint8_t>(100, 9));
     answer(originTransfer);
     std::cout << std::dec;
     camera.getOriginTargetPic(5, 20);
-    EXPECT_EQ(ScratchFolder::read("5.jpg"), upTo(0x13));
+    EXPECT_EQ(files::read("5.jpg"), upTo(0x13));
     Lines expected;
     for (const std::uint8_t byte : bytes("AA 5A 01 09 09 00 00 00 05 00 00 00 00 14 00 00 00"))
         expected.push_back("sdata:" + std::to_string(byte));
@@ -127,7 +126,7 @@ TEST_F(Pictures, DownloadLogsEachRequestByteAndWritesExactlyThePicture) {
     EXPECT_EQ(Lines(lines.begin(), lines.begin() + 17), expected);
     EXPECT_EQ(Lines(lines.begin() + 19, lines.end()),
               (Lines{"recv size:31  picTotalSize:20", "readResult:0", "read over"}));
-    EXPECT_EQ(folder.names(), Lines{"5.jpg"}) << "nothing else is left in the folder";
+    EXPECT_EQ(files::names(), Lines{"5.jpg"}) << "nothing else is left in the folder";
 }
 
 TEST_F(Pictures, DownloadRequestsAreThese) {
@@ -152,7 +151,7 @@ TEST_F(Pictures, DownloadReadsOnOverSilenceUntilAllIsThere) {
     answer("02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13 FF BB");
     camera.getOriginTargetPic(5, 20);
     EXPECT_EQ(fake_serial::count("read"), 202);
-    EXPECT_EQ(ScratchFolder::read("5.jpg"), upTo(0x13));
+    EXPECT_EQ(files::read("5.jpg"), upTo(0x13));
 }
 
 TEST_F(Pictures, DownloadReadsTheLastByteOfTheCheckCodeToo) {
@@ -160,7 +159,7 @@ TEST_F(Pictures, DownloadReadsTheLastByteOfTheCheckCodeToo) {
     answer("BB");
     camera.getOriginTargetPic(5, 3);
     EXPECT_EQ(fake_serial::count("read"), 2);
-    EXPECT_EQ(ScratchFolder::read("5.jpg"), upTo(2));
+    EXPECT_EQ(files::read("5.jpg"), upTo(2));
 }
 
 TEST_F(Pictures, DownloadSizesStayDecimalInAHexadecimalLog) {
@@ -172,51 +171,51 @@ TEST_F(Pictures, DownloadSizesStayDecimalInAHexadecimalLog) {
 }
 
 TEST_F(Pictures, RefusedReadWritesNoFileInTheFirstGeneration) {
-    ScratchFolder::write("5.jpg", {1, 2, 3});
+    files::write("5.jpg", {1, 2, 3});
     protocol::Bytes refused = bytes(originTransfer);
     refused[8] = 1;
     fake_serial::willRead(refused);
     camera.getOriginTargetPic(5, 20);
-    EXPECT_EQ(ScratchFolder::read("5.jpg"), (std::vector<std::uint8_t>{1, 2, 3}));
+    EXPECT_EQ(files::read("5.jpg"), (std::vector<std::uint8_t>{1, 2, 3}));
     EXPECT_EQ(out.lines().back(), "read result error");
     EXPECT_FALSE(out.has("read over"));
 }
 
-TEST_F(Pictures, RefusedReadWritesTheFileAllTheSameInV1) {
+TEST_F(Pictures, RefusedReadStillWritesTheFileInV1) {
     answer(v1TransferResult1);
     camera.getTargetPicV1(258, 20);
-    EXPECT_EQ(ScratchFolder::read("258.jpg"), upTo(0x13));
+    EXPECT_EQ(files::read("258.jpg"), upTo(0x13));
     EXPECT_TRUE(out.has("readResult:1"));
 }
 
-TEST_F(Pictures, StrayBytesBehindThePictureAreNotInTheFile) {
+TEST_F(Pictures, StrayBytesAfterThePictureAreDropped) {
     protocol::Bytes longer = bytes(originTransfer);
     longer.insert(longer.end(), {0x55, 0x66});
     fake_serial::willRead(longer);
     camera.getOriginTargetPic(5, 20);
-    EXPECT_EQ(ScratchFolder::read("5.jpg"), upTo(0x13));
+    EXPECT_EQ(files::read("5.jpg"), upTo(0x13));
 }
 
 TEST_F(Pictures, SizeZeroWritesAnEmptyFile) {
     answer("AA 5A 01 09 01 00 00 00 00 00 00");
     camera.getOriginTargetPic(5, 0);
-    EXPECT_EQ(ScratchFolder::read("5.jpg"), std::vector<std::uint8_t>{});
+    EXPECT_EQ(files::read("5.jpg"), std::vector<std::uint8_t>{});
 }
 
-TEST_F(Pictures, AFolderInThePicturesPlaceLeavesOneLineAndNothingHalfWritten) {
+TEST_F(Pictures, DownloadOntoAFolderLogsOneLine) {
     std::filesystem::create_directories("5.jpg/keeps-it-from-being-replaced");
     answer(originTransfer);
     camera.getOriginTargetPic(5, 20);
     EXPECT_EQ(out.lines().back(), "can't write picture:5.jpg");
-    EXPECT_EQ(folder.names(), Lines{"5.jpg"});
+    EXPECT_EQ(files::names(), Lines{"5.jpg"});
 }
 
-TEST_F(Pictures, AFullDiskLeavesOneLineAndNothingHalfWritten) {
+TEST_F(Pictures, FullDiskLeavesNoPartOfAPicture) {
     std::filesystem::create_symlink("/dev/full", "5.jpg.part");
     answer(originTransfer);
     camera.getOriginTargetPic(5, 20);
     EXPECT_EQ(out.lines().back(), "can't write picture:5.jpg");
-    EXPECT_EQ(folder.names(), Lines{});
+    EXPECT_EQ(files::names(), Lines{});
 }
 
 class TakePic : public Pictures {
@@ -230,7 +229,7 @@ protected:
     }
 };
 
-TEST_F(TakePic, SendsFiveRequestsWithoutTheOffsetAndWritesThePicture) {
+TEST_F(TakePic, SendsFiveRequestsWithoutTheOffset) {
     camera.setOriginPicCmdExtraAdd(9);
     answerAll();
     EXPECT_TRUE(camera.takePic());
@@ -240,7 +239,7 @@ TEST_F(TakePic, SendsFiveRequestsWithoutTheOffsetAndWritesThePicture) {
                               "write AA 5A 01 09 09 00 00 00 05 00 00 00 00 14 00 00 00 45 42", "read 512",
                               "flush", "write AA 5A 01 08 01 00 00 00 FF 4C AC", "read 512"}));
     EXPECT_EQ(clock.pauses(), (std::vector<std::chrono::nanoseconds>{1s, 1s, 1s, 1s}));
-    EXPECT_EQ(ScratchFolder::read("a.jpg"), upTo(0x13));
+    EXPECT_EQ(files::read("a.jpg"), upTo(0x13));
 }
 
 TEST_F(TakePic, LogsItsStepsInOrder) {
@@ -283,14 +282,14 @@ TEST_F(TakePic, EachUnansweredStepHasItsLine) {
     }
 }
 
-TEST_F(TakePic, AnUnansweredLastDeletionFailsAfterThePictureIsWritten) {
+TEST_F(TakePic, FailsWhenTheLastDeletionIsUnanswered) {
     answer(deleted);
     answer(capturedId5);
     answer(originRecordAnswer);
     answer(originTransfer);
     EXPECT_FALSE(camera.takePic());
     EXPECT_EQ(out.lines().back(), "error in takepic deletepic");
-    EXPECT_EQ(ScratchFolder::read("a.jpg"), upTo(0x13));
+    EXPECT_EQ(files::read("a.jpg"), upTo(0x13));
 }
 
 TEST_F(TakePic, NonZeroResultsAreOnlyLogged) {
@@ -305,7 +304,7 @@ TEST_F(TakePic, NonZeroResultsAreOnlyLogged) {
     EXPECT_TRUE(out.has("start of takepic delete result is:3"));
     EXPECT_TRUE(out.has("error in takepic cmd 0x06 parse error"));
     EXPECT_TRUE(out.has("end of takepic result is:4"));
-    EXPECT_EQ(ScratchFolder::read("a.jpg"), upTo(0x13));
+    EXPECT_EQ(files::read("a.jpg"), upTo(0x13));
 }
 
 } // namespace

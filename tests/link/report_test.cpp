@@ -1,11 +1,14 @@
-// Why a command failed, beside its result.
+// Reasons of failed commands.
 #include "tests/link/linktest.h"
-#include "tests/support/scratchfolder.h"
+#include "tests/link/uploadanswers.h"
+#include "tests/support/workingdirectory.h"
 
 #include <functional>
 #include <future>
 
 using namespace std::chrono_literals;
+
+using namespace uploadanswers;
 
 namespace {
 
@@ -57,8 +60,6 @@ protected:
         run(camera);
         return scope.report().end;
     }
-
-    ScratchFolder folder;
 };
 
 class EveryReport : public Report, public testing::WithParamInterface<Case> {};
@@ -77,16 +78,16 @@ TEST_P(EveryReport, IsDoneAfterAGoodAnswer) {
     EXPECT_EQ(endOf(GetParam().run), CommandEnd::done);
 }
 
-TEST_P(EveryReport, TellsThatNothingCame) {
+TEST_P(EveryReport, ReportsAMissingAnswer) {
     EXPECT_EQ(endOf(GetParam().run), CommandEnd::noAnswer);
 }
 
-TEST_P(EveryReport, TellsAPortThatFailed) {
+TEST_P(EveryReport, ReportsAFailedPort) {
     fake_serial::throwOn("write");
     EXPECT_EQ(endOf(GetParam().run), CommandEnd::portFailed);
 }
 
-TEST_P(EveryReport, TellsAStoppedLink) {
+TEST_P(EveryReport, ReportsAStoppedLink) {
     camera.requestStop();
     EXPECT_EQ(endOf(GetParam().run), CommandEnd::stopped);
 }
@@ -94,7 +95,7 @@ TEST_P(EveryReport, TellsAStoppedLink) {
 INSTANTIATE_TEST_SUITE_P(Link, EveryReport, testing::ValuesIn(cases()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST_P(EveryRefusal, IsTold) {
+TEST_P(EveryRefusal, IsReported) {
     answer(GetParam().refused);
     EXPECT_EQ(endOf(GetParam().run), CommandEnd::refused);
 }
@@ -102,7 +103,7 @@ TEST_P(EveryRefusal, IsTold) {
 INSTANTIATE_TEST_SUITE_P(Link, EveryRefusal, testing::ValuesIn(refusableCases()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST_F(Report, TellsAnswersThatCannotBeUsed) {
+TEST_F(Report, ReportsUnusableAnswers) {
     const std::string half = "AA 5A 01 02 03 00 00 00 0F";
     answer(half);
     EXPECT_EQ(endOf([](CameraSp& c) { c.getCommonProperty(15, 2); }), CommandEnd::unusable);
@@ -112,7 +113,7 @@ TEST_F(Report, TellsAnswersThatCannotBeUsed) {
     EXPECT_EQ(endOf([](CameraSp& c) { c.getModelInfo(); }), CommandEnd::unusable);
 }
 
-TEST_F(Report, TellsThatNoPortIsOpen) {
+TEST_F(Report, ReportsAMissingPort) {
     CameraSp none("", 9600);
     const ReportScope scope;
     none.testHeartBeat();
@@ -134,7 +135,7 @@ TEST_F(Report, EmptyValueIsNoFailure) {
     EXPECT_EQ(endOf([](CameraSp& c) { c.getSn(); }), CommandEnd::empty);
 }
 
-TEST_F(Report, DownloadTellsWhetherItWroteTheFile) {
+TEST_F(Report, DownloadReportsWhetherItWroteTheFile) {
     const CameraCall download = [](CameraSp& c) { c.getOriginTargetPic(7, 1); };
     answer("AA 5A 01 09 02 00 00 00 00 55 00 00");
     EXPECT_EQ(endOf(download), CommandEnd::done);
@@ -172,7 +173,7 @@ TEST_F(Report, InnerScopeHearsOnlyItsOwnCommands) {
     EXPECT_EQ(outer.report().end, CommandEnd::noAnswer);
 }
 
-TEST_F(Report, TellsWhatTheLineIsBusyWith) {
+TEST_F(Report, NamesTheJobThatHoldsTheLine) {
     const LineTurn::Hold versions = camera.takeLine(LineUser::versions);
     const CommandReport report = std::async(std::launch::async, [this] {
                                      const ReportScope scope;
@@ -191,7 +192,7 @@ namespace {
 class UploadReport : public Report {
 protected:
     UploadReport() {
-        ScratchFolder::write("file.bin", {'a', 'b', 'c'});
+        files::write("file.bin", {'a', 'b', 'c'});
         camera.setAppFilePath("file.bin");
         camera.setFirewareFilePath("file.bin");
         camera.setModelNameAndPath("m", "file.bin");
@@ -203,32 +204,25 @@ protected:
     static inline const CameraCall v1 = [](CameraSp& c) { c.appUpdateV1("file.bin", "file.bin"); };
 };
 
-constexpr const char* appFromZero = "AA 5A 01 1B 05 00 00 00 00 00 00 00 00 91 2E";
-constexpr const char* appFrom512 = "AA 5A 01 1B 05 00 00 00 00 00 02 00 00 F1 40";
-constexpr const char* appGood = "AA 5A 01 1B 01 00 00 00 00 D8 66";
-constexpr const char* appBad = "AA 5A 01 1B 01 00 00 00 01 F9 76";
-constexpr const char* v1FromZero = "AA 5A 01 1D 06 00 00 00 01 00 00 00 00 00 00 00";
-constexpr const char* v1Whole = "AA 5A 01 1D 06 00 00 00 01 00 03 00 00 00 00 00";
-
 } // namespace
 
-TEST_F(UploadReport, DoneWhenTheCameraSaysSo) {
+TEST_F(UploadReport, IsDoneAfterAGoodVerdict) {
     answer(appFromZero);
     answer(appGood);
     EXPECT_EQ(endOf(app), CommandEnd::done);
 }
 
-TEST_F(UploadReport, NoAnswerToTheAnnouncement) {
+TEST_F(UploadReport, ReportsAnUnansweredAnnouncement) {
     for (const CameraCall& upload : {app, system, model, v1})
         EXPECT_EQ(endOf(upload), CommandEnd::noAnswer);
 }
 
-TEST_F(UploadReport, RefusedModel) {
+TEST_F(UploadReport, ReportsARefusedModel) {
     answer("AA 5A 01 CB 06 00 00 00 00 01 00 00 00 00 00 00");
     EXPECT_EQ(endOf(model), CommandEnd::refused);
 }
 
-TEST_F(UploadReport, OffsetBeyondTheFile) {
+TEST_F(UploadReport, ReportsAnOffsetBeyondTheFile) {
     answer(appFrom512);
     answer(appBad);
     EXPECT_EQ(endOf(app), CommandEnd::offsetBeyondFile);
@@ -236,7 +230,7 @@ TEST_F(UploadReport, OffsetBeyondTheFile) {
     EXPECT_EQ(endOf(system), CommandEnd::offsetBeyondFile);
 }
 
-TEST_F(UploadReport, BadOrMissingVerdict) {
+TEST_F(UploadReport, ReportsABadOrMissingVerdict) {
     answer(appFromZero);
     answer(appBad);
     EXPECT_EQ(endOf(app), CommandEnd::verdictBad);
@@ -244,7 +238,7 @@ TEST_F(UploadReport, BadOrMissingVerdict) {
     EXPECT_EQ(endOf(app), CommandEnd::noVerdict);
 }
 
-TEST_F(UploadReport, FilesThatCannotBeRead) {
+TEST_F(UploadReport, ReportsUnreadableFiles) {
     camera.setAppFilePath("nothing.bin");
     EXPECT_EQ(endOf([](CameraSp& c) { EXPECT_THROW(c.appUpdate(), const char*); }), CommandEnd::fileMissing);
     std::filesystem::create_directory("folder");
@@ -256,19 +250,19 @@ TEST_F(UploadReport, FilesThatCannotBeRead) {
     EXPECT_EQ(endOf(app), CommandEnd::fileTooLarge);
 }
 
-TEST_F(UploadReport, SecondProtocolSendsNoData) {
+TEST_F(UploadReport, ReportsThatTheSecondProtocolSendsNoData) {
     for (int i = 0; i < 5; ++i)
         answer(v1FromZero);
     EXPECT_EQ(endOf(v1), CommandEnd::dataNotSupported);
 }
 
-TEST_F(UploadReport, SecondProtocolWithoutAPackageResult) {
+TEST_F(UploadReport, ReportsAMissingPackageResult) {
     for (int i = 0; i < 5; ++i)
-        answer(v1Whole);
+        answer(v1HoldsAll);
     EXPECT_EQ(endOf(v1), CommandEnd::noVerdict);
 }
 
-TEST_F(UploadReport, PortThatFails) {
+TEST_F(UploadReport, ReportsAFailedPort) {
     answer(appFromZero);
     fake_serial::willThrowOnRead();
     EXPECT_EQ(endOf(app), CommandEnd::portFailed);

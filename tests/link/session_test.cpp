@@ -1,7 +1,6 @@
-// Opening, closing, stopping, and what an exception of the library becomes.
+// Opening, closing, stopping, exceptions of the library.
 #include "tests/link/linktest.h"
-#include "tests/support/scratchfolder.h"
-#include "tests/support/testclock.h"
+#include "tests/support/workingdirectory.h"
 
 #include <atomic>
 #include <cerrno>
@@ -50,29 +49,33 @@ TEST_F(Session, TheOnlyPortIsPickedWithLongTimeouts) {
                                            "open COM7 9600 4294967295,5000,0,5000,0 8N1", "close"}));
 }
 
-TEST_F(Session, NoPortOrSeveralPortsAreRefusedWithATextEach) {
+TEST_F(Session, ThrowsWhenThereIsNoPort) {
     EXPECT_EQ(thrownText([] { CameraSp camera; }), "serial unavailable");
     EXPECT_EQ(thrownText([] { CameraSp camera(9600U); }), "serial unavailable");
+    EXPECT_EQ(fake_serial::calls(), Lines{});
+}
+
+TEST_F(Session, ThrowsWhenThereAreSeveralPorts) {
     fake_serial::setPorts({{"COM1", "", ""}, {"COM2", "", ""}});
     EXPECT_EQ(thrownText([] { CameraSp camera; }), "serial port size>1");
     EXPECT_EQ(thrownText([] { CameraSp camera(9600U); }), "serial port size>1");
     EXPECT_EQ(fake_serial::calls(), Lines{});
 }
 
-TEST_F(Session, APortThatDoesNotOpenLeavesTheLibrarysExceptionAndNoObject) {
+TEST_F(Session, ThrowsTheLibraryExceptionWhenOpeningFails) {
     fake_serial::failOpening(EACCES);
     EXPECT_THROW(CameraSp("COM3", 9600), serial::IOException);
     EXPECT_EQ(out.lines(), Lines{});
 }
 
-TEST_F(Session, WhatIsNoTerminalIsRefusedWithoutOpeningIt) {
+TEST_F(Session, RefusesOtherFilesWithoutOpeningThem) {
     for (const char* path : {"/dev/null", "/etc/passwd", "/tmp"})
         EXPECT_THROW(CameraSp(path, 9600), serial::IOException) << path;
     EXPECT_EQ(fake_serial::calls(), Lines{});
 }
 
 TEST_F(Session, ATerminalsPathIsOpened) {
-    const CameraSp camera("/dev/ptmx", 9600); // by its looks; the recording library opens nothing
+    const CameraSp camera("/dev/ptmx", 9600); // the recording library opens nothing
     ASSERT_EQ(fake_serial::calls().size(), 1U);
     EXPECT_EQ(fake_serial::calls().front().rfind("open /dev/ptmx 9600", 0), 0U);
 }
@@ -83,7 +86,7 @@ TEST_F(Session, PortsAreListedByNameInTheOrderReported) {
     EXPECT_EQ(CameraSp::getPorts(), (Lines{"COM10", "COM2"}));
 }
 
-TEST_F(Session, AnEmptyNameOpensNothingAndEveryCommandFailsByValue) {
+TEST_F(Session, EveryCommandFailsWithAnEmptyPortName) {
     CameraSp camera("", 9600);
     EXPECT_FALSE(camera.testHeartBeat());
     EXPECT_EQ(camera.getSn(), "");
@@ -141,7 +144,6 @@ class EveryCommand : public Session, public testing::WithParamInterface<CommandC
 protected:
     EveryCommand() { clock.skipPauses(); }
 
-    ScratchFolder folder;
     TestClock clock;
 };
 
@@ -183,17 +185,20 @@ TEST_F(Session, RemembersThatThePortFailedUntilItWorksAgain) {
     EXPECT_FALSE(camera.portFailed());
 }
 
-TEST_F(Session, SaysOfNoPortChosenAndOfAnInputThatCannotBeDiscardedNothingOfAFailure) {
+TEST_F(Session, DoesNotReportFailureWhenNoPortIsChosen) {
     CameraSp none("", 460800);
     EXPECT_FALSE(none.testHeartBeat());
     EXPECT_FALSE(none.portFailed());
+}
+
+TEST_F(Session, DoesNotReportFailureWhenInputIsNotDiscarded) {
     CameraSp camera("COM9", 460800);
     fake_serial::refuseFlushInput();
     EXPECT_FALSE(camera.testHeartBeat());
     EXPECT_FALSE(camera.portFailed());
 }
 
-TEST_F(Session, SaysWhetherItIsBeingStopped) {
+TEST_F(Session, ReportsARequestedStop) {
     CameraSp camera("COM9", 9600);
     EXPECT_FALSE(camera.stopRequested());
     camera.requestStop();

@@ -1,11 +1,11 @@
-// Properties and status commands: what an answer means and what is logged of it.
+// Properties and status commands: meaning of answers, log lines.
 #include "tests/link/linktest.h"
 
 namespace {
 
 class Heartbeat : public LinkTest {};
 
-TEST_F(Heartbeat, GoodAnswerSucceedsWhateverItsAddressAndCheckCode) {
+TEST_F(Heartbeat, IgnoresAddressAndCheckCodeOfTheAnswer) {
     for (const char* good : {"AA 5A 01 01 01 00 00 00 01 7F EA", "AA 5A EE 01 01 00 00 00 01 75 78",
                              "AA 5A 01 01 01 00 00 00 01 00 00"}) {
         answer(good);
@@ -35,7 +35,7 @@ TEST_F(Heartbeat, NoAnswerLogsAnEmptyText) {
     EXPECT_EQ(out.lines(), Lines{"hex str:"});
 }
 
-TEST_F(Heartbeat, DiscardsByReadingWhereTheLibraryCannotDiscard) {
+TEST_F(Heartbeat, DiscardsByReadingIfTheLibraryCannotDiscard) {
     fake_serial::refuseFlushInput();
     answer("AA 5A 01 02 01 00 00 00 01 7F EA"); // stale, waiting when the heartbeat starts
     fake_serial::onWrite([](const auto&) { answer("AA 5A 01 01 01 00 00 00 01 7F EA"); });
@@ -44,7 +44,7 @@ TEST_F(Heartbeat, DiscardsByReadingWhereTheLibraryCannotDiscard) {
                               "write AA 5A 01 01 01 00 00 00 00 5E FA", "read 100"}));
 }
 
-TEST_F(Heartbeat, DiscardingByReadingEndsWhenThePromisedBytesDoNotCome) {
+TEST_F(Heartbeat, StopsDiscardingWhenPromisedBytesAreMissing) {
     fake_serial::refuseFlushInput();
     fake_serial::willPromise(4);
     fake_serial::onWrite([](const auto&) { answer("AA 5A 01 01 01 00 00 00 01 7F EA"); });
@@ -71,7 +71,7 @@ TEST_F(Heartbeat, AnExceptionOfTheLibraryIsLoggedByItsText) {
     EXPECT_EQ(out.lines(), Lines{"command failed:SerialException gone failed."});
 }
 
-TEST_F(Heartbeat, WhateverElseIsThrownIsAFailureWithALine) {
+TEST_F(Heartbeat, AnyOtherExceptionIsLoggedAsAFailure) {
     fake_serial::onWrite([](const auto&) { throw 7; });
     EXPECT_FALSE(camera.testHeartBeat());
     EXPECT_EQ(out.lines(), Lines{"command failed:unknown error"});
@@ -113,7 +113,7 @@ TEST_F(PropertyRead, AnExceptionOfTheLibraryIsEmptyAndLogged) {
               "returned no data failed.");
 }
 
-TEST_F(PropertyRead, WhateverElseIsThrownIsEmptyAndLogged) {
+TEST_F(PropertyRead, AnyOtherExceptionIsEmptyAndLogged) {
     fake_serial::onWrite([](const auto&) { throw 7; });
     EXPECT_TRUE(camera.getCommonProperty(15, 2).empty());
     EXPECT_EQ(out.lines().back(), "getCommonProperty error3:unknown error");
@@ -150,7 +150,7 @@ TEST_F(Versions, TextEndsAtItsFirstZeroByte) {
     EXPECT_EQ(camera.getAppVersion(), "1.2.3");
 }
 
-TEST_F(Versions, SystemVersionWaitsAndTheThirdOnlySaysSo) {
+TEST_F(Versions, OnlyTheSystemVersionReallyWaits) {
     camera.getSystemVersion();
     ASSERT_EQ(clock.pauses().size(), 1U);
     EXPECT_EQ(clock.pauses().front(), std::chrono::milliseconds(100));

@@ -1,63 +1,11 @@
 // Uploads: announcements, chunks, verdicts and their log lines.
-#include "tests/link/linktest.h"
-#include "tests/support/scratchfolder.h"
+#include "tests/link/uploadanswers.h"
+#include "tests/link/uploadtest.h"
 
 using namespace std::chrono_literals;
+using namespace uploadanswers;
 
 namespace {
-
-std::vector<std::uint8_t> counting(std::size_t size) {
-    std::vector<std::uint8_t> content(size);
-    for (std::size_t i = 0; i < size; ++i)
-        content[i] = static_cast<std::uint8_t>(i % 256);
-    return content;
-}
-
-const std::vector<std::uint8_t> abc{'a', 'b', 'c'};
-
-class Upload : public LinkTest {
-protected:
-    Upload() {
-        camera.setAppFilePath("file.bin");
-        camera.setFirewareFilePath("file.bin");
-        camera.setModelNameAndPath("model_v1", "file.bin");
-    }
-
-    static void file(const std::vector<std::uint8_t>& content) { ScratchFolder::write("file.bin", content); }
-
-    [[nodiscard]] static std::string written(std::size_t index) {
-        return hex(fake_serial::writes().at(index));
-    }
-
-    /// What was written after the announcement, joined.
-    [[nodiscard]] static std::vector<std::uint8_t> streamed() {
-        std::vector<std::uint8_t> all;
-        const auto writes = fake_serial::writes();
-        for (std::size_t i = 1; i < writes.size(); ++i)
-            all.insert(all.end(), writes[i].begin(), writes[i].end());
-        return all;
-    }
-
-    [[nodiscard]] static std::vector<std::size_t> chunkSizes() {
-        std::vector<std::size_t> sizes;
-        const auto writes = fake_serial::writes();
-        for (std::size_t i = 1; i < writes.size(); ++i)
-            sizes.push_back(writes[i].size());
-        return sizes;
-    }
-
-    ScratchFolder folder;
-};
-
-constexpr const char* appFromZero = "AA 5A 01 1B 05 00 00 00 00 00 00 00 00 91 2E";
-constexpr const char* appFrom512 = "AA 5A 01 1B 05 00 00 00 00 00 02 00 00 F1 40";
-constexpr const char* appCannotFrom512 = "AA 5A 01 1B 05 00 00 00 01 00 02 00 00 A0 EA";
-constexpr const char* appGood = "AA 5A 01 1B 01 00 00 00 00 D8 66";
-constexpr const char* appBad = "AA 5A 01 1B 01 00 00 00 01 F9 76";
-constexpr const char* firewareFromZero = "AA 5A 01 0B 05 00 00 00 00 00 00 00 00 07 BA";
-constexpr const char* modelFromZero = "AA 5A 01 CB 06 00 00 00 01 00 00 00 00 00 81 38";
-constexpr const char* modelGood = "AA 5A 01 CB 02 00 00 00 02 00 8C 3D";
-constexpr const char* modelBad = "AA 5A 01 CB 02 00 00 00 02 01 AD 2D";
 
 TEST_F(Upload, AnnouncementsCarrySizeDigestAndName) {
     struct Row {
@@ -133,7 +81,7 @@ TEST_F(Upload, AppImageIsStreamedInSlicesAndJudged) {
     EXPECT_EQ(fake_serial::count("read"), 2);
 }
 
-TEST_F(Upload, SystemImageFlushesBeforeEachSliceAndAwaitsNoVerdict) {
+TEST_F(Upload, SystemImageAwaitsNoVerdict) {
     file(counting(1300));
     answer(firewareFromZero);
     EXPECT_TRUE(camera.firewareUpdate());
@@ -142,7 +90,7 @@ TEST_F(Upload, SystemImageFlushesBeforeEachSliceAndAwaitsNoVerdict) {
     EXPECT_EQ(streamed(), counting(1300));
 }
 
-TEST_F(Upload, ModelFlushesBeforeEachSliceAndAwaitsAVerdict) {
+TEST_F(Upload, ModelAwaitsAVerdict) {
     file(counting(1300));
     answer(modelFromZero);
     answer(modelGood);
@@ -167,7 +115,7 @@ TEST_F(Upload, SlicesAroundTheirSizeAreCutRight) {
     }
 }
 
-TEST_F(Upload, GoesOnFromTheOffsetEvenWhenTheCameraSaysItCannot) {
+TEST_F(Upload, ResumesEvenWhenTheCameraRefusesIt) {
     file(counting(1300));
     answer(appCannotFrom512);
     answer(appGood);
@@ -177,7 +125,7 @@ TEST_F(Upload, GoesOnFromTheOffsetEvenWhenTheCameraSaysItCannot) {
     EXPECT_TRUE(out.has("cant update"));
 }
 
-TEST_F(Upload, LogsOfAnAppImageTurnHexadecimalAndStaySo) {
+TEST_F(Upload, AppImageSwitchesTheLogToHexadecimal) {
     file(counting(1300));
     answer(appFrom512);
     answer(appGood);
@@ -197,7 +145,7 @@ TEST_F(Upload, LogsOfAnAppImageTurnHexadecimalAndStaySo) {
     EXPECT_TRUE(out.has("fireware offset:0"));
 }
 
-TEST_F(Upload, LogsOfASystemImageInAFreshProcessAreDecimal) {
+TEST_F(Upload, SystemImageLogsInDecimal) {
     file(abc);
     answer("AA 5A 01 0B 05 00 00 00 01 00 02 00 00 00 00");
     EXPECT_TRUE(camera.firewareUpdate());
@@ -254,7 +202,7 @@ TEST_F(Upload, OffsetBeyond31BitsFailsWithoutSending) {
     EXPECT_EQ(fake_serial::writes().size(), 2U);
 }
 
-TEST_F(Upload, AnAnnouncementAnswerTooShortForItsOffsetFailsWithoutSending) {
+TEST_F(Upload, SendsNothingWhenTheOffsetIsCutOff) {
     file(abc);
     answer("AA 5A 01 1B 02 00 00 00 00 00 00 00");
     EXPECT_FALSE(camera.appUpdate());
@@ -265,7 +213,7 @@ TEST_F(Upload, AnAnnouncementAnswerTooShortForItsOffsetFailsWithoutSending) {
     EXPECT_EQ(fake_serial::writes().size(), 3U);
 }
 
-TEST_F(Upload, ShortWritesAreWarnedOfAndNotMadeGood) {
+TEST_F(Upload, LogsShortWritesWithoutRepeatingThem) {
     file(counting(1300));
     fake_serial::willWriteOnly(30);
     fake_serial::willWriteOnly(100);
@@ -316,10 +264,13 @@ TEST_F(Upload, AFileThatCannotBeOpenedIsThrownAsItsText) {
     EXPECT_EQ(out.lines(), Lines{});
 }
 
-TEST_F(Upload, AFolderAndAFileOf2GibibytesAreRefusedBeforeAnythingIsSent) {
+TEST_F(Upload, RefusesAFolderBeforeSending) {
     std::filesystem::create_directory("file.bin");
     EXPECT_FALSE(camera.appUpdate());
-    std::filesystem::remove("file.bin");
+    EXPECT_EQ(calls(), Lines{});
+}
+
+TEST_F(Upload, RefusesAFileOf2GibibytesBeforeSending) {
     file({});
     std::filesystem::resize_file("file.bin", std::uintmax_t{1} << 31);
     EXPECT_FALSE(camera.firewareUpdate());
@@ -328,7 +279,7 @@ TEST_F(Upload, AFolderAndAFileOf2GibibytesAreRefusedBeforeAnythingIsSent) {
     EXPECT_EQ(calls(), Lines{});
 }
 
-TEST_F(Upload, AFileThatEndsBeforeItsStatedSizeIsRefusedBeforeAnythingIsSent) {
+TEST_F(Upload, RefusesAFileShorterThanItsStatedSize) {
     const std::string path = "/sys/devices/system/cpu/online"; // states a page, holds a few bytes
     if (!std::ifstream(path))
         GTEST_SKIP() << "no such file here";
@@ -339,7 +290,7 @@ TEST_F(Upload, AFileThatEndsBeforeItsStatedSizeIsRefusedBeforeAnythingIsSent) {
 }
 
 TEST_F(Upload, APathWithChineseCharactersAndBlanksOpens) {
-    ScratchFolder::write(std::filesystem::path(u8"新 固件.bin"), abc);
+    files::write(std::filesystem::path(u8"新 固件.bin"), abc);
     camera.setAppFilePath("新 固件.bin");
     answer(appFromZero);
     answer(appGood);
@@ -393,176 +344,6 @@ TEST_F(Upload, AVanishedPortInMidTransferIsAFailure) {
     answer(firewareFromZero);
     EXPECT_FALSE(camera.firewareUpdate());
     EXPECT_EQ(chunkSizes().size(), 3U);
-}
-
-// --- second protocol -------------------------------------------------------------------------------------
-
-constexpr const char* v1HoldsAll = "AA 5A 01 1D 06 00 00 00 01 00 03 00 00 00 EB CA";
-constexpr const char* v1FromZero = "AA 5A 01 1D 06 00 00 00 01 00 00 00 00 00 37 51";
-constexpr const char* v1Cannot = "AA 5A 01 1D 06 00 00 00 01 01 00 00 00 00 66 FB";
-constexpr const char* result0 = "AA 5A 01 1E 01 00 00 00 00 D9 25";
-constexpr const char* result1 = "AA 5A 01 1E 01 00 00 00 01 F8 35";
-constexpr const char* result2 = "AA 5A 01 1E 01 00 00 00 02 9B 05";
-constexpr const char* announcedAbc = "AA 5A 01 1D 1C 00 00 00 01 03 00 00 00 90 01 50 98 3C D2 4F B0 D6 96 "
-                                     "3F 7D 28 E1 7F 72 61 70 70 2E 62 69 6E 29 61";
-
-class UploadV1 : public Upload {
-protected:
-    bool run(const std::vector<std::uint8_t>& content) {
-        file(content);
-        return camera.appUpdateV1("app.bin", "file.bin");
-    }
-
-    static void announcementsAnswered(const char* last) {
-        for (int i = 0; i < 4; ++i)
-            answer(v1Cannot);
-        answer(last);
-    }
-
-    /// Answers all announcements and then each closing packet with one of these; "" is silence.
-    static void closingAnswered(const Lines& answers) {
-        announcementsAnswered(v1HoldsAll);
-        for (const std::string& each : answers) {
-            if (each.empty())
-                fake_serial::willTimeOut(30);
-            else
-                answer(each);
-        }
-    }
-};
-
-TEST_F(UploadV1, AnnouncesTheFilesName) {
-    EXPECT_FALSE(run({}));
-    EXPECT_EQ(written(0),
-              "AA 5A 01 1D 1C 00 00 00 01 00 00 00 00 D4 1D 8C D9 8F 00 B2 04 E9 80 09 98 EC F8 42 7E 61 70 "
-              "70 2E 62 69 6E C1 95");
-    EXPECT_FALSE(run(counting(1300)));
-    EXPECT_EQ(hex(fake_serial::writes().back()), "AA 5A 01 1D 1C 00 00 00 01 14 05 00 00 9F 04 FA 44 F3 CC "
-                                                 "4A 6C 92 DA E6 7B 41 50 0F C7 61 70 70 2E 62 69 "
-                                                 "6E 26 54");
-}
-
-TEST_F(UploadV1, ALoneFailureIsALineAndNothingIsSentForAMissingFile) {
-    EXPECT_FALSE(camera.appUpdateV1("app.bin", "missing.bin"));
-    EXPECT_EQ(out.lines(), Lines{"appupdate2 file cant open"});
-    EXPECT_EQ(calls(), Lines{});
-}
-
-TEST_F(UploadV1, AlwaysAnnouncesFiveTimesAndOnlyTheFifthAnswerCounts) {
-    announcementsAnswered(v1HoldsAll);
-    for (int i = 0; i < 11; ++i)
-        answer(result0);
-    EXPECT_TRUE(run(abc));
-    const Lines made = calls();
-    EXPECT_EQ(made[0], timeouts(1000));
-    const Lines announced{"flush", std::string("write ") + announcedAbc, "read 15", "read 15"};
-    for (auto at = made.begin() + 1; at != made.begin() + 21; at += 4)
-        EXPECT_EQ(Lines(at, at + 4), announced);
-    EXPECT_EQ(fake_serial::count("setTimeout"), 2);
-    EXPECT_TRUE(
-        out.has("1D cmd:aa5a011d1c0000000103000000900150983cd24fb0d6963f7d28e17f726170702e62696e2961"));
-    EXPECT_TRUE(out.has("can update,offset is 3"));
-    EXPECT_EQ(out.lines().back(), "packageResult:0");
-}
-
-TEST_F(UploadV1, AnUnansweredFifthAnnouncementFailsAtOnce) {
-    for (int i = 0; i < 4; ++i)
-        answer(v1HoldsAll);
-    EXPECT_FALSE(run(abc));
-    EXPECT_EQ(fake_serial::writes().size(), 5U);
-    EXPECT_EQ(out.lines().back(), "appupdateV1 queryCanUpdate checkfailed");
-    EXPECT_TRUE(clock.pauses().empty()) << "no pause after the last";
-}
-
-TEST_F(UploadV1, EachUnansweredAnnouncementIsFollowedByAShortPause) {
-    EXPECT_FALSE(run(abc));
-    EXPECT_EQ(clock.pauses(), (std::vector<std::chrono::nanoseconds>{50ms, 50ms, 50ms, 50ms}));
-    EXPECT_EQ(fake_serial::count("read"), 50);
-}
-
-TEST_F(UploadV1, RefusalAndShortAnswersFail) {
-    announcementsAnswered(v1Cannot);
-    EXPECT_FALSE(run(abc));
-    EXPECT_EQ(out.lines().back(), "cant update");
-    EXPECT_EQ(clock.pauses().back(), 1s);
-    announcementsAnswered("AA 5A 01 1D 03 00 00 00 01 00 03 00 00");
-    const std::size_t before = out.lines().size();
-    EXPECT_FALSE(run(abc));
-    EXPECT_EQ(out.lines().size(), before + 2) << "size and dump, nothing about the short answer";
-}
-
-TEST_F(UploadV1, ACameraThatWantsDataGetsNoneAndTheUploadFails) {
-    announcementsAnswered(v1FromZero);
-    EXPECT_FALSE(run(abc));
-    EXPECT_EQ(out.lines().back(), "data cmd:aa5a011e0b0000000000000003000000616263fca5");
-    EXPECT_EQ(fake_serial::writes().size(), 5U);
-    EXPECT_EQ(clock.pauses().back(), 30ms);
-    EXPECT_EQ(calls().back(), timeouts(200, 2000));
-}
-
-TEST_F(UploadV1, TheLoggedPacketHoldsAtMost1024Bytes) {
-    announcementsAnswered(v1FromZero);
-    EXPECT_FALSE(run(counting(2000)));
-    EXPECT_EQ(out.lines().back().size(), std::string("data cmd:").size() + 2 * (10 + 8 + 1024));
-    announcementsAnswered("AA 5A 01 1D 06 00 00 00 01 00 DC 05 00 00 00 00");
-    EXPECT_FALSE(run(counting(2000)));
-    EXPECT_EQ(out.lines().back().size(), std::string("data cmd:").size() + 2 * (10 + 8 + 500));
-}
-
-TEST_F(UploadV1, ClosingPacketIsSentElevenTimesWhateverTheAnswers) {
-    closingAnswered(times(11, result1));
-    EXPECT_TRUE(run(abc));
-    const auto writes = fake_serial::writes();
-    ASSERT_EQ(writes.size(), 16U);
-    for (std::size_t i = 5; i < 16; ++i)
-        EXPECT_EQ(hex(writes[i]), "AA 5A 01 1E 08 00 00 00 03 00 00 00 00 00 00 00 AF 2B");
-    const Lines lines = out.lines();
-    EXPECT_EQ(Lines(lines.end() - 15, lines.end()),
-              (Lines{"after data-send", "after data-send2"} + times(11, "now packageResult:1") +
-               Lines{"after data-send3", "packageResult:1"}));
-}
-
-TEST_F(UploadV1, ClosingPacketsOfOtherSizes) {
-    announcementsAnswered("AA 5A 01 1D 06 00 00 00 01 00 00 00 00 00 37 51");
-    EXPECT_FALSE(run({}));
-    EXPECT_EQ(hex(fake_serial::writes().back()), "AA 5A 01 1E 08 00 00 00 00 00 00 00 00 00 00 00 DA E3");
-    announcementsAnswered("AA 5A 01 1D 06 00 00 00 01 00 14 05 00 00 00 00");
-    EXPECT_FALSE(run(counting(1300)));
-    EXPECT_EQ(hex(fake_serial::writes().back()), "AA 5A 01 1E 08 00 00 00 14 05 00 00 00 00 00 00 A4 A8");
-}
-
-TEST_F(UploadV1, TheLastResultThatCameDecides) {
-    closingAnswered(times(10, result2) + Lines{result0});
-    EXPECT_TRUE(run(abc));
-    fake_serial::reset();
-    closingAnswered(Lines{result0} + times(10, ""));
-    EXPECT_TRUE(run(abc));
-    EXPECT_TRUE(out.has("continue last cmd"));
-    fake_serial::reset();
-    closingAnswered(times(10, result0) + Lines{result2});
-    EXPECT_FALSE(run(abc));
-    fake_serial::reset();
-    closingAnswered(times(11, ""));
-    EXPECT_FALSE(run(abc));
-    EXPECT_EQ(out.lines().back(), "after data-send3");
-    EXPECT_EQ(fake_serial::count("read"), 5 * 2 + 11 * 30);
-}
-
-TEST_F(UploadV1, AnOffsetBeyondTheSizeSendsNoPacketAndFails) {
-    for (const char* offset : {"04 00 00 00", "00 00 00 80", "FF FF FF FF"}) {
-        fake_serial::reset();
-        announcementsAnswered(("AA 5A 01 1D 06 00 00 00 01 00 " + std::string(offset) + " 00 00").c_str());
-        EXPECT_FALSE(run(abc));
-        EXPECT_EQ(fake_serial::writes().size(), 5U);
-        const Lines lines = out.lines();
-        EXPECT_EQ(Lines(lines.end() - 2, lines.end()), (Lines{"after data-send", "after data-send3"}));
-    }
-}
-
-TEST_F(UploadV1, FrameDumpsLeaveTheLogDecimal) {
-    announcementsAnswered(v1HoldsAll);
-    run(abc);
-    EXPECT_EQ(std::cout.flags() & std::ios::basefield, std::ios::dec);
 }
 
 } // namespace

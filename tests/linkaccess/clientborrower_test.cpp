@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Shows what a window sees of its base.
+/// Makes the protected members public.
 class Window final : public QWidget, public ClientBorrower {
 public:
     explicit Window(CameraSp* client) : ClientBorrower(this, client) {}
@@ -29,7 +29,7 @@ void waitForPool() {
     QTest::qWait(20); // results are posted with a timer of no delay
 }
 
-/// A client without a port: every command fails at once.
+/// A client without a port; every command fails at once.
 std::unique_ptr<CameraSp> portlessClient() {
     return std::make_unique<CameraSp>(std::string(), 9600U);
 }
@@ -44,7 +44,7 @@ TEST(ClientBorrower, WithoutAClientEveryCommandHasFailed) {
         window.ask(QString(), &CameraSp::getCommonProperty, std::uint8_t{15}, std::uint8_t{2}).empty());
 }
 
-TEST(ClientBorrower, TellsOfEveryCommandAskedForWithoutAClient) {
+TEST(ClientBorrower, ReportsEveryCommandWithoutAClient) {
     Window window(nullptr);
     RecordingObserver observer;
     window.setObserver(&observer);
@@ -57,7 +57,7 @@ TEST(ClientBorrower, TellsOfEveryCommandAskedForWithoutAClient) {
     waitForPool();
 }
 
-TEST(ClientBorrower, TellsWhatItDoesAndHowItEnded) {
+TEST(ClientBorrower, ReportsUseAndOutcome) {
     const auto client = portlessClient();
     Window window(client.get());
     RecordingObserver observer;
@@ -74,7 +74,7 @@ TEST(ClientBorrower, TellsWhatItDoesAndHowItEnded) {
     EXPECT_EQ(observer.ended, QStringList({"heartbeat failed", "door failed", "job ok"}));
 }
 
-TEST(ClientBorrower, SaysNothingOfTheEndOfAJobThatALaterLinkHasOvertaken) {
+TEST(ClientBorrower, DoesNotReportJobsOfAnEarlierLink) {
     const auto client = portlessClient();
     Window window(client.get());
     RecordingObserver observer;
@@ -96,7 +96,7 @@ TEST(LinkUse, AListOfValuesIsPartlyReadWhenOneWas) {
     EXPECT_FALSE(outcomeOf(Values{{1}, {1}}, CommandReport{}).partly);
 }
 
-TEST(LinkUse, ResultTellsItsOwnWords) {
+TEST(LinkUse, ResultHasItsOwnWords) {
     struct Result {
         [[nodiscard]] QString outcomeText(const CommandReport& report) const {
             return report.succeeded() ? QStringLiteral("good") : QStringLiteral("bad");
@@ -106,7 +106,7 @@ TEST(LinkUse, ResultTellsItsOwnWords) {
     EXPECT_EQ(outcomeOf(Result{}, CommandReport{CommandEnd::refused}).text, "bad");
 }
 
-TEST(ClientBorrower, TellsJobsBegunBeforeTheObserverCame) {
+TEST(ClientBorrower, ReportsJobsBegunBeforeTheObserver) {
     const auto client = portlessClient();
     Window window(client.get());
     RecordingObserver observer;
@@ -137,7 +137,7 @@ TEST(ClientBorrower, JobThatThrowsHasFailed) {
     client->waitUntilUnused(); // the lease was given back
 }
 
-TEST(ClientBorrower, WorksOnAPoolThreadAndAppliesOnTheUserInterfaceThread) {
+TEST(ClientBorrower, AppliesResultsOnTheUserInterfaceThread) {
     const auto client = portlessClient();
     Window window(client.get());
     QThread* worker = nullptr;
@@ -157,7 +157,7 @@ TEST(ClientBorrower, WorksOnAPoolThreadAndAppliesOnTheUserInterfaceThread) {
     EXPECT_NE(worker, qApp->thread());
 }
 
-TEST(ClientBorrower, HandsTheClientToTheJobAndNoneWhereThereIsNone) {
+TEST(ClientBorrower, JobGetsTheClientOrNone) {
     const auto client = portlessClient();
     for (CameraSp* attached : {client.get(), static_cast<CameraSp*>(nullptr)}) {
         Window window(attached);
@@ -201,7 +201,7 @@ TEST(ClientBorrower, DropsTheResultForAWindowThatIsGone) {
     EXPECT_FALSE(applied);
 }
 
-TEST(ClientBorrower, TheEndOfALinkWaitsForItsJobsAndCutsTheirPausesShort) {
+TEST(ClientBorrower, EndOfALinkCutsPausesOfItsJobs) {
     auto client = portlessClient();
     Window window(client.get());
     std::atomic<bool> ended = false;
@@ -236,7 +236,7 @@ TEST(ClientBorrower, ManyJobsInARowLeaveTheClientUnused) {
     client->waitUntilUnused();
 }
 
-TEST(ClientBorrower, IsDisabledWhileSomebodyElseUsesTheClient) {
+TEST(ClientBorrower, IsDisabledWhileTheClientIsBusy) {
     Window window(nullptr);
     window.setExchangeAllowed(false);
     EXPECT_FALSE(window.isEnabled());

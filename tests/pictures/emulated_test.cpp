@@ -5,9 +5,10 @@
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
 #include "pictures/picturelistmodel.h"
-#include "tests/pictures/debuglines.h"
 #include "tests/support/cameratype.h"
+#include "tests/support/debuglog.h"
 #include "tests/support/stdoutcapture.h"
+#include "tests/support/workingdirectory.h"
 
 #include <QFile>
 #include <QLabel>
@@ -31,14 +32,6 @@ using emulator::VirtualCamera;
 using protocol::Bytes;
 
 constexpr int enoughMs = 20000;
-
-Bytes fileContent(const QString& name) {
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray data = file.readAll();
-    return {data.begin(), data.end()};
-}
 
 class EmulatedPictures : public testing::Test {
 protected:
@@ -81,7 +74,7 @@ protected:
     [[nodiscard]] Bytes drawn() {
         return front->withCamera([](VirtualCamera& camera) { return camera.settings().drawPicture(1, 1); });
     }
-    /// Starts the flow and waits until it lets go of the controls.
+    /// Starts the flow and waits until it enables the controls.
     [[nodiscard]] bool take(std::uint32_t type) {
         controlsFree = true;
         flow.start(type);
@@ -97,13 +90,13 @@ protected:
     std::unique_ptr<emulator::PtyFront> front;
     std::unique_ptr<CameraSp> client;
     StdoutCapture out;
-    DebugLines debug;
+    DebugLog debug;
     QLabel label;
     bool controlsFree = true;
     CaptureFlow flow{&label, [this](bool allowed) { controlsFree = allowed; }};
 };
 
-/// A list window on a camera, driven as a user does.
+/// Actions of a user in a list window.
 template <typename Window>
 class EmulatedList {
 public:
@@ -133,17 +126,17 @@ public:
 
 } // namespace
 
-TEST_F(EmulatedPictures, TheFirstGenerationTakesShowsAndStoresThePictureOfTheCamera) {
+TEST_F(EmulatedPictures, TakesShowsAndStoresAFirstGenerationPicture) {
     plug(CameraType::ostra);
     hold(40, drawn()); // deleted before the capture
     ASSERT_TRUE(take(cameratype::ostra));
     ASSERT_EQ(heldCount(), 1U);
-    EXPECT_EQ(fileContent("33.jpg"), held(0));
+    EXPECT_EQ(files::read("33.jpg"), held(0));
     EXPECT_FALSE(label.pixmap().isNull());
     expectCleanLine();
 }
 
-TEST_F(EmulatedPictures, TheSecondGenerationTakesTheFirstOfTheCatalogueByTheLowByteOfItsId) {
+TEST_F(EmulatedPictures, ReadsSecondGenerationPicturesByTheLowIdByte) {
     plug(CameraType::salesDynamic);
     front->withCamera([](VirtualCamera& camera) {
         camera.state().nextPictureId = 258;
@@ -151,7 +144,7 @@ TEST_F(EmulatedPictures, TheSecondGenerationTakesTheFirstOfTheCatalogueByTheLowB
     });
     ASSERT_TRUE(take(cameratype::shelfDynamic));
     ASSERT_EQ(heldCount(), 1U);
-    EXPECT_EQ(fileContent("2.jpg"), held(0));
+    EXPECT_EQ(files::read("2.jpg"), held(0));
     EXPECT_FALSE(QFile::exists("258.jpg"));
     EXPECT_FALSE(label.pixmap().isNull());
     expectCleanLine();
@@ -166,7 +159,7 @@ TEST_F(EmulatedPictures, JsonPicturesOfEverySizeArriveWhole) {
         front->withCamera([&](VirtualCamera& camera) { camera.state().jsonPicture = picture; });
         ASSERT_TRUE(take(cameratype::quenta)) << size;
         EXPECT_TRUE(QFile::exists("1.jpg")) << size;
-        EXPECT_EQ(fileContent("1.jpg"), picture) << size;
+        EXPECT_EQ(files::read("1.jpg"), picture) << size;
         EXPECT_TRUE(label.pixmap().isNull()) << size; // these bytes are no JPEG
     }
     expectCleanLine();
@@ -177,11 +170,11 @@ TEST_F(EmulatedPictures, AJsonPictureIsShown) {
     const Bytes picture = drawn();
     front->withCamera([&](VirtualCamera& camera) { camera.state().jsonPicture = picture; });
     ASSERT_TRUE(take(cameratype::quenta));
-    EXPECT_EQ(fileContent("1.jpg"), picture);
+    EXPECT_EQ(files::read("1.jpg"), picture);
     EXPECT_FALSE(label.pixmap().isNull());
 }
 
-TEST_F(EmulatedPictures, JsonFaultsShowNothingAndGiveTheControlsBack) {
+TEST_F(EmulatedPictures, EnablesControlsAfterJsonFaults) {
     plug(CameraType::quenta);
     for (const char* fault : {"no-size@jsonPicture", "size-text=abc@jsonPicture", "short-json=9@jsonPicture",
                               "silent@jsonPicture"}) {
@@ -195,26 +188,26 @@ TEST_F(EmulatedPictures, JsonFaultsShowNothingAndGiveTheControlsBack) {
     }
 }
 
-TEST_F(EmulatedPictures, ACameraThatSendsLessThanItSaidKeepsTheFlowUntilTheLinkEnds) {
+TEST_F(EmulatedPictures, WaitsForAShortPictureUntilTheLinkEnds) {
     plug(CameraType::ostra);
     addFault("picture-size=-1@read");
     flow.start(cameratype::ostra);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return debug.has("pic start"); }, enoughMs));
+    ASSERT_TRUE(QTest::qWaitFor([] { return DebugLog::hasStart("pic start"); }, enoughMs));
     QTest::qWait(300);
     EXPECT_FALSE(controlsFree);
-    EXPECT_FALSE(debug.has("pic end"));
+    EXPECT_FALSE(DebugLog::hasStart("pic end"));
     unplug();
-    EXPECT_TRUE(debug.has("pic end"));
+    EXPECT_TRUE(DebugLog::hasStart("pic end"));
     QTest::qWait(50);
-    EXPECT_FALSE(debug.has("in timer"));
+    EXPECT_FALSE(DebugLog::hasStart("in timer"));
     EXPECT_TRUE(std::filesystem::is_empty("."));
 }
 
-TEST_F(EmulatedPictures, ADeviceThatVanishesEndsADownloadThatNeverWould) {
+TEST_F(EmulatedPictures, VanishedDeviceEndsAnEndlessDownload) {
     plug(CameraType::ostra);
     addFault("picture-size=-1@read");
     flow.start(cameratype::ostra);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return debug.has("pic start"); }, enoughMs));
+    ASSERT_TRUE(QTest::qWaitFor([] { return DebugLog::hasStart("pic start"); }, enoughMs));
     QTest::qWait(100);
     front->vanish();
     ASSERT_TRUE(QTest::qWaitFor([this] { return controlsFree; }, enoughMs));
@@ -222,7 +215,7 @@ TEST_F(EmulatedPictures, ADeviceThatVanishesEndsADownloadThatNeverWould) {
     EXPECT_TRUE(std::filesystem::is_empty("."));
 }
 
-TEST_F(EmulatedPictures, AListShowsDeletesAndViewsWhatTheCameraHolds) {
+TEST_F(EmulatedPictures, ListShowsDeletesAndViewsPictures) {
     plug(CameraType::ostra);
     hold(40, drawn());
     hold(41, Bytes(700, 0xFF)); // no JPEG
@@ -231,7 +224,7 @@ TEST_F(EmulatedPictures, AListShowsDeletesAndViewsWhatTheCameraHolds) {
     list.press("btn_refresh");
     ASSERT_EQ(list.model()->rowCount(), 3);
     list.choose(2, "查看");
-    EXPECT_EQ(fileContent("42.jpg"), held(2));
+    EXPECT_EQ(files::read("42.jpg"), held(2));
     EXPECT_FALSE(list.shown()->pixmap().isNull());
     list.choose(1, "查看");
     EXPECT_EQ(list.shown()->text(), "图片不存在或者图片数据错误");
@@ -257,7 +250,7 @@ TEST_F(EmulatedPictures, ASecondGenerationListUsesTheWholeId) {
     list.press("btn_refresh");
     ASSERT_EQ(list.model()->rowCount(), 2);
     list.choose(1, "查看");
-    EXPECT_EQ(fileContent("258.jpg"), held(1));
+    EXPECT_EQ(files::read("258.jpg"), held(1));
     EXPECT_FALSE(list.shown()->pixmap().isNull());
     list.choose(1, "删除");
     ASSERT_EQ(heldCount(), 1U);
@@ -265,7 +258,7 @@ TEST_F(EmulatedPictures, ASecondGenerationListUsesTheWholeId) {
     expectCleanLine();
 }
 
-TEST_F(EmulatedPictures, TheLargestCatalogueIsListedWhateverItsCountByteSays) {
+TEST_F(EmulatedPictures, ListsTheLargestCatalogueForAnyCountByte) {
     plug(CameraType::salesDynamic);
     addFault("count=3@catalogueV1");
     for (int id = 1; id <= 1551; ++id)
@@ -276,7 +269,7 @@ TEST_F(EmulatedPictures, TheLargestCatalogueIsListedWhateverItsCountByteSays) {
     EXPECT_EQ(list.model()->pictureId(1550), 1551U);
 }
 
-TEST_F(EmulatedPictures, ADeviceThatVanishesEndsAViewThatNeverWould) {
+TEST_F(EmulatedPictures, VanishedDeviceEndsAnEndlessView) {
     plug(CameraType::ostra);
     hold(40, drawn());
     EmulatedList<PicList> list(client.get());

@@ -1,8 +1,8 @@
 // The rows of the picture lists.
 #include "pictures/piclistmodel.h"
 #include "pictures/piclistv1model.h"
-#include "tests/pictures/debuglines.h"
-#include "tests/pictures/scriptedcamera.h"
+#include "tests/support/debuglog.h"
+#include "tests/support/scriptedcamera.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -93,29 +93,29 @@ TEST(PicListModel, AnswersDisplayEditAndToolTipOnly) {
 }
 
 TEST(PicListModel, LogsAnInvalidIndexAndGivesNothing) {
-    const DebugLines debug;
+    const DebugLog debug;
     PicListModel model;
     EXPECT_FALSE(model.data({}, Qt::DisplayRole).isValid());
-    EXPECT_EQ(debug.lines(), std::vector<std::string>{"invilidddd"});
+    EXPECT_EQ(DebugLog::plainLines(), std::vector<std::string>{"invilidddd"});
     model.appendRow({"5"});
     const QModelIndex stale = model.index(0, 0);
     model.removeRow(0);
     EXPECT_FALSE(model.data(stale, Qt::DisplayRole).isValid());
-    EXPECT_EQ(debug.count("invilidddd"), 2);
+    EXPECT_EQ(DebugLog::countStarts("invilidddd"), 2);
 }
 
 TEST(PicListModel, HasAnEmptyTextWhereARowHasNoSuchCell) {
-    const DebugLines debug;
+    const DebugLog debug;
     PicListV1Model model;
     model.appendRow({"5", "1"});
     EXPECT_EQ(model.index(0, 6).data().toString(), "");
     EXPECT_EQ(model.date(0), 1U);
     EXPECT_EQ(model.gid(0), 0);
     EXPECT_EQ(model.pictureSize(0), 0);
-    EXPECT_FALSE(debug.has("invilidddd"));
+    EXPECT_FALSE(DebugLog::hasStart("invilidddd"));
 }
 
-TEST(PicListModel, TellsItsViewsOfEveryChange) {
+TEST(PicListModel, NotifiesViewsOfEveryChange) {
     PicListModel model;
     const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
     QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);

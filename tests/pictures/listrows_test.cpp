@@ -1,4 +1,4 @@
-// How the rows are painted, and where the header labels stand.
+// Painting of rows and position of header labels.
 #include "pictures/listcolumns.h"
 #include "pictures/piclistmodel.h"
 #include "pictures/piclistmodeldelegate.h"
@@ -43,7 +43,7 @@ QImage painted(const QStyledItemDelegate& delegate, const QAbstractItemModel& mo
     return image;
 }
 
-/// First and last column of pixels that is not white; -1 when all are.
+/// First and last column of pixels that is not white; -1 if there is none.
 std::pair<int, int> inkSpan(const QImage& image) {
     std::pair<int, int> span{-1, -1};
     for (int x = 0; x < image.width(); ++x) {
@@ -76,7 +76,7 @@ QLabel* labelOf(const QWidget& window, const QString& text) {
     return nullptr;
 }
 
-/// Counts how often the rows are asked for their texts.
+/// Counts reads of row texts.
 class CountingModel final : public QIdentityProxyModel {
 public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
@@ -120,7 +120,7 @@ TEST(PicListModelDelegate, FillsASelectedRowWithTheSelectionColour) {
     EXPECT_EQ(inkSpan(painted(delegate, model, 600, QStyle::State_Enabled)), std::pair(-1, -1));
 }
 
-TEST(PicListModelDelegate, PaintsEachTextAtTheLeftOfItsColumnAndElidesWhatDoesNotFit) {
+TEST(PicListModelDelegate, PaintsTextsLeftAndElided) {
     const std::vector<std::pair<int, int>> columns{{0, 60},   {60, 60},   {120, 60},
                                                    {180, 60}, {240, 120}, {360, 240}};
     for (std::size_t column = 0; column < columns.size(); ++column) {
@@ -144,7 +144,7 @@ TEST(PicListV1ModelDelegate, PaintsTheDigestIntoTheRestOfTheRow) {
     EXPECT_LE(last, 382);
 }
 
-TEST(PicListModelDelegate, TipsOfTheColumnUnderTheMouse) {
+TEST(PicListModelDelegate, ShowsTheToolTipOfTheColumnUnderTheMouse) {
     PicListModel model;
     model.appendRow({"5", "1", "45", "1700000000", "20", "abc"});
     QListView list;
@@ -165,7 +165,7 @@ TEST(PicListModelDelegate, TipsOfTheColumnUnderTheMouse) {
     QToolTip::hideText();
 }
 
-TEST(PictureListHeader, StandsOverTheColumnsWhateverTheWidth) {
+TEST(PictureListHeader, FollowsTheColumnsAtAnyWidth) {
     PicListV1 window(nullptr, nullptr);
     window.setAttribute(Qt::WA_DeleteOnClose, false);
     auto* list = window.findChild<QListView*>("listview");
@@ -206,7 +206,7 @@ TEST(PictureListHeader, KeepsTheWindowWideEnoughForItsTexts) {
         EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
 }
 
-TEST(PictureListWindow, AsksOnlyTheVisibleRowsForTheirTexts) {
+TEST(PictureListWindow, ReadsTextsOfVisibleRowsOnly) {
     PicListV1 window(nullptr, nullptr);
     window.setAttribute(Qt::WA_DeleteOnClose, false);
     auto* list = window.findChild<QListView*>("listview");

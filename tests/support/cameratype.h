@@ -1,4 +1,4 @@
-// The numbers of the camera types, as windows keep them.
+// Camera types as the numbers that windows store.
 #pragma once
 
 #include "link/protocol/cameratypes.h"

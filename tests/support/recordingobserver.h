@@ -1,4 +1,4 @@
-// Remembers what a borrower tells of its use of the link.
+// Records the reports of a borrower.
 #pragma once
 
 #include "linkaccess/linkuse.h"

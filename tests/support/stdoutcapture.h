@@ -1,4 +1,4 @@
-// What the code under test writes to standard output.
+// Captures standard output.
 #pragma once
 
 #include <iostream>

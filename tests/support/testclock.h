@@ -4,15 +4,22 @@
 #include "link/clock.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 #include <vector>
 
 /// Tells the system's time.
 class TestClock final : public Clock {
 public:
-    /// Pauses last at most so long.
-    void limitPauses(std::chrono::nanoseconds limit) { set(m_limit, limit); }
+    using Length = std::function<std::chrono::nanoseconds(std::chrono::nanoseconds asked)>;
+
+    /// How long pauses last from now on.
+    void setPauses(Length length) { set(m_length, std::move(length)); }
+    void limitPauses(std::chrono::nanoseconds limit) {
+        setPauses([limit](std::chrono::nanoseconds asked) { return std::min(asked, limit); });
+    }
     void skipPauses() { limitPauses({}); }
-    void pauseForReal() { limitPauses(std::chrono::nanoseconds::max()); }
+    void pauseForReal() { setPauses({}); }
     /// Pauses last until release(); then they are over.
     void hold() {
         skipPauses();
@@ -56,7 +63,7 @@ private:
     template <typename Value>
     void set(Value& field, Value value) {
         const std::lock_guard lock(m_mutex);
-        field = value;
+        field = std::move(value);
         m_changed.notify_all();
     }
     /// How long the pause takes.
@@ -65,14 +72,14 @@ private:
         m_pauses.push_back(duration);
         m_changed.notify_all();
         m_changed.wait(lock, [this] { return !m_held; });
-        return std::min(duration / m_factor, m_limit);
+        return m_length ? m_length(duration) : duration / m_factor;
     }
 
     mutable std::mutex m_mutex; // guards everything below
     std::condition_variable m_changed;
     std::vector<std::chrono::nanoseconds> m_pauses;
     mutable std::vector<std::chrono::milliseconds> m_timers;
-    std::chrono::nanoseconds m_limit = std::chrono::nanoseconds::max();
+    Length m_length; ///< empty: by the factor
     int m_factor = 1;
     bool m_held = false;
 };

@@ -1,10 +1,22 @@
-// The main function of test programs without windows.
-#include "tests/support/freshdirectory.h"
+// The main function of all test programs. For programs with windows the build names the class and header of
+// the application object: Qt's or the product's own.
+#include "tests/support/workingdirectory.h"
+
+#ifdef TEST_APPLICATION
+#include TEST_APPLICATION_HEADER
+#endif
 
 #include <gmock/gmock.h>
 
 int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);
+#ifdef TEST_APPLICATION
+    if (GTEST_FLAG_GET(list_tests)) // ctest asks for names: no windows needed
+        return RUN_ALL_TESTS();
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const TEST_APPLICATION application(argc, argv);
+#endif
     useFreshDirectories();
     return RUN_ALL_TESTS();
 }

@@ -1,4 +1,4 @@
-// The little JSON that is read.
+// The JSON reader of recordings.
 #include "trace/jsontext.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ TEST(JsonText, ValuesAreFoundByTheirPath) {
     EXPECT_FALSE(jsonNumber(*values, "missing"));
 }
 
-TEST(JsonText, AnythingButOneWellFormedObjectIsRefused) {
+TEST(JsonText, RefusesAllButOneWellFormedObject) {
     for (const char* const text : {"", "1", "[]", "{", "{\"a\"}", "{\"a\":}", "{\"a\":1,}", "{\"a\":1}x",
                                    "{\"a\":x}", "{\"a\":\"x}", "{\"a\\\":1}", "{a:1}"})
         EXPECT_FALSE(readJsonObject(text)) << text;

@@ -1,4 +1,4 @@
-// Bytes of a line as tests write them, and exchanges that many tests begin with.
+// Bytes from hexadecimal text, and common requests and answers.
 #pragma once
 
 #include "link/protocol/bytes.h"
@@ -11,7 +11,7 @@ namespace linetest {
 
 using protocol::Bytes;
 
-/// "AA 5A 01"; blanks do not matter.
+/// Bytes of "AA 5A 01"; blanks are ignored.
 inline Bytes hex(std::string_view text) {
     const auto digit = [](char c) {
         return std::isdigit(static_cast<unsigned char>(c)) != 0 ? c - '0' : std::toupper(c) - 'A' + 10;

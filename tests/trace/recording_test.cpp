@@ -1,4 +1,4 @@
-// The text of recordings: what is written, and what is not taken for one.
+// The text of recordings: writing, reading, refusing.
 #include "tests/trace/tapbench.h"
 #include "trace/recordingfile.h"
 
@@ -29,7 +29,7 @@ std::string complaintAbout(const std::string& text) {
     return "none";
 }
 
-TEST(RecordingText, HasAHeadALineForEveryChunkAndAWordLineForEveryFrame) {
+TEST(RecordingText, WritesChunksAndTheMeaningOfFrames) {
     TapBench bench;
     bench.tool(heartbeatRequest, 12345us);
     bench.camera(heartbeatAnswer, 8ms);
@@ -75,7 +75,7 @@ struct BadText {
 
 class NoRecording : public testing::TestWithParam<BadText> {};
 
-TEST_P(NoRecording, IsRefusedWithTheNumberOfItsLine) {
+TEST_P(NoRecording, IsRefusedWithItsLineNumber) {
     EXPECT_EQ(complaintAbout(std::string(head) + GetParam().text), GetParam().complaint);
 }
 
@@ -122,7 +122,7 @@ TEST(RecordingFile, NeverReplacesAnother) {
     EXPECT_EQ(std::filesystem::file_size("old.rec"), 8U);
 }
 
-TEST(RecordingFile, ThatIsNotThereIsNamed) {
+TEST(RecordingFile, NamesAMissingFile) {
     try {
         static_cast<void>(loadRecording("missing.rec"));
         FAIL() << "no error";

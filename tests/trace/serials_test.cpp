@@ -1,4 +1,4 @@
-// Serial numbers left out of recordings.
+// Blanking of serial numbers in recordings.
 #include "link/protocol/crc16.h"
 #include "tests/trace/tapbench.h"
 #include "trace/framewords.h"
@@ -18,7 +18,7 @@ Bytes allOf(const TapBench& bench, Side side) {
     return bytes;
 }
 
-TEST(BlankedSerials, AreXInTheAnswerThatReadsOneWithARightCheckCode) {
+TEST(BlankedSerials, BlankReadAnswersWithARightCheckCode) {
     TapBench bench(true);
     bench.camera(snAnswerA1);
     EXPECT_EQ(allOf(bench, Side::camera), protocol::buildFrame(0x02, hex("03 00 58 58"), 1));
@@ -26,7 +26,7 @@ TEST(BlankedSerials, AreXInTheAnswerThatReadsOneWithARightCheckCode) {
     EXPECT_TRUE(bench.recording().head.serialsBlanked);
 }
 
-TEST(BlankedSerials, AreXInTheRequestThatWritesOneUpToItsEnd) {
+TEST(BlankedSerials, BlankTheWholeWriteRequest) {
     TapBench bench(true);
     bench.tool("AA 5A 01 03 04 00 00 00 03 41 31 00 1F 00");
     EXPECT_EQ(allOf(bench, Side::tool), protocol::buildFrame(0x03, hex("03 58 58 00"), 1));
@@ -56,7 +56,7 @@ TEST(BlankedSerials, AreBlankInAFrameThatBreaksOff) {
     EXPECT_EQ(allOf(bench, Side::camera), hex("AA 5A 01 02 04 00 00 00 03 00 58"));
 }
 
-TEST(BlankedSerials, HoldNothingElseBack) {
+TEST(BlankedSerials, DelayNoOtherFrame) {
     TapBench bench(true);
     bench.camera("AA 5A 01 09 15 00 00 00 00 00 01");
     EXPECT_EQ(bench.recording().entries.size(), 1U);
@@ -64,7 +64,7 @@ TEST(BlankedSerials, HoldNothingElseBack) {
     EXPECT_EQ(bench.recording().entries.size(), 2U);
 }
 
-TEST(BlankedSerials, LeaveAllOtherPropertiesAsTheyAre) {
+TEST(BlankedSerials, KeepOtherProperties) {
     TapBench bench(true);
     const Bytes version = protocol::buildFrame(0x02, hex("02 00 41 31"), 1);
     bench.camera(version);
@@ -80,7 +80,7 @@ Bytes jsonAnswer(std::string_view text) {
     return bytes;
 }
 
-TEST(BlankedSerials, AreXInTextsOfEnvelopesUnderTheNamesOfDevices) {
+TEST(BlankedSerials, BlankDeviceNamesInEnvelopes) {
     TapBench bench(true);
     bench.camera(jsonAnswer(R"({"version":"1","deviceId":"AB12","info":{"SN" : "77"}})"));
     EXPECT_EQ(allOf(bench, Side::camera),
@@ -88,7 +88,7 @@ TEST(BlankedSerials, AreXInTextsOfEnvelopesUnderTheNamesOfDevices) {
     EXPECT_THAT(bench.lastWords(), HasSubstr("check code right"));
 }
 
-TEST(BlankedSerials, AreKeptWhenNobodyAsksForLess) {
+TEST(BlankedSerials, KeepSerialsUnlessBlankingIsOn) {
     TapBench bench(false);
     bench.camera(snAnswerA1);
     EXPECT_EQ(allOf(bench, Side::camera), hex(snAnswerA1));

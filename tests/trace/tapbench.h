@@ -1,4 +1,4 @@
-// A recorder on a bench: bytes of both sides in, lines out.
+// A recorder fed with bytes and times.
 #pragma once
 
 #include "link/protocol/frame.h"

@@ -1,4 +1,4 @@
-// What the tap says about what passes, and what it takes for one thing.
+// Words of the tap for frames and uploads.
 #include "link/protocol/jsonenvelope.h"
 #include "tests/trace/tapbench.h"
 
@@ -110,7 +110,7 @@ const char* const appAnnouncement =
     "50 0F C7 55 3D";
 const char* const readyAt512 = "AA 5A 01 1B 05 00 00 00 00 00 02 00 00 F1 40";
 
-TEST(TapWords, SumUpTheDataOfAnUploadFromTheResumeOffsetOnAndKeepItsBytes) {
+TEST(TapWords, SumUpUploadDataFromTheResumeOffset) {
     TapBench bench;
     bench.tool(appAnnouncement);
     bench.camera(readyAt512);
@@ -125,7 +125,7 @@ TEST(TapWords, SumUpTheDataOfAnUploadFromTheResumeOffsetOnAndKeepItsBytes) {
     EXPECT_EQ(bench.recording().entries.at(2).bytes, Bytes(512, 0xAA));
 }
 
-TEST(TapWords, TellThatAnUploadBrokeOffWhenTheNextRequestComes) {
+TEST(TapWords, ReportABrokenUploadAtTheNextRequest) {
     TapBench bench;
     bench.tool(appAnnouncement);
     bench.camera(readyAt512);
@@ -135,7 +135,7 @@ TEST(TapWords, TellThatAnUploadBrokeOffWhenTheNextRequestComes) {
     EXPECT_THAT(bench.lastWords(), StartsWith("heartbeat"));
 }
 
-TEST(TapWords, TellOfAFrameThatBrokeOffAfterASecond) {
+TEST(TapWords, ReportABrokenFrameAfterASecond) {
     TapBench bench;
     bench.camera("AA 5A 01 01 01");
     EXPECT_TRUE(bench.words.empty());
@@ -143,7 +143,7 @@ TEST(TapWords, TellOfAFrameThatBrokeOffAfterASecond) {
     EXPECT_EQ(bench.lastWords(), "broken off after 5 bytes: aa 5a 01 01 01");
 }
 
-TEST(TapWords, TakeTheAnswerToTheNextRequestForItselfAfterACutOne) {
+TEST(TapWords, DecodeTheNextAnswerAfterACutOne) {
     TapBench bench;
     bench.tool(heartbeatRequest);
     bench.camera("AA 5A 01 01 01 00 00");

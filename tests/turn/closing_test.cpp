@@ -1,4 +1,4 @@
-// The link is closed while one user holds the line and another waits for it.
+// The link closes while one user holds the line and another waits.
 #include "tests/support/cameratype.h"
 #include "tests/turn/users.h"
 
@@ -12,7 +12,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-/// The longest time-out of the library is one second.
+/// The longest timeout of the library is one second.
 constexpr int closeLimitMs = 1600;
 constexpr auto moments = {0ms, 40ms, 150ms, 400ms, 900ms};
 
@@ -26,11 +26,7 @@ void PrintTo(const TwoUsers& users, std::ostream* out) {
     *out << users.first << users.second;
 }
 
-class Closing : public testing::TestWithParam<TwoUsers> {
-protected:
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
-};
+class Closing : public testing::TestWithParam<TwoUsers> {};
 
 TEST_P(Closing, EndsBothInTime) {
     const User& first = userCalled(GetParam().first);
@@ -58,7 +54,7 @@ TEST_P(Closing, EndsBothInTime) {
     }
 }
 
-// A silent camera is waited for the longest. Captures and the second uploads of a kind need answers to go on.
+// Waits for a silent camera are the longest. Captures and second uploads of a kind need answers to continue.
 INSTANTIATE_TEST_SUITE_P(
     Every, Closing,
     testing::Values(TwoUsers{"Location", "Degree", "silent"}, TwoUsers{"Degree", "Location"},

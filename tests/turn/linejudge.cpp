@@ -18,10 +18,10 @@ namespace turn {
 
 namespace {
 
-/// The camera may notice a request this much later than it was sent, on a busy machine.
+/// Delay with which the camera may notice a request on a busy machine.
 constexpr Time noticeLag = 100ms;
 
-/// How long the tool waits for the answer before it goes on without; for commands not named, at least.
+/// Timeout of a command's answer; a lower bound for other commands.
 Time answerLimit(const ReceivedFrame& frame) {
     constexpr Time others = 500ms;
     if (frame.json || frame.payload.empty())
@@ -47,7 +47,7 @@ Time answerLimit(const ReceivedFrame& frame) {
     }
 }
 
-/// From a request to the earliest moment at which the next one may come.
+/// Shortest time from a request to the next one.
 Time leastGap(const ReceivedFrame& frame, const LineRules& rules) {
     const Time patience = std::max<Time>(answerLimit(frame) - noticeLag, 0ms);
     const bool answered = frame.heard && !rules.silentCodes.contains(frame.code);
@@ -71,7 +71,7 @@ QString describe(const ReceivedFrame& frame) {
     return text;
 }
 
-/// Where the received bytes and the file part, and what came there.
+/// First difference of the received bytes and the file.
 QStringList differences(const UploadRecord& upload, const Bytes& file, const QString& name) {
     const auto [got, wanted] =
         std::mismatch(upload.received.begin(), upload.received.end(), file.begin(), file.end());

@@ -1,4 +1,4 @@
-// What the camera's record tells of users that got into each other's way.
+// Finds disturbances between users in the camera's record.
 #pragma once
 
 #include "emulator/camera/camerarecord.h"

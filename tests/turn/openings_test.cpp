@@ -1,4 +1,4 @@
-// A reading window is opened, and perhaps closed again, shortly before an upload starts.
+// A reading window opens, and perhaps closes, shortly before an upload starts.
 #include "link/protocol/commands.h"
 #include "tests/support/cameratype.h"
 #include "tests/turn/users.h"
@@ -12,7 +12,7 @@ namespace {
 
 constexpr int endLimitMs = 20000;
 
-/// How the camera answers reads of properties; to uploads it always answers.
+/// Answers of the camera to reads of properties; it always answers uploads.
 struct Reads {
     const char* name;
     milliseconds answerDelay;
@@ -48,8 +48,6 @@ protected:
     const User& reader = userCalled(std::get<0>(GetParam()));
     const User& uploader = userCalled(std::get<1>(GetParam()));
     const Reads reads = std::get<2>(GetParam());
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
     std::unique_ptr<TurnWindow> bench;
 };
 
@@ -78,7 +76,7 @@ void Openings::open(milliseconds lead, bool closesAgain) {
     uploadAfter(lead, closesAgain, *bench);
     expectUndisturbed(*bench, silentCodes);
     if (failuresSoFar() != before)
-        bench.reset(); // what is left on the line would spoil the next one
+        bench.reset(); // bytes left on the line would disturb the next one
 }
 
 void Openings::uploadAfter(milliseconds lead, bool closesAgain, TurnWindow& used) {
@@ -101,7 +99,7 @@ void Openings::uploadAfter(milliseconds lead, bool closesAgain, TurnWindow& used
     closeOwnWindow(reading);
 }
 
-TEST_P(Openings, LeaveTheUploadAlone) {
+TEST_P(Openings, DoNotDisturbTheUpload) {
     for (const milliseconds lead : reads.openFor)
         open(lead, false);
     for (const milliseconds lead : reads.closedFor)
@@ -121,14 +119,7 @@ INSTANTIATE_TEST_SUITE_P(
                      testing::ValuesIn(readsOf())),
     nameOf);
 
-/// Nothing comes from the camera at all.
-class OpeningsWithADeadCamera : public testing::Test {
-protected:
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
-};
-
-TEST_F(OpeningsWithADeadCamera, LetTheUploadFailByItself) {
+TEST(OpeningsWithADeadCamera, LetTheUploadFail) {
     const User& reader = userCalled("Location");
     const User& uploader = userCalled("SystemUpload");
     TurnWindow bench({.cameraType = cameratype::ostra});

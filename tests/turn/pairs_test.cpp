@@ -1,4 +1,4 @@
-// Every two users of the line, the second started as soon as the first lets it.
+// Every pair of users of the line; the second starts as soon as the first allows it.
 #include "tests/support/cameratype.h"
 #include "tests/turn/users.h"
 
@@ -15,15 +15,14 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr std::array answerDelays{0ms, 30ms, 60ms, 90ms, 150ms, 200ms};
-/// For a first that blocks the window or disables its controls: it meets nobody at any delay.
+/// For a first user that blocks the window or disables its controls.
 constexpr std::array sampleDelays{60ms};
-/// Who is alone with a quick camera shows right values, unless the machine stands still; then it is asked
-/// again.
+/// A single user of a quick camera shows right values, unless the machine stalls; then it repeats.
 constexpr auto quickAnswer = 30ms;
 constexpr auto quickSlack = 50ms;
 constexpr int attempts = 3;
 constexpr int endLimitMs = 15000;
-/// A test that fails everywhere stops here.
+/// Number of failures after which a test stops.
 constexpr int testLimitMs = 90000;
 
 struct UserAndDelay {
@@ -52,8 +51,7 @@ void PrintTo(const UserAndDelay& test, std::ostream* out) {
     *out << nameOf(test);
 }
 
-/// Who comes second under this choice of camera type. A pair that exists under several is run under the
-/// first.
+/// Second users for this camera type. A pair of several types runs under the first.
 std::vector<const User*> partnersOf(const User& first, std::uint32_t cameraType) {
     const auto types = {cameratype::ostra, cameratype::quenta, cameratype::shelfDynamic};
     std::vector<const User*> partners;
@@ -72,7 +70,7 @@ class Pairs : public testing::TestWithParam<UserAndDelay> {
 protected:
     using Partners = std::vector<const User*>;
 
-    /// The partners whose controls stay enabled. Those that do not are kept apart by that.
+    /// Users whose controls stay enabled; disabled ones cannot meet the first.
     Partners runAlone(std::uint32_t cameraType, const Partners& partners, int attempt = 1);
     void runPair(const User& second);
     [[nodiscard]] bool isDue(const User& second) const;
@@ -86,8 +84,6 @@ protected:
     int together = 0;
     int failures = 0; ///< places that showed one
 
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
     std::unique_ptr<TurnWindow> bench;
 };
 
@@ -192,7 +188,7 @@ bool Pairs::isDue(const User& second) const {
     return first.meetsOthers ? pair % 2 == number % 2 : pair % sampleDelays.size() == number;
 }
 
-TEST_P(Pairs, GetTheirOwnAnswersOneAfterTheOther) {
+TEST_P(Pairs, GetTheirOwnAnswersInTurn) {
     QElapsedTimer time;
     time.start();
     for (const std::uint32_t type : {cameratype::ostra, cameratype::quenta, cameratype::shelfDynamic}) {
@@ -207,7 +203,7 @@ TEST_P(Pairs, GetTheirOwnAnswersOneAfterTheOther) {
             const int before = failuresSoFar();
             runPair(*second);
             if (failuresSoFar() != before || first.leavesLateAnswer(delay) || second->leavesLateAnswer(delay))
-                bench.reset(); // what is left on the line would spoil the next pair
+                bench.reset(); // bytes left on the line would disturb the next pair
         }
     }
     RecordProperty("pairs_together", together);

@@ -1,4 +1,4 @@
-// A capture that the camera refuses gives the controls back while an older picture is still being fetched.
+// A refused capture enables the controls while an older picture is still being downloaded.
 #include "link/protocol/commands.h"
 #include "tests/support/cameratype.h"
 #include "tests/turn/users.h"
@@ -50,7 +50,7 @@ protected:
         bench.fault(generation.hiding);
     }
 
-    /// Until the controls are back.
+    /// Waits until the controls are enabled.
     void capture() {
         capturer.start(capturing);
         bench.putPicturesBack();
@@ -59,8 +59,6 @@ protected:
 
     const Generation generation = std::get<0>(GetParam());
     const TurnWindow::Answers answers;
-    StdoutCapture quiet;
-    DebugLog alsoQuiet;
     // Real pauses: the older picture is fetched while an upload is under way.
     TurnWindow bench{{.cameraType = generation.cameraType,
                       .answerDelay = answerDelay,
@@ -72,7 +70,7 @@ protected:
     Work work = prepared(next, bench);
 };
 
-TEST_P(RefusedCapture, SpoilsNoUpload) {
+TEST_P(RefusedCapture, DisturbsNoUpload) {
     capture();
     ASSERT_TRUE(next.canStart(work));
     next.start(work);
@@ -101,7 +99,7 @@ INSTANTIATE_TEST_SUITE_P(V1, RefusedCapture,
                                                           std::string("ModelUpload"))),
                          nameOf);
 
-/// The older picture never becomes whole.
+/// The download of the older picture never ends.
 class EndlessDownload : public RefusedCapture {
 protected:
     EndlessDownload() : RefusedCapture(TurnWindow::Answers::padded) {}
@@ -111,7 +109,7 @@ protected:
         capture();
         EXPECT_TRUE(eventually([this] { return bench.record().count(protocol::code(generation.read)) == 1; }))
             << "no picture was asked for";
-        QTest::qWait(200); // all that comes of it has come
+        QTest::qWait(200); // all its bytes have arrived
         EXPECT_FALSE(bench.isIdle()) << "the download has ended";
     }
 
@@ -124,7 +122,7 @@ protected:
     }
 };
 
-TEST_P(EndlessDownload, KeepsNobodyWaiting) {
+TEST_P(EndlessDownload, DelaysNoOtherUser) {
     ASSERT_TRUE(next.canStart(work)) << next.name << " is disabled";
     for (int round = 1; round <= 2; ++round) {
         QElapsedTimer time;

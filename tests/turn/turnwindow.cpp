@@ -1,11 +1,10 @@
 #include "tests/turn/turnwindow.h"
 
-#include "dialogs/setcameraprotocol.h"
 #include "link/protocol/commands.h"
 #include "tests/support/cameratype.h"
+#include "tests/support/windowactions.h"
 
 #include <QBuffer>
-#include <QComboBox>
 #include <QFile>
 #include <QImage>
 #include <QMessageBox>
@@ -26,18 +25,18 @@ constexpr auto cutTwoSeconds = 300ms;  // behind an announcement: long enough fo
 constexpr auto cutThreeSeconds = 60ms; // before one of forty heartbeats
 constexpr auto uploadSilence = 5s;     // longer than the pause behind an announcement
 constexpr auto cutUploadSilence = 2s;
-constexpr int poolThreads = 4; // users have threads of their own on any machine
+constexpr int poolThreads = 4; // enough for all users on any machine
 
 constexpr std::uint16_t firstHeldId = 101;
 constexpr std::uint16_t firstNewId = 33;
 constexpr int heldPictures = 30;
-/// With what stands around it in a transfer answer, a multiple of the block size.
+/// With the other bytes of a transfer answer a multiple of the block size.
 constexpr int pictureSize = 3 * 512 - 11;
 constexpr int jsonPictureSize = 1200; // two pieces
 
 constexpr std::array<const WindowUpload*, 4> uploads{&appUpload, &appUploadV1, &systemUpload, &modelUpload};
 
-/// A small picture of a colour of its own.
+/// A small picture of one colour.
 Bytes drawPicture(std::uint16_t id, std::uint32_t variation) {
     QImage image(16, 16, QImage::Format_RGB32);
     image.fill(QColor::fromHsv(id % 360, 200, 100 + static_cast<int>(variation % 100)));
@@ -58,21 +57,11 @@ std::vector<emulator::Picture> firstPictures() {
 }
 
 /// Shortens the long pauses of uploads and return waits.
-class CutPauses final : public Clock {
-public:
-    bool pause(std::unique_lock<std::mutex>& lock, std::condition_variable& changed,
-               std::chrono::nanoseconds duration) override {
-        return Clock::pause(lock, changed,
-                            duration >= 3s   ? cutThreeSeconds
-                            : duration >= 2s ? cutTwoSeconds
-                            : duration >= 1s ? cutSecond
-                                             : duration);
-    }
-};
-
-Clock& clockFor(TurnWindow::Pauses pauses) {
-    static CutPauses cut;
-    return pauses == TurnWindow::Pauses::cut ? cut : Clock::system();
+std::chrono::nanoseconds cutPause(std::chrono::nanoseconds asked) {
+    return asked >= 3s   ? cutThreeSeconds
+           : asked >= 2s ? cutTwoSeconds
+           : asked >= 1s ? cutSecond
+                         : asked;
 }
 
 emulator::CameraSettings settingsFor(const TurnWindow::Setup& setup) {
@@ -107,24 +96,23 @@ int failuresSoFar() {
 }
 
 TurnWindow::TurnWindow(const Setup& setup)
-    : m_setup(setup), m_camera(settingsFor(setup)), m_boxes(QMessageBox::Yes) {
-    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    : m_setup(setup), m_bench(settingsFor(setup)), m_boxes(QMessageBox::Yes) {
     QThreadPool::globalInstance()->setMaxThreadCount(poolThreads);
-    m_camera.withCamera([this](VirtualCamera& camera) {
+    if (setup.pauses == Pauses::cut)
+        m_bench.clock.setPauses(&cutPause);
+    m_bench.camera.withCamera([this](VirtualCamera& camera) {
         camera.onEvent([this](const emulator::Event& event) {
             if (event.text.starts_with("upload complete"))
                 m_uploadEnds.push_back(event.at);
         });
     });
     renewCamera();
-    m_window = std::make_unique<MainWindow>(nullptr, clockFor(setup.pauses));
-    m_window->show();
-    chooseType();
-    openLink();
+    chooseCameraType(window(), typeButton(setup.cameraType));
+    m_bench.open();
 }
 
 TurnWindow::~TurnWindow() {
-    m_window.reset();
+    m_bench.window.reset();
     QThreadPool::globalInstance()->waitForDone();
 }
 
@@ -162,7 +150,7 @@ void TurnWindow::fillCamera(VirtualCamera& camera) {
 }
 
 void TurnWindow::renewCamera() {
-    m_camera.withCamera([this](VirtualCamera& camera) {
+    m_bench.camera.withCamera([this](VirtualCamera& camera) {
         fillCamera(camera);
         camera.clearRecord();
         m_uploadEnds.clear();
@@ -170,24 +158,7 @@ void TurnWindow::renewCamera() {
 }
 
 void TurnWindow::putPicturesBack() {
-    m_camera.withCamera([](VirtualCamera& camera) { camera.state().pictures = firstPictures(); });
-}
-
-void TurnWindow::chooseType() {
-    trigger(*m_window, "actionaddress");
-    const SetCameraProtocol* const dialog = openWindows<SetCameraProtocol>().at(0);
-    click(*dialog, typeButton(m_setup.cameraType));
-    click(*dialog, "btn_confirm");
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-void TurnWindow::openLink() {
-    const QString port = QString::fromStdString(m_camera.portName());
-    auto* const ports = find<QComboBox>(*m_window, "sel_ports");
-    ports->addItem(port);
-    ports->setCurrentText(port);
-    click(*m_window, "btn_open");
-    ASSERT_EQ(text(*m_window, "btn_open"), "关闭串口");
+    m_bench.camera.withCamera([](VirtualCamera& camera) { camera.state().pictures = firstPictures(); });
 }
 
 Bytes TurnWindow::fileOf(const WindowUpload& upload) {
@@ -200,7 +171,7 @@ Bytes TurnWindow::fileOf(const WindowUpload& upload) {
 
 void TurnWindow::chooseFile(const WindowUpload& upload) {
     const QString path = QDir::current().absoluteFilePath(QString(upload.name) + ".bin");
-    if (text(*m_window, upload.pathLabel) == path)
+    if (text(window(), upload.pathLabel) == path)
         return;
     const Bytes content = fileOf(upload);
     QFile file(path);
@@ -208,8 +179,8 @@ void TurnWindow::chooseFile(const WindowUpload& upload) {
     file.write(reinterpret_cast<const char*>(content.data()), static_cast<qint64>(content.size()));
     file.close();
     const FileChooser chooser(path);
-    click(*m_window, upload.pathButton);
-    ASSERT_EQ(text(*m_window, upload.pathLabel), path);
+    click(window(), upload.pathButton);
+    ASSERT_EQ(text(window(), upload.pathLabel), path);
 }
 
 QStringList TurnWindow::boxTexts(const QString& beginning) const {
@@ -221,13 +192,9 @@ QStringList TurnWindow::boxTexts(const QString& beginning) const {
     return texts;
 }
 
-void TurnWindow::fault(const std::string& description) {
-    m_camera.withCamera([&description](VirtualCamera& camera) { camera.addFault(description); });
-}
-
 void TurnWindow::answerHeartbeatsInTime() {
     static constexpr emulator::Time heardInTime = 150ms;
-    m_camera.withCamera([](VirtualCamera& camera) {
+    m_bench.camera.withCamera([](VirtualCamera& camera) {
         camera.settings().commandDelays[protocol::code(protocol::Command::heartbeat)] =
             std::min(camera.settings().answerDelay, heardInTime);
     });
@@ -240,16 +207,8 @@ QStringList TurnWindow::heldPictureIds() {
     return ids;
 }
 
-emulator::CameraRecord TurnWindow::record() {
-    return m_camera.withCamera([](VirtualCamera& camera) { return camera.record(); });
-}
-
-emulator::CameraState TurnWindow::cameraState() {
-    return m_camera.withCamera([](VirtualCamera& camera) { return camera.state(); });
-}
-
 bool TurnWindow::isIdle() const {
-    const auto tasks = m_window->findChildren<QThread*>(Qt::FindDirectChildrenOnly);
+    const auto tasks = window().findChildren<QThread*>(Qt::FindDirectChildrenOnly);
     return QThreadPool::globalInstance()->activeThreadCount() == 0 &&
            std::none_of(tasks.begin(), tasks.end(), [](const QThread* task) { return task->isRunning(); });
 }
@@ -259,7 +218,7 @@ LineRules TurnWindow::lineRules() {
     rules.answerDelay = m_setup.answerDelay;
     for (const WindowUpload* const upload : uploads)
         rules.files[upload->code] = fileOf(*upload);
-    rules.uploadEnds = m_camera.withCamera([this](VirtualCamera&) { return m_uploadEnds; });
+    rules.uploadEnds = m_bench.camera.withCamera([this](VirtualCamera&) { return m_uploadEnds; });
     return rules;
 }
 

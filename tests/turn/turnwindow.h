@@ -1,11 +1,9 @@
-// A main window with a virtual camera whose values are all distinct, for two users of the line at once.
+// The main window and a virtual camera with distinct values, for two users of the line at once.
 #pragma once
 
-#include "app/mainwindow.h"
-#include "emulator/line/ptyfront.h"
-#include "tests/gui/support/guitest.h"
+#include "tests/support/camerawindow.h"
+#include "tests/support/uploadwindow.h"
 #include "tests/turn/linejudge.h"
-#include "tests/updates/uploadwindow.h"
 
 #include <algorithm>
 #include <chrono>
@@ -14,7 +12,7 @@
 
 namespace turn {
 
-/// What the camera holds. No two quantities are alike, so that a text tells which command it came from.
+/// Values of the camera, all distinct: a text identifies its command.
 namespace held {
 inline constexpr std::uint8_t compressionRate = 71;
 inline constexpr std::uint8_t heaterDuty = 62;
@@ -39,12 +37,12 @@ inline constexpr const char* jsonVersion = "json 55.5";
 /// Of the running test.
 [[nodiscard]] int failuresSoFar();
 
-/// The main window with an open link to the camera. Everybody works in it through its widgets.
+/// The main window with an open link to the camera. Users act through its widgets.
 class TurnWindow {
 public:
-    /// How long the product's pauses of a second and more last; shorter ones are always real.
+    /// Length of the product's pauses of a second and more; shorter ones are always real.
     enum class Pauses { cut, real };
-    /// Padded answers fill the reads of commands that would wait out a second for the rest of a block.
+    /// Padded answers fill their reads; a command does not wait one second for the rest of a block.
     enum class Answers { padded, plain };
 
     struct Setup {
@@ -59,13 +57,13 @@ public:
     TurnWindow& operator=(const TurnWindow&) = delete;
 
     [[nodiscard]] const Setup& setup() const { return m_setup; }
-    [[nodiscard]] MainWindow& window() const { return *m_window; }
+    [[nodiscard]] MainWindow& window() const { return *m_bench.window; }
 
     /// Opens a window by its menu entry.
     template <typename Window>
     [[nodiscard]] Window* openWindow(const char* menuEntry) const {
         const auto before = guitest::openWindows<Window>();
-        guitest::trigger(*m_window, menuEntry);
+        guitest::trigger(window(), menuEntry);
         for (Window* const each : guitest::openWindows<Window>()) {
             if (std::find(before.begin(), before.end(), each) == before.end())
                 return each;
@@ -78,8 +76,8 @@ public:
 
     /// Texts of the boxes so far that begin like this.
     [[nodiscard]] QStringList boxTexts(const QString& beginning) const;
-    void fault(const std::string& description);
-    /// With answers after 200 ms, the wait for the camera's return would not hear a single heartbeat.
+    void fault(const std::string& description) { m_bench.fault(description); }
+    /// Answers after 200 ms would come too late for every heartbeat of the return wait.
     void answerHeartbeatsInTime();
     /// Ids of the pictures that the camera holds at first, in catalogue order.
     [[nodiscard]] static QStringList heldPictureIds();
@@ -87,8 +85,8 @@ public:
     void renewCamera();
     /// A camera that keeps its pictures although it has confirmed their deletion.
     void putPicturesBack();
-    [[nodiscard]] emulator::CameraRecord record();
-    [[nodiscard]] emulator::CameraState cameraState();
+    [[nodiscard]] emulator::CameraRecord record() { return m_bench.record(); }
+    [[nodiscard]] emulator::CameraState cameraState() { return m_bench.state(); }
     /// No job and no upload runs.
     [[nodiscard]] bool isIdle() const;
     /// For overlaps and uploadFaults, since the camera was renewed.
@@ -96,13 +94,10 @@ public:
 
 private:
     void fillCamera(emulator::VirtualCamera& camera);
-    void chooseType();
-    void openLink();
 
     Setup m_setup;
     std::vector<emulator::Time> m_uploadEnds; ///< guarded by the camera's mutex
-    emulator::PtyFront m_camera;
-    std::unique_ptr<MainWindow> m_window;
+    guitest::CameraWindow m_bench;
     guitest::BoxAnswerer m_boxes;
 };
 

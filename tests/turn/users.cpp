@@ -59,7 +59,7 @@ std::vector<Shown> shownLabels(const QWidget* window, const std::vector<LabelRow
     return all;
 }
 
-/// Its window reads as soon as the menu entry opens it, and shows everything at once.
+/// A window that reads when it opens and shows all values at once.
 template <typename Window>
 User openingUser(const char* name, const char* entry, const std::vector<LabelRow>& rows) {
     User user = userOf(name, [entry](const TurnWindow& bench) { return isChoosable(bench, entry); });
@@ -76,7 +76,7 @@ User openingUser(const char* name, const char* entry, const std::vector<LabelRow
     return user;
 }
 
-/// Works by a button of a window that is opened before.
+/// Starts with a button of an open window.
 template <typename Window>
 User buttonUser(const char* name, const char* entry, const char* button,
                 std::function<std::vector<Shown>(const Work&)> shown) {
@@ -95,7 +95,7 @@ User readingUser(const char* name, const char* entry, const char* button, const 
                               [row](const Work& work) { return shownLabels(work.window, {row}); });
 }
 
-/// A read that the camera did not hear leaves its quantity for the next one.
+/// A read that does not reach the camera leaves its quantity for the next one.
 void allowQuantitiesLeftOver(std::vector<Shown>& shown) {
     const std::vector<Shown> all = shown;
     std::size_t failed = 0;
@@ -165,7 +165,7 @@ User v1ListUser() {
 
 // --- the main window ---------------------------------------------------------------------------------------
 
-/// Works by a button of the main window and blocks until all is over.
+/// Starts with a button of the main window and blocks until it ends.
 User mainUser(const char* name, const char* button,
               std::function<std::vector<Shown>(const MainWindow&)> shown) {
     User user = userOf(name, [button](const TurnWindow& bench) { return isEnabled(bench.window(), button); });
@@ -192,7 +192,7 @@ User modelInfoUser() {
     });
 }
 
-/// Whether the text holds something that the camera answered to another command.
+/// Whether the text contains an answer to another command.
 bool holdsValue(const QString& text) {
     const QStringList values{held::serialNumber, held::appVersion, held::systemVersion,
                              held::qvVersion,    held::modelInfo,  held::jsonVersion};
@@ -260,7 +260,7 @@ User jsonVersionUser() {
 
 // --- captures ----------------------------------------------------------------------------------------------
 
-/// What the picture area shows, told by the file behind it.
+/// The file of the picture shown.
 QString pictureShown(TurnWindow& bench, unsigned id, const Bytes& expected) {
     if (find<QLabel>(bench.window(), "label")->pixmap().isNull())
         return "nothing";
@@ -310,7 +310,7 @@ User uploadUser(const char* name, const WindowUpload& upload, std::vector<std::u
         work.boxesBefore = work.bench.boxTexts(uploadBox).size();
     };
     user.ended = [](const Work& work) { return work.bench.boxTexts(uploadBox).size() > work.boxesBefore; };
-    // Of a camera that is well an upload does not fail: it waits long enough for every answer.
+    // An upload to a healthy camera does not fail: it waits long enough for every answer.
     user.shown = [](const Work& work) -> std::vector<Shown> {
         return {{"box",
                  work.bench.boxTexts(uploadBox).mid(work.boxesBefore).join(" | "),

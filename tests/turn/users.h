@@ -1,4 +1,4 @@
-// Everybody who uses the line, as a technician starts and sees it.
+// The users of the line: how to start them and read their results.
 #pragma once
 
 #include "tests/turn/turnwindow.h"
@@ -9,13 +9,13 @@
 
 namespace turn {
 
-/// One place in which a user shows what it got.
+/// A place in which a user shows a result.
 struct Shown {
     QString where;
     QString text;
     QString right;
     QStringList failures; ///< what it shows when a command of it failed
-    /// What it also shows by itself when answers come later than it waits: its own values in the wrong place.
+    /// Texts of its own values in the wrong place, which it shows when answers come after its timeout.
     QStringList shifted;
 };
 
@@ -31,7 +31,7 @@ struct User {
     std::vector<std::uint32_t> cameraTypes; ///< choices in the window under which this user exists
     /// Its button or menu entry in the main window is enabled.
     std::function<bool(const TurnWindow&)> isOffered;
-    /// Before anything is on the line: opens windows, chooses files, sets the camera up.
+    /// Opens windows, chooses files and sets the camera up; uses no line.
     std::function<void(Work&)> prepare;
     /// False: its control is disabled.
     std::function<bool(const Work&)> canStart;
@@ -41,15 +41,15 @@ struct User {
 
     bool meetsOthers = false; ///< everybody else can be started while it works
     bool isLong = false;      ///< takes longer than about 400 ms
-    /// With slower answers the user goes on without one, and the answer comes when it is over.
+    /// With slower answers the user continues without one, and the answer comes too late.
     std::chrono::milliseconds answerLimit = std::chrono::seconds(1);
 
     bool readsOnWhenMisled = false; ///< for 50 s
-    /// The next command takes such an answer for its own; else it drops it.
+    /// The next command takes a late answer for its own; else it drops it.
     bool lateAnswerMisleads = false;
 
     [[nodiscard]] bool existsFor(std::uint32_t cameraType) const;
-    /// The answer may come when the user has given it up.
+    /// The answer may come after the user's timeout.
     [[nodiscard]] bool leavesLateAnswer(std::chrono::milliseconds answerDelay) const;
     [[nodiscard]] bool misleads(std::chrono::milliseconds answerDelay) const {
         return lateAnswerMisleads && leavesLateAnswer(answerDelay);
@@ -61,7 +61,7 @@ struct User {
 [[nodiscard]] const User& userCalled(const std::string& name);
 void PrintTo(const User& user, std::ostream* out);
 
-/// Ready to start; its control may still be disabled by somebody else.
+/// Ready to start; another user may still disable its control.
 [[nodiscard]] Work prepared(const User& user, TurnWindow& bench);
 /// Closes the user's own window, if it has one.
 void closeOwnWindow(Work& work);

@@ -1,5 +1,5 @@
 // Closing the link or the window while an upload or a return wait runs.
-#include "tests/updates/uploadwindow.h"
+#include "tests/support/uploadwindow.h"
 
 #include <QElapsedTimer>
 #include <QMessageBox>
@@ -15,7 +15,7 @@ namespace {
 constexpr const char* questionTitle = "升级尚未结束";
 constexpr const char* questionText = "现在关闭会中断升级，摄像头可能要重新升级后才能使用。确定要关闭吗？";
 
-/// A place in the life of an upload, reached by a fault, and how long ending it there may take.
+/// A step of an upload, reached by a fault, and the time limit of ending it there.
 struct Moment {
     const char* name;
     const WindowUpload* upload;
@@ -44,7 +44,7 @@ const std::vector<Moment>& moments() {
 
 class BreakingOff : public UploadWindow, public testing::WithParamInterface<Moment> {
 protected:
-    /// Starts the upload and waits until the moment has come.
+    /// Starts the upload and waits for the step.
     void reach(const Moment& moment) {
         if (moment.realPauses)
             realPauses();
@@ -59,7 +59,7 @@ protected:
         std::error_code ignored;
         for (const auto& each : std::filesystem::directory_iterator("/proc/self/fd"))
             holders += std::filesystem::read_symlink(each.path(), ignored) == camera.portName() ? 1 : 0;
-        return holders > 1; // the virtual camera's front holds the device once
+        return holders > 1; // the virtual camera has it open once
     }
     void expectEnded(const QElapsedTimer& time, const BoxAnswerer& boxes) {
         constexpr int machineSlackMs = 500;
@@ -78,7 +78,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(At, BreakingOff, testing::ValuesIn(moments()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST_P(BreakingOff, ByTheButtonAsksAndEndsWithinOneTimeOut) {
+TEST_P(BreakingOff, ByTheButtonEndsWithinOneTimeout) {
     reach(GetParam());
     EXPECT_TRUE(portHeld());
     const BoxAnswerer boxes(QMessageBox::Yes);
@@ -88,7 +88,7 @@ TEST_P(BreakingOff, ByTheButtonAsksAndEndsWithinOneTimeOut) {
     expectEnded(time, boxes);
 }
 
-TEST_P(BreakingOff, ByClosingTheWindowAsksAndEndsWithinOneTimeOut) {
+TEST_P(BreakingOff, ByClosingTheWindowEndsWithinOneTimeout) {
     reach(GetParam());
     const BoxAnswerer boxes(QMessageBox::Yes);
     QElapsedTimer time;
@@ -97,7 +97,7 @@ TEST_P(BreakingOff, ByClosingTheWindowAsksAndEndsWithinOneTimeOut) {
     expectEnded(time, boxes);
 }
 
-TEST_P(BreakingOff, ByDestroyingTheWindowEndsWithinOneTimeOut) {
+TEST_P(BreakingOff, ByDestroyingTheWindowEndsWithinOneTimeout) {
     reach(GetParam());
     QElapsedTimer time;
     time.start();
@@ -109,7 +109,7 @@ TEST_P(BreakingOff, ByDestroyingTheWindowEndsWithinOneTimeOut) {
 
 class KeepingOn : public UploadWindow {
 protected:
-    /// Tries to close by the button and by the window, and says No.
+    /// Closes by the button and by the window; answers No.
     void refuseToClose() {
         const BoxAnswerer boxes(QMessageBox::No);
         click(*window, "btn_open");
@@ -123,7 +123,7 @@ protected:
     }
 };
 
-TEST_F(KeepingOn, TheUploadGoesOnWhenTheAnswerIsNo) {
+TEST_F(KeepingOn, ContinuesTheUploadOnNo) {
     open();
     fault("verdict-delay=1500@modelUpdate");
     start(modelUpload);
@@ -133,7 +133,7 @@ TEST_F(KeepingOn, TheUploadGoesOnWhenTheAnswerIsNo) {
     EXPECT_TRUE(record().uploads.at(0).digestRight);
 }
 
-TEST_F(KeepingOn, TheReturnWaitGoesOnWhenTheAnswerIsNo) {
+TEST_F(KeepingOn, ContinuesTheReturnWaitOnNo) {
     open();
     fault("back-at=6@systemUpdate");
     start(systemUpload);
@@ -142,7 +142,7 @@ TEST_F(KeepingOn, TheReturnWaitGoesOnWhenTheAnswerIsNo) {
     EXPECT_EQ(outcome(), "升级已完成，结果:true");
 }
 
-TEST_F(KeepingOn, NothingIsAskedWhenTheUploadIsOver) {
+TEST_F(KeepingOn, AsksNothingAfterTheUpload) {
     open();
     start(modelUpload);
     EXPECT_EQ(outcome(), "升级已完成，结果:true");
@@ -152,7 +152,7 @@ TEST_F(KeepingOn, NothingIsAskedWhenTheUploadIsOver) {
     EXPECT_EQ(boxes.seen().size(), 0U);
 }
 
-TEST_F(KeepingOn, AnotherUploadWorksOnANewLinkAfterOneThatWasBrokenOff) {
+TEST_F(KeepingOn, UploadsOnANewLinkAfterABreak) {
     open();
     fault("stall=50,1500@modelUpdate#1");
     camera.withCamera([](VirtualCamera& each) { each.settings().uploadSilence = 200ms; });
@@ -162,7 +162,7 @@ TEST_F(KeepingOn, AnotherUploadWorksOnANewLinkAfterOneThatWasBrokenOff) {
         const BoxAnswerer boxes(QMessageBox::Yes);
         click(*window, "btn_open");
     }
-    QTest::qWait(2500); // the camera reads on and gives the broken-off upload up
+    QTest::qWait(2500); // the camera gives up the broken upload
     camera.withCamera([](VirtualCamera& each) { each.settings().uploadSilence = 5s; });
     open();
     EXPECT_EQ(enabledExchanges(), allExchanges());
@@ -174,7 +174,7 @@ TEST_F(KeepingOn, AnotherUploadWorksOnANewLinkAfterOneThatWasBrokenOff) {
     EXPECT_TRUE(uploads[1].digestRight);
 }
 
-TEST_F(KeepingOn, TheResultIsShownOverAQuestionThatIsStillOpen) {
+TEST_F(KeepingOn, ShowsTheResultOverAnOpenQuestion) {
     open();
     fault("verdict-delay=400@modelUpdate");
     start(modelUpload);

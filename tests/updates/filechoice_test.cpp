@@ -1,5 +1,5 @@
-// Choosing the files, and pressing a button without one.
-#include "tests/updates/uploadwindow.h"
+// Choosing files, and starting an upload without one.
+#include "tests/support/uploadwindow.h"
 
 #include <QDir>
 #include <QLabel>
@@ -39,7 +39,7 @@ TEST_F(FileChoice, ShowsEachDialogWithItsTextsAndLogsThePath) {
     }
 }
 
-TEST_F(FileChoice, ShowsThePathsThatThereAreAndTheirFrameWithTheFirst) {
+TEST_F(FileChoice, ShowsThePathFrameWithTheFirstPath) {
     open();
     EXPECT_FALSE(visible("frame_path"));
     std::vector<const char*> shown;
@@ -69,7 +69,7 @@ TEST_F(FileChoice, KeepsThePathWhenTheDialogIsCancelled) {
 
 class NothingToUpload : public FileChoice, public testing::WithParamInterface<WindowUpload> {
 protected:
-    /// Presses the button and sees that nothing comes of it but the disabled button.
+    /// Presses the button and expects only that it is disabled.
     void pressForNothing() {
         BoxAnswerer boxes;
         click(*window, GetParam().updateButton);
@@ -95,7 +95,7 @@ TEST_P(NothingToUpload, DisablesThePressedButtonWithoutAFile) {
     pressForNothing();
 }
 
-TEST_P(NothingToUpload, DisablesThePressedButtonWhenTheFileHasVanished) {
+TEST_P(NothingToUpload, DisablesThePressedButtonForAVanishedFile) {
     if (GetParam().secondProtocol)
         useSecondProtocol(true);
     open();
@@ -105,7 +105,7 @@ TEST_P(NothingToUpload, DisablesThePressedButtonWhenTheFileHasVanished) {
     pressForNothing();
 }
 
-TEST_P(NothingToUpload, DisablesThePressedButtonWhenAFolderHasTakenTheFilesPlace) {
+TEST_P(NothingToUpload, DisablesThePressedButtonForAFolder) {
     if (GetParam().secondProtocol)
         useSecondProtocol(true);
     open();
@@ -116,7 +116,7 @@ TEST_P(NothingToUpload, DisablesThePressedButtonWhenAFolderHasTakenTheFilesPlace
     pressForNothing();
 }
 
-TEST_P(NothingToUpload, GivesTheButtonBackWithAllTheOthersAfterTheNextUpload) {
+TEST_P(NothingToUpload, EnablesTheButtonAfterTheNextUpload) {
     open();
     click(*window, GetParam().updateButton);
     EXPECT_FALSE(isEnabled(*window, GetParam().updateButton));

@@ -1,4 +1,4 @@
-// Application image, system image and model, in raw chunks, to a virtual camera that checks what it gets.
+// Application image, system image and model, in raw chunks, to a virtual camera that checks them.
 #include "tests/support/stdoutcapture.h"
 #include "tests/updates/uploadcells.h"
 
@@ -43,7 +43,7 @@ bool upload(CameraSp& client, Kind kind) {
     return false;
 }
 
-/// What the camera is to receive behind the announcement.
+/// Data that the camera receives after the announcement.
 enum class Sent { everything, nothing, some };
 
 struct Cell {
@@ -57,14 +57,14 @@ struct Cell {
 };
 
 Bytes storedFile() {
-    return ScratchFolder::read(std::filesystem::path(u8"新 固件 v2.bin")).value();
+    return files::read(std::filesystem::path(u8"新 固件 v2.bin")).value();
 }
 
 void storeFile(const Bytes& bytes) {
-    ScratchFolder::write(std::filesystem::path(u8"新 固件 v2.bin"), bytes);
+    files::write(std::filesystem::path(u8"新 固件 v2.bin"), bytes);
 }
 
-/// A camera that is back at once after an update and gives a broken-off upload up soon.
+/// A camera that restarts at once after an update and soon gives up a broken upload.
 void prepare(PtyFront& front, const Cell& cell, const Bytes& file) {
     front.setPace(cell.pace);
     front.withCamera([&](VirtualCamera& camera) {
@@ -102,7 +102,7 @@ void requireSent(Complaints& complaints, const Cell& cell, const UploadRecord& r
     complaints.require(record.fileSize == file.size(), "the size is wrong");
 }
 
-/// What the camera has when nothing more is on its way.
+/// The camera's record after the last byte has arrived.
 emulator::CameraRecord settledRecord(PtyFront& front, Sent sent) {
     const auto longest = Clock::now() + 2s;
     while (sent == Sent::everything && Clock::now() < longest) {
@@ -131,7 +131,7 @@ Complaints runCell(const Cell& cell) {
                            "more than the announcement arrived");
     for (const UploadRecord& each : record.uploads)
         requireSent(complaints, cell, each, file);
-    // An announcement that the camera does not answer is no upload to it.
+    // The camera takes an unanswered announcement for no upload.
     const bool counted = cell.sent == Sent::nothing || record.uploads.size() == 1;
     complaints.require(counted, std::to_string(record.uploads.size()) + " uploads arrived");
     return complaints;
@@ -149,7 +149,7 @@ protected:
     }
 };
 
-TEST_F(RawUploads, ArriveWholeWhateverTheirSize) {
+TEST_F(RawUploads, ArriveWholeAtAnySize) {
     for (const std::size_t size : {0U, 1U, 511U, 512U, 513U, 40000U}) {
         storeFile(content(size));
         std::vector<Cell> cells;
@@ -159,7 +159,7 @@ TEST_F(RawUploads, ArriveWholeWhateverTheirSize) {
     }
 }
 
-TEST_F(RawUploads, GoOnFromWhatTheCameraHolds) {
+TEST_F(RawUploads, ContinueWhereTheCameraStopped) {
     storeFile(content(1300));
     std::vector<Cell> cells;
     for (const Kind kind : everyKind) {
@@ -169,19 +169,27 @@ TEST_F(RawUploads, GoOnFromWhatTheCameraHolds) {
     runSideBySide(cells, &runCell);
 }
 
-TEST_F(RawUploads, SendNothingFromAnOffsetAtOrBeyondTheEndAndFailBeyond31Bits) {
+TEST_F(RawUploads, SendNothingForOffsetsAtOrBeyondTheEnd) {
     storeFile(content(1300));
     std::vector<Cell> cells;
     for (const Kind kind : everyKind) {
         for (const char* const offset : {"size", "size+1", "0x7FFFFFFF"})
             cells.push_back({kind, std::string("offset=") + offset, true, Sent::nothing, 0, "verdict=0"});
+    }
+    runSideBySide(cells, &runCell);
+}
+
+TEST_F(RawUploads, FailForOffsetsBeyond31Bits) {
+    storeFile(content(1300));
+    std::vector<Cell> cells;
+    for (const Kind kind : everyKind) {
         for (const char* const offset : {"0x80000000", "0xFFFFFFFF"})
             cells.push_back({kind, std::string("offset=") + offset, false, Sent::nothing, 0, "verdict=0"});
     }
     runSideBySide(cells, &runCell);
 }
 
-TEST_F(RawUploads, AreJudgedByTheVerdictAloneWhereThereIsOne) {
+TEST_F(RawUploads, FollowTheVerdictWhereThereIsOne) {
     storeFile(content(1300));
     std::vector<Cell> cells;
     for (const Kind kind : everyKind) {
@@ -193,7 +201,7 @@ TEST_F(RawUploads, AreJudgedByTheVerdictAloneWhereThereIsOne) {
         cells.push_back({kind, "verdict-delay=3300", true, Sent::everything});
         // Ten reads of a second for an application image, thirty for a model.
         cells.push_back({kind, "verdict-delay=12000", kind != Kind::app, Sent::everything});
-        // An image goes on although the camera says that it cannot; a model does not.
+        // An image continues after a refusal; a model does not.
         const bool model = kind == Kind::model;
         cells.push_back({kind, "result=1", !model, model ? Sent::nothing : Sent::everything});
     }
@@ -202,8 +210,8 @@ TEST_F(RawUploads, AreJudgedByTheVerdictAloneWhereThereIsOne) {
     EXPECT_EQ(linesWith("modelupdate update-end failed2", ""), 1);
 }
 
-#ifndef __SANITIZE_ADDRESS__ // its shadow needs more address space than there would be
-TEST_F(RawUploads, FailWithoutSendingWhenTheFileDoesNotFitIntoTheMemory) {
+#ifndef __SANITIZE_ADDRESS__ // its shadow exceeds the limited address space
+TEST_F(RawUploads, SendNothingWhenTheFileDoesNotFitIntoMemory) {
     storeFile({});
     std::filesystem::resize_file(std::filesystem::path(u8"新 固件 v2.bin"), std::uintmax_t{0x7FFFFFFF});
     PtyFront front;
@@ -227,7 +235,7 @@ class RawUploadKinds : public RawUploads, public testing::WithParamInterface<Kin
 INSTANTIATE_TEST_SUITE_P(Every, RawUploadKinds, testing::ValuesIn(everyKind),
                          [](const auto& test) { return nameOf(test.param); });
 
-TEST_P(RawUploadKinds, SendNothingWhenTheAnnouncementAnswerIsNone) {
+TEST_P(RawUploadKinds, SendNothingWithoutAnAnnouncementAnswer) {
     storeFile(content(1300));
     std::vector<std::string> unanswered{"silent",     "late",      "raw=414243",  "truncate=1",
                                         "truncate=6", "length=+1", "delay=11000", "length=0xFFFFFFFF"};
@@ -250,7 +258,7 @@ TEST_P(RawUploadKinds, SendNothingWhenTheAnnouncementAnswerIsNone) {
         << "answers too short for an offset have none";
 }
 
-TEST_P(RawUploadKinds, FindTheAnnouncementAnswerInWhatTheLineMakesOfIt) {
+TEST_P(RawUploadKinds, FindTheAnnouncementAnswerOnABadLine) {
     storeFile(content(1300));
     std::vector<Cell> cells;
     for (const char* const fault :
@@ -267,10 +275,10 @@ TEST_P(RawUploadKinds, FailWhenTheDeviceVanishes) {
     for (const char* const percent : {"0", "1", "50"})
         cells.push_back(
             {GetParam(), std::string("upload-hang-up=") + percent, false, Sent::some, 0, "", pace});
-    // All is written when the device goes: nobody can know of it but by a verdict.
+    // All is written when the device vanishes: only a verdict reveals it.
     const bool noVerdictNeeded = GetParam() == Kind::system;
     cells.push_back({GetParam(), "upload-hang-up=100", noVerdictNeeded, Sent::everything, 0, "", pace});
-    // In between it depends on how much the line holds, where no verdict is awaited.
+    // Without a verdict, the cases between depend on the buffers of the line.
     if (!noVerdictNeeded)
         cells.push_back({GetParam(), "upload-hang-up=99", false, Sent::some, 0, "", pace});
     runSideBySide(cells, &runCell);
@@ -296,8 +304,8 @@ TEST_P(RawUploadKinds, AreResumedWhereTheDeviceVanished) {
     EXPECT_EQ(uploads[1].digest, uploads[0].digest) << "the same announcement again";
 }
 
-/// The camera stands still for longer than writes wait: slices are cut short, told of, and not sent again.
-TEST_P(RawUploadKinds, GoOnAfterShortWritesWhenTheCameraStopsReading) {
+/// The camera pauses longer than the write timeout: cut slices are logged and not repeated.
+TEST_P(RawUploadKinds, ContinueAfterShortWrites) {
     const Bytes file = content(60000);
     storeFile(file);
     PtyFront front;
@@ -318,13 +326,13 @@ TEST_P(RawUploadKinds, GoOnAfterShortWritesWhenTheCameraStopsReading) {
     EXPECT_FALSE(record.digestRight);
 }
 
-TEST_P(RawUploadKinds, ArriveWholeWhenTheCameraStopsReadingForLessThanAWriteWaits) {
+TEST_P(RawUploadKinds, ArriveWholeAfterAShortReadingPause) {
     storeFile(content(60000));
     runSideBySide<Cell>({{GetParam(), "stall=50,600", true, Sent::everything}}, &runCell);
     EXPECT_EQ(linesWith("", " targetgap:200"), 0);
 }
 
-TEST_P(RawUploadKinds, EndWithinOneTimeOutWhenTheLinkIsStopped) {
+TEST_P(RawUploadKinds, EndWithinOneTimeoutOfAStop) {
     const Bytes file = content(60000);
     storeFile(file);
     struct Moment {

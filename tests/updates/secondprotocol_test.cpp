@@ -44,12 +44,12 @@ Complaints runCell(const Cell& cell) {
 class SecondProtocolUploads : public testing::Test {
 protected:
     static void storeFile(std::size_t size) {
-        ScratchFolder::write(std::filesystem::path(u8"新 固件 v2.bin"), content(size));
+        files::write(std::filesystem::path(u8"新 固件 v2.bin"), content(size));
     }
     StdoutCapture out;
 };
 
-TEST_F(SecondProtocolUploads, TakeFiveAnnouncementsElevenPacketsAndTheLastResultThatCame) {
+TEST_F(SecondProtocolUploads, TakeTheLastOfElevenPackageResults) {
     storeFile(2000);
     runSideBySide<Cell>(
         {
@@ -87,7 +87,7 @@ TEST_F(SecondProtocolUploads, CountTheFifthAnnouncementAnswerOnly) {
     EXPECT_TRUE(out.has("appupdateV1 queryCanUpdate checkfailed"));
 }
 
-TEST_F(SecondProtocolUploads, FailWithoutAPacketUnlessTheCameraHoldsExactlyTheFile) {
+TEST_F(SecondProtocolUploads, SendNoPacketUnlessTheCameraHoldsTheFile) {
     storeFile(2000);
     std::vector<Cell> cells{{{}, false, 0, false}};
     for (const char* const offset : {"size-1", "size+1", "0x7FFFFFFF", "0x80000000", "0xFFFFFFFF"})

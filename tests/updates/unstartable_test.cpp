@@ -1,5 +1,5 @@
 // An upload whose thread the system does not start.
-#include "tests/updates/uploadwindow.h"
+#include "tests/support/uploadwindow.h"
 
 #include <atomic>
 #include <cerrno>
@@ -12,7 +12,7 @@ namespace {
 std::atomic<bool> refuseThreads{false};
 }
 
-// Stands in front of the system's function for this whole program.
+// Replaces the system's function in this program.
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
                               void* argument) {
     using Function = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
@@ -22,7 +22,7 @@ extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attribute
 
 class UnstartableUpload : public UploadWindow, public testing::WithParamInterface<WindowUpload> {};
 
-TEST_P(UnstartableUpload, GivesTheControlsBack) {
+TEST_P(UnstartableUpload, EnablesTheControls) {
     open();
     choose(GetParam(), writeFile("image.bin", 100));
     refuseThreads = true;

@@ -1,9 +1,9 @@
-// Uploads to virtual cameras over ptys, many side by side: mostly they wait.
+// Uploads to virtual cameras over pseudo-terminals, many at once: they mostly wait.
 #pragma once
 
 #include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
-#include "tests/support/scratchfolder.h"
+#include "tests/support/workingdirectory.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ using std::chrono::milliseconds;
 /// Blanks and Chinese characters in the name of every file.
 inline constexpr const char* filePath = "新 固件 v2.bin";
 
-/// Bytes without a period that a shifted slice could hide in.
+/// Bytes without a period, so that a shifted slice differs.
 inline Bytes content(std::size_t size) {
     Bytes bytes(size);
     std::uint32_t value = 12345;
@@ -42,7 +42,7 @@ inline emulator::CameraRecord recordOf(emulator::PtyFront& front) {
     return front.withCamera([](emulator::VirtualCamera& camera) { return camera.record(); });
 }
 
-/// What was not as it must be in one cell.
+/// Failures of one cell.
 class Complaints {
 public:
     explicit Complaints(std::string cell) : m_cell(std::move(cell)) {}
@@ -57,7 +57,7 @@ private:
     std::vector<std::string> m_texts;
 };
 
-/// Runs every cell on a thread of its own and reports all complaints.
+/// Runs each cell on its own thread and reports all failures.
 template <typename Cell>
 void runSideBySide(const std::vector<Cell>& cells, Complaints (*run)(const Cell&)) {
     std::vector<std::future<Complaints>> running;

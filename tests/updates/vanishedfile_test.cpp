@@ -1,4 +1,4 @@
-// A file that disappears between the window's test and the upload ends the tool, with the reason on stderr.
+// A file that vanishes between the window's check and the upload ends the tool, with the reason on stderr.
 #include <QProcess>
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// turns_test: asks for something else while the mounting orientation is being read. The main window and a
-// virtual camera in one process, joined by two serial ports; without ports, by a pseudo-terminal.
+// turns_test: uses other commands while the orientation is being read. The main window and a virtual camera
+// in one process, joined by two serial ports; without ports, by a pseudo-terminal.
 //
 //     turns_test [--ports CAMERA_PORT TOOL_PORT] [OPTION OR TEST FOR QTEST...]
 #include "app/application.h"
@@ -8,7 +8,8 @@
 #include "dialogs/setcameralocation.h"
 #include "emulator/line/devicefront.h"
 #include "emulator/line/terminalcamera.h"
-#include "tests/gui/support/guitest.h"
+#include "tests/support/guitest.h"
+#include "tests/support/windowactions.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -23,11 +24,11 @@ using emulator::VirtualCamera;
 namespace {
 
 constexpr auto answerDelay = 60ms;
-constexpr int rounds = 3; // of the reads: whether two of them meet is a matter of luck
+constexpr int rounds = 3; // of the reads: only some of them meet
 constexpr int fileSize = 50000;
-constexpr int resultTimeoutMs = 150000; // longer than the camera's return is awaited
+constexpr int resultTimeoutMs = 150000; // longer than the return wait
 
-/// As the virtual camera has them.
+/// Values of the virtual camera.
 const QString versions = QStringLiteral("SDK版本:2.3.1\n系统版本:5.10.8\nQV-APP版本:qv 1.4.0");
 const QString orientation = QStringLiteral("当前仰俯角:45\n当前横滚角:3\n当前偏航角:120\n当前加速度:981");
 
@@ -37,7 +38,7 @@ void compareTexts(const QString& shown, const QString& expected) {
     QVERIFY2(shown == expected, difference.toUtf8().constData());
 }
 
-/// Each quantity is the camera's, or was not read: the reading gives up for a whole job.
+/// Each quantity is the camera's or failed: the reading gives way to a whole job.
 void compareOrientation(const QString& shown) {
     const QStringList lines = shown.split(QLatin1Char('\n'));
     const QStringList values = orientation.split(QLatin1Char('\n'));
@@ -128,16 +129,14 @@ void TurnsTest::init() {
     }
     m_window = std::make_unique<MainWindow>();
     m_window->show();
-    auto* const ports = find<QComboBox>(*m_window, "sel_ports");
-    ports->addItem(QString::fromStdString(toolPort));
-    ports->setCurrentText(QString::fromStdString(toolPort));
+    choosePort(*m_window, QString::fromStdString(toolPort));
     checked([this] { openLink(); });
 }
 
 void TurnsTest::openLink() {
     click(*m_window, "btn_open");
     compareTexts(text(*m_window, "btn_open"), QStringLiteral("关闭串口"));
-    // Discards what an earlier test has left on the line.
+    // Discards bytes that an earlier test left on the line.
     QVERIFY(eventually([this] {
         click(*m_window, "btn_heartbeat");
         return find<QRadioButton>(*m_window, "rb_heartbeat")->isChecked();
@@ -155,8 +154,7 @@ void TurnsTest::everyRound() {
         QTest::addRow("%d", round) << round;
 }
 
-// --- reading
-// -------------------------------------------------------------------------------------------------
+// --- reading -----------------------------------------------------------------------------------------------
 
 QString TurnsTest::readVersions() {
     click(*m_window, "btn_appversion");
@@ -195,8 +193,7 @@ void TurnsTest::showsOrientationWhileVersionsAreRead() {
     });
 }
 
-// --- uploads
-// -------------------------------------------------------------------------------------------------
+// --- uploads -----------------------------------------------------------------------------------------------
 
 QByteArray TurnsTest::chooseFile(const Upload& upload) {
     QByteArray content(fileSize, '\0');

@@ -1,0 +1,111 @@
+// The windows on a small screen, at twice the size of texts, and in a dark style.
+#include "app/mainwindow.h"
+#include "tests/support/guitest.h"
+#include "tests/support/recordedwindow.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QLabel>
+#include <QPalette>
+#include <QStyleFactory>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace guitest;
+
+namespace {
+
+constexpr QSize smallScreen(1280, 680);  // without title and task bar
+constexpr double readableContrast = 4.5; // of texts on their ground
+constexpr double visibleContrast = 3;    // of hints
+
+/// From 0 (black) to 1, as the eye weighs colours.
+double luminance(const QColor& color) {
+    const auto channel = [](double value) {
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(color.redF()) + 0.7152 * channel(color.greenF()) +
+           0.0722 * channel(color.blueF());
+}
+
+/// Between the lightest and the darkest pixel of a widget that shows a text.
+double contrast(QWidget* widget) {
+    const QImage image = widget->grab().toImage();
+    double lightest = 0;
+    double darkest = 1;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const double here = luminance(image.pixelColor(x, y));
+            lightest = std::max(lightest, here);
+            darkest = std::min(darkest, here);
+        }
+    }
+    return (lightest + 0.05) / (darkest + 0.05);
+}
+
+class Look : public RecordedPorts {};
+
+} // namespace
+
+TEST_F(Look, EveryWindowFitsASmallScreen) {
+    MainWindow window;
+    window.show();
+    for (const char* const entry : menuWindows)
+        trigger(window, entry);
+    std::size_t looked = 0;
+    for (const QWidget* const top : QApplication::topLevelWidgets()) {
+        if (!top->isVisible())
+            continue;
+        EXPECT_LE(top->width(), smallScreen.width()) << top->metaObject()->className();
+        EXPECT_LE(top->height(), smallScreen.height()) << top->metaObject()->className();
+        EXPECT_LE(top->minimumSizeHint().height(), smallScreen.height()) << top->metaObject()->className();
+        ++looked;
+    }
+    EXPECT_EQ(looked, 1 + menuWindows.size());
+}
+
+TEST_F(Look, PictureTakesTheSpaceThatIsLeft) {
+    MainWindow window;
+    window.resize(1120, 640);
+    window.show();
+    const auto* const picture = find<QLabel>(window, "label");
+    const QSize small = picture->size();
+    window.resize(1270, 680);
+    QApplication::processEvents();
+    EXPECT_EQ(picture->size(), small + QSize(150, 40));
+}
+
+TEST_F(Look, PictureKeepsItsPlaceWhenEmpty) {
+    MainWindow window;
+    window.resize(1270, 680);
+    window.show();
+    const auto* const picture = find<QLabel>(window, "label");
+    QApplication::processEvents();
+    const QRect place = picture->geometry();
+    find<QLabel>(window, "label")->setPixmap(QPixmap(2000, 2000));
+    QApplication::processEvents();
+    EXPECT_EQ(picture->geometry(), place);
+    find<QLabel>(window, "label")->clear();
+    QApplication::processEvents();
+    EXPECT_EQ(picture->geometry(), place);
+}
+
+TEST_F(Look, TextsStayReadableInALightAndInADarkStyle) {
+    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    for (const QColor& ground : {QColor(0xf0, 0xf0, 0xf0), QColor(0x2b, 0x2b, 0x2b)}) {
+        QApplication::setPalette(QPalette(ground));
+        MainWindow window;
+        window.show();
+        click(window, "btn_open");
+        for (const char* const name : {"btn_open", "btn_heartbeat", "label_slaveinfo", "label_link"})
+            EXPECT_GT(contrast(find<QWidget>(window, name)), readableContrast)
+                << name << " on " << ground.name().toStdString();
+        EXPECT_GT(contrast(find<QWidget>(window, "label")), visibleContrast) << ground.name().toStdString();
+        const QImage image = window.grab().toImage();
+        const double corner = luminance(image.pixelColor(3, image.height() - 3));
+        EXPECT_EQ(corner > 0.5, ground.lightness() > 128) << "the window follows the style";
+    }
+}
