@@ -55,7 +55,7 @@ struct CameraState {
     std::string systemVersion = "5.10.8";
     std::string qvVersion = "qv 1.4.0";
     std::string modelInfo = "model_v1 2024-01-31";
-    std::string gyroText = "3success";
+    std::string gyroText{protocol::gyro_test::passed};
     /// Value bytes by id; other ids are unknown to the camera. 12 can only be read.
     std::map<std::uint8_t, Bytes> properties = {
         {property::compressionRate, {80}}, {property::captureAngles, {30, 60}},
@@ -64,7 +64,7 @@ struct CameraState {
     };
     /// Pitch, roll, yaw, acceleration: reads of property 16 take them in turn and begin again with pitch
     /// after a pause of two seconds.
-    std::array<OrientationItem, 4> orientation = {{{45}, {3}, {120}, {981}}};
+    std::array<OrientationItem, protocol::orientation_value::quantities> orientation = {{{45}, {3}, {120}, {981}}};
 
     std::vector<Picture> pictures;    ///< in catalogue order
     std::uint16_t nextPictureId = 33; ///< above every property id: a shifted delete stays told apart

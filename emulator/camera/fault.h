@@ -11,7 +11,7 @@
 
 namespace emulator {
 
-using trace::RequestKey;
+using protocol::RequestKey;
 
 enum class FaultKind {
     // the whole answer

@@ -1,7 +1,7 @@
 // Which requests a fault strikes.
 #pragma once
 
-#include "trace/requests.h"
+#include "link/protocol/requests.h"
 
 #include <string_view>
 
@@ -13,7 +13,7 @@ struct RequestSelector {
     std::optional<std::uint16_t> lineCode; ///< as on the line; nothing: any
     std::optional<std::uint16_t> detail;
 
-    [[nodiscard]] bool matches(const trace::RequestKey& key) const;
+    [[nodiscard]] bool matches(const protocol::RequestKey& key) const;
 };
 
 /// "any", a name of the table, a code on the line (0x02), each with an optional ":detail" (getProperty:15).

@@ -14,6 +14,7 @@ using Action = Options::Action;
 
 constexpr std::array<std::string_view, 5> typeNames = {"ostra", "dorvel", "sales-static", "quenta",
                                                        "sales-dynamic"};
+static_assert(typeNames.size() == protocol::cameraTypes.size());
 
 /// "0 ostra, 1 dorvel, ..."
 std::string knownTypes() {
@@ -237,7 +238,7 @@ std::string faultListText() {
     text
         << "\nrequests: any, a code on the line (0x02), or a name; \":id\" after it picks the first payload\n"
            "byte (getProperty:15)\n\n";
-    for (const trace::RequestName& name : trace::requestNames())
+    for (const protocol::RequestName& name : protocol::requestNames())
         text << "  " << padded(std::string(name.name), 24) << name.words << "\n";
     return text.str();
 }
