@@ -1,9 +1,8 @@
 // A virtual camera on a serial device, for a null-modem cable or another program's pseudo-terminal.
 #pragma once
 
+#include "emulator/line/byteline.h"
 #include "emulator/line/camerafront.h"
-
-#include <string>
 
 namespace emulator {
 
@@ -13,14 +12,14 @@ class DeviceFront final : public CameraFront {
 public:
     /// Throws std::runtime_error with a text for people when the device cannot be opened as a terminal.
     DeviceFront(VirtualCamera camera, const std::string& path);
-    ~DeviceFront() override;
+    ~DeviceFront() override { stop(); }
 
 protected:
-    void closeLine() override;
-    [[nodiscard]] std::optional<std::uint32_t> lineSpeed() const override;
+    void closeLine() override { m_device.reset(); }
+    [[nodiscard]] std::optional<std::uint32_t> lineSpeed() const override { return m_device->rate(); }
 
 private:
-    LineIo::Line m_device = LineIo::none;
+    std::unique_ptr<ByteLine> m_device;
 };
 
 } // namespace emulator
