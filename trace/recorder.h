@@ -39,7 +39,7 @@ private:
         std::string remark;
     };
     struct Progress {
-        std::uint64_t passed = 0; ///< bytes
+        std::uint64_t passed = 0; ///< bytes received
         std::uint64_t told = 0;   ///< bytes in items
     };
 

@@ -5,7 +5,8 @@
 
 namespace emulator {
 
-/// Bytes in, timed bytes out: no clock, no line, no threads. The caller gives the time, which never decreases.
+/// Bytes in, timed bytes out: no clock, no line, no threads. The caller gives the time, which never
+/// decreases.
 class LineCamera {
 public:
     virtual ~LineCamera() = default;

@@ -8,9 +8,10 @@
 
 namespace emulator {
 
-/// Searches each request in the recording behind the last match, then from the beginning, and answers with the
-/// camera's bytes between that request and the next one, with the same delays. A request that the recording
-/// does not have gets no answer, and an event says so. Bytes before the first recorded request are not played.
+/// Searches each request in the recording behind the last match, then from the beginning, and answers with
+/// the camera's bytes between that request and the next one, with the same delays. A request that the
+/// recording does not have gets no answer, and an event says so. Bytes before the first recorded request are
+/// not played.
 class ReplayCamera final : public LineCamera {
 public:
     /// atOnce: answers come without their delays.

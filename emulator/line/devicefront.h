@@ -1,4 +1,4 @@
-// A virtual camera on a serial device, for a null-modem cable or another program's pseudo-terminal.
+// A virtual camera on a serial device: a null-modem cable or another program's pseudo-terminal.
 #pragma once
 
 #include "emulator/line/byteline.h"
@@ -6,8 +6,8 @@
 
 namespace emulator {
 
-/// Opens the device at the camera's rate and serves the camera on it. When the device goes away,
-/// lineOpen() turns false for good.
+/// Opens the device at the camera's rate and serves the camera on it. After a failure of the device
+/// lineOpen() stays false.
 class DeviceFront final : public CameraFront {
 public:
     /// Throws std::runtime_error with a text for people when the device cannot be opened as a terminal.

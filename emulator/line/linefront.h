@@ -29,8 +29,8 @@ public:
 
 protected:
     LineFront() = default;
-    /// Starts serving the camera, which outlives stop(). The line must not block; only the front's thread uses
-    /// it.
+    /// Starts serving the camera, which outlives stop(). The line must not block; only the front's thread
+    /// uses it.
     void start(LineCamera& camera, LineIo::Line line);
     /// Every derived class calls it first in its destructor.
     void stop();
@@ -64,7 +64,7 @@ private:
     void writeLine();
     void lose();
 
-    std::mutex m_mutex; // guards *m_camera and the paces
+    std::mutex m_mutex;             // guards *m_camera and the paces
     LineCamera* m_camera = nullptr; ///< set by start()
     Pace m_readPace;
     Pace m_writePace;

@@ -11,8 +11,8 @@ namespace emulator {
 
 using protocol::ByteView;
 
-/// One thread waits, reads and writes; any thread may wake it. The line belongs to the caller, who opens it so
-/// that neither reading nor writing blocks for long.
+/// One thread waits, reads and writes; any thread may wake it. The line belongs to the caller, who opens it
+/// so that neither reading nor writing blocks for long.
 class LineIo {
 public:
     /// A file descriptor, or a handle of Windows.
@@ -34,8 +34,8 @@ public:
 
     /// Ends the current wait, or the next one at once.
     void wake();
-    /// Waits until the line is ready, until woken, or until the timeout (-1: none). A failed line is ready; the
-    /// next read or write reports it.
+    /// Waits until the line is ready, until woken, or until the timeout (-1: none). A failed line is ready;
+    /// the next read or write reports it.
     [[nodiscard]] Readiness wait(Line line, Readiness wanted, int timeoutMs);
 
     /// Number of bytes, which may be 0; nothing when the line is gone.

@@ -23,8 +23,8 @@ void watchForStop();
 /// Waits while the condition, asked several times a second, is true. True when a stop was requested.
 bool waitWhile(const std::function<bool()>& condition);
 
-/// The other modes: serve until a stop is requested and return the exit code. They throw std::exception with a
-/// text for people when they cannot start.
+/// The other modes: serve until a stop is requested and return the exit code. They throw std::exception with
+/// a text for people when they cannot start.
 int runTap(const Options& options);
 int runReplay(const Options& options);
 int runLesson(const Options& options);

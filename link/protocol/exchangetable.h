@@ -9,7 +9,7 @@
 
 namespace protocol {
 
-/// How the answer is collected.
+/// Method of reading the answer.
 enum class Reading : std::uint8_t {
     none,   ///< no read
     once,   ///< one read of readSize bytes; the bytes received are the answer

@@ -49,7 +49,8 @@ std::size_t leadingGarbage(ByteView buffer, const AnswerForm& form) {
 }
 
 bool isWholeAnswer(ByteView buffer, const AnswerForm& form) {
-    return buffer.size() >= leastAnswerSize && startsAs(buffer, form) && form.statedSize(buffer) == buffer.size();
+    return buffer.size() >= leastAnswerSize && startsAs(buffer, form) &&
+           form.statedSize(buffer) == buffer.size();
 }
 
 ByteView withoutCheckCode(ByteView bytes) {
@@ -80,7 +81,8 @@ std::string heartbeatText(ByteView answer) {
 }
 
 bool isHeartbeatAnswer(ByteView answer) {
-    // The text has no leading zeros, so other bytes can give the same text; the fields settle it.
+    // Different bytes can give the same text, which has no leading zeros; therefore the fields are checked
+    // too.
     return heartbeatText(answer) == "AA5A110001" && answer.size() == frameOverhead + 1 &&
            startsAs(answer, frameForm) && answer.get(frame_layout::command) == code(Command::heartbeat) &&
            answer.get(answer_layout::status) == heartbeatAlive &&

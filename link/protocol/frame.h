@@ -1,4 +1,4 @@
-// The frame of the camera line: how a request is built and how a whole answer is recognised.
+// The frame of the camera line: building requests and recognising whole answers.
 #pragma once
 
 #include "link/protocol/bytes.h"
@@ -23,7 +23,7 @@ static_assert(payloadLength.end() == headerSize);
 /// Frame size less payload size.
 inline constexpr std::size_t frameOverhead = frame_layout::headerSize + frame_layout::checkCodeSize;
 
-/// A buffer shorter than this is never taken for an answer, of either kind.
+/// A shorter buffer is no answer, neither frame nor JSON.
 inline constexpr std::size_t leastAnswerSize = 9;
 
 /// Place in the whole frame of a field that is declared by its place in the payload.
@@ -54,8 +54,8 @@ inline constexpr std::uint8_t failure = 1;
 /// Status of the heartbeat answer.
 inline constexpr std::uint8_t heartbeatAlive = 1;
 
-/// The client reads answers by their place in the whole frame. An accepted frame has at least ten bytes, so the
-/// first two always exist; for a payload of none or one byte they are bytes of the check code.
+/// The client reads answers by their place in the whole frame. An accepted frame has at least ten bytes, so
+/// the first two always exist; for a payload of none or one byte they are bytes of the check code.
 namespace answer_layout {
 inline constexpr Field<std::uint8_t> status = inFrame(status_answer::status);
 inline constexpr Field<std::uint8_t> propertyId = inFrame(property_answer::id);
@@ -66,7 +66,7 @@ inline constexpr std::size_t propertyValue = propertyResult.end();
 /// The whole frame: payload size + 10 bytes.
 [[nodiscard]] Bytes buildFrame(std::uint8_t command, ByteView payload, std::uint8_t address);
 
-/// What makes a buffer an answer: its two first bytes and its size.
+/// Properties that make a buffer an answer: the first two bytes and the size.
 struct AnswerForm {
     std::uint8_t start1;
     std::uint8_t start2;
@@ -77,7 +77,7 @@ struct AnswerForm {
 /// Binary frame: payload length + 10.
 extern const AnswerForm frameForm;
 
-/// False when the first two bytes are not the form's; a second byte that has not come yet may be right.
+/// True when the first two bytes are those of the form. A missing second byte counts as right.
 [[nodiscard]] bool startsAs(ByteView bytes, const AnswerForm& form);
 
 /// Number of leading bytes that cannot begin an answer. A single byte is always kept, whatever it is.

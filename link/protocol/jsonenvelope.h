@@ -81,7 +81,7 @@ inline constexpr std::uint16_t jsonPictureType = 156;
 /// The request for one piece of the picture; offset and length in bytes.
 [[nodiscard]] std::string jsonChunkRequest(std::int64_t offset, std::int64_t length);
 
-/// Piece sizes: the first is always 500 bytes, the later ones at most 6500. The camera counts on both.
+/// Piece sizes: the first is always 500 bytes, the later ones at most 6500. The camera relies on both.
 inline constexpr std::int64_t jsonFirstChunk = 500;
 inline constexpr std::int64_t jsonLaterChunk = 6500;
 
