@@ -35,11 +35,11 @@ bool checkCodeRight(ByteView whole, std::uint16_t (*crc)(ByteView)) {
 }
 
 bool jsonRequestRight(ByteView request) {
-    using namespace protocol::json_request;
-    return protocol::swapped(request.get(bigEndianCount)) ==
-               request.get(textLength) + protocol::json_layout::countExtra &&
-           request.get(magic) == protocol::json_layout::magic &&
-           request.get(kind) == protocol::json_layout::kind &&
+    constexpr protocol::JsonHead head = protocol::json_request::head;
+    return protocol::swapped(request.get(head.bigEndianCount)) ==
+               request.get(head.bodyLength) + protocol::json_layout::countExtra &&
+           request.get(head.magic) == protocol::json_layout::magic &&
+           request.get(head.kind) == protocol::json_layout::kind &&
            checkCodeRight(request, &protocol::crc16Modbus);
 }
 
@@ -80,10 +80,10 @@ std::optional<FrameScanner::Item> FrameScanner::jsonAtStart() {
     const ByteView bytes(m_buffer);
     if (!jsonHeaderPossible(bytes))
         return take(Item::Kind::garbage, 1);
-    if (!bytes.has(protocol::json_request::textLength))
+    constexpr protocol::JsonHead head = protocol::json_request::head;
+    if (!bytes.has(head.bodyLength))
         return std::nullopt;
-    const std::size_t size = protocol::json_request::text + bytes.get(protocol::json_request::textLength) +
-                             protocol::frame_layout::checkCodeSize;
+    const std::size_t size = head.body + bytes.get(head.bodyLength) + protocol::frame_layout::checkCodeSize;
     if (bytes.size() < size)
         return std::nullopt;
     const bool right = jsonRequestRight(bytes.range(0, size));
@@ -92,7 +92,7 @@ std::optional<FrameScanner::Item> FrameScanner::jsonAtStart() {
 
 std::optional<FrameScanner::Item> FrameScanner::jsonAnswerAtStart() {
     const ByteView bytes(m_buffer);
-    if (!bytes.has(protocol::json_answer::bigEndianCount))
+    if (!bytes.has(protocol::json_answer::head.bigEndianCount))
         return std::nullopt;
     const auto size = static_cast<std::size_t>(protocol::jsonForm.statedSize(bytes));
     if (bytes.size() < size)

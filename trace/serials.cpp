@@ -51,7 +51,8 @@ std::string lowerCase(std::string text) {
 /// Blanks the text values of the names: "name" : "value". The text may be cut off anywhere.
 void blankJson(Bytes& bytes, Side from) {
     const std::string text = ByteView(bytes).toText();
-    const std::size_t object = text.find('{', from == Side::tool ? json_request::text : json_answer::body);
+    const std::size_t object =
+        text.find('{', from == Side::tool ? json_request::head.body : json_answer::head.body);
     for (std::size_t open = text.find('"', std::min(object, text.size())); open != std::string::npos;) {
         const std::size_t close = text.find('"', open + 1);
         if (close == std::string::npos)

@@ -35,7 +35,7 @@ void damageFrame(Bytes& frame, const FaultSet& faults) {
 }
 
 void damageEnvelope(Bytes& envelope, const FaultSet& faults) {
-    using protocol::json_answer::bigEndianCount;
+    constexpr auto bigEndianCount = protocol::json_answer::head.bigEndianCount;
     if (const Fault* fault = faults.find(FaultKind::length)) {
         const std::int64_t base = fault->relative ? swapped(ByteView(envelope).get(bigEndianCount)) : 0;
         put(envelope, bigEndianCount, swapped(static_cast<std::uint16_t>(base + fault->number)));
@@ -57,7 +57,7 @@ Bytes shortJsonAnswer(Bytes answer, std::size_t size) {
     using namespace protocol::json_answer;
     answer.resize(size, 0);
     if (size > uncounted)
-        put(answer, bigEndianCount, swapped(static_cast<std::uint16_t>(size - uncounted)));
+        put(answer, head.bigEndianCount, swapped(static_cast<std::uint16_t>(size - uncounted)));
     return answer;
 }
 

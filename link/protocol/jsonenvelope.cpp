@@ -9,20 +9,26 @@ namespace protocol {
 namespace {
 
 std::uint64_t statedJsonSize(ByteView answer) {
-    return std::uint64_t{swapped(answer.get(json_answer::bigEndianCount))} + json_answer::uncounted;
+    return std::uint64_t{swapped(answer.get(json_answer::head.bigEndianCount))} + json_answer::uncounted;
 }
 
 std::string_view asText(ByteView bytes) {
     return {reinterpret_cast<const char*>(bytes.begin()), bytes.size()};
 }
 
-std::uint16_t countOf(std::uint16_t bodyLength) {
-    return swapped(static_cast<std::uint16_t>(bodyLength + json_layout::countExtra));
-}
-
-void appendWithCheckCode(Bytes& envelope, ByteView body) {
+Bytes buildEnvelope(const JsonHead& head, ByteView body) {
+    const auto length = static_cast<std::uint16_t>(body.size());
+    Bytes envelope;
+    envelope.reserve(head.body + body.size() + frame_layout::checkCodeSize);
+    put(envelope, frame_layout::start1, json_layout::start1);
+    put(envelope, frame_layout::start2, json_layout::start2);
+    put(envelope, head.bigEndianCount, swapped(static_cast<std::uint16_t>(length + json_layout::countExtra)));
+    put(envelope, head.magic, json_layout::magic);
+    put(envelope, head.kind, json_layout::kind);
+    put(envelope, head.bodyLength, length);
     append(envelope, body);
     put(envelope, Field<std::uint16_t>{envelope.size()}, crc16Modbus(envelope));
+    return envelope;
 }
 
 } // namespace
@@ -30,42 +36,21 @@ void appendWithCheckCode(Bytes& envelope, ByteView body) {
 const AnswerForm jsonForm{json_layout::start1, json_layout::start2, &statedJsonSize};
 
 Bytes buildJsonRequest(std::string_view json) {
-    using namespace json_request;
-    const auto length = static_cast<std::uint16_t>(json.size());
-    Bytes request;
-    request.reserve(text + json.size() + frame_layout::checkCodeSize);
-    put(request, start1, json_layout::start1);
-    put(request, start2, json_layout::start2);
-    put(request, bigEndianCount, countOf(length));
-    put(request, magic, json_layout::magic);
-    put(request, kind, json_layout::kind);
-    put(request, textLength, length);
-    appendWithCheckCode(request, bytesOf(json));
-    return request;
+    return buildEnvelope(json_request::head, bytesOf(json));
 }
 
 Bytes buildJsonAnswer(ByteView body) {
-    using namespace json_answer;
-    const auto length = static_cast<std::uint16_t>(body.size());
-    Bytes answer;
-    put(answer, start1, json_layout::start1);
-    put(answer, start2, json_layout::start2);
-    put(answer, bigEndianCount, countOf(length));
-    put(answer, magic, json_layout::magic);
-    put(answer, kind, json_layout::kind);
-    put(answer, bodyLength, length);
-    appendWithCheckCode(answer, body);
-    return answer;
+    return buildEnvelope(json_answer::head, body);
 }
 
 ByteView jsonText(ByteView request) {
     const ByteView fields = withoutCheckCode(request);
-    return fields.range(json_request::text, fields.size());
+    return fields.range(json_request::head.body, fields.size());
 }
 
 ByteView jsonBody(ByteView answer) {
     const ByteView fields = withoutCheckCode(answer);
-    return fields.range(json_answer::body, fields.size());
+    return fields.range(json_answer::head.body, fields.size());
 }
 
 ByteView jsonPictureData(ByteView body) {

@@ -15,33 +15,33 @@ inline constexpr std::uint16_t kind = 0x0064;
 inline constexpr std::uint16_t countExtra = 8; ///< count = body length + this
 } // namespace json_layout
 
+/// Fields in front of the body, the same in both directions.
+struct JsonHead {
+    Field<std::uint16_t> bigEndianCount;
+    Field<std::uint32_t> magic;
+    Field<std::uint16_t> kind;
+    Field<std::uint16_t> bodyLength;
+    std::size_t body;
+};
+[[nodiscard]] constexpr JsonHead jsonHeadAt(std::size_t offset) {
+    return {{offset}, {offset + 2}, {offset + 6}, {offset + 8}, offset + 10};
+}
+
 /// Request: [01][17][8 zero bytes][L + 8, big-endian u16][FD FC FB FA][64 00][L, u16][JSON text]
 /// [CRC-16/MODBUS, u16]. L is the length of the text in bytes.
 namespace json_request {
-inline constexpr Field<std::uint8_t> start1{0};
-inline constexpr Field<std::uint8_t> start2{1};
 inline constexpr Field<std::uint64_t> zeros{2};
-inline constexpr Field<std::uint16_t> bigEndianCount{10};
-inline constexpr Field<std::uint32_t> magic{12};
-inline constexpr Field<std::uint16_t> kind{16};
-inline constexpr Field<std::uint16_t> textLength{18};
-inline constexpr std::size_t text = textLength.end();
-static_assert(zeros.end() == bigEndianCount.offset && text == 20);
+inline constexpr JsonHead head = jsonHeadAt(zeros.end());
+static_assert(head.bigEndianCount.offset == 10 && head.body == 20);
 } // namespace json_request
 
 /// Answer: [01][17][L + 8, big-endian u16][FD FC FB FA][64 00][L, u16][body][CRC-16/MODBUS, u16]. L is the
 /// length of the body in bytes: JSON text, and in a picture answer the marker and data behind it.
 namespace json_answer {
-inline constexpr Field<std::uint8_t> start1{0};
-inline constexpr Field<std::uint8_t> start2{1};
-inline constexpr Field<std::uint16_t> bigEndianCount{2};
-inline constexpr Field<std::uint32_t> magic{4};
-inline constexpr Field<std::uint16_t> kind{8};
-inline constexpr Field<std::uint16_t> bodyLength{10};
-inline constexpr std::size_t body = bodyLength.end();
+inline constexpr JsonHead head = jsonHeadAt(2);
 /// Bytes of the envelope that the count leaves out: those up to the count, and the check code.
-inline constexpr std::size_t uncounted = bigEndianCount.end() + frame_layout::checkCodeSize;
-static_assert(body == 12 && uncounted == 6);
+inline constexpr std::size_t uncounted = head.bigEndianCount.end() + frame_layout::checkCodeSize;
+static_assert(head.body == 12 && uncounted == 6);
 } // namespace json_answer
 
 /// The count of an envelope is the only big-endian number of the line.
