@@ -59,6 +59,12 @@ bool fetchesJsonPicture(CameraSp& client) {
     return client.getQuentaModbusPic(5) && std::filesystem::remove("5.jpg");
 }
 
+protocol::Bytes readGyroTest(CameraSp& client) {
+    namespace gyro = protocol::gyro_test;
+    return client.getCommonPropertyWithoutParse(gyro::property, code(protocol::Command::gyroTest),
+                                                gyro::timeoutMs, gyro::readSize);
+}
+
 std::vector<Row> simpleRows() {
     using enum CameraType;
     return {
@@ -69,8 +75,8 @@ std::vector<Row> simpleRows() {
         row(rules::rebootCamera, [](CameraSp& c) { return c.rebootCamera(); }),
         row(rules::setCommonProperty, [](CameraSp& c) { return c.setCommonProperty(15, {30}, 3); }),
         row(rules::getCommonProperty, [](CameraSp& c) { return !c.getCommonProperty(15, 2).empty(); }),
-        {"getCommonPropertyWithoutParse, 50 ms", 50,
-         [](CameraSp& c) { return !c.getCommonPropertyWithoutParse(3, 0x0F, 50, 100).empty(); }},
+        {"getCommonPropertyWithoutParse, 50 ms", protocol::gyro_test::timeoutMs,
+         [](CameraSp& c) { return !readGyroTest(c).empty(); }},
         row(rules::getPropertyValue, [](CameraSp& c) { return !c.getAppVersion().empty(); }),
         row(rules::getQvVersion, [](CameraSp& c) { return !c.getQvVersion().empty(); }),
         row(rules::getModelInfo, [](CameraSp& c) { return !c.getModelInfo().empty(); }),

@@ -1,5 +1,6 @@
 #include "bench/plaincopy.h"
 
+#include "link/protocol/exchangetable.h"
 #include "link/protocol/uploads.h"
 #include "link/uploadfile.h"
 
@@ -13,11 +14,8 @@ namespace bench {
 
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr std::uint32_t timeoutMs = 600000; // longer than any write
-constexpr std::size_t answerSize = 15;
-constexpr auto pauseAfterAnnouncement = 2s;
+constexpr std::chrono::milliseconds pauseAfterAnnouncement{protocol::pauseAfterAnnouncementMs};
 
 } // namespace
 
@@ -30,7 +28,7 @@ void copyPlainly(const PlainCopy& copy, const std::string& portName, const proto
                                     protocol::buildAnnouncement(static_cast<std::uint32_t>(size), digest),
                                     1));
     protocol::Bytes answer;
-    port.read(answer, answerSize);
+    port.read(answer, protocol::rules::appUpdate.readSize);
     std::this_thread::sleep_for(pauseAfterAnnouncement);
     for (std::size_t at = 0; at < size; at += copy.step) {
         if (copy.flushes)

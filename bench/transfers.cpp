@@ -8,7 +8,7 @@
 #include "bench/relay.h"
 #include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
-#include "link/protocol/commands.h"
+#include "link/protocol/exchangetable.h"
 #include "link/protocol/uploads.h"
 #include "link/uploadfile.h"
 
@@ -25,9 +25,10 @@ namespace {
 using emulator::CameraType;
 using protocol::Bytes;
 
-constexpr std::uint32_t downloadTimeoutMs = 50; // as the catalogue leaves it
+constexpr std::uint32_t downloadTimeoutMs =
+    *protocol::rules::getOriginPicInfos.timeoutMs; // kept by a download
 constexpr std::uint8_t pictureId = 5;
-constexpr std::size_t readBlock = 512;
+constexpr std::size_t readBlock = protocol::rules::getOriginTargetPic.readSize;
 /// The pace lets a fiftieth of a second pass at once after a silence.
 constexpr double paceAllowance = 1.0 / 50;
 constexpr double megabyte = 1 << 20;

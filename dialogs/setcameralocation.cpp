@@ -1,6 +1,6 @@
 #include "dialogs/setcameralocation.h"
 
-#include "link/protocol/bytes.h"
+#include "link/protocol/commands.h"
 #include "ui_setcameralocation.h"
 
 #include <QDebug>
@@ -14,17 +14,15 @@ using namespace std::chrono_literals;
 
 constexpr auto pauseAfterRead = 100ms; // the camera's room between two requests
 
-constexpr protocol::Field<std::uint32_t> quantity{0};
-// The quantity's three upper bytes when the camera cannot tell it; the lowest may hold anything.
-constexpr std::uint32_t noLocation = 0x7FFFFF;
+namespace orientation = protocol::orientation_value;
 
 /// Empty when the answer holds no quantity.
 std::optional<std::uint32_t> quantityOf(const SettingBorrower::Value& answer) {
     const protocol::ByteView bytes(answer);
-    if (!bytes.has(quantity))
+    if (!bytes.has(orientation::quantity))
         return std::nullopt;
-    const std::uint32_t value = bytes.get(quantity);
-    if (value >> 8U == noLocation) {
+    const std::uint32_t value = bytes.get(orientation::quantity);
+    if (value >> 8U == orientation::unknown) {
         qDebug() << "got no location";
         return std::nullopt;
     }
@@ -52,7 +50,7 @@ void SetCameraLocation::fetch() {
     if (client() == nullptr)
         return;
     // The same request four times: the camera answers every read with its next quantity.
-    const std::vector<protocol::PropertyId> ids(4, protocol::PropertyId::orientation);
+    const std::vector<protocol::PropertyId> ids(orientation::quantities, protocol::PropertyId::orientation);
     const auto log = [](const std::vector<Value>& values) {
         for (const Value& value : values)
             qDebug() << value;

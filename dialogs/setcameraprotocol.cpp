@@ -80,8 +80,12 @@ void SetCameraProtocol::addAddressField() {
 void SetCameraProtocol::arrangeTypes() {
     while (QLayoutItem* const item = m_ui->gridLayout->takeAt(0))
         delete item; // the place only; the button stays
-    for (const TypeChoice& choice : typeChoices)
-        m_ui->gridLayout->addWidget((*m_ui).*choice.button, choice.row, choice.column);
+    for (const TypeChoice& choice : typeChoices) {
+        QRadioButton* const button = (*m_ui).*choice.button;
+        const std::string_view name = protocol::infoOf(choice.type).name;
+        button->setText(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+        m_ui->gridLayout->addWidget(button, choice.row, choice.column);
+    }
 }
 
 void SetCameraProtocol::selectType() {

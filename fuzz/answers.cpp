@@ -1,5 +1,6 @@
 // Answers of one frame: status, properties, captures, deletions.
 #include "fuzz/scriptedlink.h"
+#include "link/protocol/commands.h"
 
 #include <array>
 
@@ -17,7 +18,12 @@ const std::array<Command, 18> commands{{
     [](CameraSp& c, Input&) { c.getModelInfo(); },
     [](CameraSp& c, Input&) { c.getCommonProperty(15, 2); },
     [](CameraSp& c, Input&) { c.setCommonProperty(15, {30}, 3); },
-    [](CameraSp& c, Input&) { require(c.getCommonPropertyWithoutParse(3, 0x0F, 50, 100).size() <= 100); },
+    [](CameraSp& c, Input&) {
+        namespace gyro = protocol::gyro_test;
+        require(c.getCommonPropertyWithoutParse(gyro::property, code(protocol::Command::gyroTest),
+                                                gyro::timeoutMs, gyro::readSize)
+                    .size() <= gyro::readSize);
+    },
     [](CameraSp& c, Input&) { c.rebootCamera(); },
     [](CameraSp& c, Input&) { c.resetToFactory(); },
     [](CameraSp& c, Input&) { c.opDoor(true); },
@@ -25,7 +31,7 @@ const std::array<Command, 18> commands{{
     [](CameraSp& c, Input&) { c.captureV1(); },
     [](CameraSp& c, Input&) { c.delOriginPic(5); },
     [](CameraSp& c, Input&) { c.delPicV1(5, 20240131, 3); },
-    [](CameraSp& c, Input&) { c.delPicV1(0xFFFF, 0, 0); },
+    [](CameraSp& c, Input&) { c.delPicV1(protocol::v1DeleteAll, 0, 0); },
 }};
 
 } // namespace

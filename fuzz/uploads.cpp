@@ -1,4 +1,6 @@
 // Announcement answers, verdicts and package results of the uploads.
+#include "link/protocol/uploads.h"
+
 #include "fuzz/scriptedlink.h"
 #include "tests/fake/fakeserial.h"
 
@@ -12,7 +14,6 @@ namespace {
 
 constexpr std::size_t fileSize = 1300;
 constexpr const char* fileName = "image.bin";
-constexpr std::size_t chunkSize = 512;
 
 void prepare() {
     if (!std::filesystem::exists(fileName))
@@ -24,7 +25,7 @@ void checkRaw() {
     const auto writes = fake_serial::writes();
     std::size_t sent = 0;
     for (std::size_t i = 1; i < writes.size(); ++i) {
-        require(writes[i].size() <= chunkSize);
+        require(writes[i].size() <= protocol::rawChunkSize);
         sent += writes[i].size();
     }
     require(sent <= fileSize);
@@ -48,7 +49,7 @@ const std::array<Command, 4> commands{{
     },
     [](CameraSp& c, Input&) {
         const bool done = c.appUpdateV1("app.bin", fileName);
-        const std::size_t whole = 5 + 11; // announcements and closing packets
+        constexpr std::size_t whole = protocol::appV1Announcements + protocol::appV1ClosingPackets;
         require(fake_serial::writes().size() <= whole);
         require(!done || fake_serial::writes().size() == whole);
     },

@@ -54,7 +54,7 @@ std::optional<Bytes> downloadPicture(CameraLine& line, std::function<void()>& lo
 
 std::string CameraSp::getQuentaModbusProperty(const std::string& request) {
     return runCommand(*m_line, LineUser::command, unanswered, std::string(), [&]() -> std::string {
-        const std::string json = request.empty() ? std::string(jsonPropertyQuery()) : request;
+        const std::string json = request.empty() ? jsonPropertyQuery() : request;
         const CameraLine::Answer answer = m_line->exchange(rules::quentaProperty, bytesOf(json));
         if (!answer.accepted) {
             diagnostics::line(unanswered);

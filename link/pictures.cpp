@@ -37,7 +37,7 @@ bool runStatusCommand(CameraLine& line, const ExchangeRule& rule, ByteView paylo
             diagnostics::line(failureText);
             return false;
         }
-        if (statusOf(answer.bytes) == 0)
+        if (statusOf(answer.bytes) == answer_result::success)
             return true;
         line.setEnd(CommandEnd::refused);
         return false;
@@ -123,7 +123,7 @@ void CameraSp::getOriginTargetPic(std::uint8_t id, std::uint32_t size) {
     runCommand(*m_line, LineUser::download, {}, false, [&] {
         const CameraLine::Answer answer = download(*m_line, withOffset(*m_line, rules::getOriginTargetPic),
                                                    originReadRequest(id, size), size);
-        if (statusOf(answer.bytes) != 0) {
+        if (statusOf(answer.bytes) != answer_result::success) {
             m_line->setEnd(CommandEnd::refused);
             diagnostics::line("read result error");
             return false;
@@ -162,9 +162,9 @@ bool CameraSp::takePic() {
         const CameraLine::Answer captured = m_line->exchange(rules::takePicCapture, {});
         if (!captured.accepted)
             return failed();
-        if (statusOf(captured.bytes) != 0)
+        if (statusOf(captured.bytes) != answer_result::success)
             diagnostics::line("error in takepic cmd 0x06 parse error"); // and goes on
-        const std::uint8_t id = ByteView(captured.bytes).get(inPayload<std::uint8_t>(1));
+        const std::uint8_t id = ByteView(captured.bytes).get(inFrame(capture_answer::id));
         diagnostics::line("pic_id:", unsigned{id});
         diagnostics::line("start sleeep for capture");
         pause(1s);

@@ -29,7 +29,7 @@ Bytes readProperty(CameraLine& line, const ExchangeRule& rule, std::uint8_t id) 
             return failed("check failed in getCommonProperty");
         }
         const ByteView view(answer.bytes);
-        if (view.get(answer_layout::propertyResult) != 0) {
+        if (view.get(answer_layout::propertyResult) != answer_result::success) {
             line.setEnd(CommandEnd::refused);
             return failed("getCommonProperty result !=0x00");
         }
@@ -52,9 +52,9 @@ std::string textOf(CameraLine& line, ByteView answer) {
 
 /// A write, or another command that answers with success or failure only.
 bool succeeded(CameraLine& line, unsigned result) {
-    if (result != 0)
+    if (result != answer_result::success)
         line.setEnd(CommandEnd::refused);
-    return result == 0;
+    return result == answer_result::success;
 }
 
 /// rebootCamera and resetToFactory; the log texts serve both.

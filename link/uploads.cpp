@@ -13,21 +13,17 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto pauseAfterAnnouncement = 2s;
+constexpr std::chrono::milliseconds pauseAfterAnnouncement{pauseAfterAnnouncementMs};
 constexpr auto pauseBetweenChunks = 1000ns;
-constexpr int v1Announcements = 5;
 constexpr auto v1PauseBetweenAnnouncements = 50ms;
 constexpr auto v1PauseAfterAnnouncements = 1s;
 constexpr auto v1PauseBeforePacket = 30ms;
-constexpr int v1ClosingPackets = 11;
-constexpr std::uint8_t v1LastGoodResult = 1;
 constexpr std::uint8_t v1NoResult = 0xFF; // as bad as any above the last good one
 constexpr const char* v1UnansweredText = "appupdateV1 queryCanUpdate checkfailed";
 
 /// What the three kinds of raw-chunk upload differ in.
 struct UploadKind {
     const ExchangeRule& rule;
-    bool named; ///< announced with a name, answered with type and result before the offset
     bool flushesChunks;
     int verdictTries;           ///< 0: no verdict is awaited
     const char* cannotOpenText; ///< thrown
@@ -39,6 +35,8 @@ struct UploadKind {
     const char* shortWriteTag;
     const char* shortWriteTargetTag;
     const char* noVerdictText;
+
+    [[nodiscard]] bool named() const { return isNamed(rule.command); }
 };
 
 /// One file while it is uploaded. Any kind; the calling thread has the turn on the line.
@@ -90,8 +88,8 @@ void Upload::beginTransfer() {
 }
 
 bool appCanUpdate(ByteView answer, std::uint32_t& offset) {
-    offset = answer.get(image_answer::offset);
-    return answer.get(image_answer::status) == 0;
+    offset = answer.get(inFrame(image_answer::offset));
+    return answer.get(inFrame(image_answer::status)) == answer_result::success;
 }
 
 /// The offset at which the camera wants the upload to go on, as a signed number; nothing when there is no
@@ -107,16 +105,16 @@ std::optional<std::int32_t> announce(CameraLine& line, const UploadKind& kind, B
     }
     line.pause(pauseAfterAnnouncement);
     std::uint32_t offset = 0;
-    if (kind.named) {
+    if (kind.named()) {
         const ByteView view(answer.bytes);
-        const unsigned type = view.get(named_answer::type);
-        const unsigned result = view.get(named_answer::result);
-        if (result != 0 || type != 1) {
+        const unsigned type = view.get(inFrame(named_answer::type));
+        const unsigned result = view.get(inFrame(named_answer::result));
+        if (result != answer_result::success || type != named_answer::announcementType) {
             line.setEnd(CommandEnd::refused);
             diagnostics::line(kind.cannotUpdateText, result, "  ", type);
             return std::nullopt;
         }
-        offset = view.get(named_answer::offset);
+        offset = view.get(inFrame(named_answer::offset));
         diagnostics::line(kind.canUpdateTag, "0"); // a literal zero, whatever the offset is
     } else if (appCanUpdate(answer.bytes, offset)) {
         diagnostics::line(kind.canUpdateTag, static_cast<std::int32_t>(offset));
@@ -149,12 +147,12 @@ void sendChunks(CameraLine& line, const UploadKind& kind, ByteView file, std::si
 }
 
 bool isGoodVerdict(const UploadKind& kind, ByteView answer) {
-    if (!kind.named)
-        return answer.get(image_answer::status) == 0;
-    const std::uint8_t result = answer.get(named_answer::result);
-    const char type = static_cast<char>(answer.get(named_answer::type));
+    if (!kind.named())
+        return answer.get(inFrame(image_answer::status)) == answer_result::success;
+    const std::uint8_t result = answer.get(inFrame(named_answer::result));
+    const char type = static_cast<char>(answer.get(inFrame(named_answer::type)));
     diagnostics::line("update end-result:", unsigned{result}, "  type:", type);
-    return result == 0;
+    return result == answer_result::success;
 }
 
 bool awaitVerdict(CameraLine& line, const UploadKind& kind) {
@@ -191,8 +189,8 @@ bool transfer(CameraLine& line, const UploadKind& kind, Upload& upload, const st
     upload.beginTransfer();
     const std::optional<std::int32_t> offset =
         announce(line, kind,
-                 kind.named ? buildNamedAnnouncement(upload.size(), digest.bytes, name)
-                            : buildAnnouncement(upload.size(), digest.bytes));
+                 kind.named() ? buildNamedAnnouncement(upload.size(), digest.bytes, name)
+                              : buildAnnouncement(upload.size(), digest.bytes));
     if (!offset)
         return false;
     failureText = kind.noVerdictText;
@@ -230,9 +228,9 @@ bool uploadRaw(CameraLine& line, const UploadKind& kind, const std::string& path
 
 /// Always five announcements, answered or not; only the answer to the last one counts.
 std::optional<Bytes> announceV1(CameraLine& line, const Bytes& request) {
-    for (int attempt = 1;; ++attempt) {
+    for (std::uint32_t attempt = 1;; ++attempt) {
         CameraLine::Answer answer = line.exchangeRequest(rules::appUpdateV1Announce, request);
-        const bool last = attempt == v1Announcements;
+        const bool last = attempt == appV1Announcements;
         if (answer.accepted && last)
             return std::move(answer.bytes);
         if (answer.accepted)
@@ -246,12 +244,12 @@ std::optional<Bytes> announceV1(CameraLine& line, const Bytes& request) {
 
 /// The offset at which the camera wants to go on; nothing when it refuses or does not say.
 std::optional<std::uint32_t> offsetV1(CameraLine& line, ByteView answer) {
-    if (!answer.has(named_answer::offset)) {
+    if (!answer.has(inFrame(named_answer::offset))) {
         line.setEnd(CommandEnd::unusable);
         return std::nullopt;
     }
-    const std::uint32_t offset = answer.get(named_answer::offset);
-    if (answer.get(named_answer::result) != 0) {
+    const std::uint32_t offset = answer.get(inFrame(named_answer::offset));
+    if (answer.get(inFrame(named_answer::result)) != answer_result::success) {
         line.setEnd(CommandEnd::refused);
         diagnostics::line("cant update");
         return std::nullopt;
@@ -266,7 +264,7 @@ std::uint8_t sendClosingPackets(CameraLine& line, std::uint32_t fileSize) {
     line.progress.phase = TransferProgress::Phase::awaitingVerdict;
     const Bytes request = line.buildRequest(rules::appUpdateV1Closing, buildPacket(fileSize, {}));
     std::uint8_t packageResult = v1NoResult;
-    for (int sent = 0; sent < v1ClosingPackets; ++sent) {
+    for (std::uint32_t sent = 0; sent < appV1ClosingPackets; ++sent) {
         const CameraLine::Answer answer = line.exchangeRequest(rules::appUpdateV1Closing, request);
         if (!answer.accepted) {
             diagnostics::line("continue last cmd");
@@ -293,11 +291,11 @@ bool closeV1(CameraLine& line, std::uint32_t offset, std::uint32_t size) {
     diagnostics::line("after data-send");
     const std::uint8_t packageResult = offset == size ? sendClosingPackets(line, size) : v1NoResult;
     diagnostics::line("after data-send3");
-    line.setEnd(offset > size                      ? CommandEnd::offsetBeyondFile
-                : packageResult == v1NoResult      ? CommandEnd::noVerdict
-                : packageResult > v1LastGoodResult ? CommandEnd::verdictBad
-                                                   : CommandEnd::done);
-    if (packageResult > v1LastGoodResult)
+    line.setEnd(offset > size                          ? CommandEnd::offsetBeyondFile
+                : packageResult == v1NoResult          ? CommandEnd::noVerdict
+                : packageResult > packetLastGoodResult ? CommandEnd::verdictBad
+                                                       : CommandEnd::done);
+    if (packageResult > packetLastGoodResult)
         return false;
     diagnostics::line("packageResult:", unsigned{packageResult});
     return true;
@@ -329,7 +327,6 @@ bool transferV1(CameraLine& line, Upload& upload, const std::string& fileName, c
 bool CameraSp::appUpdate() {
     static constexpr UploadKind kind{
         .rule = rules::appUpdate,
-        .named = false,
         .flushesChunks = false,
         .verdictTries = rules::appVerdictTries,
         .cannotOpenText = "file cant open in appUpdate",
@@ -348,7 +345,6 @@ bool CameraSp::appUpdate() {
 bool CameraSp::firewareUpdate() {
     static constexpr UploadKind kind{
         .rule = rules::firewareUpdate,
-        .named = false,
         .flushesChunks = true,
         .verdictTries = 0,
         .cannotOpenText = "file cant open in firewareUpdate",
@@ -367,7 +363,6 @@ bool CameraSp::firewareUpdate() {
 bool CameraSp::modelUpdate() {
     static constexpr UploadKind kind{
         .rule = rules::modelUpdate,
-        .named = true,
         .flushesChunks = true,
         .verdictTries = rules::modelVerdictTries,
         .cannotOpenText = "file cant open in appUpdate", // the model shares the application's text

@@ -1,4 +1,4 @@
-// Times of a line, and what happens on it, told to people.
+// Time and events of a line.
 #pragma once
 
 #include <chrono>
@@ -6,10 +6,10 @@
 
 namespace trace {
 
-/// Microseconds since an origin of the caller's choice; never runs back.
+/// Microseconds since an origin of the caller's choice; never decreases.
 using Time = std::chrono::microseconds;
 
-/// One line for people.
+/// One event as a line for people.
 struct Event {
     enum class Kind { received, answered, noted };
 

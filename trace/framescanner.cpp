@@ -3,51 +3,44 @@
 #include "link/protocol/crc16.h"
 #include "link/protocol/frame.h"
 #include "link/protocol/jsonenvelope.h"
-#include "trace/jsonlayout.h"
+
+#include <algorithm>
 
 namespace trace {
 
 namespace {
 
-using protocol::Field;
-
-bool startsJson(ByteView bytes) {
-    return bytes.get(Field<std::uint8_t>{0}) == json_layout::start1 &&
-           (bytes.size() < 2 || bytes.get(Field<std::uint8_t>{1}) == json_layout::start2);
-}
-
-bool startsFrame(ByteView bytes) {
-    return bytes.get(protocol::frame_layout::start1) == protocol::frameStart1 &&
-           (bytes.size() < 2 || bytes.get(protocol::frame_layout::start2) == protocol::frameStart2);
-}
+using protocol::startsAs;
 
 std::size_t garbageCount(ByteView bytes) {
     std::size_t count = 0;
     while (count < bytes.size()) {
         const ByteView rest = bytes.range(count, bytes.size());
-        if (startsFrame(rest) || startsJson(rest))
+        if (startsAs(rest, protocol::frameForm) || startsAs(rest, protocol::jsonForm))
             break;
         ++count;
     }
     return count;
 }
 
-/// The eight bytes after the start are zero in every request; fewer may have come yet.
+/// The eight bytes after the start are zero in every request; some may not have come yet.
 bool jsonHeaderPossible(ByteView bytes) {
-    for (std::size_t i = json_layout::zerosFrom; i < json_layout::zerosTo && i < bytes.size(); ++i) {
-        if (bytes.get(Field<std::uint8_t>{i}) != 0)
-            return false;
-    }
-    return true;
+    const ByteView zeros =
+        bytes.range(protocol::json_request::zeros.offset, protocol::json_request::zeros.end());
+    return std::all_of(zeros.begin(), zeros.end(), [](std::uint8_t byte) { return byte == 0; });
 }
 
-bool jsonEnvelopeRight(ByteView envelope, std::uint16_t textLength) {
-    const std::uint16_t counted = json_layout::swapped(envelope.get(json_layout::requestCount));
-    const ByteView covered = envelope.range(0, envelope.size() - 2);
-    return counted == textLength + json_layout::countExtra &&
-           envelope.get(json_layout::requestMagic) == json_layout::magic &&
-           envelope.get(json_layout::requestKind) == json_layout::kind &&
-           envelope.get(Field<std::uint16_t>{covered.size()}) == protocol::crc16Modbus(covered);
+bool checkCodeRight(ByteView whole, std::uint16_t (*crc)(ByteView)) {
+    return whole.get(protocol::checkCodeOf(whole.size())) == crc(protocol::withoutCheckCode(whole));
+}
+
+bool jsonRequestRight(ByteView request) {
+    constexpr protocol::JsonHead head = protocol::json_request::head;
+    return protocol::swapped(request.get(head.bigEndianCount)) ==
+               request.get(head.bodyLength) + protocol::json_layout::countExtra &&
+           request.get(head.magic) == protocol::json_layout::magic &&
+           request.get(head.kind) == protocol::json_layout::kind &&
+           checkCodeRight(request, &protocol::crc16Modbus);
 }
 
 } // namespace
@@ -64,7 +57,7 @@ std::optional<FrameScanner::Item> FrameScanner::next() {
         return std::nullopt;
     if (const std::size_t garbage = garbageCount(m_buffer); garbage > 0)
         return take(Item::Kind::garbage, garbage);
-    if (startsFrame(m_buffer))
+    if (startsAs(m_buffer, protocol::frameForm))
         return frameAtStart();
     return m_side == Side::tool ? jsonAtStart() : jsonAnswerAtStart();
 }
@@ -79,36 +72,32 @@ std::optional<FrameScanner::Item> FrameScanner::frameAtStart() {
     const std::size_t size = payloadLength + protocol::frameOverhead;
     if (bytes.size() < size)
         return std::nullopt;
-    const std::size_t covered = size - protocol::frame_layout::checkCodeSize;
-    if (bytes.get(Field<std::uint16_t>{covered}) == protocol::crc16Xmodem(bytes.range(0, covered)))
-        return take(Item::Kind::frame, size);
-    return take(Item::Kind::badFrame, size);
+    const bool right = checkCodeRight(bytes.range(0, size), &protocol::crc16Xmodem);
+    return take(right ? Item::Kind::frame : Item::Kind::badFrame, size);
 }
 
 std::optional<FrameScanner::Item> FrameScanner::jsonAtStart() {
     const ByteView bytes(m_buffer);
     if (!jsonHeaderPossible(bytes))
         return take(Item::Kind::garbage, 1);
-    if (!bytes.has(json_layout::requestTextLength))
+    constexpr protocol::JsonHead head = protocol::json_request::head;
+    if (!bytes.has(head.bodyLength))
         return std::nullopt;
-    const std::uint16_t textLength = bytes.get(json_layout::requestTextLength);
-    const std::size_t size = json_layout::requestText + textLength + 2;
+    const std::size_t size = head.body + bytes.get(head.bodyLength) + protocol::frame_layout::checkCodeSize;
     if (bytes.size() < size)
         return std::nullopt;
-    const bool right = jsonEnvelopeRight(bytes.range(0, size), textLength);
+    const bool right = jsonRequestRight(bytes.range(0, size));
     return take(right ? Item::Kind::json : Item::Kind::badJson, size);
 }
 
 std::optional<FrameScanner::Item> FrameScanner::jsonAnswerAtStart() {
     const ByteView bytes(m_buffer);
-    if (!bytes.has(json_layout::answerCount))
+    if (!bytes.has(protocol::json_answer::head.bigEndianCount))
         return std::nullopt;
     const auto size = static_cast<std::size_t>(protocol::jsonForm.statedSize(bytes));
     if (bytes.size() < size)
         return std::nullopt;
-    const std::size_t covered = size - protocol::frame_layout::checkCodeSize;
-    const bool right =
-        bytes.get(Field<std::uint16_t>{covered}) == protocol::crc16Modbus(bytes.range(0, covered));
+    const bool right = checkCodeRight(bytes.range(0, size), &protocol::crc16Modbus);
     return take(right ? Item::Kind::json : Item::Kind::badJson, size);
 }
 

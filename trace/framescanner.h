@@ -1,8 +1,9 @@
-// Finds frames and JSON envelopes in what comes over the line.
+// Finds frames and JSON envelopes in received bytes.
 #pragma once
 
 #include "link/protocol/bytes.h"
 
+#include <chrono>
 #include <optional>
 #include <utility>
 
@@ -11,8 +12,8 @@ namespace trace {
 using protocol::Bytes;
 using protocol::ByteView;
 
-/// Strict where the tool is lenient: a wrong length or check code makes a bad frame. Resynchronises byte by
-/// byte after anything that is not a frame.
+/// Stricter than the tool: a wrong length or check code makes a bad frame. Resynchronises byte by byte after
+/// bytes that are no frame.
 class FrameScanner {
 public:
     struct Item {
@@ -22,21 +23,25 @@ public:
         Bytes bytes;
     };
 
-    /// Whose bytes these are: the envelopes of requests and answers differ, and answers carry pictures.
+    /// The sender of the bytes: the envelopes of requests and answers differ, and answers carry pictures.
     enum class Side { tool, camera };
 
-    /// Longest payloads that are waited for; a longer stated length is a bad frame.
+    /// Longest payloads; a longer stated length is a bad frame.
     static constexpr std::uint32_t longestPayload = 65536;
     static constexpr std::uint32_t longestAnswerPayload = 64 << 20;
+
+    /// A frame or envelope that gets no byte for this long is abandoned. The scanner has no clock: its users
+    /// take the time.
+    static constexpr std::chrono::seconds longestSilence{1};
 
     explicit FrameScanner(Side side = Side::tool) : m_side(side) {}
 
     void add(ByteView bytes) { protocol::append(m_buffer, bytes); }
-    /// The next thing found, or nothing while more bytes are needed.
+    /// The next item, or nothing while more bytes are needed.
     [[nodiscard]] std::optional<Item> next();
     /// Bytes not yet taken; empties the scanner.
     [[nodiscard]] Bytes takeRest() { return std::exchange(m_buffer, {}); }
-    /// Bytes not yet taken, as they are.
+    /// Bytes not yet taken.
     [[nodiscard]] ByteView waiting() const { return m_buffer; }
     [[nodiscard]] bool empty() const { return m_buffer.empty(); }
 

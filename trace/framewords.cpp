@@ -1,11 +1,9 @@
 #include "trace/framewords.h"
 
-#include "link/protocol/commands.h"
 #include "link/protocol/jsonenvelope.h"
 #include "link/protocol/picturerecords.h"
 #include "link/protocol/uploads.h"
 #include "trace/hextext.h"
-#include "trace/jsonlayout.h"
 #include "trace/jsontext.h"
 
 #include <algorithm>
@@ -28,22 +26,12 @@ std::string byteText(std::uint8_t value) {
     return hexText(Bytes{value});
 }
 
-ByteView payloadOf(ByteView frame) {
-    return frame.range(frame_layout::headerSize,
-                       frame.size() - std::min(frame.size(), frame_layout::checkCodeSize));
-}
-
-/// All but the check code, which is no field of any answer.
-ByteView fieldsOf(ByteView frame) {
-    return frame.range(0, frame.size() - std::min(frame.size(), frame_layout::checkCodeSize));
-}
-
 bool isText(ByteView bytes) {
     return !bytes.empty() &&
            std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t c) { return c >= 0x20 && c < 0x7F; });
 }
 
-/// Text where it is text, up to its first zero byte.
+/// Text up to its first zero byte where it is text, else hexadecimal digits.
 std::string valueText(ByteView value) {
     const auto length = static_cast<std::size_t>(std::find(value.begin(), value.end(), 0) - value.begin());
     const ByteView text = value.range(0, length);
@@ -51,12 +39,13 @@ std::string valueText(ByteView value) {
 }
 
 std::string resultText(std::uint8_t result) {
-    return result == 0 ? "success" : "refused with result " + byteText(result);
+    return result == answer_result::success ? "success" : "refused with result " + byteText(result);
 }
 
 std::string propertyWords(ByteView answer) {
-    std::string text = "id " + byteText(fieldsOf(answer).get(answer_layout::propertyId)) + ", " +
-                       resultText(fieldsOf(answer).get(answer_layout::propertyResult));
+    const ByteView payload = payloadOf(answer);
+    std::string text = "id " + byteText(payload.get(property_answer::id)) + ", " +
+                       resultText(payload.get(property_answer::result));
     if (const ByteView value = propertyValue(answer); !value.empty())
         text += ", value " + valueText(value);
     return text;
@@ -73,37 +62,43 @@ std::string recordWords(ByteView answer, const RecordForm& form) {
 }
 
 std::string transferWords(ByteView answer) {
-    const ByteView data = answer.range(transferData, answer.size() - frame_layout::checkCodeSize);
-    return resultText(fieldsOf(answer).get(answer_layout::status)) + ", " + count(data.size(), "picture");
+    const ByteView payload = payloadOf(answer);
+    return resultText(payload.get(status_answer::status)) + ", " +
+           count(payload.range(status_answer::data, payload.size()).size(), "picture");
 }
 
 std::string captureWords(ByteView answer) {
     const ByteView payload = payloadOf(answer);
-    std::string text = resultText(fieldsOf(answer).get(answer_layout::status));
-    if (payload.size() > 1)
-        text += ", rest " + hexText(payload.range(1, payload.size()));
+    std::string text = resultText(payload.get(status_answer::status));
+    if (const ByteView rest = payload.range(status_answer::data, payload.size()); !rest.empty())
+        text += ", rest " + hexText(rest);
     return text;
 }
 
-std::string announcedWords(ByteView answer, bool named) {
-    const std::uint8_t status = fieldsOf(answer).get(named ? named_answer::result : image_answer::status);
-    const bool ready = status == 0;
-    std::string text = ready ? "ready" : "not ready, status " + byteText(status);
-    if (named)
-        text += ", type " + byteText(fieldsOf(answer).get(named_answer::type));
-    const auto offset = named ? named_answer::offset : image_answer::offset;
-    return text + ", to go on from byte " + number(fieldsOf(answer).get(offset));
+std::uint8_t uploadResult(ByteView payload, bool named) {
+    return payload.get(named ? named_answer::result : image_answer::status);
 }
 
-std::string verdictWords(ByteView answer, bool named) {
-    return "verdict: " +
-           resultText(fieldsOf(answer).get(named ? named_answer::result : image_answer::status));
+std::string announcedWords(ByteView payload, bool named) {
+    const std::uint8_t status = uploadResult(payload, named);
+    const bool ready = status == answer_result::success;
+    std::string text = ready ? "ready" : "not ready, status " + byteText(status);
+    if (named)
+        text += ", type " + byteText(payload.get(named_answer::type));
+    const auto offset = named ? named_answer::offset : image_answer::offset;
+    return text + ", to go on from byte " + number(payload.get(offset));
+}
+
+std::string uploadWords(ByteView answer, bool named, bool verdict) {
+    const ByteView payload = payloadOf(answer);
+    return verdict ? "verdict: " + resultText(uploadResult(payload, named)) : announcedWords(payload, named);
 }
 
 std::string answerWords(ByteView answer, std::uint16_t code, bool verdict) {
     if (payloadOf(answer).empty())
         return "no payload";
-    switch (static_cast<Command>(code)) {
+    const auto command = static_cast<Command>(code);
+    switch (command) {
     case Command::heartbeat:
         return isHeartbeatAnswer(answer) ? "the camera is there" : "not the answer of a heartbeat";
     case Command::getProperty:
@@ -122,18 +117,17 @@ std::string answerWords(ByteView answer, std::uint16_t code, bool verdict) {
         return transferWords(answer);
     case Command::appAnnounce:
     case Command::firewareAnnounce:
-        return verdict ? verdictWords(answer, false) : announcedWords(answer, false);
     case Command::modelAnnounce:
-        return verdict ? verdictWords(answer, true) : announcedWords(answer, true);
     case Command::appV1Announce:
-        return announcedWords(answer, true);
+        return uploadWords(answer, isNamed(command), verdict);
     case Command::resetToFactory:
     case Command::reboot:
     case Command::originDelete:
     case Command::deleteV1:
     case Command::appV1Packet:
-        return resultText(fieldsOf(answer).get(answer_layout::status));
+        return resultText(payloadOf(answer).get(status_answer::status));
     case Command::callers:
+    case Command::json:
     case Command::gyroTest:
     case Command::door:
         break;
@@ -151,7 +145,8 @@ std::string announcementWords(ByteView payload, bool named) {
 
 std::string requestWords(ByteView frame, std::uint16_t code) {
     const ByteView payload = payloadOf(frame);
-    switch (static_cast<Command>(code)) {
+    const auto command = static_cast<Command>(code);
+    switch (command) {
     case Command::originRead:
         return "id " + number(payload.get(origin_read_request::id)) + ", " +
                number(payload.get(origin_read_request::length)) + " bytes";
@@ -160,21 +155,19 @@ std::string requestWords(ByteView frame, std::uint16_t code) {
                number(payload.get(v1_read_request::length)) + " bytes";
     case Command::appAnnounce:
     case Command::firewareAnnounce:
-        return announcementWords(payload, false);
     case Command::modelAnnounce:
     case Command::appV1Announce:
-        return announcementWords(payload, true);
+        return announcementWords(payload, isNamed(command));
     default:
         return payload.empty() ? "" : hexText(payload);
     }
 }
 
-/// A frame whose payload is too short for its command has no meaning.
 std::string frameMeaning(const LineItem& item, std::uint16_t code) {
     try {
         return item.from == Side::tool ? requestWords(item.bytes, code)
                                        : answerWords(item.bytes, code, item.uploadCode != 0);
-    } catch (const ShortAnswer&) { // the field's reading found the frame too short
+    } catch (const ShortAnswer&) {
         return "too short for this command";
     }
 }
@@ -197,13 +190,12 @@ std::string frameWords(const LineItem& item, std::uint8_t pictureOffset) {
 
 std::string jsonWords(const LineItem& item) {
     const ByteView bytes(item.bytes);
-    const ByteView body =
-        item.from == Side::tool ? bytes.range(json_layout::requestText, bytes.size() - 2) : jsonBody(bytes);
+    const ByteView body = item.from == Side::tool ? jsonText(bytes) : jsonBody(bytes);
     const ByteView data = item.from == Side::tool ? ByteView() : jsonPictureData(body);
     std::string text = body.range(0, body.size() - data.size()).toText();
     for (char& c : text) {
         if (static_cast<unsigned char>(c) < 0x20)
-            c = '?'; // one line
+            c = '?'; // keeps the text on one line
     }
     const RequestName* name = item.from == Side::tool ? nameOf(requestKeyOf(item, 0)) : nullptr;
     std::string words = item.from == Side::camera ? "JSON answer" : std::string(name->words);
@@ -223,24 +215,16 @@ std::string strayWords(const LineItem& item) {
 } // namespace
 
 RequestKey requestKeyOf(const LineItem& item, std::uint8_t pictureOffset) {
-    RequestKey key;
     const ByteView bytes(item.bytes);
-    if (item.kind == LineItem::Kind::json || item.kind == LineItem::Kind::badJson) {
-        key = {jsonCode, jsonCode, std::nullopt};
-        const ByteView text = bytes.range(json_layout::requestText, bytes.size() - 2);
-        const auto values = readJsonObject(text.toText());
-        const auto type = values ? jsonNumber(*values, "cmdType") : std::nullopt;
-        if (type && *type >= 0 && *type <= 0xFFFF)
-            key.detail = static_cast<std::uint16_t>(*type);
-        return key;
-    }
+    if (item.kind == LineItem::Kind::json || item.kind == LineItem::Kind::badJson)
+        return jsonRequestKey(jsonText(bytes));
+    RequestKey key;
     if (!bytes.has(frame_layout::command))
         return key;
     const std::uint8_t lineCode = bytes.get(frame_layout::command);
     const auto base = static_cast<std::uint8_t>(lineCode - pictureOffset);
-    const bool picture = base >= code(Command::originCapture) && base <= code(Command::originRead);
     key.lineCode = lineCode;
-    key.code = picture ? base : lineCode;
+    key.code = isOriginPictureCode(base) ? base : lineCode;
     if (const ByteView payload = payloadOf(bytes); !payload.empty())
         key.detail = *payload.begin();
     return key;

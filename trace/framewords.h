@@ -1,16 +1,16 @@
-// What passes over a line, in words for people.
+// Descriptions of the traffic of a line, for people.
 #pragma once
 
+#include "link/protocol/requests.h"
 #include "trace/linefollower.h"
-#include "trace/requests.h"
 
 namespace trace {
 
-/// One line: the command, the lengths, the check code, and what a request asks or an answer says. Codes 06 to
-/// 09 are recognised with the picture-command offset added.
+/// One line: the command, the lengths, the check code, and the content of the request or answer. The
+/// picture-command offset is subtracted from codes.
 [[nodiscard]] std::string wordsOf(const LineItem& item, std::uint8_t pictureOffset);
 
-/// The request that a frame or envelope carries, told apart as the camera does.
-[[nodiscard]] RequestKey requestKeyOf(const LineItem& item, std::uint8_t pictureOffset);
+/// Identity of the request in a frame or envelope; JSON types as the camera reads them.
+[[nodiscard]] protocol::RequestKey requestKeyOf(const LineItem& item, std::uint8_t pictureOffset);
 
 } // namespace trace

@@ -1,4 +1,4 @@
-// Bytes as people read them.
+// Bytes in hexadecimal, for people.
 #pragma once
 
 #include "link/protocol/bytes.h"
@@ -7,7 +7,7 @@
 
 namespace trace {
 
-/// "AA 5A 01 ... (90 bytes)": the first 24 bytes, and how many there are when there are more.
+/// "AA 5A 01 ... (90 bytes)": the first 24 bytes, and the count of all when there are more.
 [[nodiscard]] std::string hexText(protocol::ByteView bytes);
 
 } // namespace trace

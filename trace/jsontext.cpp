@@ -4,6 +4,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <limits>
+
 namespace trace {
 
 namespace {
@@ -44,6 +46,15 @@ std::optional<long long> jsonNumber(const Values& values, const std::string& pat
     bool whole = false;
     const long long number = QByteArray::fromStdString(found->second).toLongLong(&whole);
     return whole ? std::optional(number) : std::nullopt;
+}
+
+protocol::RequestKey jsonRequestKey(protocol::ByteView text) {
+    protocol::RequestKey key{protocol::jsonCode, protocol::jsonCode, std::nullopt};
+    const auto values = readJsonObject(text.toText());
+    const auto type = values ? jsonNumber(*values, "cmdType") : std::nullopt;
+    if (type && *type >= 0 && *type <= std::numeric_limits<std::uint16_t>::max())
+        key.detail = static_cast<std::uint16_t>(*type);
+    return key;
 }
 
 } // namespace trace

@@ -8,12 +8,6 @@ namespace trace {
 
 namespace {
 
-using protocol::Command;
-using protocol::inPayload;
-
-/// What stops growing for so long was broken off.
-constexpr Time brokenTime = std::chrono::seconds(1);
-
 LineItem::Kind kindOf(FrameScanner::Item::Kind kind) {
     switch (kind) {
     case FrameScanner::Item::Kind::frame:
@@ -30,13 +24,10 @@ LineItem::Kind kindOf(FrameScanner::Item::Kind kind) {
     return LineItem::Kind::stray;
 }
 
-/// Begins as only frames and envelopes do.
-bool beginsSomething(ByteView bytes) {
-    const auto starts = [bytes](const protocol::AnswerForm& form) {
-        return bytes.size() >= 2 && bytes.get(protocol::frame_layout::start1) == form.start1 &&
-               bytes.get(protocol::frame_layout::start2) == form.start2;
-    };
-    return starts(protocol::frameForm) || starts(protocol::jsonForm);
+/// True for both start bytes of a frame or envelope.
+bool startsItem(ByteView bytes) {
+    return bytes.has(protocol::frame_layout::start2) &&
+           (startsAs(bytes, protocol::frameForm) || startsAs(bytes, protocol::jsonForm));
 }
 
 bool isWholeRequest(ByteView bytes) {
@@ -47,17 +38,13 @@ bool isWholeRequest(ByteView bytes) {
            (item->kind == FrameScanner::Item::Kind::frame || item->kind == FrameScanner::Item::Kind::json);
 }
 
-bool isNamed(std::uint8_t code) {
-    return code == protocol::code(Command::modelAnnounce);
-}
-
 } // namespace
 
 std::vector<LineItem> LineFollower::receive(Side from, ByteView bytes, Time now) {
     Items items;
     Direction& own = direction(from);
-    const bool silence = now - own.lastByteAt > brokenTime;
-    if (!own.scanner.empty() && (silence || (own.otherSpoke && beginsSomething(bytes))))
+    const bool silence = now - own.lastByteAt > FrameScanner::longestSilence;
+    if (!own.scanner.empty() && (silence || (own.otherSpoke && startsItem(bytes))))
         breakOff(from, items);
     if (from == Side::tool && m_data) {
         const bool givenUp = (m_data->bytes.empty() || silence) && isWholeRequest(bytes);
@@ -80,7 +67,7 @@ std::vector<LineItem> LineFollower::passTime(Time now) {
     Items items;
     for (const Side side : {Side::tool, Side::camera}) {
         const Direction& one = direction(side);
-        if (!one.scanner.empty() && now - one.lastByteAt > brokenTime)
+        if (!one.scanner.empty() && now - one.lastByteAt > FrameScanner::longestSilence)
             breakOff(side, items);
     }
     return items;
@@ -133,7 +120,7 @@ void LineFollower::finishData(Items& items) {
     m_data.reset();
 }
 
-/// Returns what is no data any more.
+/// Returns the bytes behind the data.
 ByteView LineFollower::takeData(ByteView bytes, Time now, Items& items) {
     const ByteView taken = bytes.range(0, m_data->expected - m_data->bytes.size());
     protocol::append(m_data->bytes, taken);
@@ -147,17 +134,15 @@ void LineFollower::noteAnnouncement(const LineItem& frame) {
     using namespace protocol;
     const ByteView view(frame.bytes);
     const std::uint8_t code = view.get(frame_layout::command);
+    const auto command = static_cast<Command>(code);
     m_announced.reset();
     m_uploaded.reset();
-    const auto field = isNamed(code) ? inPayload<std::uint32_t>(named_announcement::fileSize.offset)
-                                     : inPayload<std::uint32_t>(announcement::fileSize.offset);
-    const bool announces = code == protocol::code(Command::firewareAnnounce) ||
-                           code == protocol::code(Command::appAnnounce) || isNamed(code);
-    if (announces && frame.kind == LineItem::Kind::frame && view.has(field))
+    const auto field = inFrame(isNamed(command) ? named_announcement::fileSize : announcement::fileSize);
+    if (announcesRawData(command) && frame.kind == LineItem::Kind::frame && view.has(field))
         m_announced = Announcement{code, view.get(field)};
 }
 
-/// Raw data follows an answer that lets it: it is counted from the resume offset on.
+/// Expects raw data from the answer's resume offset on, unless the camera refuses.
 void LineFollower::answerAnnouncement(LineItem& frame) {
     using namespace protocol;
     const ByteView view(frame.bytes);
@@ -168,9 +153,11 @@ void LineFollower::answerAnnouncement(LineItem& frame) {
         return;
     }
     const Announcement announced = *std::exchange(m_announced, std::nullopt);
-    const auto offsetField = isNamed(code) ? named_answer::offset : image_answer::offset;
-    const bool refused = isNamed(code) && view.has(named_answer::result) &&
-                         (view.get(named_answer::type) != 1 || view.get(named_answer::result) != 0);
+    const bool named = isNamed(static_cast<Command>(code));
+    const auto offsetField = inFrame(named ? named_answer::offset : image_answer::offset);
+    const bool refused = named && view.has(inFrame(named_answer::result)) &&
+                         (view.get(inFrame(named_answer::type)) != named_answer::announcementType ||
+                          view.get(inFrame(named_answer::result)) != answer_result::success);
     if (!view.has(offsetField) || refused)
         return;
     m_uploaded = code;

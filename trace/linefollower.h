@@ -1,4 +1,4 @@
-// Tells what passes over a line: requests, answers, and the raw data of uploads.
+// Splits the traffic of a line into requests, answers and the raw data of uploads.
 #pragma once
 
 #include "trace/event.h"
@@ -8,11 +8,11 @@
 
 namespace trace {
 
-/// Whose bytes they are.
+/// Sender of the bytes.
 using Side = FrameScanner::Side;
 
-/// Something whole, or something that will not become whole any more. The bytes of all items of a side, one
-/// behind the other, are the bytes of that side.
+/// A complete frame, envelope or upload, or an abandoned one. The items of a side, joined in order, are all
+/// bytes of that side.
 struct LineItem {
     enum class Kind {
         frame,
@@ -21,35 +21,35 @@ struct LineItem {
         badJson,
         stray,     ///< outside any frame
         data,      ///< raw data of an upload
-        brokenOff, ///< the beginning of a frame or envelope
+        brokenOff, ///< incomplete frame or envelope
     };
 
     Side from = Side::tool;
     Kind kind = Kind::stray;
     Bytes bytes;
-    Time lastAt{0};              ///< when its last byte passed
-    std::size_t expected = 0;    ///< data: bytes that were to come
+    Time lastAt{0};              ///< time of its last byte
+    std::size_t expected = 0;    ///< data: announced size
     std::uint8_t uploadCode = 0; ///< data, and the frame behind it: command code of the announcement
 };
 
-/// Follows both directions of one line. No clock: the caller says what time it is.
+/// Follows both directions of one line. No clock: the caller gives the time.
 class LineFollower {
 public:
-    /// What became whole with these bytes, in order.
+    /// Items that these bytes complete, in order.
     [[nodiscard]] std::vector<LineItem> receive(Side from, ByteView bytes, Time now);
-    /// What broke off because nothing followed for a second.
+    /// Items abandoned after a second without bytes.
     [[nodiscard]] std::vector<LineItem> passTime(Time now);
-    /// The line has ended: whatever is not whole is broken off.
+    /// Ends the line: abandons incomplete items.
     [[nodiscard]] std::vector<LineItem> finish();
 
-    /// Bytes that belong to no item yet; of an upload's data, none are shown.
+    /// Bytes that belong to no item yet, without those of an upload's data.
     [[nodiscard]] ByteView waiting(Side from) const { return direction(from).scanner.waiting(); }
 
 private:
     struct Direction {
         FrameScanner scanner;
         Time lastByteAt{0};
-        bool otherSpoke = false; ///< the other side has since begun something
+        bool otherSpoke = false; ///< since this side's last byte
     };
     struct Announcement {
         std::uint8_t code = 0;
@@ -71,8 +71,8 @@ private:
     Direction m_tool{FrameScanner(Side::tool)};
     Direction m_camera{FrameScanner(Side::camera)};
     std::optional<Announcement> m_announced;
-    std::optional<LineItem> m_data;         ///< an upload's data, as far as it has come
-    std::optional<std::uint8_t> m_uploaded; ///< a verdict may come
+    std::optional<LineItem> m_data;         ///< received part of an upload's data
+    std::optional<std::uint8_t> m_uploaded; ///< code of an upload whose verdict may follow
 };
 
 } // namespace trace

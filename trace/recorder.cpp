@@ -53,7 +53,7 @@ void Recorder::tell(const std::vector<LineItem>& items) {
     }
 }
 
-/// The item's bytes in the lines that wait take the place of those that passed.
+/// Overwrites the item's bytes in the held lines.
 void Recorder::blank(const LineItem& item) {
     const std::uint64_t first = progress(item.from).told;
     const std::uint64_t last = first + item.bytes.size();

@@ -1,4 +1,4 @@
-// From bytes that pass to the text of a recording.
+// Writes the traffic of a line as the text of a recording.
 #pragma once
 
 #include "trace/recording.h"
@@ -9,37 +9,37 @@
 
 namespace trace {
 
-/// Writes what passes over a line, at once: a block of whole lines goes to the sink with every call. With
-/// blanked serial numbers, bytes that may belong to one are held back until their frame is whole or has
-/// broken off. No clock, no file, no threads.
+/// Writes the traffic at once: every call gives the sink a block of complete lines. With blanked serial
+/// numbers, bytes that may belong to one are held until their frame is complete or abandoned. No clock, no
+/// file, no threads.
 class Recorder {
 public:
-    /// The sink may throw; so does the call that led to it then.
+    /// The sink may throw; its exceptions leave the calls below.
     using Sink = std::function<void(const std::string& lines)>;
 
     /// Writes the head at once.
     Recorder(RecordingHead head, Sink sink);
 
     void pass(Side from, ByteView bytes, Time now);
-    /// To be called now and then while nothing passes.
+    /// Call it regularly while there is no traffic.
     void passTime(Time now);
-    /// Something that happened to the line.
+    /// An event of the line itself.
     void note(Time now, const std::string& words);
-    /// The recording ends; what was held back is written.
+    /// Ends the recording; writes the held lines.
     void finish();
 
-    /// Called for every line for people, beside the recording.
+    /// The handler gets every line for people; the recording does not change.
     void onEvent(std::function<void(const Event&)> handler) { m_onEvent = std::move(handler); }
 
 private:
-    /// A line that waits for its turn: bytes, or a remark when there are none.
+    /// A held line: bytes, or a remark without bytes.
     struct Held {
         RecordingEntry entry;
-        std::uint64_t begin = 0; ///< place of the first byte in all bytes of its side
+        std::uint64_t begin = 0; ///< offset of the first byte in all bytes of its side
         std::string remark;
     };
     struct Progress {
-        std::uint64_t passed = 0; ///< bytes
+        std::uint64_t passed = 0; ///< bytes received
         std::uint64_t told = 0;   ///< bytes in items
     };
 

@@ -20,7 +20,7 @@ std::string padded(std::string_view text, std::size_t width, bool left) {
     return left ? std::string(text) + blanks : blanks + std::string(text);
 }
 
-/// Milliseconds with three places.
+/// Milliseconds with three decimals.
 std::string timeText(Time at) {
     const auto micros = static_cast<std::uint64_t>(at.count());
     std::string fraction = std::to_string(micros % 1000);
@@ -36,7 +36,7 @@ std::optional<Number> numberIn(std::string_view text, int base = 10) {
     return whole ? std::optional(value) : std::nullopt;
 }
 
-/// The next word of the line, taken off its front; empty at its end.
+/// Removes the next word from the front of the line; empty at its end.
 std::string_view takeWord(std::string_view& line) {
     const std::size_t first = std::min(line.find_first_not_of(' '), line.size());
     const std::size_t last = std::min(line.find(' ', first), line.size());
@@ -57,7 +57,7 @@ std::optional<Time> timeIn(std::string_view word) {
     return std::chrono::milliseconds(*millis) + std::chrono::microseconds(*micros);
 }
 
-/// Reads line by line and knows where it is.
+/// Reads line by line and counts the lines.
 class Reader {
 public:
     explicit Reader(std::istream& text) : m_text(text) {}

@@ -1,6 +1,7 @@
-// Recordings of what passed over a camera's line: the text format, its writing and its strict reading.
+// Recordings of the traffic of a camera's line: the text format, its writing and its strict reading.
 #pragma once
 
+#include "link/protocol/cameratypes.h"
 #include "trace/linefollower.h"
 
 #include <iosfwd>
@@ -11,12 +12,12 @@ namespace trace {
 struct RecordingHead {
     std::string start; ///< wall clock of time 0, "2026-11-21T09:00:05.123Z"
     std::string device;
-    std::uint32_t baudRate = 460800;
+    std::uint32_t baudRate = protocol::baudRates.front();
     std::uint8_t pictureOffset = 0;
     bool serialsBlanked = false;
 };
 
-/// Bytes that passed together.
+/// Bytes of one read.
 struct RecordingEntry {
     Time at{0};
     Side from = Side::tool;
@@ -25,19 +26,19 @@ struct RecordingEntry {
 
 struct Recording {
     RecordingHead head;
-    std::vector<RecordingEntry> entries; ///< times never run back
+    std::vector<RecordingEntry> entries; ///< in the order of time
 };
 
-/// The recording says something that no recording says; what() begins with the number of its line.
+/// Malformed recording; what() starts with the line number.
 class RecordingError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Each of these is one or more whole lines.
+/// One or more complete lines each.
 [[nodiscard]] std::string headText(const RecordingHead& head);
 [[nodiscard]] std::string entryText(const RecordingEntry& entry);
-/// A line for people, which reading passes over.
+/// A line for people; reading ignores it.
 [[nodiscard]] std::string remarkText(std::string_view words);
 
 /// Throws RecordingError.

@@ -2,7 +2,7 @@
 
 #include "link/protocol/commands.h"
 #include "link/protocol/crc16.h"
-#include "link/protocol/frame.h"
+#include "link/protocol/jsonenvelope.h"
 
 #include <algorithm>
 #include <array>
@@ -16,13 +16,12 @@ using namespace protocol;
 
 constexpr std::uint8_t blank = 'X';
 
-/// Names in JSON texts, in small letters. The protocol has none; cameras may.
+/// Names of serial numbers in JSON texts, in lower case. The protocol defines none; cameras may use them.
 constexpr std::array<std::string_view, 9> serialNames = {
     "sn", "serial", "serialno", "serialnumber", "serial_number", "deviceid", "device_id", "devicesn", "mac"};
 
 bool isFrame(ByteView bytes) {
-    return bytes.has(frame_layout::start2) && bytes.get(frame_layout::start1) == frameStart1 &&
-           bytes.get(frame_layout::start2) == frameStart2;
+    return bytes.has(frame_layout::start2) && startsAs(bytes, frameForm);
 }
 
 std::uint8_t serialCommand(Side from) {
@@ -31,33 +30,34 @@ std::uint8_t serialCommand(Side from) {
 
 void blankAll(Bytes& bytes, std::size_t first, std::size_t last) {
     for (std::size_t at = first; at < std::min(last, bytes.size()); ++at)
-        bytes[at] = bytes[at] == 0 ? 0 : blank; // a terminator stays one
+        bytes[at] = bytes[at] == 0 ? 0 : blank; // keeps terminators
 }
 
-/// Replaces the trailing check code so that it is as right or as wrong as it was.
+/// Recomputes the trailing check code; a wrong one stays wrong by the same bits.
 void mendCheckCode(Bytes& bytes, ByteView before, std::uint16_t (*crc)(ByteView)) {
     if (bytes.size() < frame_layout::checkCodeSize)
         return;
-    const Field<std::uint16_t> check{bytes.size() - frame_layout::checkCodeSize};
+    const auto check = checkCodeOf(bytes.size());
     const std::uint16_t wrongBy = before.get(check) ^ crc(before.range(0, check.offset));
     put(bytes, check, static_cast<std::uint16_t>(crc(ByteView(bytes).range(0, check.offset)) ^ wrongBy));
 }
 
-std::string inSmallLetters(std::string text) {
+std::string lowerCase(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return text;
 }
 
 /// Blanks the text values of the names: "name" : "value". The text may be cut off anywhere.
-void blankJson(Bytes& bytes) {
+void blankJson(Bytes& bytes, Side from) {
     const std::string text = ByteView(bytes).toText();
-    const std::size_t object = text.find('{', answer_layout::propertyValue); // behind the envelope's head
+    const std::size_t object =
+        text.find('{', from == Side::tool ? json_request::head.body : json_answer::head.body);
     for (std::size_t open = text.find('"', std::min(object, text.size())); open != std::string::npos;) {
         const std::size_t close = text.find('"', open + 1);
         if (close == std::string::npos)
             return;
-        const std::string name = inSmallLetters(text.substr(open + 1, close - open - 1));
+        const std::string name = lowerCase(text.substr(open + 1, close - open - 1));
         const std::size_t colon = text.find_first_not_of(' ', close + 1);
         const bool isName = colon != std::string::npos && text[colon] == ':';
         const std::size_t value = isName ? text.find_first_not_of(' ', colon + 1) : std::string::npos;
@@ -99,14 +99,14 @@ Bytes withoutSerials(const LineItem& item) {
         break;
     case LineItem::Kind::json:
     case LineItem::Kind::badJson:
-        blankJson(bytes);
+        blankJson(bytes, item.from);
         mendCheckCode(bytes, item.bytes, &crc16Modbus);
         break;
     case LineItem::Kind::brokenOff:
         if (isFrame(bytes))
             blankFrame(bytes, item.from, false);
         else
-            blankJson(bytes);
+            blankJson(bytes, item.from);
         break;
     case LineItem::Kind::stray:
     case LineItem::Kind::data:

@@ -1,4 +1,4 @@
-// Bytes on their way to the tool, each piece with the time at which it goes out.
+// Unsent bytes, each piece with its send time.
 #pragma once
 
 #include "emulator/camera/camerasettings.h"

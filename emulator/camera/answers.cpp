@@ -1,9 +1,8 @@
-// From a reply to bytes on the line: where the faults strike.
+// From a reply to bytes on the line, with the faults of the request.
 #include "emulator/camera/commandrow.h"
 #include "link/protocol/crc16.h"
-#include "link/protocol/frame.h"
+#include "link/protocol/jsonenvelope.h"
 #include "trace/hextext.h"
-#include "trace/jsonlayout.h"
 
 #include <algorithm>
 
@@ -11,19 +10,12 @@ namespace emulator {
 
 namespace {
 
-namespace json_layout = trace::json_layout;
-
-using protocol::Field;
+using protocol::checkCodeOf;
+using protocol::swapped;
 using std::chrono::milliseconds;
 
-/// No fault makes more bytes than this.
-constexpr std::int64_t mostBytes = 1 << 20;
-/// The far end reads what came before the line goes away.
+/// Gives the far end time to read the last bytes before the line closes.
 constexpr Time hangUpPause = milliseconds(50);
-
-std::size_t limited(std::int64_t number) {
-    return static_cast<std::size_t>(std::clamp<std::int64_t>(number, 0, mostBytes));
-}
 
 std::uint8_t lowByte(const Fault& fault) {
     return static_cast<std::uint8_t>(fault.number & 0xFF);
@@ -31,7 +23,6 @@ std::uint8_t lowByte(const Fault& fault) {
 
 void damageFrame(Bytes& frame, const FaultSet& faults) {
     using namespace protocol::frame_layout;
-    const Field<std::uint16_t> check{frame.size() - checkCodeSize};
     if (const Fault* fault = faults.find(FaultKind::address))
         put(frame, address, lowByte(*fault));
     if (const Fault* fault = faults.find(FaultKind::command))
@@ -40,60 +31,57 @@ void damageFrame(Bytes& frame, const FaultSet& faults) {
         const std::int64_t base = fault->relative ? ByteView(frame).get(payloadLength) : 0;
         put(frame, payloadLength, static_cast<std::uint32_t>(base + fault->number));
     }
-    const ByteView covered = ByteView(frame).range(0, check.offset);
-    put(frame, check, protocol::crc16Xmodem(covered));
+    put(frame, checkCodeOf(frame.size()), protocol::crc16Xmodem(protocol::withoutCheckCode(frame)));
 }
 
 void damageEnvelope(Bytes& envelope, const FaultSet& faults) {
+    constexpr auto bigEndianCount = protocol::json_answer::head.bigEndianCount;
     if (const Fault* fault = faults.find(FaultKind::length)) {
-        const std::int64_t base =
-            fault->relative ? json_layout::swapped(ByteView(envelope).get(json_layout::answerCount)) : 0;
-        put(envelope, json_layout::answerCount,
-            json_layout::swapped(static_cast<std::uint16_t>(base + fault->number)));
+        const std::int64_t base = fault->relative ? swapped(ByteView(envelope).get(bigEndianCount)) : 0;
+        put(envelope, bigEndianCount, swapped(static_cast<std::uint16_t>(base + fault->number)));
     }
 }
 
 void damageCheckCode(Bytes& bytes, const FaultSet& faults) {
     if (bytes.size() < protocol::frame_layout::checkCodeSize)
         return;
-    const Field<std::uint16_t> check{bytes.size() - protocol::frame_layout::checkCodeSize};
+    const auto check = checkCodeOf(bytes.size());
     if (faults.has(FaultKind::badCheck))
         put(bytes, check, static_cast<std::uint16_t>(~ByteView(bytes).get(check) & 0xFFFFU));
     if (faults.has(FaultKind::zeroCheck))
         put(bytes, check, std::uint16_t{0});
 }
 
-/// [01 17][count][magic][kind][length][body][check code]
-Bytes buildJsonAnswer(ByteView body) {
-    using namespace json_layout;
-    Bytes answer;
-    put(answer, answerStart1, start1);
-    put(answer, answerStart2, start2);
-    put(answer, answerCount, swapped(static_cast<std::uint16_t>(body.size() + countExtra)));
-    put(answer, answerMagic, magic);
-    put(answer, answerKind, kind);
-    put(answer, answerBodyLength, static_cast<std::uint16_t>(body.size()));
-    protocol::append(answer, body);
-    put(answer, Field<std::uint16_t>{answer.size()}, protocol::crc16Modbus(answer));
-    return answer;
-}
-
-/// So short that the body is missing wholly or in part, with a count that fits.
+/// Too short for the whole body, with a count that fits the size.
 Bytes shortJsonAnswer(Bytes answer, std::size_t size) {
-    constexpr std::size_t uncounted = 6;
+    using namespace protocol::json_answer;
     answer.resize(size, 0);
     if (size > uncounted)
-        put(answer, json_layout::answerCount,
-            json_layout::swapped(static_cast<std::uint16_t>(size - uncounted)));
+        put(answer, head.bigEndianCount, swapped(static_cast<std::uint16_t>(size - uncounted)));
     return answer;
 }
 
 } // namespace
 
+void VirtualCamera::Reply::setStatus(bool success) {
+    payload = {resultOf(success)};
+    resultAt = protocol::status_answer::status.offset;
+}
+
+void VirtualCamera::Reply::setProperty(std::uint8_t id, bool success) {
+    payload = {id, resultOf(success)};
+    resultAt = protocol::property_answer::result.offset;
+}
+
+void VirtualCamera::Reply::addValue(ByteView value) {
+    valueFrom = payload.size();
+    append(payload, value);
+}
+
 VirtualCamera::Reply VirtualCamera::startReply(const Request& request) const {
     const auto own = m_settings.commandDelays.find(request.lineCode);
     Reply reply;
-    reply.at = request.at + (own != m_settings.commandDelays.end() && request.key.code != trace::jsonCode
+    reply.at = request.at + (own != m_settings.commandDelays.end() && request.key.code != protocol::jsonCode
                                  ? own->second
                                  : m_settings.answerDelay);
     if (const Fault* delay = request.faults.find(FaultKind::delay))
@@ -105,8 +93,7 @@ void VirtualCamera::applyPayloadFaults(const Request& request, Reply& reply) con
     const FaultSet& faults = request.faults;
     Bytes& payload = reply.payload;
     if (faults.has(FaultKind::refuse)) {
-        payload = {1};
-        reply.resultAt = 0;
+        reply.setStatus(false);
     }
     if (const Fault* fault = faults.find(FaultKind::valueSize); fault != nullptr && reply.valueFrom > 0)
         payload.resize(reply.valueFrom + limited(fault->number), 'x');
@@ -135,7 +122,7 @@ Bytes VirtualCamera::wrapped(const Request& request, const Reply& reply) const {
         return reply.payload;
     Bytes bytes;
     if (reply.json) {
-        bytes = buildJsonAnswer(reply.payload);
+        bytes = protocol::buildJsonAnswer(reply.payload);
         damageEnvelope(bytes, request.faults);
         if (const Fault* fault = request.faults.find(FaultKind::shortJson))
             bytes = shortJsonAnswer(std::move(bytes), limited(fault->number));

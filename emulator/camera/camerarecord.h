@@ -1,4 +1,4 @@
-// What a virtual camera has received.
+// Record of the bytes that a virtual camera has received.
 #pragma once
 
 #include "emulator/camera/camerasettings.h"
@@ -14,9 +14,9 @@ struct ReceivedFrame {
     Bytes bytes;       ///< whole, with header and check code
     bool json = false; ///< an envelope with JSON text instead of a frame
     std::uint8_t address = 0;
-    std::uint8_t code = 0;  ///< as on the line
+    std::uint8_t code = 0;  ///< on the line
     Bytes payload;          ///< JSON: the text
-    bool wellFormed = true; ///< length and check code right
+    bool wellFormed = true; ///< right length and check code
     bool addressRight = true;
     bool heard = true; ///< false while booting
 };
@@ -31,31 +31,31 @@ struct UploadRecord {
     std::string name;      ///< empty for images announced without one
     std::uint32_t fileSize = 0;
     Bytes digest;
-    std::uint32_t offset = 0; ///< as answered
+    std::uint32_t offset = 0; ///< resume offset of the answer
     bool refused = false;
-    Time answeredAt{0}; ///< when the announcement answer went out
+    Time answeredAt{0}; ///< send time of the announcement answer
     std::optional<Time> firstByteAt;
     Bytes received;                      ///< raw data
-    std::vector<std::size_t> chunkSizes; ///< as the line showed them
-    std::uint32_t earlyBytes = 0;        ///< came sooner than 1.9 s after the answer
-    bool finished = false;               ///< complete, or given up after the silence
-    bool complete = false;               ///< every byte from the offset on came
+    std::vector<std::size_t> chunkSizes; ///< sizes of the reads
+    std::uint32_t earlyBytes = 0;        ///< received within 1.9 s of the answer
+    bool finished = false;               ///< complete or abandoned
+    bool complete = false;               ///< all bytes from the offset on received
     bool digestRight = false;
 };
 
-/// The second application-update protocol, since the last different announcement.
+/// The second application-update protocol, since the announcement last changed.
 struct AppV1Record {
     std::uint32_t announcements = 0; ///< identical ones
-    bool changedWithinRun = false;   ///< a different announcement came before five of the previous one
+    bool changedWithinRun = false;   ///< the announcement changed before its fifth repetition
     std::uint32_t closingPackets = 0;
     std::uint32_t dataPackets = 0; ///< the tool must never send one
 };
 
 struct CameraRecord {
     std::vector<ReceivedFrame> frames; ///< good, bad and foreign ones
-    std::vector<ReceivedChunk> chunks; ///< every byte, as it came
+    std::vector<ReceivedChunk> chunks; ///< all reads
     std::uint64_t byteCount = 0;
-    std::uint32_t badFrames = 0;     ///< wrong check code, impossible length, or broken off
+    std::uint32_t badFrames = 0;     ///< wrong check code, impossible length, or abandoned
     std::uint32_t foreignFrames = 0; ///< for another address
     std::uint64_t garbageBytes = 0;  ///< outside any frame
     std::vector<UploadRecord> uploads;

@@ -13,7 +13,7 @@ CameraSettings settingsForType(CameraType type) {
     settings.pictureSeed = std::random_device()();
     settings.address = protocol::infoOf(type).usualAddress;
     settings.baudRate = protocol::infoOf(type).baudRate;
-    // The tool does not empty this camera before a capture and shows the first record.
+    // The tool shows the first record and does not delete the pictures of this camera before a capture.
     settings.newestPictureFirst = type == CameraType::salesDynamic;
     return settings;
 }

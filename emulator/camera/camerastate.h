@@ -1,4 +1,4 @@
-// What a virtual camera holds. Plain data: read it and set it as a test or a demonstration needs.
+// State of a virtual camera. Plain data: tests and demonstrations read and set it.
 #pragma once
 
 #include "emulator/camera/camerasettings.h"
@@ -10,11 +10,11 @@
 
 namespace emulator {
 
-/// A stored picture. The catalogue shows `info` as it stands, a read sends `jpeg`.
+/// A stored picture. The catalogue lists `info` unchanged, a read sends `jpeg`.
 struct Picture {
     protocol::PictureInfo info;
     Bytes jpeg;
-    Time visibleFrom{0}; ///< not in the catalogue before this time
+    Time visibleFrom{0}; ///< the catalogue lists it from this time on
 };
 
 /// A picture whose size and digest fit its bytes.
@@ -55,21 +55,22 @@ struct CameraState {
     std::string systemVersion = "5.10.8";
     std::string qvVersion = "qv 1.4.0";
     std::string modelInfo = "model_v1 2024-01-31";
-    std::string gyroText = "3success";
-    /// Value bytes by id; other ids are unknown to the camera. 12 can only be read.
+    std::string gyroText{protocol::gyro_test::passed};
+    /// Value bytes by id; the camera does not know other ids. 12 is read-only.
     std::map<std::uint8_t, Bytes> properties = {
         {property::compressionRate, {80}}, {property::captureAngles, {30, 60}},
         {property::captureDirection, {1}}, {property::readOnly, {0}},
         {property::gyroOn, {1}},           {property::heaterDuty, {30}},
     };
-    /// Pitch, roll, yaw, acceleration: reads of property 16 take them in turn and begin again with pitch
-    /// after a pause of two seconds.
-    std::array<OrientationItem, 4> orientation = {{{45}, {3}, {120}, {981}}};
+    /// Pitch, roll, yaw, acceleration: every read of property 16 gives the next one; after two seconds
+    /// without a read, pitch.
+    std::array<OrientationItem, protocol::orientation_value::quantities> orientation = {
+        {{45}, {3}, {120}, {981}}};
 
     std::vector<Picture> pictures;    ///< in catalogue order
-    std::uint16_t nextPictureId = 33; ///< above every property id: a shifted delete stays told apart
+    std::uint16_t nextPictureId = 33; ///< above every property id, to distinguish a shifted delete
 
-    /// The picture of type 3. Without a value a new one is drawn for every first piece that is asked for.
+    /// The picture of type 3. Without a value, every request for the first piece draws a new one.
     std::optional<Bytes> jsonPicture;
     std::string jsonVersion = "1.0.3";
     /// Sent instead of {"result":0,"version":"..."}.
@@ -79,10 +80,10 @@ struct CameraState {
 
     /// First bytes of the next announced file that the camera already holds; emptied by a complete upload.
     Bytes heldUpload;
-    /// The file the held bytes belong to; empty: whatever is announced next.
+    /// Digest of the file of the held bytes; empty: any file.
     Bytes heldUploadDigest;
 
-    /// Silent to everything before this time.
+    /// The camera ignores all requests before this time.
     Time bootingUntil{0};
 };
 

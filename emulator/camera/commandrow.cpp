@@ -34,7 +34,7 @@ const VirtualCamera::CommandRow* VirtualCamera::rowOf(std::uint16_t code) {
         CommandRow{protocol::code(Command::modelAnnounce),    Generation::all,         &Camera::announceUpload},
         CommandRow{protocol::code(Command::appV1Announce),    Generation::second,      &Camera::announceAppV1},
         CommandRow{protocol::code(Command::appV1Packet),      Generation::second,      &Camera::packetV1},
-        CommandRow{trace::jsonCode,                           Generation::all,         &Camera::serveJson},
+        CommandRow{protocol::jsonCode,                        Generation::all,         &Camera::serveJson},
     };
     // clang-format on
     const auto* const found =

@@ -2,10 +2,13 @@
 #pragma once
 
 #include "emulator/camera/virtualcamera.h"
+#include "link/protocol/uploads.h"
+
+#include <algorithm>
 
 namespace emulator {
 
-/// Which cameras know a command.
+/// Cameras that know a command.
 enum class Generation : std::uint8_t {
     heartbeat,   ///< all, by a switch of its own
     all,         ///< every camera
@@ -15,12 +18,19 @@ enum class Generation : std::uint8_t {
     second,      ///< V1 pictures, second application-update protocol
 };
 
-// Result bytes of answers.
-inline constexpr std::uint8_t succeeded = 0;
-inline constexpr std::uint8_t failed = 1;
-
 /// A code that no request has.
 inline constexpr std::uint16_t unknownCode = 0x1FF;
+
+/// Result byte of an answer.
+[[nodiscard]] constexpr std::uint8_t resultOf(bool success) {
+    return success ? protocol::answer_result::success : protocol::answer_result::failure;
+}
+
+/// A byte count of a fault; no fault makes more than 1 MiB.
+[[nodiscard]] inline std::size_t limited(std::int64_t number) {
+    constexpr std::int64_t mostBytes = 1 << 20;
+    return static_cast<std::size_t>(std::clamp<std::int64_t>(number, 0, mostBytes));
+}
 
 struct VirtualCamera::CommandRow {
     std::uint16_t code;
@@ -29,12 +39,11 @@ struct VirtualCamera::CommandRow {
 };
 
 struct VirtualCamera::UploadKind {
-    std::uint16_t code;
-    bool named;      ///< constant, size, digest, name; else size, digest
-    bool hasVerdict; ///< sent after the last byte
-    bool restarts;   ///< after a good image
-    /// In front of the verdict's result.
-    Bytes verdictHead;
+    protocol::Command command;
+    bool hasVerdict; ///< sends a verdict after the last byte
+    bool restarts;   ///< restarts after a good image
+
+    [[nodiscard]] bool named() const { return protocol::isNamed(command); }
 };
 
 } // namespace emulator

@@ -94,7 +94,7 @@ void readPair(Fault& fault, std::string_view whole, std::string_view text) {
         fault.second = amountIn(whole, text.substr(comma + 1));
 }
 
-/// Numbers that count from something else: "+1", "-1" (and, with the prefix "size", "size", "size+1").
+/// Relative numbers: "+1", "-1"; with the prefix "size" also "size", "size+1".
 void readRelative(Fault& fault, std::string_view whole, std::string_view text, std::string_view prefix) {
     if (!prefix.empty() && !text.starts_with(prefix)) {
         fault.number = numberIn(whole, text);
@@ -160,7 +160,7 @@ void readOccurrence(Fault& fault, std::string_view whole, std::string_view text)
         fail(whole, "the occurrences end before they begin");
 }
 
-/// Cuts the text at the last mark and returns what stood behind it; nothing without the mark.
+/// Cuts the text at the last mark and returns the part behind it; nothing without the mark.
 std::optional<std::string_view> cutAtLast(std::string_view& text, char mark) {
     const std::size_t at = text.rfind(mark);
     if (at == std::string_view::npos)

@@ -1,4 +1,4 @@
-// Faults of the camera and of the line: what goes wrong, at which request, at which of its occurrences.
+// Faults of the camera and of the line: kind, request, occurrences.
 #pragma once
 
 #include "emulator/camera/camerasettings.h"
@@ -11,7 +11,7 @@
 
 namespace emulator {
 
-using trace::RequestKey;
+using protocol::RequestKey;
 
 enum class FaultKind {
     // the whole answer
@@ -64,11 +64,11 @@ enum class FaultKind {
     stopReading,
 };
 
-/// What the text after "=" is.
+/// Kind of the fault's parameter, the text after "=".
 enum class FaultParameter {
     none,
     number,         ///< required
-    optionalNumber, ///< zero when left out
+    optionalNumber, ///< default 0
     numberPair,     ///< "5,200"
     relative,       ///< a number, or one relative to the true value: "+1", "-1"
     fileOffset,     ///< a number, or "size", "size+N", "size-N"
@@ -98,13 +98,13 @@ struct Fault {
     Bytes bytes;
     std::string text;
 
-    RequestSelector selector; ///< any request when left as it is
-    /// Occurrences, counted from 1 since the fault was added.
+    RequestSelector selector; ///< default: any request
+    /// Occurrences of the request, counted from 1 since the fault was added.
     std::uint32_t first = 1;
     std::uint32_t last = always;
 };
 
-/// The text says no fault; what() tells why.
+/// The text is no fault; what() gives the reason.
 class FaultError : public std::invalid_argument {
 public:
     using std::invalid_argument::invalid_argument;
@@ -114,11 +114,11 @@ public:
 /// "truncate=3@getSn#2". Without a request: any; without a number: always. Throws FaultError.
 [[nodiscard]] Fault parseFault(std::string_view text);
 
-/// The faults that strike one request.
+/// The faults of one request.
 class FaultSet {
 public:
     void add(const Fault& fault) { m_faults.push_back(fault); }
-    /// nullptr when there is none of this kind.
+    /// nullptr without a fault of this kind.
     [[nodiscard]] const Fault* find(FaultKind kind) const;
     [[nodiscard]] bool has(FaultKind kind) const { return find(kind) != nullptr; }
     [[nodiscard]] bool empty() const { return m_faults.empty(); }
@@ -129,13 +129,13 @@ private:
     std::vector<Fault> m_faults;
 };
 
-/// The faults in force and how often each one's request has come.
+/// The faults in force, each with the number of matching requests so far.
 class FaultPlan {
 public:
     void add(const Fault& fault) { m_entries.push_back({fault, 0}); }
     void clear() { m_entries.clear(); }
     [[nodiscard]] bool empty() const { return m_entries.empty(); }
-    /// Counts the request and returns what strikes it.
+    /// Counts the request and returns its faults.
     [[nodiscard]] FaultSet strike(const RequestKey& key);
 
 private:

@@ -1,5 +1,6 @@
 // The JSON camera: version query and picture pieces.
 #include "emulator/camera/commandrow.h"
+#include "link/protocol/jsonenvelope.h"
 #include "trace/jsontext.h"
 
 #include <algorithm>
@@ -10,8 +11,7 @@ namespace {
 
 using protocol::bytesOf;
 
-constexpr std::string_view marker = "<<BINARY>>";
-/// What the 16-bit count of the envelope leaves for data.
+/// Leaves room for the text: the count of the envelope has 16 bits.
 constexpr long long longestPiece = 60000;
 
 } // namespace
@@ -19,9 +19,9 @@ constexpr long long longestPiece = 60000;
 void VirtualCamera::serveJson(const Request& request, Reply& reply) {
     reply.json = true;
     const auto values = trace::readJsonObject(ByteView(request.payload).toText());
-    if (request.key.detail == trace::jsonPropertyType)
+    if (request.key.detail == protocol::jsonPropertyType)
         jsonProperty(request, reply);
-    else if (values && request.key.detail == trace::jsonPictureType)
+    else if (values && request.key.detail == protocol::jsonPictureType)
         jsonPicture(*values, request, reply);
     else
         reply.payload = bytesOf(R"({"result":1})");
@@ -43,7 +43,7 @@ void VirtualCamera::jsonPicture(const std::map<std::string, std::string>& values
         note(request.at, Event::Kind::noted, "a piece without a sensible place");
         return;
     }
-    // The first piece of a picture takes it.
+    // A request for the first piece captures the picture.
     if (offset == 0)
         m_servedJsonPicture = m_state.jsonPicture
                                   ? *m_state.jsonPicture
@@ -52,9 +52,11 @@ void VirtualCamera::jsonPicture(const std::map<std::string, std::string>& values
     const std::string size =
         sizeText != nullptr ? sizeText->text : std::to_string(m_servedJsonPicture.size());
     const bool tellsSize = offset == 0 && !request.faults.has(FaultKind::noSize);
-    reply.payload = bytesOf(tellsSize ? R"({"result":0,"size":)" + size + "}" : R"({"result":0})");
+    reply.payload =
+        bytesOf(R"({"result":0)" +
+                (tellsSize ? "," + std::string(protocol::jsonSizeKey) + size : std::string()) + "}");
     if (!request.faults.has(FaultKind::noMarker))
-        protocol::append(reply.payload, bytesOf(marker));
+        protocol::append(reply.payload, bytesOf(protocol::jsonPictureMarker));
     const auto first = static_cast<std::size_t>(offset);
     protocol::append(reply.payload,
                      ByteView(m_servedJsonPicture).range(first, first + static_cast<std::size_t>(length)));

@@ -1,4 +1,4 @@
-// MD5 of the camera's side.
+// MD5 for the virtual camera.
 #pragma once
 
 #include "link/protocol/bytes.h"

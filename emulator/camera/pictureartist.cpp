@@ -55,7 +55,7 @@ void drawShelf(QPainter& painter, int floorY, Dice& dice) {
     while (x < pictureWidth - 40) {
         const int width = dice.roll(22, 44);
         const int height = dice.roll(45, shelfHeight - 20);
-        if (dice.roll(0, 9) > 0) // now and then a gap: sold out
+        if (dice.roll(0, 9) > 0) // one gap in ten: sold out
             drawItem(painter, QRect(x, floorY - height, width, height), dice);
         x += width + dice.roll(3, 10);
     }

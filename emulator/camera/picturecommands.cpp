@@ -13,7 +13,7 @@ using protocol::code;
 using protocol::Command;
 using protocol::PictureInfo;
 
-/// No fault lists more records; far beyond what the tool can read.
+/// No fault lists more records; the tool can read far fewer.
 constexpr std::int64_t mostRecords = 4096;
 
 bool isV1(const RequestKey& key) {
@@ -52,12 +52,12 @@ Bytes pictureData(const Picture& picture, const ReadRequest& read, const FaultSe
     Bytes data = ByteView(picture.jpeg).range(read.offset, end).toBytes();
     if (const Fault* fault = faults.find(FaultKind::pictureSize)) {
         const std::int64_t base = fault->relative ? static_cast<std::int64_t>(read.length) : 0;
-        data.resize(static_cast<std::size_t>(std::clamp<std::int64_t>(base + fault->number, 0, 1 << 20)), 0);
+        data.resize(limited(base + fault->number), 0);
     }
     return data;
 }
 
-/// A record made up to fill a catalogue.
+/// An invented record that fills a catalogue.
 PictureInfo filler(std::size_t index) {
     PictureInfo info;
     info.id = static_cast<std::uint16_t>(1 + index % 254);
@@ -73,7 +73,7 @@ PictureInfo filler(std::size_t index) {
 
 bool selectedForDelete(const PictureInfo& info, ByteView payload, bool v1) {
     if (!v1) {
-        const std::uint8_t id = *payload.begin();
+        const std::uint8_t id = payload.get(protocol::origin_delete_request::id);
         return id == protocol::originDeleteAll || info.id == id;
     }
     using namespace protocol::v1_delete_request;
@@ -95,10 +95,11 @@ Picture makePicture(std::uint16_t id, Bytes jpeg) {
     return picture;
 }
 
-/// Ids of the first generation stay below the one that means every picture.
+/// Ids stay below the one that means every picture.
 std::uint16_t VirtualCamera::nextPictureId() {
-    const std::uint16_t last = m_settings.type == CameraType::salesDynamic ? 0xFFFE : 0xFE;
-    if (m_state.nextPictureId == 0 || m_state.nextPictureId > last)
+    const bool v1 = m_settings.type == CameraType::salesDynamic;
+    const std::uint16_t deleteAll = v1 ? protocol::v1DeleteAll : protocol::originDeleteAll;
+    if (m_state.nextPictureId == 0 || m_state.nextPictureId >= deleteAll)
         m_state.nextPictureId = 1;
     return m_state.nextPictureId++;
 }
@@ -119,10 +120,9 @@ const Picture& VirtualCamera::takePicture(Time visibleFrom) {
 void VirtualCamera::capture(const Request& request, Reply& reply) {
     const bool v1 = isV1(request.key);
     const Picture& picture = takePicture(request.at + m_settings.captureTime);
-    reply.payload = {succeeded};
-    reply.resultAt = 0;
+    reply.setStatus(true);
     if (!v1)
-        reply.payload.push_back(static_cast<std::uint8_t>(picture.info.id & 0xFFU));
+        put(reply.payload, protocol::capture_answer::id, static_cast<std::uint8_t>(picture.info.id & 0xFFU));
     note(request.at, Event::Kind::noted,
          "picture " + std::to_string(picture.info.id) + ", " + std::to_string(picture.jpeg.size()) +
              " bytes");
@@ -155,17 +155,18 @@ void VirtualCamera::deletePictures(const Request& request, Reply& reply) {
     const bool v1 = isV1(request.key);
     const ByteView payload(request.payload);
     using namespace protocol::v1_delete_request;
-    const bool wellFormed = v1 ? payload.size() == size || payload.size() == allSize : payload.size() == 1;
+    const bool wellFormed = v1 ? payload.size() == size || payload.size() == allSize
+                               : payload.size() == protocol::origin_delete_request::size;
     const std::size_t before = m_state.pictures.size();
     if (wellFormed)
         std::erase_if(m_state.pictures,
                       [&](const Picture& picture) { return selectedForDelete(picture.info, payload, v1); });
     const std::size_t deleted = before - m_state.pictures.size();
     const bool all =
-        v1 ? payload.size() == allSize : wellFormed && *payload.begin() == protocol::originDeleteAll;
+        v1 ? payload.size() == allSize
+           : wellFormed && payload.get(protocol::origin_delete_request::id) == protocol::originDeleteAll;
     const bool absent = deleted == 0 && !all && m_settings.deleteOfAbsentFails;
-    reply.payload = {wellFormed && !absent ? succeeded : failed};
-    reply.resultAt = 0;
+    reply.setStatus(wellFormed && !absent);
     note(request.at, Event::Kind::noted, std::to_string(deleted) + " pictures deleted");
 }
 
@@ -181,14 +182,12 @@ void VirtualCamera::readPicture(const Request& request, Reply& reply) {
     const bool v1 = isV1(request.key);
     const auto read = parseRead(request.payload, v1);
     const Picture* picture = read ? findPicture(read->id, v1 && m_settings.v1ReadMatchesLowByte) : nullptr;
-    reply.payload = {picture == nullptr ? failed : succeeded};
-    reply.resultAt = 0;
+    reply.setStatus(picture != nullptr);
     if (picture == nullptr) {
         note(request.at, Event::Kind::noted, "no such picture");
         return;
     }
-    reply.valueFrom = reply.payload.size();
-    protocol::append(reply.payload, pictureData(*picture, *read, request.faults));
+    reply.addValue(pictureData(*picture, *read, request.faults));
 }
 
 } // namespace emulator

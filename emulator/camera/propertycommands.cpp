@@ -1,6 +1,7 @@
 // Properties, information, status, power and door.
 #include "emulator/camera/commandrow.h"
 #include "link/protocol/commands.h"
+#include "link/protocol/door.h"
 
 #include <algorithm>
 
@@ -10,24 +11,16 @@ namespace {
 
 using protocol::bytesOf;
 using protocol::code;
-using protocol::Field;
 using protocol::PropertyId;
 
-/// Reads of the orientation that are further apart begin again with pitch.
+/// A read of the orientation after a longer pause begins again with pitch.
 constexpr Time orientationGap = std::chrono::seconds(2);
-
-namespace door_request {
-constexpr Field<std::uint8_t> open{0};
-constexpr Field<std::uint32_t> time{1};
-constexpr Field<std::uint8_t> sequence{5};
-constexpr std::size_t size = sequence.end();
-} // namespace door_request
 
 } // namespace
 
 void VirtualCamera::heartbeat(const Request&, Reply& reply) {
-    reply.payload = {1};
-    reply.resultAt = 0;
+    reply.payload = {protocol::heartbeatAlive};
+    reply.resultAt = protocol::status_answer::status.offset;
 }
 
 void VirtualCamera::getProperty(const Request& request, Reply& reply) {
@@ -37,10 +30,8 @@ void VirtualCamera::getProperty(const Request& request, Reply& reply) {
     }
     const std::uint8_t id = request.payload.front();
     const std::optional<Bytes> value = propertyValue(id, request.at);
-    reply.payload = {id, value ? succeeded : failed};
-    reply.resultAt = 1;
-    reply.valueFrom = reply.payload.size();
-    protocol::append(reply.payload, value.value_or(Bytes()));
+    reply.setProperty(id, value.has_value());
+    reply.addValue(value.value_or(Bytes()));
 }
 
 std::optional<Bytes> VirtualCamera::propertyValue(std::uint8_t id, Time now) {
@@ -66,10 +57,11 @@ Bytes VirtualCamera::nextOrientation(Time now) {
     m_lastOrientationRead = now;
     const OrientationItem& item = m_state.orientation[m_nextOrientation];
     m_nextOrientation = (m_nextOrientation + 1) % m_state.orientation.size();
+    std::uint32_t quantity = item.value;
     if (item.answer == OrientationItem::Answer::sentinel)
-        return {0x00, 0xFF, 0xFF, 0x7F};
+        quantity = protocol::orientation_value::unknown << 8U;
     Bytes value;
-    protocol::put(value, Field<std::uint32_t>{0}, item.value);
+    put(value, protocol::orientation_value::quantity, quantity);
     if (item.answer == OrientationItem::Answer::tooShort)
         value.pop_back();
     return value;
@@ -92,8 +84,7 @@ void VirtualCamera::setProperty(const Request& request, Reply& reply) {
         if (accepted)
             held->second = value.toBytes();
     }
-    reply.payload = {id, accepted ? succeeded : failed};
-    reply.resultAt = 1;
+    reply.setProperty(id, accepted);
 }
 
 void VirtualCamera::getInfo(const Request& request, Reply& reply) {
@@ -104,30 +95,25 @@ void VirtualCamera::getInfo(const Request& request, Reply& reply) {
     const std::uint8_t id = request.payload.front();
     const bool version = id == code(PropertyId::qvVersion);
     const bool known = version || id == code(PropertyId::modelInfo);
-    reply.payload = {id, known ? succeeded : failed};
-    reply.resultAt = 1;
-    reply.valueFrom = reply.payload.size();
-    if (known)
-        protocol::append(reply.payload, bytesOf(version ? m_state.qvVersion : m_state.modelInfo));
+    reply.setProperty(id, known);
+    reply.addValue(known ? bytesOf(version ? m_state.qvVersion : m_state.modelInfo) : Bytes());
 }
 
-/// The one answer that travels without a frame.
+/// The only answer without a frame.
 void VirtualCamera::gyroTest(const Request&, Reply& reply) {
     reply.payload = bytesOf(m_state.gyroText);
     reply.framed = false;
 }
 
 void VirtualCamera::reboot(const Request& request, Reply& reply) {
-    reply.payload = {succeeded};
-    reply.resultAt = 0;
+    reply.setStatus(true);
     reply.onAnswer = [this, &request, at = reply.at](ByteView) {
         restart(at, m_settings.rebootTime, request.faults);
     };
 }
 
 void VirtualCamera::resetToFactory(const Request& request, Reply& reply) {
-    reply.payload = {succeeded};
-    reply.resultAt = 0;
+    reply.setStatus(true);
     reply.onAnswer = [this, &request, at = reply.at](ByteView) {
         // The firmware and its versions stay.
         const CameraState defaults;
@@ -154,16 +140,15 @@ void VirtualCamera::restart(Time from, Time duration, const FaultSet& faults) {
 
 void VirtualCamera::door(const Request& request, Reply& reply) {
     reply.silent = !m_settings.answersDoor;
-    reply.payload = {succeeded};
-    reply.resultAt = 0;
+    reply.setStatus(true);
     const ByteView payload(request.payload);
-    if (payload.size() != door_request::size)
+    if (payload.size() != protocol::door_layout::size)
         return;
     DoorEvent event;
     event.at = request.at;
-    event.open = payload.get(door_request::open) != 0;
-    event.time = payload.get(door_request::time);
-    event.sequence = payload.get(door_request::sequence);
+    event.open = payload.get(protocol::door_layout::open) != 0;
+    event.time = payload.get(protocol::door_layout::secondsSinceEpoch);
+    event.sequence = payload.get(protocol::door_layout::sequence);
     if (!m_state.doorLog.empty())
         event.sequenceRight =
             event.sequence == static_cast<std::uint8_t>(m_state.doorLog.back().sequence + 1);

@@ -1,6 +1,7 @@
 #include "emulator/camera/replaycamera.h"
 
 #include "link/protocol/commands.h"
+#include "link/protocol/door.h"
 #include "link/protocol/frame.h"
 #include "trace/framewords.h"
 #include "trace/serials.h"
@@ -11,9 +12,8 @@ namespace emulator {
 
 namespace {
 
-/// The door request carries the time of day, which no replay can repeat: bytes 1 to 4 of its payload.
-constexpr std::size_t doorTimeFrom = protocol::frame_layout::headerSize + 1;
-constexpr std::size_t doorTimeTo = doorTimeFrom + sizeof(std::uint32_t);
+/// The time in a door request differs in every session.
+constexpr auto doorTime = inFrame(protocol::door_layout::secondsSinceEpoch);
 
 bool isDoor(const trace::LineItem& item) {
     return item.kind == trace::LineItem::Kind::frame &&
@@ -45,10 +45,10 @@ void ReplayCamera::learn(const std::vector<trace::LineItem>& items) {
 
 Bytes ReplayCamera::comparable(const trace::LineItem& request) const {
     Bytes bytes = m_head.serialsBlanked ? trace::withoutSerials(request) : request.bytes;
-    if (!isDoor(request) || bytes.size() < doorTimeTo + protocol::frame_layout::checkCodeSize)
+    if (!isDoor(request) || bytes.size() < doorTime.end() + protocol::frame_layout::checkCodeSize)
         return bytes;
     bytes.resize(bytes.size() - protocol::frame_layout::checkCodeSize);
-    bytes.erase(bytes.begin() + doorTimeFrom, bytes.begin() + doorTimeTo);
+    bytes.erase(bytes.begin() + doorTime.offset, bytes.begin() + doorTime.end());
     return bytes;
 }
 
@@ -68,7 +68,7 @@ Bytes ReplayCamera::takeDue(Time now) {
     return due;
 }
 
-/// From where the last one was found, then from the beginning.
+/// Searches behind the last match, then from the beginning.
 const ReplayCamera::Exchange* ReplayCamera::find(const trace::LineItem& request) const {
     const Bytes wanted = comparable(request);
     const auto same = [&](const Exchange& exchange) {

@@ -3,28 +3,28 @@
 
 #include "emulator/camera/answerqueue.h"
 #include "emulator/camera/camerarecord.h"
+#include "emulator/camera/linecamera.h"
 #include "trace/recording.h"
 
 namespace emulator {
 
-/// Bytes in, timed bytes out, as VirtualCamera: no clock, no line, no threads. A request is looked for in the
-/// recording from where the last one was found, then from the beginning; it gets what the camera sent between
-/// that request and the next one, with the same delays. A request that the recording does not have gets
-/// nothing, and a line says so. What the camera sent before the first request is not played.
-class ReplayCamera {
+/// Searches each request in the recording behind the last match, then from the beginning, and answers with
+/// the camera's bytes between that request and the next one, with the same delays. A request that the
+/// recording does not have gets no answer, and an event says so. Bytes before the first recorded request are
+/// not played.
+class ReplayCamera final : public LineCamera {
 public:
-    /// At once: every answer comes without its delay.
+    /// atOnce: answers come without their delays.
     explicit ReplayCamera(const trace::Recording& recording, bool atOnce = false);
 
-    void receive(ByteView bytes, Time now);
-    /// When takeDue is to be asked next; nothing while the camera only waits.
-    [[nodiscard]] std::optional<Time> nextDue() const { return m_queue.nextDue(); }
-    [[nodiscard]] Bytes takeDue(Time now);
+    void receive(ByteView bytes, Time now) override;
+    [[nodiscard]] std::optional<Time> nextDue() const override { return m_queue.nextDue(); }
+    [[nodiscard]] Bytes takeDue(Time now) override;
 
     [[nodiscard]] std::size_t requests() const { return m_exchanges.size(); }
     /// Requests so far that the recording does not have.
     [[nodiscard]] std::size_t unknownRequests() const { return m_unknown; }
-    /// Called for every line for people, in the caller's thread.
+    /// The handler gets every line for people, in the caller's thread.
     void onEvent(std::function<void(const Event&)> handler) { m_onEvent = std::move(handler); }
 
 private:
@@ -34,7 +34,7 @@ private:
     };
     struct Exchange {
         trace::LineItem request;
-        Bytes compared; ///< what a request must have to be this one
+        Bytes compared; ///< bytes that a matching request has
         std::vector<Piece> answer;
     };
 
@@ -47,9 +47,9 @@ private:
     trace::RecordingHead m_head;
     bool m_atOnce;
     std::vector<Exchange> m_exchanges;
-    std::size_t m_next = 0; ///< where the search begins
+    std::size_t m_next = 0; ///< start of the search
     std::size_t m_unknown = 0;
-    trace::LineFollower m_follower; ///< of the line that is played on
+    trace::LineFollower m_follower; ///< of the line with the replay
     AnswerQueue m_queue;
     std::function<void(const Event&)> m_onEvent;
 };

@@ -4,7 +4,7 @@
 
 namespace emulator {
 
-bool RequestSelector::matches(const trace::RequestKey& key) const {
+bool RequestSelector::matches(const protocol::RequestKey& key) const {
     return (!code || code == key.code) && (!lineCode || lineCode == key.lineCode) &&
            (!detail || detail == key.detail);
 }
@@ -21,7 +21,7 @@ std::optional<RequestSelector> parseSelector(std::string_view text) {
     }
     if (head == "any")
         return selector;
-    for (const trace::RequestName& name : trace::requestNames()) {
+    for (const protocol::RequestName& name : protocol::requestNames()) {
         if (name.name != head)
             continue;
         selector.code = name.code;

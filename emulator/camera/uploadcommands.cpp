@@ -1,7 +1,7 @@
 // Uploads: announcements, raw data, verdicts, and the packets of the second protocol.
 #include "emulator/camera/commandrow.h"
 #include "emulator/camera/md5.h"
-#include "link/protocol/commands.h"
+#include "link/protocol/exchangetable.h"
 #include "link/protocol/uploads.h"
 #include "trace/hextext.h"
 
@@ -13,31 +13,18 @@ namespace emulator {
 namespace {
 
 using protocol::Command;
-using protocol::Field;
 using std::chrono::milliseconds;
+namespace image_answer = protocol::image_answer;
+namespace named_answer = protocol::named_answer;
 
-constexpr std::uint8_t modelVerdictType = 2;
-/// The tool waits two seconds between the announcement answer and the first byte.
-constexpr Time leastQuietTime = milliseconds(1900);
-/// A verdict without data waits until the tool listens for it.
-constexpr Time verdictWithoutData = milliseconds(2100);
-/// The tool gives an announcement up after this long.
-constexpr std::int64_t longestAnnouncementDelayMs = 10000;
-constexpr std::uint32_t announcementsPerRun = 5;
-constexpr std::uint32_t closingPacketsPerRun = 11;
-
-/// [type][status][offset]
-namespace named_answer_payload {
-constexpr Field<std::uint8_t> type{0};
-constexpr Field<std::uint8_t> result{1};
-constexpr Field<std::uint32_t> offset{2};
-} // namespace named_answer_payload
-
-/// [status][offset]
-namespace image_answer_payload {
-constexpr Field<std::uint8_t> status{0};
-constexpr Field<std::uint32_t> offset{1};
-} // namespace image_answer_payload
+/// The tool's pause after the announcement answer, with 0.1 s of tolerance: data earlier than the first are
+/// too early; a verdict without data at the second finds the tool listening.
+constexpr Time leastQuietTime = milliseconds(protocol::pauseAfterAnnouncementMs - 100);
+constexpr Time verdictWithoutData = milliseconds(protocol::pauseAfterAnnouncementMs + 100);
+/// The tool abandons an announcement after this time.
+constexpr std::int64_t longestAnnouncementDelayMs =
+    std::int64_t{*protocol::rules::appUpdate.timeoutMs} * protocol::rules::appUpdate.tries;
+static_assert(longestAnnouncementDelayMs == 10000);
 
 std::optional<UploadRecord> parseAnnouncement(ByteView payload, bool named, std::uint8_t code) {
     using namespace protocol;
@@ -56,18 +43,26 @@ std::optional<UploadRecord> parseAnnouncement(ByteView payload, bool named, std:
 Bytes announcementAnswer(bool named, std::uint32_t offset) {
     Bytes payload;
     if (named) {
-        put(payload, named_answer_payload::type, std::uint8_t{1});
-        put(payload, named_answer_payload::result, succeeded);
-        put(payload, named_answer_payload::offset, offset);
+        put(payload, named_answer::type, named_answer::announcementType);
+        put(payload, named_answer::result, protocol::answer_result::success);
+        put(payload, named_answer::offset, offset);
     } else {
-        put(payload, image_answer_payload::status, succeeded);
-        put(payload, image_answer_payload::offset, offset);
+        put(payload, image_answer::status, protocol::answer_result::success);
+        put(payload, image_answer::offset, offset);
     }
     return payload;
 }
 
-/// True when the tool gets an answer that it takes for one; else it sends no data. The tool reads 15 bytes at
-/// a time: exactly an image's answer, whatever follows it, and all of a model's but its last byte.
+Bytes verdictPayload(bool named, std::uint8_t verdict) {
+    Bytes payload;
+    if (named)
+        put(payload, named_answer::type, named_answer::verdictType);
+    put(payload, named ? named_answer::result : image_answer::status, verdict);
+    return payload;
+}
+
+/// True when the tool accepts the answer; else it sends no data. The tool reads 15 bytes at a time: exactly
+/// an image's answer, with or without bytes behind it, and all of a model's but its last byte.
 bool answerArrives(const FaultSet& faults, bool named) {
     constexpr std::array spoilt = {FaultKind::silent, FaultKind::late, FaultKind::raw, FaultKind::truncate,
                                    FaultKind::hangUp};
@@ -84,13 +79,14 @@ bool answerArrives(const FaultSet& faults, bool named) {
 } // namespace
 
 const VirtualCamera::UploadKind* VirtualCamera::uploadKindOf(std::uint16_t code) {
-    static const std::array kinds = {
-        UploadKind{protocol::code(Command::appAnnounce), false, true, true, {}},
-        UploadKind{protocol::code(Command::firewareAnnounce), false, false, true, {}},
-        UploadKind{protocol::code(Command::modelAnnounce), true, true, false, {modelVerdictType}},
+    static constexpr std::array kinds = {
+        UploadKind{Command::appAnnounce, true, true},
+        UploadKind{Command::firewareAnnounce, false, true},
+        UploadKind{Command::modelAnnounce, true, false},
     };
-    const auto* const found = std::find_if(kinds.begin(), kinds.end(),
-                                           [code](const UploadKind& kind) { return kind.code == code; });
+    const auto* const found = std::find_if(kinds.begin(), kinds.end(), [code](const UploadKind& kind) {
+        return protocol::code(kind.command) == code;
+    });
     return found == kinds.end() ? nullptr : found;
 }
 
@@ -109,7 +105,7 @@ std::uint32_t VirtualCamera::resumeOffset(const UploadRecord& upload, const Faul
 
 void VirtualCamera::announceUpload(const Request& request, Reply& reply) {
     const UploadKind& kind = *uploadKindOf(request.key.code);
-    auto record = parseAnnouncement(request.payload, kind.named, request.lineCode);
+    auto record = parseAnnouncement(request.payload, kind.named(), request.lineCode);
     if (!record) {
         note(request.at, Event::Kind::noted, "announcement of a wrong length, no answer");
         reply.silent = true;
@@ -117,8 +113,8 @@ void VirtualCamera::announceUpload(const Request& request, Reply& reply) {
     }
     record->offset = resumeOffset(*record, request.faults);
     record->answeredAt = reply.at;
-    reply.payload = announcementAnswer(kind.named, record->offset);
-    reply.resultAt = kind.named ? named_answer_payload::result.offset : image_answer_payload::status.offset;
+    reply.payload = announcementAnswer(kind.named(), record->offset);
+    reply.resultAt = kind.named() ? named_answer::result.offset : image_answer::status.offset;
     note(request.at, Event::Kind::noted,
          "upload of " + std::to_string(record->fileSize) + " bytes" +
              (record->name.empty() ? "" : " named " + record->name) + ", to go on from byte " +
@@ -126,11 +122,12 @@ void VirtualCamera::announceUpload(const Request& request, Reply& reply) {
 
     const std::size_t wholeAnswer = reply.payload.size();
     reply.onAnswer = [this, &kind, &request, wholeAnswer, record = *record](ByteView payload) mutable {
-        // An image is sent whatever the status says; a model only when it is accepted.
+        // The tool sends an image after any status, a model only after success.
         record.refused =
-            kind.named && (payload.size() < wholeAnswer || payload.get(named_answer_payload::type) != 1 ||
-                           payload.get(named_answer_payload::result) != succeeded);
-        if (payload.size() < wholeAnswer || record.refused || !answerArrives(request.faults, kind.named)) {
+            kind.named() && (payload.size() < wholeAnswer ||
+                             payload.get(named_answer::type) != named_answer::announcementType ||
+                             payload.get(named_answer::result) != protocol::answer_result::success);
+        if (payload.size() < wholeAnswer || record.refused || !answerArrives(request.faults, kind.named())) {
             record.finished = true;
             m_record.uploads.push_back(std::move(record));
             return;
@@ -177,7 +174,7 @@ void VirtualCamera::receiveRaw(ByteView bytes, Time now) {
     readItems(now);
 }
 
-/// Percentages: what happens when the data grows from `before` to `after` bytes.
+/// Faults and progress lines of the percentages between `before` and `after` bytes.
 void VirtualCamera::strikeTransfer(ActiveUpload& upload, std::size_t before, std::size_t after, Time now) {
     const auto percentOf = [&upload](std::size_t bytes) {
         return upload.expected == 0 ? 0 : static_cast<std::int64_t>(bytes * 100 / upload.expected);
@@ -214,19 +211,18 @@ void VirtualCamera::finishTransfer(Time now) {
     note(now, Event::Kind::received,
          std::string("upload complete, digest ") + (record.digestRight ? "right" : "wrong"));
 
-    std::uint8_t verdict = record.digestRight ? succeeded : failed;
+    std::uint8_t verdict = resultOf(record.digestRight);
     if (const Fault* fault = upload.faults.find(FaultKind::verdict))
         verdict = static_cast<std::uint8_t>(fault->number & 0xFF);
     Time at = now + m_settings.answerDelay;
     if (const Fault* fault = upload.faults.find(FaultKind::verdictDelay))
         at += milliseconds(fault->number);
     if (upload.kind->hasVerdict && !upload.faults.has(FaultKind::noVerdict)) {
-        Bytes payload = upload.kind->verdictHead;
-        payload.push_back(verdict);
+        const Bytes payload = verdictPayload(upload.kind->named(), verdict);
         m_queue.add(at, protocol::buildFrame(record.code, payload, m_settings.address));
         note(now, Event::Kind::answered, "verdict " + trace::hexText(payload));
     }
-    if (upload.kind->restarts && verdict == succeeded)
+    if (upload.kind->restarts && verdict == protocol::answer_result::success)
         restart(at, m_settings.updateRestartTime, upload.faults);
 }
 
@@ -238,7 +234,7 @@ void VirtualCamera::breakOffTransfer(Time now) {
     note(now, Event::Kind::noted,
          "upload broken off after " + std::to_string(record.received.size()) + " of " +
              std::to_string(upload.expected) + " bytes");
-    // Only what fits together without a gap can be kept.
+    // Data after a gap cannot be resumed.
     if (!m_settings.keepsInterruptedUploads || upload.kept.size() != record.offset)
         return;
     m_state.heldUpload = upload.kept;
@@ -255,7 +251,7 @@ void VirtualCamera::announceAppV1(const Request& request, Reply& reply) {
     }
     AppV1Record& run = m_record.appV1;
     if (request.payload != m_lastAppV1Announcement || run.closingPackets > 0) {
-        const bool cutShort = run.announcements % announcementsPerRun != 0;
+        const bool cutShort = run.announcements % protocol::appV1Announcements != 0;
         run = {};
         run.changedWithinRun = cutShort;
         m_lastAppV1Announcement = request.payload;
@@ -265,13 +261,12 @@ void VirtualCamera::announceAppV1(const Request& request, Reply& reply) {
                          ? record->fileSize
                          : resumeOffset(*record, request.faults);
     reply.payload = announcementAnswer(true, record->offset);
-    reply.resultAt = named_answer_payload::result.offset;
+    reply.resultAt = named_answer::result.offset;
 }
 
 void VirtualCamera::packetV1(const Request& request, Reply& reply) {
-    constexpr std::uint8_t notAccepted = 2;
-    reply.payload = {notAccepted};
-    reply.resultAt = 0;
+    reply.payload = {protocol::packetLastGoodResult + 1};
+    reply.resultAt = protocol::status_answer::status.offset;
     if (request.payload.size() > protocol::packet_layout::data) {
         ++m_record.appV1.dataPackets;
         note(request.at, Event::Kind::noted, "data packet: this camera takes closing packets only");
@@ -279,9 +274,9 @@ void VirtualCamera::packetV1(const Request& request, Reply& reply) {
     }
     if (request.payload.size() != protocol::packet_layout::data)
         return;
-    reply.payload = {succeeded};
+    reply.setStatus(true);
     reply.onAnswer = [this, &request, at = reply.at](ByteView) {
-        if (m_record.appV1.closingPackets == closingPacketsPerRun)
+        if (m_record.appV1.closingPackets == protocol::appV1ClosingPackets)
             restart(at, m_settings.updateRestartTime, request.faults);
     };
     ++m_record.appV1.closingPackets;

@@ -2,9 +2,8 @@
 
 #include "emulator/camera/commandrow.h"
 #include "link/protocol/commands.h"
-#include "link/protocol/frame.h"
+#include "link/protocol/jsonenvelope.h"
 #include "trace/hextext.h"
-#include "trace/jsonlayout.h"
 #include "trace/jsontext.h"
 
 #include <algorithm>
@@ -15,9 +14,6 @@ namespace {
 
 using protocol::code;
 using protocol::Command;
-
-/// A frame that stops growing for so long was broken off.
-constexpr Time brokenFrameTime = std::chrono::seconds(1);
 
 std::string address(std::uint8_t value) {
     return "0x" + protocol::paddedHexText(Bytes{value});
@@ -42,7 +38,7 @@ void VirtualCamera::receive(ByteView bytes, Time now) {
                  std::to_string(m_settings.baudRate));
         return;
     }
-    if (!m_scanner.empty() && now - m_lastByteAt > brokenFrameTime)
+    if (!m_scanner.empty() && now - m_lastByteAt > FrameScanner::longestSilence)
         noteBadFrame({FrameScanner::Item::Kind::badFrame, m_scanner.takeRest()}, now);
     m_lastByteAt = now;
     if (m_upload) {
@@ -60,7 +56,7 @@ void VirtualCamera::readItems(Time now) {
             return;
         readItem(*item, now);
     }
-    // The request just read was an announcement: what follows it is data already.
+    // The last request was an announcement; its data follow.
     if (!m_scanner.empty())
         receiveRaw(m_scanner.takeRest(), now);
 }
@@ -100,9 +96,7 @@ void VirtualCamera::receiveFrame(Bytes bytes, Time now) {
     Request request;
     request.address = view.get(protocol::frame_layout::address);
     request.lineCode = view.get(protocol::frame_layout::command);
-    request.payload =
-        view.range(protocol::frame_layout::headerSize, view.size() - protocol::frame_layout::checkCodeSize)
-            .toBytes();
+    request.payload = protocol::payloadOf(view).toBytes();
     request.at = now;
     request.key = classify(request.lineCode, request.payload);
 
@@ -127,16 +121,11 @@ void VirtualCamera::receiveFrame(Bytes bytes, Time now) {
 }
 
 void VirtualCamera::receiveJson(Bytes bytes, Time now) {
-    const ByteView view(bytes);
     Request request;
-    request.payload = view.range(trace::json_layout::requestText, view.size() - 2).toBytes();
+    request.payload = protocol::jsonText(bytes).toBytes();
     request.at = now;
     request.address = m_settings.address; // the envelope has none
-    request.key = {trace::jsonCode, trace::jsonCode, std::nullopt};
-    const auto values = trace::readJsonObject(ByteView(request.payload).toText());
-    const auto type = values ? trace::jsonNumber(*values, "cmdType") : std::nullopt;
-    if (type && *type >= 0 && *type <= 0xFFFF)
-        request.key.detail = static_cast<std::uint16_t>(*type);
+    request.key = trace::jsonRequestKey(request.payload);
 
     ReceivedFrame frame{now, std::move(bytes), true, 0, 0, request.payload};
     frame.heard = !booting(now);
@@ -155,8 +144,8 @@ bool VirtualCamera::canBeDeleted(std::uint8_t id) const {
                        [id](const Picture& picture) { return picture.info.id == id; });
 }
 
-/// With a picture-command offset, codes of other commands may mean pictures. The form of the payload tells
-/// them apart where it can; a shifted delete of one picture is one only for a picture that is held.
+/// A picture-command offset may give picture commands the codes of other commands. The payload's form decides
+/// where it can; a shifted delete of one picture needs a picture that the camera holds.
 bool VirtualCamera::isPictureRequest(std::uint8_t base, std::uint8_t lineCode, ByteView payload) const {
     const bool shared = m_settings.pictureOffset != 0 && rowOf(lineCode) != nullptr;
     switch (static_cast<Command>(base)) {
@@ -164,7 +153,8 @@ bool VirtualCamera::isPictureRequest(std::uint8_t base, std::uint8_t lineCode, B
     case Command::originCatalogue:
         return payload.empty();
     case Command::originDelete:
-        return payload.size() == 1 && (!shared || canBeDeleted(*payload.begin()));
+        return payload.size() == protocol::origin_delete_request::size &&
+               (!shared || canBeDeleted(payload.get(protocol::origin_delete_request::id)));
     case Command::originRead:
         return payload.size() == protocol::origin_read_request::size &&
                (!shared || payload.get(protocol::origin_read_request::startOffset) == 0);
@@ -174,25 +164,22 @@ bool VirtualCamera::isPictureRequest(std::uint8_t base, std::uint8_t lineCode, B
 }
 
 RequestKey VirtualCamera::classify(std::uint8_t lineCode, ByteView payload) const {
-    const auto isOrigin = [](std::uint8_t value) {
-        return value >= code(Command::originCapture) && value <= code(Command::originRead);
-    };
     RequestKey key{lineCode, lineCode, std::nullopt};
     if (!payload.empty())
         key.detail = *payload.begin();
     const auto base = static_cast<std::uint8_t>(lineCode - m_settings.pictureOffset);
     if (m_settings.pictureOffset == 0)
         return key;
-    if (isOrigin(base) && isPictureRequest(base, lineCode, payload))
+    if (protocol::isOriginPictureCode(base) && isPictureRequest(base, lineCode, payload))
         key.code = base;
-    else if (isOrigin(lineCode))
+    else if (protocol::isOriginPictureCode(lineCode))
         key.code = unknownCode;
     return key;
 }
 
 bool VirtualCamera::knows(const CommandRow& row) const {
-    if (row.code == trace::jsonCode || m_settings.answersEveryGeneration)
-        return row.code != trace::jsonCode || m_settings.type == CameraType::quenta ||
+    if (row.code == protocol::jsonCode || m_settings.answersEveryGeneration)
+        return row.code != protocol::jsonCode || m_settings.type == CameraType::quenta ||
                m_settings.answersEveryGeneration;
     switch (row.generation) {
     case Generation::heartbeat:
@@ -211,7 +198,7 @@ bool VirtualCamera::knows(const CommandRow& row) const {
     return false;
 }
 
-/// A restart that ends with the n-th heartbeat ends here.
+/// Ends a restart that lasts until the n-th heartbeat.
 bool VirtualCamera::wakesForHeartbeat(const RequestKey& key, Time now) {
     if (!booting(now) || !m_heartbeatsToWake || key.code != code(Command::heartbeat))
         return false;
@@ -225,7 +212,7 @@ bool VirtualCamera::wakesForHeartbeat(const RequestKey& key, Time now) {
 void VirtualCamera::serve(Request request) {
     const CommandRow* row = rowOf(request.key.code);
     request.faults = m_faults.strike(request.key);
-    // A held-back answer comes with the next request, whatever that is.
+    // Any next request releases an answer that was held back.
     m_queue.add(request.at + std::chrono::milliseconds(1), std::exchange(m_heldBack, {}));
     if (row == nullptr || !knows(*row)) {
         note(request.at, Event::Kind::noted, "this camera does not know that request; no answer");
@@ -240,7 +227,7 @@ void VirtualCamera::serve(Request request) {
 }
 
 std::string VirtualCamera::describe(const RequestKey& key) const {
-    const trace::RequestName* name = trace::nameOf(key);
+    const protocol::RequestName* name = protocol::nameOf(key);
     return name == nullptr ? "unknown request" : std::string(name->words);
 }
 

@@ -1,10 +1,11 @@
-// A camera without hardware: bytes in, bytes out.
+// A camera without hardware.
 #pragma once
 
 #include "emulator/camera/answerqueue.h"
 #include "emulator/camera/camerarecord.h"
 #include "emulator/camera/camerastate.h"
 #include "emulator/camera/fault.h"
+#include "emulator/camera/linecamera.h"
 #include "trace/framescanner.h"
 
 namespace emulator {
@@ -12,36 +13,30 @@ namespace emulator {
 using trace::FrameScanner;
 
 /// The camera's side of every command, as a state machine: no clock, no input or output, no threads. The
-/// caller says what time it is and carries the bytes; one call at a time (CameraFront guards that).
+/// caller gives the time and carries the bytes; one call at a time (CameraFront guards that).
 ///
-///     camera.receive(bytes, now);               // answers are queued with the time they are due
+///     camera.receive(bytes, now);               // queues answers with the time they are due
 ///     ... until camera.nextDue(): write(camera.takeDue(now));
 ///
-/// Frames are checked strictly: a wrong length, check code or address is recorded and never answered.
-/// While it restarts the camera is silent; during an upload's raw data nothing is taken for a frame.
-class VirtualCamera {
+/// Checks frames strictly: it records a wrong length, check code or address and never answers. It is silent
+/// during a restart, and takes nothing for a frame during an upload's raw data.
+class VirtualCamera final : public LineCamera {
 public:
     explicit VirtualCamera(CameraType type = CameraType::ostra);
     explicit VirtualCamera(CameraSettings settings);
 
     // --- the line ----------------------------------------------------------------------------------------
-    void receive(ByteView bytes, Time now);
-    /// When takeDue, hangUpDue or readingPaused is to be asked next; nothing while the camera only waits.
-    [[nodiscard]] std::optional<Time> nextDue() const;
-    /// Bytes that go out now; also lets time pass inside the camera (upload silence, end of a restart).
-    [[nodiscard]] Bytes takeDue(Time now);
-    /// True once when a fault closes the line. Bytes due before go out first.
-    [[nodiscard]] bool hangUpDue(Time now);
-    /// True while the camera takes nothing from the line.
-    [[nodiscard]] bool readingPaused(Time now) const { return now < m_readingPausedUntil; }
-    [[nodiscard]] Time readingPausedUntil() const { return m_readingPausedUntil; }
-    /// The rate at which the far end has opened the line; nothing when it is not known.
-    void setLineSpeed(std::optional<std::uint32_t> baudRate) { m_lineSpeed = baudRate; }
-    /// The line was closed and opened again: nothing half-received or unsent survives. An upload that ran is
-    /// interrupted; the stored state stays.
+    void receive(ByteView bytes, Time now) override;
+    [[nodiscard]] std::optional<Time> nextDue() const override;
+    /// Also lets time pass inside the camera (upload silence, end of a restart).
+    [[nodiscard]] Bytes takeDue(Time now) override;
+    [[nodiscard]] bool hangUpDue(Time now) override;
+    [[nodiscard]] Time readingPausedUntil() const override { return m_readingPausedUntil; }
+    void setLineSpeed(std::optional<std::uint32_t> baudRate) override { m_lineSpeed = baudRate; }
+    /// Discards half-received and unsent bytes and interrupts a running upload; the stored state stays.
     void lineReopened(Time now);
 
-    // --- what tests and demonstrations set and read -------------------------------------------------------
+    // --- for tests and demonstrations ----------------------------------------------------------------------
     [[nodiscard]] CameraSettings& settings() { return m_settings; }
     [[nodiscard]] CameraState& state() { return m_state; }
     [[nodiscard]] const CameraRecord& record() const { return m_record; }
@@ -52,9 +47,9 @@ public:
     [[nodiscard]] bool booting(Time now) const { return now < m_state.bootingUntil; }
     /// In an upload's raw data.
     [[nodiscard]] bool uploading() const { return m_upload.has_value(); }
-    /// Takes a picture as the capture command does; visible in the catalogue from the given time on.
+    /// Takes a picture like the capture command; the catalogue shows it from the given time on.
     const Picture& takePicture(Time visibleFrom);
-    /// Called for every line for people, in the caller's thread; it must not call the camera.
+    /// The handler gets every line for people, in the caller's thread; it must not call the camera.
     void onEvent(std::function<void(const Event&)> handler) { m_onEvent = std::move(handler); }
 
 private:
@@ -67,23 +62,29 @@ private:
         FaultSet faults;
     };
     struct Reply {
-        Time at{0}; ///< when the first byte goes out
+        Time at{0}; ///< time of the first byte
         Bytes payload;
-        std::optional<std::size_t> resultAt; ///< place of the result code in the payload
-        std::size_t valueFrom = 0;           ///< place of the value; 0: there is none
+        std::optional<std::size_t> resultAt; ///< offset of the result code in the payload
+        std::size_t valueFrom = 0;           ///< offset of the value; 0: none
         bool silent = false;
         bool framed = true;
         bool json = false;
-        /// Done with the payload as it is sent, after the faults.
+        /// Called with the payload to be sent, after the faults.
         std::function<void(ByteView payload)> onAnswer;
+
+        /// A payload of the result only.
+        void setStatus(bool success);
+        /// A payload of id and result.
+        void setProperty(std::uint8_t id, bool success);
+        void addValue(ByteView value);
     };
     struct UploadKind;
     struct ActiveUpload {
         const UploadKind* kind = nullptr;
         std::size_t recordIndex = 0;
-        Bytes kept; ///< prefix that the camera holds
+        Bytes kept; ///< part of the file that the camera holds
         std::size_t expected = 0;
-        Time deadline{0}; ///< the data counts as broken off
+        Time deadline{0}; ///< then the upload is abandoned
         FaultSet faults;
     };
     using Handler = void (VirtualCamera::*)(const Request&, Reply&);
@@ -161,12 +162,12 @@ private:
     FrameScanner m_scanner;
     Time m_lastByteAt{0};
     AnswerQueue m_queue;
-    Bytes m_heldBack; ///< an answer that comes before the next one
+    Bytes m_heldBack; ///< an answer sent just before the next one
     std::optional<Time> m_hangUpAt;
     Time m_readingPausedUntil{0};
     std::optional<std::uint32_t> m_lineSpeed;
 
-    bool m_restartUnnoticed = false;                 ///< its end has not been told yet
+    bool m_restartUnnoticed = false;                 ///< its end is not reported yet
     std::optional<std::uint32_t> m_heartbeatsToWake; ///< ends a restart instead of a time
     std::optional<Time> m_lastOrientationRead;
     std::size_t m_nextOrientation = 0;

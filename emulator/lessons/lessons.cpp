@@ -17,7 +17,7 @@ constexpr std::uint32_t plateBaudRate = 230400;
 constexpr Time plugOut = std::chrono::seconds(3);
 constexpr Time slowBootTime = std::chrono::seconds(12);
 
-/// Requests that the camera took for its own, with this first payload byte if one is given.
+/// Number of requests that the camera accepted, optionally with this first payload byte.
 std::ptrdiff_t heard(const LessonView& view, Command command,
                      std::optional<std::uint8_t> detail = std::nullopt) {
     const auto& frames = view.record.frames;

@@ -1,5 +1,4 @@
-// The course for technicians: virtual cameras with something to find out, and what is said about it (in
-// Chinese).
+// Lessons for technicians: virtual cameras with a problem to find, and their texts, in Chinese.
 #pragma once
 
 #include "emulator/camera/virtualcamera.h"
@@ -8,16 +7,16 @@
 
 namespace emulator {
 
-/// What the camera has seen since the present step of a lesson began.
+/// Record of the camera since the start of the current step.
 struct LessonView {
     const CameraRecord& record;
-    Time since; ///< how long ago that was
+    Time since; ///< time since the start of the step
 };
 
-/// What happens to the plug after a step.
+/// Change of the plug after a step.
 enum class Plug { stays, comesOut, goesIn };
 
-/// Said once, when it comes true within a step.
+/// Printed once, when it first applies.
 struct LessonHint {
     bool (*applies)(const LessonView& view) = nullptr;
     const char* text = nullptr;
@@ -25,7 +24,7 @@ struct LessonHint {
 
 struct LessonStep {
     bool (*done)(const LessonView& view) = nullptr;
-    const char* text = nullptr; ///< said when done: praise, and what to do next
+    const char* text = nullptr; ///< printed when done: praise and the next task
     /// Changes the camera for the next step; may be null.
     void (*change)(VirtualCamera& camera) = nullptr;
     Plug plug = Plug::stays;
@@ -33,34 +32,33 @@ struct LessonStep {
 
 struct Lesson {
     const char* title = nullptr;
-    const char* introduction = nullptr;             ///< what the technician sees and is to do
+    const char* introduction = nullptr;             ///< symptoms and task
     void (*setUp)(VirtualCamera& camera) = nullptr; ///< may be null
     std::vector<LessonStep> steps;
     std::vector<LessonHint> hints;
 };
 
 [[nodiscard]] std::span<const Lesson> lessons();
-/// By its number, counted from 1, as text; nullptr when there is none.
+/// The lesson with this number, counted from 1; nullptr for any other text.
 [[nodiscard]] const Lesson* findLesson(const std::string& number);
 /// Numbers and titles.
 [[nodiscard]] std::string lessonListText();
 
-/// The camera of a lesson, as it is at the beginning.
+/// The camera of a lesson in its initial state.
 [[nodiscard]] VirtualCamera lessonCamera(const Lesson& lesson);
 
-/// Goes through one lesson with its camera. No clock and no line: whoever serves the camera looks now and
-/// then.
+/// Guides through one lesson with its camera. No clock and no line: the front's user calls look() regularly.
 class LessonCoach {
 public:
     /// The lesson outlives the coach.
     explicit LessonCoach(const Lesson& lesson) : m_lesson(lesson), m_hinted(lesson.hints.size(), false) {}
 
     struct Remark {
-        std::vector<std::string> lines; ///< to be said
-        Plug plug = Plug::stays;        ///< to be done, by whoever serves the camera
+        std::vector<std::string> lines; ///< to print
+        Plug plug = Plug::stays;        ///< for the caller to do
     };
     [[nodiscard]] Remark look(VirtualCamera& camera, Time now);
-    /// The student has done it all.
+    /// All steps are done.
     [[nodiscard]] bool solved() const { return m_step == m_lesson.steps.size(); }
 
 private:

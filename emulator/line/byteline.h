@@ -1,13 +1,15 @@
-// One end of a serial line, for the tap and the replay.
+// One end of a serial line.
 #pragma once
 
 #include "emulator/camera/camerasettings.h"
+#include "emulator/line/lineio.h"
 
 #include <memory>
 
 namespace emulator {
 
-/// One thread may read while another one writes; the rest belongs to whoever owns the line.
+/// Derived classes own the line. One thread may read while another one writes; all other calls belong to the
+/// owner.
 class ByteLine {
 public:
     ByteLine() = default;
@@ -15,17 +17,22 @@ public:
     ByteLine(const ByteLine&) = delete;
     ByteLine& operator=(const ByteLine&) = delete;
 
-    /// Appends what has come; waits at most so long for the first byte and returns as soon as there is one.
-    /// False when the line is gone.
-    [[nodiscard]] virtual bool read(Bytes& bytes, std::chrono::milliseconds patience) = 0;
-    /// Writes as much as the line takes and waits at most so long until it takes something. Returns the count
-    /// written; nothing when the line is gone.
-    [[nodiscard]] virtual std::optional<std::size_t> write(ByteView bytes,
-                                                           std::chrono::milliseconds patience) = 0;
-    /// The rate at which the line runs, as its far end has set it; nothing when it cannot be told.
-    [[nodiscard]] virtual std::optional<std::uint32_t> rate() const { return std::nullopt; }
-    /// Under which name the far end, or for a device this end, is opened.
+    /// Appends received bytes; waits up to the timeout for the first one. False when the line is gone.
+    [[nodiscard]] bool read(Bytes& bytes, std::chrono::milliseconds timeout);
+    /// Writes as much as the line takes; waits up to the timeout until it takes a byte. Returns the number of
+    /// written bytes; nothing when the line is gone.
+    [[nodiscard]] std::optional<std::size_t> write(ByteView bytes, std::chrono::milliseconds timeout);
+
+    /// The same during the whole life.
+    [[nodiscard]] virtual LineIo::Line line() const = 0;
+    /// Baud rate of the line, as its far end has set it; nothing when the system cannot tell.
+    [[nodiscard]] virtual std::optional<std::uint32_t> rate() const = 0;
+    /// Port name for the far end; of a device, its own name.
     [[nodiscard]] virtual std::string name() const = 0;
+
+private:
+    LineIo m_reading; // one for each thread that may wait
+    LineIo m_writing;
 };
 
 /// A serial device, or a COM port, at the rate. Throws std::exception with a text for people.

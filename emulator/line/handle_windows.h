@@ -1,4 +1,4 @@
-// A serial line as Windows knows it; for the sources of that system.
+// A serial line as a handle; for the sources of Windows.
 #pragma once
 
 #include "emulator/line/lineio.h"

@@ -42,7 +42,7 @@ void LineIo::wake() {
 
 LineIo::Readiness LineIo::wait(Line line, Readiness wanted, int timeoutMs) {
     const auto events = static_cast<short>((wanted.reads ? POLLIN : 0) | (wanted.writes ? POLLOUT : 0));
-    // A descriptor nothing is asked of would still report its hang-up, again and again.
+    // poll reports a hang-up even without events; a wait for no events must not end with it.
     std::array<pollfd, 2> polled = {
         {{descriptorOf(m_waker[0]), POLLIN, 0}, {events == 0 ? -1 : descriptorOf(line), events, 0}}};
     ::poll(polled.data(), polled.size(), timeoutMs);

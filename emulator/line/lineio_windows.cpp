@@ -9,10 +9,10 @@ namespace emulator {
 
 namespace {
 
-// A port opened without overlapped operations cannot be waited for; it is looked at this often.
+// Poll interval: the system cannot wait for a port that is opened without overlapped operations.
 constexpr int lookIntervalMs = 2;
 
-/// A port that cannot tell has failed, which reading will tell.
+/// True for a failed port: the next read reports the failure.
 bool hasInput(HANDLE port) {
     COMSTAT status{};
     return ::ClearCommError(port, nullptr, &status) == 0 || status.cbInQue > 0;

@@ -4,9 +4,9 @@ namespace emulator {
 
 namespace {
 
-/// How soon a thread notices that it is to end.
-constexpr std::chrono::milliseconds glance{50};
-/// Bytes of the camera that the tool does not take within this time are lost, as on a real line.
+/// Poll interval of the stop flag.
+constexpr std::chrono::milliseconds pollInterval{50};
+/// Bytes of the camera are lost, as on a real line, when the tool takes none for this long.
 constexpr Time longestHold = std::chrono::seconds(1);
 
 } // namespace
@@ -20,7 +20,7 @@ LineTap::LineTap(ByteLine& tool, ByteLine& camera, trace::Recorder recorder)
 void LineTap::stop() {
     if (std::exchange(m_stopped, true))
         return;
-    m_ending = true;
+    m_stopping = true;
     m_fromTool.join();
     m_fromCamera.join();
     try {
@@ -37,21 +37,17 @@ std::string LineTap::failure() const {
     return m_failure;
 }
 
-Time LineTap::now() const {
-    return std::chrono::duration_cast<Time>(std::chrono::steady_clock::now() - m_start);
-}
-
 void LineTap::fail(const std::string& sentence) {
     const std::lock_guard lock(m_mutex);
     if (m_failure.empty())
         m_failure = sentence;
-    m_ending = true;
+    m_stopping = true;
 }
 
 void LineTap::carry(trace::Side from, ByteLine& source, ByteLine& target) {
     try {
         Bytes bytes;
-        while (!m_ending) {
+        while (!m_stopping) {
             carryChunk(from, bytes, source, target);
             bytes.clear();
         }
@@ -61,7 +57,7 @@ void LineTap::carry(trace::Side from, ByteLine& source, ByteLine& target) {
 }
 
 void LineTap::carryChunk(trace::Side from, Bytes& bytes, ByteLine& source, ByteLine& target) {
-    if (!source.read(bytes, glance))
+    if (!source.read(bytes, pollInterval))
         fail("the line is gone: " + source.name());
     else if (bytes.empty())
         passTime(from);
@@ -84,8 +80,8 @@ void LineTap::pass(trace::Side from, ByteView bytes, ByteLine& target) {
         m_recorder.pass(from, bytes, now());
     }
     Time lastTaken = now();
-    while (!bytes.empty() && !m_ending) {
-        const auto written = target.write(bytes, glance);
+    while (!bytes.empty() && !m_stopping) {
+        const auto written = target.write(bytes, pollInterval);
         if (!written) {
             fail("the line is gone: " + target.name());
             return;
@@ -93,7 +89,7 @@ void LineTap::pass(trace::Side from, ByteView bytes, ByteLine& target) {
         bytes = bytes.range(*written, bytes.size());
         if (*written > 0)
             lastTaken = now();
-        // The tool is made to wait as by a slow camera; nobody can make the camera wait.
+        // The tool waits as for a slow camera; a camera cannot be made to wait.
         if (from == trace::Side::camera && now() - lastTaken > longestHold) {
             const std::lock_guard lock(m_mutex);
             m_recorder.note(now(), std::to_string(bytes.size()) + " bytes lost: the tool does not read");

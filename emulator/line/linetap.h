@@ -1,7 +1,8 @@
-// Stands between the tool and a camera: passes every byte through and has it recorded.
+// A tap between the tool and a camera: passes every byte on and records it.
 #pragma once
 
 #include "emulator/line/byteline.h"
+#include "emulator/line/lineclock.h"
 #include "trace/recorder.h"
 
 #include <atomic>
@@ -10,21 +11,21 @@
 
 namespace emulator {
 
-/// Runs from its making until stop or its destruction, with a thread for each direction. A chunk is recorded
-/// just before it is passed on, so that no byte reaches the other side unrecorded.
+/// Runs from construction until stop or destruction, with one thread for each direction. It records a chunk
+/// before it passes the chunk on: no byte reaches the other side unrecorded.
 class LineTap {
 public:
-    /// The lines are borrowed and outlive the tap. The recorder is used on the tap's threads, one at a time.
+    /// The lines are borrowed and outlive the tap. One of the tap's threads at a time uses the recorder.
     LineTap(ByteLine& tool, ByteLine& camera, trace::Recorder recorder);
     ~LineTap() { stop(); }
     LineTap(const LineTap&) = delete;
     LineTap& operator=(const LineTap&) = delete;
 
-    /// Ends passing and writes what was held back. Not from two threads at once.
+    /// Stops the threads and ends the recording. Not from two threads at once.
     void stop();
     /// False when a line is gone or the recording could not be written.
-    [[nodiscard]] bool running() const { return !m_ending; }
-    /// Why the tap ended by itself, in a sentence; empty when it did not.
+    [[nodiscard]] bool running() const { return !m_stopping; }
+    /// The reason, in a sentence, if the tap ended by itself; else empty.
     [[nodiscard]] std::string failure() const;
 
 private:
@@ -34,18 +35,18 @@ private:
     void passTime(trace::Side from);
     void fail(const std::string& sentence);
     void noteRate();
-    [[nodiscard]] Time now() const;
+    [[nodiscard]] Time now() const { return m_clock.now(); }
 
     ByteLine& m_toolLine;
     ByteLine& m_cameraLine;
-    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    LineClock m_clock;
 
     mutable std::mutex m_mutex; // guards the three below
     trace::Recorder m_recorder;
     std::string m_failure;
     std::optional<std::uint32_t> m_toolRate;
 
-    std::atomic<bool> m_ending{false};
+    std::atomic<bool> m_stopping{false};
     std::thread m_fromTool;
     std::thread m_fromCamera;
     bool m_stopped = false; ///< owner's thread only

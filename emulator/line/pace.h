@@ -1,4 +1,4 @@
-// How many bytes may pass at a given rate.
+// Limits a byte stream to a rate.
 #pragma once
 
 #include "emulator/camera/camerasettings.h"
@@ -7,16 +7,16 @@
 
 namespace emulator {
 
-/// Gives out bytes evenly: at no time more than a fiftieth of a second's worth at once.
+/// Allows bytes evenly: at most the bytes of a fiftieth of a second at once.
 class Pace {
 public:
-    /// Bytes per second; 0 does not limit.
+    /// Bytes per second; 0: unlimited.
     void setRate(std::uint32_t bytesPerSecond) {
         m_rate = bytesPerSecond;
         m_allowed = 0;
     }
     [[nodiscard]] bool limited() const { return m_rate != 0; }
-    /// Bytes that may pass now, at most `wanted`.
+    /// Number of bytes allowed now, at most `wanted`.
     [[nodiscard]] std::size_t allowed(Time now, std::size_t wanted) {
         if (!limited())
             return wanted;
@@ -26,7 +26,7 @@ public:
         return std::min(wanted, static_cast<std::size_t>(m_allowed));
     }
     void spend(std::size_t bytes) { m_allowed -= limited() ? static_cast<double>(bytes) : 0; }
-    /// Until the next slice is worth waking up for.
+    /// Time until the next slice.
     [[nodiscard]] Time sliceTime() const {
         const double seconds = std::max(1.0 / 400, 1.0 / std::max(1U, m_rate));
         return std::chrono::duration_cast<Time>(std::chrono::duration<double>(seconds));

@@ -79,7 +79,7 @@ void Pty::linkAt(const std::string& path) {
     makeLink();
 }
 
-/// Under another name first, so that the path never misses its link.
+/// Renames a new link to the path: the path always has a link.
 void Pty::makeLink() {
     if (m_link.empty() || m_portName.empty())
         return;
@@ -89,7 +89,7 @@ void Pty::makeLink() {
     fs::rename(fresh, m_link);
 }
 
-/// Only the link that is still this pair's.
+/// Removes the link only if it still leads to this pair.
 void Pty::removeLink() const {
     std::error_code ignored;
     if (!m_link.empty() && fs::read_symlink(m_link, ignored) == m_portName)

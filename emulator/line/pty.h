@@ -6,8 +6,8 @@
 
 namespace emulator {
 
-/// Both ends of a pseudo-terminal; the far end is held open too, so that the pair outlives the closing by
-/// whoever uses it. portName and linkAt may be called from any thread, the rest from one thread at a time.
+/// Keeps both ends of a pseudo-terminal open: the pair stays when a user of the far end closes it. Any thread
+/// may call portName and linkAt; one thread at a time the rest.
 class Pty {
 public:
     Pty() = default;
@@ -15,10 +15,10 @@ public:
     Pty(const Pty&) = delete;
     Pty& operator=(const Pty&) = delete;
 
-    /// A new pair, raw, with the link in place. Throws std::system_error when the system has none left;
-    /// closed then.
+    /// Opens a new pair in raw mode and makes the link. Throws std::system_error when the system has none
+    /// left, and is closed then.
     void open();
-    /// Takes the link away too.
+    /// Removes the link too.
     void close();
     [[nodiscard]] bool isOpen() const { return m_master >= 0; }
     /// The near end; does not block. -1 while closed.
@@ -28,8 +28,8 @@ public:
 
     /// Path of the far end; empty while closed.
     [[nodiscard]] std::string portName() const;
-    /// Keeps a symbolic link to the far end at the path while open. Replaces a link that is there; throws
-    /// std::runtime_error when something else is.
+    /// Keeps a symbolic link to the far end at the path while open. Replaces an existing link; throws
+    /// std::runtime_error for any other existing file.
     void linkAt(const std::string& path);
 
 private:

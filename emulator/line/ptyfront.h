@@ -8,8 +8,8 @@
 
 namespace emulator {
 
-/// Makes a pseudo-terminal and serves the camera on it. The tool opens portName() as a serial port; it may
-/// close and open it again as often as it likes.
+/// Opens a pseudo-terminal and serves the camera on it. The tool opens portName() as a serial port, any
+/// number of times.
 ///
 ///     PtyFront front(CameraType::ostra);
 ///     front.withCamera([](VirtualCamera& camera) { camera.state().serialNumber = "A1"; });
@@ -25,14 +25,14 @@ public:
     /// Path of the device; another one after comeBack. Empty while it has vanished.
     [[nodiscard]] std::string portName() const { return m_pty.portName(); }
     /// Keeps a symbolic link to the device at the path, through vanish and comeBack, until destruction.
-    /// Replaces a link that is there; throws std::runtime_error when something else is.
+    /// Replaces an existing link; throws std::runtime_error for any other existing file.
     void linkAt(const std::string& path) { m_pty.linkAt(path); }
-    /// The device disappears, as when the adapter is pulled. An open port fails from then on.
-    /// Not from inside withCamera or an event handler; nor comeBack.
+    /// Removes the device, as pulling the adapter does; an open port then fails. Not to be called inside
+    /// withCamera or an event handler; nor comeBack.
     void vanish();
-    /// A new device, with the link back in place. Does nothing while there is one.
+    /// Makes a new device and its link. Does nothing while there is a device.
     void comeBack();
-    /// Nobody else can open the device while it is busy (a privileged user still can).
+    /// While it is busy, only a privileged user can open the device.
     void setBusy(bool busy);
 
 protected:
@@ -40,7 +40,7 @@ protected:
     [[nodiscard]] std::optional<std::uint32_t> lineSpeed() const override;
 
 private:
-    Pty m_pty; // but for its names: the front's thread only once it runs
+    Pty m_pty; // the front's thread only, except the names
 };
 
 } // namespace emulator

@@ -12,7 +12,7 @@ std::string lastErrorText() {
     return std::system_category().message(static_cast<int>(::GetLastError()));
 }
 
-/// 8 data bits, no parity, nothing interpreted; reading gives what is there, writing does not hang for ever.
+/// Raw, 8 data bits, no parity; a read returns at once with the received bytes, a write has a timeout.
 bool prepare(HANDLE port, std::uint32_t baudRate) {
     constexpr DWORD writeTimeoutMs = 1000;
     DCB settings{};

@@ -1,4 +1,4 @@
-// Terminal settings that the fronts share. Unix only.
+// Terminal settings. Unix only.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +6,8 @@
 
 namespace emulator {
 
-/// 8 data bits, no parity, nothing interpreted; at the rate, when one is given and known.
-/// False when the descriptor is no terminal.
+/// Sets raw mode, 8 data bits, no parity, and the rate if there is a known one. False when the descriptor is
+/// no terminal.
 bool makeRaw(int descriptor, std::optional<std::uint32_t> baudRate);
 
 /// The output rate of the terminal; nothing for an unusual one.

@@ -1,4 +1,4 @@
-// A virtual camera on a port of its own, where the system can make one: terminalcamera_unix.cpp,
+// A virtual camera on a new port, on systems that can make one: terminalcamera_unix.cpp,
 // terminalcamera_windows.cpp.
 #pragma once
 
@@ -13,12 +13,12 @@ namespace emulator {
 struct TerminalCamera {
     std::unique_ptr<CameraFront> front;
     std::string portName;
-    /// Pulls the adapter (false) and plugs it in again; the front outlives the call.
+    /// Pulls the adapter (false) or plugs it in (true); the front outlives the call.
     std::function<void(bool in)> plug;
 };
 
-/// Serves the camera on a new pseudo-terminal; at a path that is not empty a symbolic link leads to it.
-/// Throws std::runtime_error or std::system_error when that cannot be, as on Windows, which has none.
+/// Serves the camera on a new pseudo-terminal, with a symbolic link at the path unless that is empty. Throws
+/// std::runtime_error or std::system_error on failure, and always on Windows, which has no pseudo-terminals.
 [[nodiscard]] TerminalCamera serveOnNewTerminal(VirtualCamera camera, const std::string& link = {});
 
 } // namespace emulator

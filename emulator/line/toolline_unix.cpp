@@ -1,4 +1,3 @@
-#include "emulator/line/ioline.h"
 #include "emulator/line/pty.h"
 #include "emulator/line/terminal.h"
 #include "emulator/line/toolline.h"
@@ -7,7 +6,7 @@ namespace emulator {
 
 namespace {
 
-class PtyLine final : public IoLine {
+class PtyLine final : public ByteLine {
 public:
     explicit PtyLine(const std::string& link) : m_link(link) {
         m_pty.open();
@@ -18,8 +17,6 @@ public:
     std::string name() const override {
         return m_link.empty() ? m_pty.portName() : m_pty.portName() + " (" + m_link + ')';
     }
-
-protected:
     LineIo::Line line() const override { return m_pty.master(); }
 
 private:

@@ -5,22 +5,23 @@
 #include <iomanip>
 #include <iostream>
 #include <sstream>
+#include <thread>
 
 namespace emulator {
 
 namespace {
 
-volatile std::sig_atomic_t endWanted = 0;
+volatile std::sig_atomic_t stopRequested = 0;
 
-void askForEnd(int) {
-    endWanted = 1;
+void requestStop(int) {
+    stopRequested = 1;
 }
 
 } // namespace
 
 void printEvent(const Event& event) {
     constexpr std::array<const char*, 3> marks = {"<- ", "-> ", "   "};
-    std::ostringstream line; // one write a line: a reader of a pipe sees whole lines
+    std::ostringstream line; // one write per line: the reader of a pipe gets complete lines
     line << std::fixed << std::setprecision(3) << std::setw(9)
          << std::chrono::duration<double>(event.at).count() << "  "
          << marks[static_cast<std::size_t>(event.kind)] << event.text << "\n";
@@ -31,13 +32,16 @@ void printFailure(const std::string& sentence) {
     std::cerr << "virtual-camera: " << sentence << std::endl;
 }
 
-void watchForEnd() {
-    std::signal(SIGINT, &askForEnd);
-    std::signal(SIGTERM, &askForEnd);
+void watchForStop() {
+    std::signal(SIGINT, &requestStop);
+    std::signal(SIGTERM, &requestStop);
 }
 
-bool endAsked() {
-    return endWanted != 0;
+bool waitWhile(const std::function<bool()>& condition) {
+    constexpr std::chrono::milliseconds pollInterval{50};
+    while (stopRequested == 0 && condition())
+        std::this_thread::sleep_for(pollInterval);
+    return stopRequested != 0;
 }
 
 } // namespace emulator

@@ -1,29 +1,30 @@
-// What the modes of virtual-camera share: its lines and its end.
+// Output, exit codes and the stop request of all modes of virtual-camera.
 #pragma once
 
 #include "emulator/camera/camerarecord.h"
 #include "emulator/program/options.h"
 
+#include <functional>
+
 namespace emulator {
 
 /// Exit codes.
 inline constexpr int done = 0;
-inline constexpr int lineLost = 1; ///< or the recording could not be written any more
-inline constexpr int badInput = 2; ///< the command line, the device or a file is no good
+inline constexpr int lineLost = 1; ///< or writing the recording failed
+inline constexpr int badInput = 2; ///< unusable command line, device or file
 
 /// One line on standard output: seconds, direction, text.
 void printEvent(const Event& event);
-/// A sentence on standard error, behind the program's name.
+/// The program's name and a sentence on standard error.
 void printFailure(const std::string& sentence);
 
-/// From now on an interrupt or a request to terminate is an answer to endAsked.
-void watchForEnd();
-[[nodiscard]] bool endAsked();
-/// How often the modes look for it.
-inline constexpr std::chrono::milliseconds lookEvery{50};
+/// Makes an interrupt or a termination signal a stop request.
+void watchForStop();
+/// Waits while the condition, asked several times a second, is true. True when a stop was requested.
+bool waitWhile(const std::function<bool()>& condition);
 
-/// The other modes: they serve until they are told to end, and return the exit code. They throw
-/// std::exception with a text for people when they cannot begin.
+/// The other modes: serve until a stop is requested and return the exit code. They throw std::exception with
+/// a text for people when they cannot start.
 int runTap(const Options& options);
 int runReplay(const Options& options);
 int runLesson(const Options& options);

@@ -1,4 +1,4 @@
-// The mode --lesson of virtual-camera. What it prints is for the student, in Chinese.
+// The mode --lesson of virtual-camera. It prints for the student, in Chinese.
 #include "emulator/line/devicefront.h"
 #include "emulator/line/terminalcamera.h"
 #include "emulator/program/console.h"
@@ -15,11 +15,13 @@ void say(const std::string& line) {
 }
 
 int teach(LessonRun& run, CameraFront& front) {
-    while (!endAsked() && (front.lineOpen() || run.unplugged())) {
-        run.look();
-        std::this_thread::sleep_for(lookEvery);
-    }
-    if (endAsked())
+    const bool stopped = waitWhile([&] {
+        const bool present = front.lineOpen() || run.unplugged();
+        if (present)
+            run.look();
+        return present;
+    });
+    if (stopped)
         return done;
     printFailure("the line is gone");
     return lineLost;
@@ -33,7 +35,7 @@ int runLesson(const Options& options) {
         std::cout << lessonListText();
         throw OptionError("--lesson: there is no lesson \"" + options.lesson + '"');
     }
-    watchForEnd();
+    watchForStop();
     const std::string title = "第 " + options.lesson + " 课：" + lesson->title;
     if (!options.device.empty()) {
         DeviceFront front(lessonCamera(*lesson), options.device);

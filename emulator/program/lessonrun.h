@@ -6,21 +6,20 @@
 
 namespace emulator {
 
-/// Serves a lesson's camera on a front and moves its plug. The plug of a front that has none is the camera's
-/// silence.
+/// Runs a lesson on the front of its camera and moves the plug. Without a plug it silences the camera
+/// instead.
 class LessonRun {
 public:
     using Say = std::function<void(const std::string& line)>;
     using MovePlug = std::function<void(bool in)>;
 
-    /// The lesson and the front, with a camera of type ostra, outlive the run. An empty movePlug: the front
-    /// has no plug.
+    /// The lesson and the front, with a camera of type ostra, outlive the run. Empty movePlug: no plug.
     LessonRun(const Lesson& lesson, CameraFront& front, Say say, MovePlug movePlug = {});
 
-    /// To be called several times a second.
+    /// Call it several times a second.
     void look();
     [[nodiscard]] bool solved() const { return m_coach.solved(); }
-    /// The plug is out: that the line is gone means nothing.
+    /// True while the plug is out; a lost line is then no failure.
     [[nodiscard]] bool unplugged() const { return m_unplugged; }
 
 private:

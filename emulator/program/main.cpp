@@ -1,4 +1,4 @@
-// virtual-camera: serves a virtual camera until it is told to end.
+// virtual-camera: serves a virtual camera until a stop is requested.
 #include "emulator/lessons/lessons.h"
 #include "emulator/line/devicefront.h"
 #include "emulator/line/terminalcamera.h"
@@ -9,7 +9,6 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
-#include <thread>
 
 namespace {
 
@@ -59,29 +58,27 @@ VirtualCamera makeCamera(const Options& options) {
     return camera;
 }
 
-int serveUntilEnd(CameraFront& front, const Options& options, const std::string& place) {
+int serveUntilStop(CameraFront& front, const Options& options, const std::string& place) {
     front.setPace(options.bytesPerSecond);
     const CameraSettings& settings = options.settings;
     std::cout << "serving a camera of type " << static_cast<std::uint32_t>(settings.type) << ", address "
               << static_cast<unsigned>(settings.address) << ", " << settings.baudRate << " baud, on " << place
               << std::endl;
-    while (!endAsked() && front.lineOpen())
-        std::this_thread::sleep_for(lookEvery);
-    if (endAsked())
+    if (waitWhile([&front] { return front.lineOpen(); }))
         return done;
     printFailure("the line is gone");
     return lineLost;
 }
 
 int serve(const Options& options) {
-    watchForEnd();
+    watchForStop();
     if (!options.device.empty()) {
         DeviceFront front(makeCamera(options), options.device);
-        return serveUntilEnd(front, options, options.device);
+        return serveUntilStop(front, options, options.device);
     }
     const TerminalCamera terminal = serveOnNewTerminal(makeCamera(options), options.link);
     const std::string link = options.link.empty() ? std::string() : " (" + options.link + ")";
-    return serveUntilEnd(*terminal.front, options, terminal.portName + link);
+    return serveUntilStop(*terminal.front, options, terminal.portName + link);
 }
 
 } // namespace

@@ -14,6 +14,7 @@ using Action = Options::Action;
 
 constexpr std::array<std::string_view, 5> typeNames = {"ostra", "dorvel", "sales-static", "quenta",
                                                        "sales-dynamic"};
+static_assert(typeNames.size() == protocol::cameraTypes.size());
 
 /// "0 ostra, 1 dorvel, ..."
 std::string knownTypes() {
@@ -52,7 +53,7 @@ OptionError wrongValue(const CLI::Option& option) {
 
 using SetText = std::function<void(const std::string& text)>;
 
-/// Given twice, the last one counts.
+/// The last value of a repeated option counts.
 CLI::Option* addText(CLI::App& app, const std::string& name, const std::string& parameter,
                      const std::string& help, const SetText& set) {
     const auto setIt = [&app, name, set](const std::string& text) {
@@ -82,7 +83,7 @@ void addFlag(CLI::App& app, const std::string& name, const std::string& help,
     app.add_flag_callback(name, set, help)->disable_flag_override();
 }
 
-/// Options of the camera and its line. The settings of the type come first: others change them.
+/// Options of the camera and its line. --type comes first: the others change its settings.
 void addCamera(CLI::App& app, Options& o) {
     addText(app, "--type", "TYPE", knownTypes() + "; a number or a name (0)",
             [&o](const std::string& text) { o.settings = settingsForType(typeIn(text)); });
@@ -140,9 +141,9 @@ void addModes(CLI::App& app, Options& o) {
     addFlag(app, "--help", "print this", [&o] { o.action = Action::help; });
 }
 
-/// The options in the order in which they take effect and are listed; the fields outlive the app.
+/// Options take effect and are listed in this order; the fields outlive the app.
 void addOptions(CLI::App& app, Options& options) {
-    app.set_help_flag(); // --help is a mode like others
+    app.set_help_flag(); // --help is one of the modes
     app.allow_windows_style_options(false);
     app.allow_extras();
     addCamera(app, options);
@@ -160,7 +161,7 @@ void refuseEmptyValues(const CLI::App& app, const std::vector<std::string>& argu
     }
 }
 
-/// The parser's own sentence begins with the option's name, of a flag without its dashes.
+/// The parser's sentence begins with the option's name; a flag's name has no dashes there.
 OptionError described(const CLI::App& app, const CLI::ParseError& error) {
     const std::string sentence = error.what();
     const std::string name = sentence.substr(0, sentence.find_first_of(": "));
@@ -199,8 +200,8 @@ Options parseOptions(const std::vector<std::string>& arguments) {
     addOptions(app, options);
     refuseEmptyValues(app, arguments);
     try {
-        app.parse(
-            std::vector<std::string>(arguments.rbegin(), arguments.rend())); // it takes them from the back
+        app.parse(std::vector<std::string>(arguments.rbegin(),
+                                           arguments.rend())); // the parser takes them from the back
     } catch (const CLI::ParseError& error) {
         throw described(app, error);
     }
@@ -237,7 +238,7 @@ std::string faultListText() {
     text
         << "\nrequests: any, a code on the line (0x02), or a name; \":id\" after it picks the first payload\n"
            "byte (getProperty:15)\n\n";
-    for (const trace::RequestName& name : trace::requestNames())
+    for (const protocol::RequestName& name : protocol::requestNames())
         text << "  " << padded(std::string(name.name), 24) << name.words << "\n";
     return text.str();
 }

@@ -22,14 +22,14 @@ struct Options {
     std::vector<Fault> faults;
 
     std::string tapDevice;  ///< the camera's serial device
-    std::string recordFile; ///< empty: a name that says when
+    std::string recordFile; ///< empty: a name with the time
     bool blankSerials = false;
     std::string replayFile;
     bool atOnce = false;
-    std::string lesson; ///< its number
+    std::string lesson; ///< number of the lesson
 };
 
-/// What is wrong with the command line, for people.
+/// Error of the command line; what() is for people.
 class OptionError : public std::invalid_argument {
 public:
     using std::invalid_argument::invalid_argument;

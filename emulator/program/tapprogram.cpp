@@ -1,6 +1,6 @@
 // The modes --tap and --replay of virtual-camera.
 #include "emulator/line/linetap.h"
-#include "emulator/line/replayservice.h"
+#include "emulator/line/replayfront.h"
 #include "emulator/line/toolline.h"
 #include "emulator/program/console.h"
 #include "trace/recordingfile.h"
@@ -23,7 +23,7 @@ trace::RecordingHead headFor(const Options& options, WallClock::time_point now) 
     return head;
 }
 
-/// The line that leads to the tool: a new pseudo-terminal, or a device, such as one COM port of a pair.
+/// The line to the tool: a new pseudo-terminal, or a device, such as one COM port of a pair.
 std::unique_ptr<ByteLine> openFarLine(const Options& options) {
     return options.device.empty() ? openToolLine(options.link)
                                   : openDeviceLine(options.device, options.settings.baudRate);
@@ -32,7 +32,7 @@ std::unique_ptr<ByteLine> openFarLine(const Options& options) {
 } // namespace
 
 int runTap(const Options& options) {
-    watchForEnd(); // before there is a link that only an orderly end removes
+    watchForStop(); // before the link exists, which only an orderly end removes
     const std::string path =
         options.recordFile.empty() ? trace::freshRecordingName(WallClock::now()) : options.recordFile;
     const auto camera = openDeviceLine(options.tapDevice, options.settings.baudRate);
@@ -44,8 +44,7 @@ int runTap(const Options& options) {
     LineTap tap(*tool, *camera, std::move(recorder));
     std::cout << "passing " << tool->name() << " on to " << camera->name() << " at "
               << options.settings.baudRate << " baud, recording to " << path << std::endl;
-    while (!endAsked() && tap.running())
-        std::this_thread::sleep_for(lookEvery);
+    waitWhile([&tap] { return tap.running(); });
     tap.stop();
     if (tap.failure().empty())
         return done;
@@ -54,13 +53,14 @@ int runTap(const Options& options) {
 }
 
 int runReplay(const Options& options) {
-    watchForEnd();
+    watchForStop();
     ReplayCamera camera(trace::loadRecording(options.replayFile), options.atOnce);
     camera.onEvent(&printEvent);
     const auto line = openFarLine(options);
     std::cout << "answering " << camera.requests() << " requests of " << options.replayFile << " on "
               << line->name() << std::endl;
-    if (serveReplay(camera, *line, [] { return endAsked(); }))
+    const ReplayFront front(camera, *line);
+    if (waitWhile([&front] { return front.lineOpen(); }))
         return done;
     printFailure("the line is gone: " + line->name());
     return lineLost;

@@ -16,8 +16,11 @@ namespace protocol {
 /// Frames, payloads, answers, picture data and property values.
 using Bytes = std::vector<std::uint8_t>;
 
-/// Place of one unsigned little-endian field inside a frame, payload or record.
-/// Layouts are declared as constants of this type and never indexed by hand.
+/// MD5 digest of a picture or an upload file, bytes.
+inline constexpr std::size_t digestSize = 16;
+
+/// Place of one unsigned little-endian field inside a frame, payload or record. Layouts are constants of this
+/// type; no code indexes bytes by hand.
 template <std::unsigned_integral T>
 struct Field {
     std::size_t offset;
@@ -31,8 +34,8 @@ struct ShortAnswer : std::runtime_error {
     ShortAnswer() : std::runtime_error("answer too short") {}
 };
 
-/// A borrowed, read-only, bounds-checked look at bytes. It never reads past its end:
-/// a missing field is an exception, a missing slice is empty.
+/// Borrowed, read-only, bounds-checked bytes. Reading a field past the end throws; a slice past the end is
+/// empty.
 class ByteView {
 public:
     constexpr ByteView() = default;
@@ -60,7 +63,7 @@ public:
         return static_cast<T>(value);
     }
 
-    /// Bytes [first, last), cut to what is there; empty when first is at or beyond the end.
+    /// Bytes [first, last), cut at the end; empty when first is at or beyond the end.
     [[nodiscard]] constexpr ByteView range(std::size_t first, std::size_t last) const {
         last = std::min(last, m_bytes.size());
         return first < last ? ByteView(m_bytes.subspan(first, last - first)) : ByteView();

@@ -1,4 +1,4 @@
-// The types of cameras: one table for whoever shows, chooses or imitates them.
+// The types of cameras: one table for the client, the windows and the virtual camera.
 #pragma once
 
 #include <array>
@@ -15,13 +15,12 @@ enum class CameraType : std::uint32_t {
     salesDynamic = 4
 };
 
-/// Which commands a camera has for its pictures; V1 cameras also take application images by the second
-/// protocol.
+/// Picture commands of a camera. V1 cameras also take application images by the second protocol.
 enum class PictureCommands : std::uint8_t { origin, v1, json };
 
 struct CameraTypeInfo {
     CameraType type;
-    std::string_view name; ///< as technicians know it, UTF-8
+    std::string_view name; ///< shown to technicians, UTF-8
     std::uint8_t usualAddress;
     std::uint32_t baudRate;
     PictureCommands pictures;
@@ -36,7 +35,7 @@ inline constexpr std::array cameraTypes{
     CameraTypeInfo{CameraType::salesDynamic, "动销-动态", 2, 460800, PictureCommands::v1},
 };
 
-/// A number that is no type counts as the first.
+/// The first type for an unknown number.
 [[nodiscard]] constexpr const CameraTypeInfo& cameraTypeInfo(std::uint32_t number) {
     return number < cameraTypes.size() ? cameraTypes[number] : cameraTypes.front();
 }
@@ -45,7 +44,7 @@ inline constexpr std::array cameraTypes{
 }
 static_assert(infoOf(CameraType::salesDynamic).type == CameraType::salesDynamic);
 
-/// The rates that cameras of any type are set to, the usual one first.
+/// Baud rates of cameras of any type, the usual one first.
 inline constexpr std::array<std::uint32_t, 4> baudRates{460800, 230400, 115200, 9600};
 
 } // namespace protocol

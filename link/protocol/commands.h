@@ -1,14 +1,13 @@
 // Every command code and property id that travels in a frame.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <string_view>
+#include "link/protocol/bytes.h"
 
 namespace protocol {
 
 enum class Command : std::uint16_t {
-    callers = 0x100, ///< no code: the caller of the command gives it
+    callers = 0x100, ///< not on the line: the caller of the command gives the code
+    json = 0x101,    ///< not on the line: a JSON envelope has no code
     heartbeat = 0x01,
     getProperty = 0x02,
     setProperty = 0x03,
@@ -36,6 +35,11 @@ enum class Command : std::uint16_t {
     return static_cast<std::uint8_t>(static_cast<std::uint16_t>(command) & 0xFFU);
 }
 
+/// True for the codes that the picture-command offset shifts.
+[[nodiscard]] constexpr bool isOriginPictureCode(std::uint8_t value) {
+    return value >= code(Command::originCapture) && value <= code(Command::originRead);
+}
+
 /// Properties of the camera. Values are unsigned bytes unless said otherwise.
 enum class PropertyId : std::uint8_t {
     appVersion = 0x02,   ///< text
@@ -46,7 +50,7 @@ enum class PropertyId : std::uint8_t {
     captureReserve = 12,   ///< meaning known to the camera only; read and logged
     gyroSwitch = 13,       ///< 1 = on, else off
     heaterDuty = 15,       ///< percent
-    orientation = 16,      ///< unsigned 32-bit, little-endian; every read gives the next quantity
+    orientation = 16,      ///< orientation_value; every read gives the next quantity
     systemVersion = 0x15,  ///< text
     modelInfo = 0xCC,      ///< text
     qvVersion = 0xD4,      ///< text
@@ -56,8 +60,13 @@ enum class PropertyId : std::uint8_t {
     return static_cast<std::uint8_t>(id);
 }
 
-/// Pitch, roll, yaw, acceleration.
-inline constexpr std::size_t orientationQuantities = 4;
+/// Value of property 16.
+namespace orientation_value {
+inline constexpr Field<std::uint32_t> quantity{0};
+inline constexpr std::size_t quantities = 4; ///< pitch, roll, yaw, acceleration
+/// The quantity's three upper bytes when the camera cannot tell it; the lowest may hold anything.
+inline constexpr std::uint32_t unknown = 0x7FFFFF;
+} // namespace orientation_value
 
 /// The gyro test: a raw read without a frame in the answer.
 namespace gyro_test {

@@ -1,4 +1,4 @@
-// The exchange rules: one row per request, to be laid beside the protocol's own table.
+// The exchange rules: one row per request, in the columns of docs/protocol.md.
 #pragma once
 
 #include "link/protocol/commands.h"
@@ -9,16 +9,16 @@
 
 namespace protocol {
 
-/// How the answer is collected.
+/// Method of reading the answer.
 enum class Reading : std::uint8_t {
-    none,   ///< no read at all
-    once,   ///< one read of readSize bytes; whatever came is the answer
-    frame,  ///< up to `tries` reads of readSize bytes until exactly one frame is held
+    none,   ///< no read
+    once,   ///< one read of readSize bytes; the bytes received are the answer
+    frame,  ///< up to `tries` reads of readSize bytes, until they are exactly one frame
     json,   ///< the same with the JSON envelope
-    blocks, ///< reads of readSize bytes until the wanted count is held; no limit of its own
+    blocks, ///< reads of readSize bytes until the wanted count is complete; no limit on the number of reads
 };
 
-/// What is logged of the request frame before it is sent.
+/// Log of the request frame before it is sent.
 enum class RequestLog : std::uint8_t {
     none,
     sdata, ///< "sdata:" and the value, a line per byte
@@ -27,16 +27,16 @@ enum class RequestLog : std::uint8_t {
     every, ///< "every:" and the value in hexadecimal, a line per byte; the log stays hexadecimal
 };
 
-/// Marks of the columns below.
-inline constexpr std::nullopt_t kept = std::nullopt; ///< time-outs stay as the previous command set them
-inline constexpr bool discard = true;                ///< input received so far is thrown away first
-inline constexpr bool flush = true;                  ///< pending output is pushed out before the request
+/// Values of the columns below.
+inline constexpr std::nullopt_t kept = std::nullopt; ///< timeouts stay as the previous command set them
+inline constexpr bool discard = true;                ///< discards received input first
+inline constexpr bool flush = true;                  ///< flushes pending output before the request
 inline constexpr bool no = false;
 
 struct ExchangeRule {
     std::string_view name;
     Command command;
-    std::optional<std::uint32_t> timeoutMs; ///< read and write time-out constant, or `kept`
+    std::optional<std::uint32_t> timeoutMs; ///< read and write timeout constant, or `kept`
     bool discardInput;
     bool flushOutput;
     Reading reading;
@@ -92,7 +92,7 @@ inline constexpr ExchangeRule getTargetPicV1
     {"getTargetPicV1",                 Command::readV1,          kept,   no,      flush, blocks,  512,    0, RequestLog::sdata};
 inline constexpr ExchangeRule getPicInfosV1
     {"getPicInfosV1",                  Command::catalogueV1,     1000,   discard, flush, frame,  1024,   50};
-inline constexpr ExchangeRule takePicDelete // the first exchange of takePic sets the time-outs of all five
+inline constexpr ExchangeRule takePicDelete // the first exchange of takePic sets the timeouts of all five
     {"takePic delete",                 Command::originDelete,    1000,   no,      flush, frame,   512,   10};
 inline constexpr ExchangeRule takePicCapture
     {"takePic capture",                Command::originCapture,   kept,   no,      flush, frame,   100,   10};
@@ -103,24 +103,24 @@ inline constexpr ExchangeRule takePicRead
 inline constexpr ExchangeRule takePicDeleteAgain
     {"takePic delete again",           Command::originDelete,    kept,   no,      flush, frame,   512,   10};
 inline constexpr ExchangeRule quentaProperty
-    {"getQuentaModbusProperty",        Command::callers,           50,   no,      flush, json,   1000,   10};
+    {"getQuentaModbusProperty",        Command::json,              50,   no,      flush, json,   1000,   10};
 inline constexpr ExchangeRule quentaFirstChunk
-    {"getQuentaModbusPic first chunk", Command::callers,           50,   no,      flush, json,   1000,   50};
+    {"getQuentaModbusPic first chunk", Command::json,              50,   no,      flush, json,   1000,   50};
 inline constexpr ExchangeRule quentaLaterChunk
-    {"getQuentaModbusPic later chunk", Command::callers,         kept,   no,      flush, json,   1000, 5000};
+    {"getQuentaModbusPic later chunk", Command::json,            kept,   no,      flush, json,   1000, 5000};
 inline constexpr ExchangeRule appUpdate
     {"appUpdate",                      Command::appAnnounce,     1000,   no,      flush, frame,    15,   10, RequestLog::every};
 inline constexpr ExchangeRule firewareUpdate
     {"firewareUpdate",                 Command::firewareAnnounce,1000,   no,      flush, frame,    15,   10, RequestLog::cert};
 inline constexpr ExchangeRule modelUpdate
     {"modelUpdate",                    Command::modelAnnounce,   1000,   no,      flush, frame,    15,   10, RequestLog::every};
-inline constexpr ExchangeRule appUpdateV1Announce // time-outs are set once before the five of them
+inline constexpr ExchangeRule appUpdateV1Announce // timeouts are set once, before all five
     {"appUpdateV1 announcement",       Command::appV1Announce,   kept,   no,      flush, frame,    15,   10};
 inline constexpr ExchangeRule appUpdateV1Closing
     {"appUpdateV1 closing packet",     Command::appV1Packet,     kept,   no,      flush, frame,    15,   30};
 // clang-format on
 
-/// Reads that end an upload: 15 bytes each, tries by kind.
+/// Reads of an upload's verdict: 15 bytes each, tries by kind.
 inline constexpr std::uint32_t verdictReadSize = 15;
 inline constexpr std::int32_t appVerdictTries = 10;
 inline constexpr std::int32_t modelVerdictTries = 30;
@@ -164,12 +164,12 @@ inline constexpr std::array all{
 
 } // namespace rules
 
-/// Values outside the table that belong to the exchange.
+/// Timeouts outside the table.
 inline constexpr std::uint32_t appV1ReadTimeoutMs = 200;
 inline constexpr std::uint32_t appV1WriteTimeoutMs = 2000;
 inline constexpr std::uint32_t appV1AnnounceTimeoutMs = 1000;
-inline constexpr std::uint32_t namedPortTimeoutMs = 50; ///< until the first command, port given by name
+inline constexpr std::uint32_t namedPortTimeoutMs = 50; ///< until the first command; port given by name
 inline constexpr std::uint32_t onlyPortTimeoutMs =
-    5000; ///< until the first command, port picked by the client
+    5000; ///< until the first command; port picked by the client
 
 } // namespace protocol

@@ -34,6 +34,11 @@ Bytes buildFrame(std::uint8_t command, ByteView payload, std::uint8_t address) {
     return frame;
 }
 
+bool startsAs(ByteView bytes, const AnswerForm& form) {
+    return bytes.has(frame_layout::start1) && bytes.get(frame_layout::start1) == form.start1 &&
+           (!bytes.has(frame_layout::start2) || bytes.get(frame_layout::start2) == form.start2);
+}
+
 std::size_t leadingGarbage(ByteView buffer, const AnswerForm& form) {
     std::size_t dropped = 0;
     const std::uint8_t* const bytes = buffer.begin();
@@ -44,13 +49,22 @@ std::size_t leadingGarbage(ByteView buffer, const AnswerForm& form) {
 }
 
 bool isWholeAnswer(ByteView buffer, const AnswerForm& form) {
-    return buffer.size() >= leastAnswerSize && buffer.get(frame_layout::start1) == form.start1 &&
-           buffer.get(frame_layout::start2) == form.start2 && form.statedSize(buffer) == buffer.size();
+    return buffer.size() >= leastAnswerSize && startsAs(buffer, form) &&
+           form.statedSize(buffer) == buffer.size();
+}
+
+ByteView withoutCheckCode(ByteView bytes) {
+    return bytes.range(0, bytes.size() - std::min(bytes.size(), frame_layout::checkCodeSize));
+}
+
+ByteView payloadOf(ByteView frame) {
+    const ByteView fields = withoutCheckCode(frame);
+    return fields.range(frame_layout::headerSize, fields.size());
 }
 
 ByteView propertyValue(ByteView answer) {
-    return answer.range(answer_layout::propertyValue,
-                        answer.size() - std::min(answer.size(), frame_layout::checkCodeSize));
+    const ByteView payload = payloadOf(answer);
+    return payload.range(property_answer::value, payload.size());
 }
 
 Bytes heartbeatBytes(ByteView answer) {
@@ -67,12 +81,12 @@ std::string heartbeatText(ByteView answer) {
 }
 
 bool isHeartbeatAnswer(ByteView answer) {
-    // The text has no leading zeros, so other bytes can give the same text; the fields settle it.
+    // Different bytes can give the same text, which has no leading zeros; therefore the fields are checked
+    // too.
     return heartbeatText(answer) == "AA5A110001" && answer.size() == frameOverhead + 1 &&
-           answer.get(frame_layout::start1) == frameStart1 &&
-           answer.get(frame_layout::start2) == frameStart2 &&
-           answer.get(frame_layout::command) == code(Command::heartbeat) &&
-           answer.get(frame_layout::payloadLength) == 1 && answer.get(answer_layout::status) == 1;
+           startsAs(answer, frameForm) && answer.get(frame_layout::command) == code(Command::heartbeat) &&
+           answer.get(answer_layout::status) == heartbeatAlive &&
+           answer.get(frame_layout::payloadLength) == 1;
 }
 
 std::string unpaddedHexText(ByteView bytes) {

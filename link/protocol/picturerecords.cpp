@@ -4,19 +4,31 @@ namespace protocol {
 
 namespace {
 
-constexpr std::size_t firstRecord = answer_layout::status.end(); // after the count byte
 constexpr std::size_t originLeastAnswer = 36;
+
+void readTail(ByteView record, const RecordTail& tail, PictureInfo& info) {
+    info.triggerType = record.get(tail.triggerType);
+    info.triggerAngle = record.get(tail.triggerAngle);
+    info.creationTime = record.get(tail.creationTime);
+    info.fileSize = record.get(tail.fileSize);
+    info.digest = record.range(tail.digest, tail.end).toBytes();
+}
+
+void putTail(Bytes& record, const RecordTail& tail, const PictureInfo& info) {
+    put(record, tail.triggerType, info.triggerType);
+    put(record, tail.triggerAngle, info.triggerAngle);
+    put(record, tail.creationTime, info.creationTime);
+    put(record, tail.fileSize, info.fileSize);
+    append(record, info.digest);
+    record.resize(tail.end, 0);
+}
 
 } // namespace
 
 PictureInfo parseOriginRecord(ByteView record) {
     PictureInfo info;
     info.id = record.get(origin_record::id);
-    info.triggerType = record.get(origin_record::triggerType);
-    info.triggerAngle = record.get(origin_record::triggerAngle);
-    info.creationTime = record.get(origin_record::creationTime);
-    info.fileSize = record.get(origin_record::fileSize);
-    info.digest = record.range(origin_record::digest, origin_record::size).toBytes();
+    readTail(record, origin_record::tail, info);
     return info;
 }
 
@@ -25,23 +37,14 @@ PictureInfo parseV1Record(ByteView record) {
     info.id = record.get(v1_record::id);
     info.date = record.get(v1_record::date);
     info.gid = record.get(v1_record::gid);
-    info.triggerType = record.get(v1_record::triggerType);
-    info.triggerAngle = record.get(v1_record::triggerAngle);
-    info.creationTime = record.get(v1_record::creationTime);
-    info.fileSize = record.get(v1_record::fileSize);
-    info.digest = record.range(v1_record::digest, v1_record::size).toBytes();
+    readTail(record, v1_record::tail, info);
     return info;
 }
 
 Bytes buildOriginRecord(const PictureInfo& info) {
     Bytes record;
     put(record, origin_record::id, static_cast<std::uint8_t>(info.id & 0xFFU));
-    put(record, origin_record::triggerType, info.triggerType);
-    put(record, origin_record::triggerAngle, info.triggerAngle);
-    put(record, origin_record::creationTime, info.creationTime);
-    put(record, origin_record::fileSize, info.fileSize);
-    append(record, info.digest);
-    record.resize(origin_record::size, 0);
+    putTail(record, origin_record::tail, info);
     return record;
 }
 
@@ -50,18 +53,13 @@ Bytes buildV1Record(const PictureInfo& info) {
     put(record, v1_record::id, info.id);
     put(record, v1_record::date, info.date);
     put(record, v1_record::gid, info.gid);
-    put(record, v1_record::triggerType, info.triggerType);
-    put(record, v1_record::triggerAngle, info.triggerAngle);
-    put(record, v1_record::creationTime, info.creationTime);
-    put(record, v1_record::fileSize, info.fileSize);
-    append(record, info.digest);
-    record.resize(v1_record::size, 0);
+    putTail(record, v1_record::tail, info);
     return record;
 }
 
 std::vector<ByteView> catalogueRecords(ByteView answer, std::size_t recordSize) {
     std::vector<ByteView> records;
-    for (std::size_t at = firstRecord; at + recordSize - 1 < answer.size(); at += recordSize)
+    for (std::size_t at = catalogueRecordsAt; at + recordSize - 1 < answer.size(); at += recordSize)
         records.push_back(answer.range(at, at + recordSize));
     return records;
 }
@@ -69,12 +67,13 @@ std::vector<ByteView> catalogueRecords(ByteView answer, std::size_t recordSize) 
 Bytes pictureSizeBytes(ByteView answer, std::uint8_t id) {
     if (answer.size() < originLeastAnswer)
         return {1, 1, 1, 1};
-    std::uint8_t at = firstRecord;
-    // The index wraps at 256 and visits each of its values at most once.
+    std::uint8_t at = catalogueRecordsAt;
+    // The index wraps at 256 and takes each value at most once.
     for (int steps = 0; steps < 256 && at + origin_record::size - 1 < answer.size(); ++steps) {
         const ByteView record = answer.range(at, at + origin_record::size);
         if (record.get(origin_record::id) == id)
-            return record.range(origin_record::fileSize.offset, origin_record::fileSize.end()).toBytes();
+            return record.range(origin_record::tail.fileSize.offset, origin_record::tail.fileSize.end())
+                .toBytes();
         at = static_cast<std::uint8_t>(at + origin_record::size);
     }
     return {1, 1, 1, 1};

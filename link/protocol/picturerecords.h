@@ -7,17 +7,24 @@
 
 namespace protocol {
 
-inline constexpr std::size_t digestSize = 16;
+/// Fields in which the records of both generations end.
+struct RecordTail {
+    Field<std::uint8_t> triggerType;
+    Field<std::uint8_t> triggerAngle;
+    Field<std::uint32_t> creationTime;
+    Field<std::uint32_t> fileSize;
+    std::size_t digest;
+    std::size_t end;
+};
+[[nodiscard]] constexpr RecordTail recordTailAt(std::size_t offset) {
+    return {{offset}, {offset + 1}, {offset + 2}, {offset + 6}, offset + 10, offset + 10 + digestSize};
+}
 
 /// First-generation catalogue record, 27 bytes.
 namespace origin_record {
 inline constexpr Field<std::uint8_t> id{0};
-inline constexpr Field<std::uint8_t> triggerType{1};
-inline constexpr Field<std::uint8_t> triggerAngle{2};
-inline constexpr Field<std::uint32_t> creationTime{3};
-inline constexpr Field<std::uint32_t> fileSize{7};
-inline constexpr std::size_t digest = 11;
-inline constexpr std::size_t size = digest + digestSize;
+inline constexpr RecordTail tail = recordTailAt(id.end());
+inline constexpr std::size_t size = tail.end;
 static_assert(size == 27);
 } // namespace origin_record
 
@@ -26,16 +33,12 @@ namespace v1_record {
 inline constexpr Field<std::uint16_t> id{0};
 inline constexpr Field<std::uint32_t> date{2};
 inline constexpr Field<std::uint8_t> gid{6};
-inline constexpr Field<std::uint8_t> triggerType{7};
-inline constexpr Field<std::uint8_t> triggerAngle{8};
-inline constexpr Field<std::uint32_t> creationTime{9};
-inline constexpr Field<std::uint32_t> fileSize{13};
-inline constexpr std::size_t digest = 17;
-inline constexpr std::size_t size = digest + digestSize;
+inline constexpr RecordTail tail = recordTailAt(gid.end());
+inline constexpr std::size_t size = tail.end;
 static_assert(size == 33);
 } // namespace v1_record
 
-/// A catalogue record of either generation, read.
+/// Values of a catalogue record of either generation.
 struct PictureInfo {
     std::uint16_t id = 0;
     std::uint32_t date = 0; ///< V1 only
@@ -47,18 +50,18 @@ struct PictureInfo {
     Bytes digest;                   ///< MD5 of the picture, 16 bytes
 };
 
-/// Both throw ShortAnswer for fewer bytes than a record has.
+/// Both throw ShortAnswer when the bytes end before a field.
 [[nodiscard]] PictureInfo parseOriginRecord(ByteView record);
 [[nodiscard]] PictureInfo parseV1Record(ByteView record);
 
-/// The inverse, for the camera's side.
+/// The camera's side.
 [[nodiscard]] Bytes buildOriginRecord(const PictureInfo& info);
 [[nodiscard]] Bytes buildV1Record(const PictureInfo& info);
 
-/// One record of a catalogue: a copy of its own of 27 (first generation) or 33 (V1) bytes.
+/// A copy of one catalogue record: 27 (first generation) or 33 (V1) bytes.
 using RecordBytes = std::unique_ptr<std::uint8_t[]>;
 
-/// What the two generations of records differ in.
+/// Differences between the two generations of records.
 struct RecordForm {
     std::size_t size; ///< bytes
     PictureInfo (*parse)(ByteView record);
@@ -66,15 +69,15 @@ struct RecordForm {
 inline constexpr RecordForm originRecordForm{origin_record::size, &parseOriginRecord};
 inline constexpr RecordForm v1RecordForm{v1_record::size, &parseV1Record};
 
-/// The records of a catalogue answer, in order. They are counted from the answer's length, never from its
-/// count byte; a trailing part of a record is left out.
+/// The records of a catalogue answer, in order. Their number follows from the answer's length, never from its
+/// count byte; an incomplete last record is left out.
 [[nodiscard]] std::vector<ByteView> catalogueRecords(ByteView answer, std::size_t recordSize);
 
-/// Size field of the record with this id in a first-generation catalogue answer, as its four bytes;
-/// four times 1 when there is none (cameras then send what they have). The walk counts its index modulo 256.
+/// The four bytes of the size field in the record with this id of a first-generation catalogue answer; four
+/// times 1 without such a record (cameras then send what they have). The search counts its index modulo 256.
 [[nodiscard]] Bytes pictureSizeBytes(ByteView answer, std::uint8_t id);
 
-/// Ids that mean every picture.
+/// Ids of a deletion that mean every picture.
 inline constexpr std::uint8_t originDeleteAll = 0xFF;
 inline constexpr std::uint16_t v1DeleteAll = 0xFFFF;
 
@@ -83,7 +86,12 @@ inline constexpr std::uint16_t v1DeleteAll = 0xFFFF;
 /// Two bytes for v1DeleteAll, else id, date and gid of the record (7 bytes).
 [[nodiscard]] Bytes v1DeleteRequest(std::uint16_t id, std::uint32_t date, std::uint8_t gid);
 
-/// Payloads of the picture requests, as the camera reads them.
+/// Payloads of the picture requests.
+namespace origin_delete_request {
+inline constexpr Field<std::uint8_t> id{0};
+inline constexpr std::size_t size = id.end();
+} // namespace origin_delete_request
+
 namespace origin_read_request {
 inline constexpr Field<std::uint8_t> id{0};
 inline constexpr Field<std::uint32_t> startOffset{1};
@@ -108,6 +116,15 @@ inline constexpr std::size_t size = gid.end();
 inline constexpr std::size_t allSize = id.end();
 static_assert(size == 7 && allSize == 2);
 } // namespace v1_delete_request
+
+/// Payload of a first-generation capture answer; V1 cameras send the status only.
+namespace capture_answer {
+inline constexpr Field<std::uint8_t> status = status_answer::status;
+inline constexpr Field<std::uint8_t> id{1};
+} // namespace capture_answer
+
+/// Catalogue answer: frame header, count byte, records, check code.
+inline constexpr std::size_t catalogueRecordsAt = answer_layout::status.end();
 
 /// Transfer answer: frame header, read result, picture, check code.
 inline constexpr std::size_t transferOverhead = frameOverhead + 1;

@@ -2,6 +2,7 @@
 #include "link/camerasp.h"
 #include "link/protocol/commands.h"
 #include "link/protocol/crc16.h"
+#include "link/protocol/door.h"
 #include "link/protocol/frame.h"
 #include "link/protocol/jsonenvelope.h"
 #include "link/protocol/uploads.h"
@@ -104,7 +105,7 @@ std::function<Bytes()> doorFrame(bool open, int number) {
                 camera.opDoor(open);
         };
         Bytes door = writesOf(doors).at(static_cast<std::size_t>(number));
-        put(door, inPayload<std::uint32_t>(1), exampleTime);
+        put(door, inFrame(door_layout::secondsSinceEpoch), exampleTime);
         const ByteView payload =
             ByteView(door).range(frame_layout::headerSize, door.size() - frame_layout::checkCodeSize);
         return buildFrame(ByteView(door).get(frame_layout::command), payload,

@@ -26,6 +26,7 @@ std::string hexByte(unsigned value) {
 std::string nameOf(Command command) {
     switch (command) {
     case Command::callers:
+    case Command::json:
         return {};
     case Command::heartbeat:
         return "heartbeat";

@@ -2,8 +2,8 @@
 
 #include "emulator/camera/virtualcamera.h"
 #include "link/protocol/commands.h"
+#include "link/protocol/requests.h"
 #include "trace/hextext.h"
-#include "trace/requests.h"
 
 using namespace std::chrono_literals;
 using emulator::CameraRecord;
@@ -61,10 +61,10 @@ QString milliseconds(Time time) {
 QString describe(const ReceivedFrame& frame) {
     emulator::RequestKey key{frame.code, frame.code, std::nullopt};
     if (frame.json)
-        key = {trace::jsonCode, trace::jsonCode, std::nullopt};
+        key = {protocol::jsonCode, protocol::jsonCode, std::nullopt};
     else if (!frame.payload.empty())
         key.detail = frame.payload.front();
-    const trace::RequestName* const name = trace::nameOf(key);
+    const protocol::RequestName* const name = protocol::nameOf(key);
     QString text = name == nullptr ? "unknown request" : QString::fromStdString(std::string(name->words));
     if (key.detail)
         text += " (id " + QString::number(*key.detail) + ")";

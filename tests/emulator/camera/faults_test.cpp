@@ -77,7 +77,7 @@ TEST(FaultTable, NamesEveryKindOnceAndInOrder) {
 }
 
 TEST(FaultTable, RequestNamesAreFoundByTheirOwnText) {
-    for (const RequestName& name : requestNames()) {
+    for (const protocol::RequestName& name : protocol::requestNames()) {
         const auto selector = parseSelector(name.name);
         ASSERT_TRUE(selector) << name.name;
         EXPECT_TRUE(selector->matches({name.code, name.code, name.detail})) << name.name;

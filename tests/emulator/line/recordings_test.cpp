@@ -2,7 +2,7 @@
 // recording.
 #include "emulator/line/linetap.h"
 #include "emulator/line/ptyfront.h"
-#include "emulator/line/replayservice.h"
+#include "emulator/line/replayfront.h"
 #include "emulator/line/toolline.h"
 #include "tests/emulator/line/recordedsession.h"
 #include "trace/recordingfile.h"
@@ -64,15 +64,12 @@ std::vector<std::string> record(const Kept& kept, const std::string& path) {
 std::vector<std::string> replay(const Kept& kept, bool atOnce, std::size_t& unknown) {
     ReplayCamera camera(loadRecording(keptPath(kept)), atOnce);
     const auto line = openToolLine({});
-    std::atomic<bool> end = false;
-    std::thread server([&] { serveReplay(camera, *line, [&end] { return end.load(); }); });
     std::vector<std::string> results;
     {
+        const ReplayFront front(camera, *line);
         CameraSp client(line->name(), anyRate);
         results = runSession(kept.type, client);
     }
-    end = true;
-    server.join();
     unknown = camera.unknownRequests();
     return results;
 }

@@ -24,7 +24,7 @@ TEST(Program, ListFaultsNamesEveryKindAndRequest) {
     const std::string list = Program::text("out");
     for (const FaultKindInfo& info : faultKinds())
         EXPECT_THAT(list, testing::HasSubstr("  " + std::string(info.name)));
-    for (const RequestName& name : requestNames())
+    for (const protocol::RequestName& name : protocol::requestNames())
         EXPECT_THAT(list, testing::HasSubstr("  " + std::string(name.name) + " "));
 }
 
@@ -36,7 +36,7 @@ TEST(Program, ManualListsEveryFaultAndRequest) {
         const std::string line = manual.substr(row + 1, manual.find('\n', row + 1) - row - 1);
         EXPECT_THAT(line, testing::EndsWith("| " + std::string(info.description) + " |"));
     }
-    for (const RequestName& name : requestNames())
+    for (const protocol::RequestName& name : protocol::requestNames())
         EXPECT_THAT(manual, testing::HasSubstr("`" + std::string(name.name) + "`"));
 }
 

@@ -1,30 +1,28 @@
 // The requests that a camera can receive, by name.
 #pragma once
 
-#include <cstdint>
+#include "link/protocol/commands.h"
+
 #include <optional>
 #include <span>
-#include <string_view>
 
-namespace trace {
+namespace protocol {
 
-/// Code that stands for the JSON envelope, which has none.
-inline constexpr std::uint16_t jsonCode = 0x100;
-inline constexpr std::uint16_t jsonPropertyType = 145;
-inline constexpr std::uint16_t jsonPictureType = 156;
+/// In place of the command code, which a JSON request does not have.
+inline constexpr auto jsonCode = static_cast<std::uint16_t>(Command::json);
 
 struct RequestName {
     std::string_view name;
-    std::string_view words; ///< what it asks for
-    std::uint16_t code;     ///< without the picture-command offset
-    /// First payload byte (JSON: cmdType) for requests that share a code; nothing: any.
+    std::string_view words; ///< purpose, for people
+    std::uint16_t code;     ///< without the picture-command offset, or jsonCode
+    /// First payload byte (JSON: cmdType) of requests that share a code; nothing: any.
     std::optional<std::uint16_t> detail;
 };
 
 /// Specific names before general ones.
 [[nodiscard]] std::span<const RequestName> requestNames();
 
-/// A request as it is told apart from others.
+/// Identity of one request.
 struct RequestKey {
     std::uint16_t code = 0;     ///< without the picture-command offset, or jsonCode
     std::uint16_t lineCode = 0; ///< as on the line, or jsonCode
@@ -34,4 +32,4 @@ struct RequestKey {
 /// The most specific name; nullptr for a code that no request has.
 [[nodiscard]] const RequestName* nameOf(const RequestKey& key);
 
-} // namespace trace
+} // namespace protocol

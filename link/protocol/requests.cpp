@@ -1,17 +1,13 @@
-#include "trace/requests.h"
+#include "link/protocol/requests.h"
 
-#include "link/protocol/commands.h"
+#include "link/protocol/jsonenvelope.h"
 
 #include <algorithm>
 #include <array>
 
-namespace trace {
+namespace protocol {
 
 namespace {
-
-using protocol::code;
-using protocol::Command;
-using protocol::PropertyId;
 
 // clang-format off
 constexpr std::array names = {
@@ -62,4 +58,4 @@ const RequestName* nameOf(const RequestKey& key) {
     return found == names.end() ? nullptr : found;
 }
 
-} // namespace trace
+} // namespace protocol

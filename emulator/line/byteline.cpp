@@ -1,4 +1,4 @@
-#include "emulator/line/ioline.h"
+#include "emulator/line/byteline.h"
 
 #include "emulator/line/serialdevice.h"
 
@@ -8,17 +8,13 @@ namespace emulator {
 
 namespace {
 
-constexpr std::size_t tapReadSize = 4096;
-
-class DeviceLine final : public IoLine {
+class DeviceLine final : public ByteLine {
 public:
     DeviceLine(std::string device, std::uint32_t baudRate)
         : m_name(std::move(device)), m_device(openSerialDevice(m_name, baudRate)) {}
     ~DeviceLine() override { closeSerialDevice(m_device); }
     std::optional<std::uint32_t> rate() const override { return serialDeviceRate(m_device); }
     std::string name() const override { return m_name; }
-
-protected:
     LineIo::Line line() const override { return m_device; }
 
 private:
@@ -28,10 +24,10 @@ private:
 
 } // namespace
 
-bool IoLine::read(Bytes& bytes, std::chrono::milliseconds patience) {
-    if (!m_reading.wait(line(), {true, false}, static_cast<int>(patience.count())).reads)
+bool ByteLine::read(Bytes& bytes, std::chrono::milliseconds timeout) {
+    if (!m_reading.wait(line(), {true, false}, static_cast<int>(timeout.count())).reads)
         return true;
-    std::array<std::uint8_t, tapReadSize> buffer{};
+    std::array<std::uint8_t, LineIo::readSize> buffer{};
     const auto count = LineIo::read(line(), buffer);
     if (!count)
         return false;
@@ -39,8 +35,8 @@ bool IoLine::read(Bytes& bytes, std::chrono::milliseconds patience) {
     return true;
 }
 
-std::optional<std::size_t> IoLine::write(ByteView bytes, std::chrono::milliseconds patience) {
-    if (!m_writing.wait(line(), {false, true}, static_cast<int>(patience.count())).writes)
+std::optional<std::size_t> ByteLine::write(ByteView bytes, std::chrono::milliseconds timeout) {
+    if (!m_writing.wait(line(), {false, true}, static_cast<int>(timeout.count())).writes)
         return 0;
     return LineIo::write(line(), bytes);
 }

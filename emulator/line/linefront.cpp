@@ -1,4 +1,4 @@
-#include "emulator/line/camerafront.h"
+#include "emulator/line/linefront.h"
 
 #include <array>
 
@@ -6,7 +6,6 @@ namespace emulator {
 
 namespace {
 
-constexpr std::size_t readSize = 4096;
 constexpr std::size_t anyAmount = 65536;
 
 int millisecondsUntil(Time due, Time now) {
@@ -19,18 +18,17 @@ int millisecondsUntil(Time due, Time now) {
 
 } // namespace
 
-CameraFront::CameraFront(VirtualCamera camera) : m_camera(std::move(camera)) {}
-
-CameraFront::~CameraFront() {
+LineFront::~LineFront() {
     stop();
 }
 
-void CameraFront::start(LineIo::Line line) {
+void LineFront::start(LineCamera& camera, LineIo::Line line) {
+    m_camera = &camera;
     setLine(line);
     m_thread = std::thread([this] { run(); });
 }
 
-void CameraFront::stop() {
+void LineFront::stop() {
     if (!m_thread.joinable())
         return;
     m_stopping = true;
@@ -38,18 +36,14 @@ void CameraFront::stop() {
     m_thread.join();
 }
 
-void CameraFront::setPace(std::uint32_t bytesPerSecond) {
-    withCamera([this, bytesPerSecond](VirtualCamera&) {
+void LineFront::setPace(std::uint32_t bytesPerSecond) {
+    whileStopped([this, bytesPerSecond] {
         m_readPace.setRate(bytesPerSecond);
         m_writePace.setRate(bytesPerSecond);
     });
 }
 
-Time CameraFront::now() const {
-    return std::chrono::duration_cast<Time>(std::chrono::steady_clock::now() - m_start);
-}
-
-void CameraFront::runOnThread(const std::function<void()>& task) {
+void LineFront::runOnThread(const std::function<void()>& task) {
     std::unique_lock lock(m_taskMutex);
     m_taskDone.wait(lock, [this] { return m_task == nullptr; });
     m_task = &task;
@@ -57,7 +51,7 @@ void CameraFront::runOnThread(const std::function<void()>& task) {
     m_taskDone.wait(lock, [this, &task] { return m_task != &task; });
 }
 
-void CameraFront::runTasks() {
+void LineFront::runTasks() {
     const std::lock_guard lock(m_taskMutex);
     if (m_task == nullptr)
         return;
@@ -66,19 +60,19 @@ void CameraFront::runTasks() {
     m_taskDone.notify_all();
 }
 
-void CameraFront::setLine(LineIo::Line line) {
+void LineFront::setLine(LineIo::Line line) {
     m_line = line;
     m_outgoing.clear();
     m_lineOpen = line != LineIo::none;
 }
 
-void CameraFront::lose() {
+void LineFront::lose() {
     if (m_line != LineIo::none)
         closeLine();
     setLine(LineIo::none);
 }
 
-void CameraFront::run() {
+void LineFront::run() {
     while (!m_stopping) {
         runTasks();
         const int timeoutMs = stepCamera();
@@ -90,16 +84,16 @@ void CameraFront::run() {
     }
 }
 
-int CameraFront::stepCamera() {
+int LineFront::stepCamera() {
     const std::lock_guard lock(m_mutex);
     const Time time = now();
-    const Bytes due = m_camera.takeDue(time);
+    const Bytes due = m_camera->takeDue(time);
     if (m_line != LineIo::none)
         protocol::append(m_outgoing, due);
-    if (m_camera.hangUpDue(time))
+    if (m_camera->hangUpDue(time))
         lose();
 
-    const bool paused = m_camera.readingPaused(time);
+    const bool paused = m_camera->readingPaused(time);
     m_wanted.reads = !paused && m_readPace.allowed(time, anyAmount) > 0;
     m_wanted.writes = !m_outgoing.empty() && m_writePace.allowed(time, anyAmount) > 0;
     int timeout = -1;
@@ -107,16 +101,16 @@ int CameraFront::stepCamera() {
         const int wait = millisecondsUntil(when, time);
         timeout = timeout < 0 ? wait : std::min(timeout, wait);
     };
-    if (const auto next = m_camera.nextDue())
+    if (const auto next = m_camera->nextDue())
         consider(*next);
     if (paused)
-        consider(m_camera.readingPausedUntil());
+        consider(m_camera->readingPausedUntil());
     if ((!paused && !m_wanted.reads) || (!m_outgoing.empty() && !m_wanted.writes))
         consider(time + m_readPace.sliceTime());
     return timeout;
 }
 
-void CameraFront::writeLine() {
+void LineFront::writeLine() {
     std::size_t most = 0;
     {
         const std::lock_guard lock(m_mutex);
@@ -133,11 +127,11 @@ void CameraFront::writeLine() {
     m_writePace.spend(*written);
 }
 
-void CameraFront::readLine() {
+void LineFront::readLine() {
     const std::optional<std::uint32_t> speed = lineSpeed();
     const std::lock_guard lock(m_mutex);
     const Time time = now();
-    std::array<std::uint8_t, readSize> buffer{};
+    std::array<std::uint8_t, LineIo::readSize> buffer{};
     const std::optional<std::size_t> count =
         LineIo::read(m_line, std::span(buffer).first(m_readPace.allowed(time, buffer.size())));
     if (!count)
@@ -145,8 +139,8 @@ void CameraFront::readLine() {
     if (count.value_or(0) == 0)
         return;
     m_readPace.spend(*count);
-    m_camera.setLineSpeed(speed);
-    m_camera.receive(ByteView(std::span(buffer).first(*count)), time);
+    m_camera->setLineSpeed(speed);
+    m_camera->receive(ByteView(std::span(buffer).first(*count)), time);
 }
 
 } // namespace emulator
