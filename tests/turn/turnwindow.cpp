@@ -58,10 +58,7 @@ std::vector<emulator::Picture> firstPictures() {
 
 /// Shortens the long pauses of uploads and return waits.
 std::chrono::nanoseconds cutPause(std::chrono::nanoseconds asked) {
-    return asked >= 3s   ? cutThreeSeconds
-           : asked >= 2s ? cutTwoSeconds
-           : asked >= 1s ? cutSecond
-                         : asked;
+    return asked >= 3s ? cutThreeSeconds : asked >= 2s ? cutTwoSeconds : asked >= 1s ? cutSecond : asked;
 }
 
 emulator::CameraSettings settingsFor(const TurnWindow::Setup& setup) {
