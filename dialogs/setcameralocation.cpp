@@ -17,16 +17,11 @@ constexpr auto pauseAfterRead = 100ms; // the camera's room between two requests
 namespace orientation = protocol::orientation_value;
 
 /// Empty when the answer holds no quantity.
-std::optional<std::uint32_t> quantityOf(const SettingBorrower::Value& answer) {
+std::optional<std::uint32_t> loggedQuantityOf(const SettingBorrower::Value& answer) {
     const protocol::ByteView bytes(answer);
-    if (!bytes.has(orientation::quantity))
-        return std::nullopt;
-    const std::uint32_t value = bytes.get(orientation::quantity);
-    if (value >> 8U == orientation::unknown) {
+    if (bytes.has(orientation::quantity) && orientation::isUnknown(bytes.get(orientation::quantity)))
         qDebug() << "got no location";
-        return std::nullopt;
-    }
-    return value;
+    return orientation::quantityOf(bytes);
 }
 
 } // namespace
@@ -71,7 +66,7 @@ void SetCameraLocation::showQuantities(const std::vector<Value>& values) {
                         {m_ui->label_4, tr("当前加速度:")}};
     std::size_t next = 0;
     for (const auto& [label, prefix] : rows) {
-        const auto value = quantityOf(values.at(next++));
+        const auto value = loggedQuantityOf(values.at(next++));
         label->setText(prefix + (value ? QString::number(*value) : tr("不支持,获取失败")));
     }
 }

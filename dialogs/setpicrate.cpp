@@ -2,13 +2,10 @@
 
 #include "dialogs/lineedits.h"
 #include "dialogs/settingwrite.h"
+#include "link/protocol/storetimes.h"
 #include "ui_setpicrate.h"
 
 #include <QDebug>
-
-namespace {
-constexpr int rateStoreSeconds = 2;
-}
 
 SetPicRate::SetPicRate(QWidget* parent, CameraSp* client)
     : QWidget(parent), SettingBorrower(this, client), m_ui(std::make_unique<Ui::SetPicRate>()) {
@@ -20,7 +17,7 @@ SetPicRate::SetPicRate(QWidget* parent, CameraSp* client)
                                    {.hint = m_ui->label_hint,
                                     .controls = {m_ui->btn_setsn, m_ui->btn_getsn, m_ui->et_setsn},
                                     .readBack = m_ui->btn_getsn,
-                                    .seconds = rateStoreSeconds,
+                                    .seconds = protocol::compressionStoreSeconds,
                                     .emptyValue = tr("字符串为空,请填写后下发"),
                                     .started = tr("开始设置图片压缩率:"),
                                     .countdown = tr("设置中，倒计时:%1%2,请勿断电!"),

@@ -1,13 +1,10 @@
 #include "dialogs/setpwmheat.h"
 
 #include "dialogs/settingwrite.h"
+#include "link/protocol/storetimes.h"
 #include "ui_setpwmheat.h"
 
 #include <QDebug>
-
-namespace {
-constexpr int heaterStoreSeconds = 2;
-}
 
 SetPwmHeat::SetPwmHeat(QWidget* parent, CameraSp* client)
     : QWidget(parent), SettingBorrower(this, client), m_ui(std::make_unique<Ui::SetPwmHeat>()) {
@@ -22,7 +19,7 @@ SetPwmHeat::SetPwmHeat(QWidget* parent, CameraSp* client)
         {.hint = m_ui->label_hint,
          .controls = {m_ui->btn_setheat, m_ui->btn_getheat, m_ui->et_setheat, m_ui->cb_setheat},
          .readBack = m_ui->btn_getheat,
-         .seconds = heaterStoreSeconds,
+         .seconds = protocol::heaterStoreSeconds,
          .emptyValue = {}, // the combo box always has a text
          .started = tr("开始设置加热丝占空比:"),
          .countdown = tr("设置中，倒计时:%1%2,请勿断电!"),

@@ -1,6 +1,7 @@
 #include "dialogs/setsn.h"
 
 #include "dialogs/settingwrite.h"
+#include "link/protocol/storetimes.h"
 #include "linkaccess/cameratext.h"
 #include "ui_setsn.h"
 
@@ -15,7 +16,6 @@ namespace {
 constexpr qsizetype snFirstDigit = 8;
 constexpr qsizetype snDigits = 16;
 constexpr int randomBound = 1'000'000'000;
-constexpr int snStoreSeconds = 6; // the camera needs this long to store the number
 
 } // namespace
 
@@ -32,7 +32,7 @@ SetSN::SetSN(QWidget* parent, CameraSp* client)
                                    {.hint = m_ui->label_hint,
                                     .controls = {m_ui->btn_setsn, m_ui->btn_getsn, m_ui->et_setsn},
                                     .readBack = m_ui->btn_getsn,
-                                    .seconds = snStoreSeconds,
+                                    .seconds = protocol::serialNumberStoreSeconds,
                                     .emptyValue = tr("字符串为空,请填写SN后下发"),
                                     .started = tr("开始设置SN:"),
                                     .countdown = tr("SN设置中，倒计时:%1%2,请勿断电!"),

@@ -85,6 +85,7 @@ public:
     void setWaitCallback(std::function<void()> callback) { m_waitCallback = std::move(callback); }
 
     [[nodiscard]] Clock& clock() const { return m_clock; }
+    void setObserver(LineObserver* observer) { m_port.setObserver(observer); }
     [[nodiscard]] bool portFailed() const { return m_port.hasFailed(); }
 
     // --- what enters frames ----------------------------------------------------------------------------
@@ -93,6 +94,9 @@ public:
     void holdAddress();
     void releaseAddress();
     std::atomic<std::uint8_t> pictureOffset{0};
+
+    /// Where downloaded pictures go; UTF-8, empty: the working directory. Set before the first download.
+    std::string pictureFolder;
 
     TransferProgress progress;
 

@@ -148,6 +148,14 @@ const TransferProgress& CameraSp::progress() const {
     return m_line->progress;
 }
 
+void CameraSp::setPictureFolder(const std::string& folder) {
+    m_line->pictureFolder = folder;
+}
+
+void CameraSp::setLineObserver(LineObserver* observer) {
+    m_line->setObserver(observer);
+}
+
 Clock& CameraSp::clock() const {
     return m_line->clock();
 }

@@ -3,6 +3,7 @@
 
 #include "link/clock.h"
 #include "link/commandreport.h"
+#include "link/lineobserver.h"
 #include "link/lineturn.h"
 #include "link/protocol/picturerecords.h"
 #include "link/quantitysequence.h"
@@ -58,6 +59,8 @@ public:
     void setSlaveAddress(std::int32_t address);
     /// Added modulo 256 to the first-generation picture commands (not by takePic). Sends nothing itself.
     void setOriginPicCmdExtraAdd(std::uint8_t offset);
+    /// Where downloads write their pictures instead of the working directory; UTF-8. Set before the first.
+    void setPictureFolder(const std::string& folder);
     /// UTF-8 paths and name of the next uploads.
     void setAppFilePath(const std::string& path);
     void setFirewareFilePath(const std::string& path);
@@ -178,6 +181,8 @@ public:
 
     [[nodiscard]] const TransferProgress& progress() const;
     [[nodiscard]] Clock& clock() const;
+    /// Told of all bytes from now on; null: nobody is.
+    void setLineObserver(LineObserver* observer);
 
 private:
     /// Values of the upload setters.

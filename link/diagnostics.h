@@ -1,8 +1,8 @@
-// The link's diagnostic lines on standard output.
+// The link's diagnostic lines.
 #pragma once
 
-#include <iostream>
 #include <mutex>
+#include <ostream>
 
 namespace diagnostics {
 
@@ -12,13 +12,18 @@ inline std::mutex& lineMutex() {
     return mutex;
 }
 
-/// Writes the pieces and a line break to standard output and flushes it, so that a reader of a pipe sees the
+/// Standard output unless setStream() was called.
+[[nodiscard]] std::ostream& stream();
+/// Where the lines go from now on; outlives every client. Called before the first client is made.
+void setStream(std::ostream& stream);
+
+/// Writes the pieces and a line break to the stream and flushes it, so that a reader of a pipe sees the
 /// line when it is complete. Numbers come out in the stream's present base, which an upload switches to
 /// hexadecimal for good; what has to be decimal is handed over as text.
 template <typename... Pieces>
 void line(const Pieces&... pieces) {
     const std::lock_guard lock(lineMutex());
-    (std::cout << ... << pieces) << '\n' << std::flush;
+    (stream() << ... << pieces) << '\n' << std::flush;
 }
 
 /// The switch to hexadecimal.

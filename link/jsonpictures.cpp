@@ -71,7 +71,7 @@ bool CameraSp::getQuentaModbusPic(std::uint8_t number) {
         const std::optional<Bytes> picture = downloadPicture(*m_line, logFailure);
         if (!picture)
             return false;
-        const bool written = writePicture(std::to_string(number) + ".jpg", *picture);
+        const bool written = writePicture(std::to_string(number) + ".jpg", *picture, m_line->pictureFolder);
         if (!written)
             m_line->setEnd(CommandEnd::fileUnusable);
         return written;

@@ -84,7 +84,7 @@ CameraLine::Answer download(CameraLine& line, const ExchangeRule& rule, ByteView
 }
 
 bool writeOrTell(CameraLine& line, const std::string& name, ByteView picture) {
-    const bool written = writePicture(name, picture);
+    const bool written = writePicture(name, picture, line.pictureFolder);
     if (!written)
         line.setEnd(CommandEnd::fileUnusable);
     return written;
@@ -185,7 +185,7 @@ bool CameraSp::takePic() {
         const CameraLine::Answer picture =
             download(*m_line, rules::takePicRead, originReadRequest(id, size), size);
         diagnostics::line("read over");
-        const bool written = writePicture("a.jpg", pictureIn(picture.bytes, size));
+        const bool written = writePicture("a.jpg", pictureIn(picture.bytes, size), m_line->pictureFolder);
         pause(1s);
 
         failureText = "error in takepic deletepic";

@@ -28,7 +28,7 @@ serial::Serial openPort(const std::string& name, std::uint32_t baudRate, std::ui
 
 SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uint32_t timeoutMs,
                        const Clock& clock)
-    : m_serial(openPort(name, baudRate, timeoutMs, clock)) {}
+    : m_clock(clock), m_serial(openPort(name, baudRate, timeoutMs, clock)) {}
 
 void SerialPort::setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) {
     guard([&] {
@@ -64,9 +64,15 @@ void SerialPort::flush() {
 }
 
 std::size_t SerialPort::write(protocol::ByteView bytes) {
+    if (LineObserver* const observer = m_observer)
+        observer->sending(bytes, m_clock.now());
     return guard([&] { return m_serial.write(bytes.begin(), bytes.size()); });
 }
 
 std::size_t SerialPort::read(protocol::Bytes& buffer, std::size_t count) {
-    return guard([&] { return m_serial.read(buffer, count); });
+    const std::size_t before = buffer.size();
+    const std::size_t read = guard([&] { return m_serial.read(buffer, count); });
+    if (LineObserver* const observer = m_observer; observer != nullptr && buffer.size() > before)
+        observer->received(protocol::ByteView(buffer).range(before, buffer.size()), m_clock.now());
+    return read;
 }

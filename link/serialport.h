@@ -1,7 +1,7 @@
 // The open serial port: the calls of the serial library that the link uses, and nothing else.
 #pragma once
 
-#include "link/clock.h"
+#include "link/lineobserver.h"
 #include "link/protocol/bytes.h"
 
 #include <serial/serial.h>
@@ -33,6 +33,9 @@ public:
     /// Appends up to count bytes; returns the number read when all came or the read time-out expired.
     std::size_t read(protocol::Bytes& buffer, std::size_t count);
 
+    /// Null: none. Any thread.
+    void setObserver(LineObserver* observer) { m_observer = observer; }
+
     /// Whether the last call failed in the device: an adapter that is gone fails every call. Any thread.
     [[nodiscard]] bool hasFailed() const { return m_failed; }
 
@@ -53,6 +56,8 @@ private:
     /// Reads what is there and drops it.
     void readAway();
 
+    const Clock& m_clock;
+    std::atomic<LineObserver*> m_observer{nullptr};
     std::atomic<bool> m_failed{false};
     serial::Serial m_serial;
 };

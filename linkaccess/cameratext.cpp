@@ -1,5 +1,7 @@
 #include "linkaccess/cameratext.h"
 
+#include "link/protocol/text.h"
+
 #include <QLabel>
 
 namespace {
@@ -7,7 +9,7 @@ constexpr qsizetype longestLine = 120; // characters; a serial number has 16, a 
 }
 
 QString cameraText(std::string_view bytes) {
-    const std::string_view text = bytes.substr(0, bytes.find('\0'));
+    const std::string_view text = protocol::untilZero(bytes);
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 

@@ -12,25 +12,22 @@ namespace {
 
 using Action = Options::Action;
 
-constexpr std::array<std::string_view, 5> typeNames = {"ostra", "dorvel", "sales-static", "quenta",
-                                                       "sales-dynamic"};
-static_assert(typeNames.size() == protocol::cameraTypes.size());
-
 /// "0 ostra, 1 dorvel, ..."
 std::string knownTypes() {
     std::string known;
-    for (std::size_t number = 0; number < typeNames.size(); ++number)
-        known += (number == 0 ? "" : ", ") + std::to_string(number) + ' ' + std::string(typeNames[number]);
+    for (const protocol::CameraTypeInfo& type : protocol::cameraTypes)
+        known += (known.empty() ? "" : ", ") + std::to_string(static_cast<unsigned>(type.type)) + ' ' +
+                 std::string(type.optionName);
     return known;
 }
 
 CameraType typeIn(const std::string& text) {
-    const auto* const named = std::find(typeNames.begin(), typeNames.end(), text);
-    const auto number =
-        named != typeNames.end() ? std::optional(named - typeNames.begin()) : parseNumber(text);
-    if (!number || *number < 0 || *number >= static_cast<std::int64_t>(typeNames.size()))
-        throw OptionError("--type: there is no type \"" + text + "\"; known: " + knownTypes());
-    return static_cast<CameraType>(*number);
+    const auto number = parseNumber(text);
+    for (const protocol::CameraTypeInfo& type : protocol::cameraTypes) {
+        if (text == type.optionName || number == static_cast<std::int64_t>(type.type))
+            return type.type;
+    }
+    throw OptionError("--type: there is no type \"" + text + "\"; known: " + knownTypes());
 }
 
 std::int64_t numberIn(const std::string& option, const std::string& text, std::int64_t least,

@@ -20,7 +20,8 @@ enum class PictureCommands : std::uint8_t { origin, v1, json };
 
 struct CameraTypeInfo {
     CameraType type;
-    std::string_view name; ///< shown to technicians, UTF-8
+    std::string_view name;       ///< shown to technicians, UTF-8
+    std::string_view optionName; ///< on command lines
     std::uint8_t usualAddress;
     std::uint32_t baudRate;
     PictureCommands pictures;
@@ -28,11 +29,11 @@ struct CameraTypeInfo {
 
 /// In the order of their numbers.
 inline constexpr std::array cameraTypes{
-    CameraTypeInfo{CameraType::ostra, "Ostra", 1, 460800, PictureCommands::origin},
-    CameraTypeInfo{CameraType::dorvel, "Dorvel", 0xEE, 460800, PictureCommands::origin},
-    CameraTypeInfo{CameraType::salesStatic, "动销-静态", 1, 460800, PictureCommands::origin},
-    CameraTypeInfo{CameraType::quenta, "Quenta静态", 3, 230400, PictureCommands::json},
-    CameraTypeInfo{CameraType::salesDynamic, "动销-动态", 2, 460800, PictureCommands::v1},
+    CameraTypeInfo{CameraType::ostra, "Ostra", "ostra", 1, 460800, PictureCommands::origin},
+    CameraTypeInfo{CameraType::dorvel, "Dorvel", "dorvel", 0xEE, 460800, PictureCommands::origin},
+    CameraTypeInfo{CameraType::salesStatic, "动销-静态", "sales-static", 1, 460800, PictureCommands::origin},
+    CameraTypeInfo{CameraType::quenta, "Quenta静态", "quenta", 3, 230400, PictureCommands::json},
+    CameraTypeInfo{CameraType::salesDynamic, "动销-动态", "sales-dynamic", 2, 460800, PictureCommands::v1},
 };
 
 /// The first type for an unknown number.

@@ -3,6 +3,8 @@
 
 #include "link/protocol/bytes.h"
 
+#include <optional>
+
 namespace protocol {
 
 enum class Command : std::uint16_t {
@@ -64,8 +66,17 @@ enum class PropertyId : std::uint8_t {
 namespace orientation_value {
 inline constexpr Field<std::uint32_t> quantity{0};
 inline constexpr std::size_t quantities = 4; ///< pitch, roll, yaw, acceleration
-/// The quantity's three upper bytes when the camera cannot tell it; the lowest may hold anything.
+/// The three upper bytes of a quantity that the camera cannot tell; the lowest may hold anything.
 inline constexpr std::uint32_t unknown = 0x7FFFFF;
+[[nodiscard]] constexpr bool isUnknown(std::uint32_t value) {
+    return value >> 8U == unknown;
+}
+/// Nothing when the value is too short or the camera cannot tell it.
+[[nodiscard]] inline std::optional<std::uint32_t> quantityOf(ByteView value) {
+    if (!value.has(quantity) || isUnknown(value.get(quantity)))
+        return std::nullopt;
+    return value.get(quantity);
+}
 } // namespace orientation_value
 
 /// The gyro test: a raw read without a frame in the answer.

@@ -1,0 +1,21 @@
+// What passes over an open line, told to a recorder or a monitor.
+#pragma once
+
+#include "link/clock.h"
+#include "link/protocol/bytes.h"
+
+/// Called on the thread that has the turn, between two library calls: must return soon and not throw.
+/// Outlives the link, or is taken away first.
+class LineObserver {
+public:
+    LineObserver() = default;
+    LineObserver(const LineObserver&) = delete;
+    LineObserver& operator=(const LineObserver&) = delete;
+
+    /// Before the bytes are handed to the system.
+    virtual void sending(protocol::ByteView bytes, Clock::Time now) = 0;
+    virtual void received(protocol::ByteView bytes, Clock::Time now) = 0;
+
+protected:
+    ~LineObserver() = default;
+};
