@@ -2,8 +2,8 @@
 // program. It also gives every window the program's icon and Qt's own texts in Chinese.
 #pragma once
 
-#include "app/failuretext.h"
 #include "app/qttexts.h"
+#include "service/failuretext.h"
 
 #include <QApplication>
 #include <QMessageBox>

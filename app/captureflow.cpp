@@ -1,9 +1,9 @@
 #include "app/captureflow.h"
 
-#include "app/reportwords.h"
 #include "link/protocol/cameratypes.h"
 #include "pictures/localpicture.h"
 #include "pictures/picturegeneration.h"
+#include "service/reportwords.h"
 
 #include <QDebug>
 #include <QLabel>

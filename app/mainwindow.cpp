@@ -5,7 +5,6 @@
 #include "app/keepawake.h"
 #include "app/statusline.h"
 #include "app/system.h"
-#include "app/systemtext.h"
 #include "app/transferdisplay.h"
 #include "dialogs/aboutdialog.h"
 #include "dialogs/doorop.h"
@@ -19,6 +18,7 @@
 #include "linkaccess/cameratext.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
+#include "service/systemtext.h"
 #include "ui_mainwindow.h"
 
 #include <QCloseEvent>

@@ -1,9 +1,9 @@
 // The status controls: heartbeat, versions, model information, gyro, reboot, factory reset, picture offset.
 #include "app/mainwindow.h"
-#include "app/reportwords.h"
 #include "app/statusline.h"
 #include "link/protocol/commands.h"
 #include "linkaccess/cameratext.h"
+#include "service/reportwords.h"
 #include "ui_mainwindow.h"
 
 #include <QDebug>

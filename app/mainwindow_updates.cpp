@@ -2,10 +2,11 @@
 #include "app/keepawake.h"
 #include "app/linewait.h"
 #include "app/mainwindow.h"
-#include "app/reportwords.h"
 #include "app/statusline.h"
 #include "app/transferdisplay.h"
 #include "dialogs/focuskeeper.h"
+#include "service/reportwords.h"
+#include "service/returnwait.h"
 #include "ui_mainwindow.h"
 #include "updates/appupdatetask.h"
 #include "updates/appupdatev1task.h"
@@ -35,10 +36,8 @@ bool canUpload(const QString& path) {
 
 } // namespace
 
-/// How long a camera is given to come back after an upload.
 struct MainWindow::ReturnWait {
-    int attempts;
-    std::chrono::milliseconds interval; ///< before each attempt, the first one too
+    ReturnAttempts heartbeats;
     const char* logTag;
     QPushButton* button;
 };
@@ -157,7 +156,7 @@ void MainWindow::disablePressed(QPushButton* button, bool started) {
 void MainWindow::appupdateEnd(bool result) {
     qDebug() << "app main-ui result:" << result;
     if (result)
-        awaitReturn({8, 2000ms, "app-update heartbeatResult:", m_ui->btn_appupdate});
+        awaitReturn({appReturn, "app-update heartbeatResult:", m_ui->btn_appupdate});
     else
         showUploadResult(m_ui->btn_appupdate, uploadOutcome(false), tr("升级已完成，结果:失败！"));
 }
@@ -165,7 +164,7 @@ void MainWindow::appupdateEnd(bool result) {
 void MainWindow::firewareEnd(bool result) {
     qDebug() << "fireware main-ui result:" << result;
     if (result)
-        awaitReturn({40, 3000ms, "system-ota-update heartbeatResult:", m_ui->btn_firewareupdate});
+        awaitReturn({systemReturn, "system-ota-update heartbeatResult:", m_ui->btn_firewareupdate});
     else
         showUploadResult(m_ui->btn_firewareupdate, uploadOutcome(false),
                          tr("升级已完成，结果:失败！") + boolText(false));
@@ -184,16 +183,12 @@ void MainWindow::appupdateV1End(bool result) {
 
 void MainWindow::awaitReturn(const ReturnWait& wait) {
     auto progress = std::make_shared<ReturnWaitProgress>();
-    progress->attempts = wait.attempts;
+    progress->attempts = wait.heartbeats.attempts;
     m_transferDisplay->followReturnWait(progress);
     const auto probe = [wait, progress](CameraSp* camera) {
-        bool alive = false;
-        for (int attempt = 1; camera != nullptr && !alive && attempt <= wait.attempts; ++attempt) {
-            progress->attempt = attempt;
-            if (!camera->pause(wait.interval))
-                break;
-            alive = camera->testHeartBeat();
-        }
+        const bool alive = camera != nullptr && ::awaitReturn(*camera, wait.heartbeats, [&](int attempt) {
+                               progress->attempt = attempt;
+                           });
         qDebug() << wait.logTag << alive;
         return alive;
     };

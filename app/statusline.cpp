@@ -1,7 +1,7 @@
 #include "app/statusline.h"
 
-#include "app/reportwords.h"
 #include "link/camerasp.h"
+#include "service/reportwords.h"
 
 #include <QLabel>
 #include <QStatusBar>

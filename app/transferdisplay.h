@@ -2,7 +2,7 @@
 #pragma once
 
 #include "link/clock.h"
-#include "link/transferprogress.h"
+#include "service/transfertext.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -13,20 +13,6 @@
 class CameraSp;
 class QLabel;
 class QProgressBar;
-
-/// The numbers of one moment.
-struct TransferSnapshot {
-    TransferProgress::Phase phase = TransferProgress::Phase::idle;
-    std::uint64_t startOffset = 0; ///< bytes
-    std::uint64_t done = 0;        ///< bytes, startOffset included
-    std::uint64_t total = 0;       ///< bytes
-    double seconds = 0;            ///< since sending began
-};
-
-/// Percent of what there was to send when sending began, 0 to 100.
-[[nodiscard]] int transferPercent(const TransferSnapshot& snapshot);
-/// One line in Chinese: phase, bytes done of bytes, rate, time left, and where a resumed upload went on.
-[[nodiscard]] QString transferText(const TransferSnapshot& snapshot);
 
 /// Attempts of a return wait, written by the job that makes them.
 struct ReturnWaitProgress {

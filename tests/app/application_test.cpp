@@ -1,7 +1,7 @@
 // Exceptions that leave a handler: texts, one box at a time, no end of the program. Also the program's icon
 // and Qt's own texts.
 #include "app/application.h"
-#include "app/failuretext.h"
+#include "service/failuretext.h"
 #include "tests/support/guitest.h"
 #include "tests/support/printing.h"
 

@@ -1,4 +1,4 @@
-#include "app/systemtext.h"
+#include "service/systemtext.h"
 
 #include <QStringDecoder>
 

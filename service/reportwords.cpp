@@ -1,4 +1,4 @@
-#include "app/reportwords.h"
+#include "service/reportwords.h"
 
 #include <QCoreApplication>
 

@@ -1,7 +1,7 @@
-#include "app/failuretext.h"
+#include "service/failuretext.h"
 
-#include "app/systemtext.h"
 #include "link/guarded.h"
+#include "service/systemtext.h"
 
 #include <QCoreApplication>
 

@@ -1,0 +1,42 @@
+// A check-up: everything that can be read of a camera, judged.
+#pragma once
+
+#include "service/linequality.h"
+#include "service/readings.h"
+
+#include <QByteArray>
+#include <QDateTime>
+
+#include <functional>
+#include <vector>
+
+namespace service {
+
+struct CheckLine {
+    const Reading* reading;
+    ReadValue value;
+};
+
+struct Checkup {
+    QDateTime at;
+    QString port;
+    std::uint32_t baudRate = 0;
+    std::uint8_t address = 0;
+    protocol::CameraType type = protocol::CameraType::ostra;
+    std::vector<CheckLine> lines;
+    LineCounts line;
+    QByteArray picture; ///< JPEG; empty: none was asked for or taken
+    QString pictureFailure;
+
+    /// The worst of all lines; a line with odd counts is odd.
+    [[nodiscard]] Verdict verdict() const;
+    /// The text of a reading; empty if it failed.
+    [[nodiscard]] QString textOf(std::string_view key) const;
+};
+
+/// Reads line after line on the calling thread and tells each. A stopped link ends it early. The observer
+/// counts the line from the start of the check-up.
+[[nodiscard]] Checkup runCheckup(CameraSp& camera, protocol::CameraType type, LineQuality& quality,
+                                 const std::function<void(const CheckLine& line)>& read);
+
+} // namespace service

@@ -1,0 +1,56 @@
+// How well a line works, counted from what passes over it.
+#pragma once
+
+#include "link/lineobserver.h"
+#include "trace/framewords.h"
+
+#include <mutex>
+#include <optional>
+
+namespace service {
+
+/// Counts of exchanges. The acceptance of answers does not depend on them.
+struct LineCounts {
+    int requests = 0;
+    int answers = 0;                      ///< whole answers to the last request
+    int unanswered = 0;                   ///< requests that had no whole answer before the next one
+    int late = 0;                         ///< whole answers to an earlier request
+    int broken = 0;                       ///< wrong check code, impossible length, or broken off
+    std::size_t strayBytes = 0;           ///< outside any answer
+    std::chrono::milliseconds slowest{0}; ///< answer
+
+    [[nodiscard]] bool isOdd() const { return late > 0 || broken > 0 || strayBytes > 0; }
+};
+
+/// Decodes what passes. Any thread.
+class LineQuality final : public LineObserver {
+public:
+    explicit LineQuality(std::uint8_t pictureOffset = 0) : m_pictureOffset(pictureOffset) {}
+
+    void sending(protocol::ByteView bytes, Clock::Time now) override;
+    void received(protocol::ByteView bytes, Clock::Time now) override;
+
+    /// What has been counted; what is not whole yet has broken off.
+    [[nodiscard]] LineCounts finish();
+
+private:
+    struct Pending {
+        std::uint16_t lineCode;
+        trace::Time at;
+    };
+
+    void pass(trace::Side from, protocol::ByteView bytes, Clock::Time now);
+    void count(const trace::LineItem& item);
+    void countRequest(const trace::LineItem& item);
+    void countAnswer(const trace::LineItem& item);
+    void countStray(const trace::LineItem& item);
+
+    std::mutex m_mutex; // guards everything below
+    trace::LineFollower m_follower;
+    std::optional<Clock::Time> m_start;
+    std::optional<Pending> m_pending;
+    LineCounts m_counts;
+    const std::uint8_t m_pictureOffset;
+};
+
+} // namespace service
