@@ -1,0 +1,78 @@
+// shelf-camera: the camera client for scripts, workshops and many cameras.
+#include "cli/english.h"
+#include "cli/program.h"
+#include "cli/system.h"
+#include "link/diagnostics.h"
+
+#include <QGuiApplication>
+
+#include <iostream>
+#include <streambuf>
+
+namespace {
+
+/// Takes everything and keeps nothing.
+class Nowhere final : public std::streambuf {
+protected:
+    int_type overflow(int_type letter) override { return traits_type::not_eof(letter); }
+    std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
+};
+
+void ignoreMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+std::vector<std::string> argumentsOf(const QStringList& all) {
+    std::vector<std::string> arguments;
+    for (const QString& argument : all.mid(1))
+        arguments.push_back(argument.toStdString());
+    return arguments;
+}
+
+/// A PDF needs fonts, and with them the platform's plugin without a screen.
+std::unique_ptr<QCoreApplication> makeApplication(int& count, char** arguments) {
+    for (int i = 1; i < count; ++i) {
+        if (QString::fromLocal8Bit(arguments[i]).endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+            return std::make_unique<QGuiApplication>(count, arguments);
+        }
+    }
+    return std::make_unique<QCoreApplication>(count, arguments);
+}
+
+int run(const cli::Options& options) {
+    static Nowhere nowhere;
+    static std::ostream silence(&nowhere);
+    diagnostics::setStream(options.verbose ? std::cerr : silence);
+    if (!options.verbose)
+        qInstallMessageHandler(&ignoreMessage);
+    switch (options.action) {
+    case cli::Options::Action::help:
+        std::cout << options.help.toStdString() << std::flush;
+        return 0;
+    case cli::Options::Action::version:
+        std::cout << "shelf-camera " CAMERA_TOOL_VERSION << std::endl;
+        return 0;
+    case cli::Options::Action::run:
+        break;
+    }
+    return static_cast<int>(cli::runProgram(options));
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    cli::prepareConsole();
+    cli::watchForInterrupts();
+    const auto application = makeApplication(count, arguments);
+    cli::EnglishTexts english;
+    if (!cli::speaksChinese())
+        QCoreApplication::installTranslator(&english);
+    try {
+        const cli::Options options = cli::parseOptions(argumentsOf(QCoreApplication::arguments()));
+        if (options.writesDocument())
+            QCoreApplication::removeTranslator(&english);
+        return run(options);
+    } catch (const cli::UsageError& error) {
+        std::cerr << "shelf-camera: " << error.what() << std::endl;
+        return static_cast<int>(cli::ExitCode::usage);
+    }
+}

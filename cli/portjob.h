@@ -1,0 +1,62 @@
+// One port's work on a thread of its own.
+#pragma once
+
+#include "cli/commands.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace cli {
+
+/// Opens a port and works on it until done or stopped. Made, asked and destroyed on the main thread.
+class PortJob {
+public:
+    /// The work of the thread, with this job to open links by.
+    using Work = std::function<void(PortJob& job)>;
+
+    PortJob(std::string port, Work work);
+    ~PortJob();
+    PortJob(const PortJob&) = delete;
+    PortJob& operator=(const PortJob&) = delete;
+
+    [[nodiscard]] const std::string& port() const { return m_port; }
+    [[nodiscard]] bool isDone() const { return m_done; }
+    void stop();
+    /// What the port is doing, with the numbers of a transfer.
+    [[nodiscard]] QString progress();
+    /// Ends a download of which no byte came for ten seconds.
+    void watchDownload();
+
+    // On the job's thread:
+    /// Opens the port with these options, runs their command and closes the port.
+    [[nodiscard]] Result run(const Options& options, Output& output, bool severalPorts);
+    /// The same with the caller's work on the open link.
+    [[nodiscard]] Result
+    use(const Options& options,
+        const std::function<Result(CameraSp& camera, service::LineQuality& quality)>& work);
+    [[nodiscard]] const std::atomic<bool>& stopped() const { return m_stopped; }
+    void tell(const QString& text);
+
+private:
+    class OpenLink;
+
+    const std::string m_port;
+    std::atomic<bool> m_stopped{false};
+    std::atomic<bool> m_done{false};
+
+    std::mutex m_mutex; // guards the following
+    CameraSp* m_camera = nullptr;
+    QString m_text;
+    std::optional<Clock::Time> m_sendingSince;
+    std::uint64_t m_lastDone = 0;
+    std::optional<Clock::Time> m_lastByte;
+
+    std::thread m_thread; // last: starts when everything else is there
+};
+
+/// An opening that failed: the same advice by cause as the window gives. To be called in a handler.
+[[nodiscard]] Result openingFailure();
+
+} // namespace cli

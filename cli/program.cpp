@@ -1,0 +1,167 @@
+#include "cli/program.h"
+
+#include "cli/batch.h"
+#include "cli/portjob.h"
+#include "cli/search.h"
+#include "cli/system.h"
+#include "cli/watch.h"
+#include "service/systemtext.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+
+#include <algorithm>
+#include <iostream>
+
+namespace cli {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto lookInterval = 50ms;
+
+QString programWords(const char* text) {
+    return QCoreApplication::translate("Program", text);
+}
+
+ExitCode listPorts(Output& output) {
+    QJsonArray ports;
+    QStringList lines;
+    for (const serial::PortInfo& port : CameraSp::describePorts()) {
+        const QString name = QString::fromStdString(port.port);
+        const QString description = systemText(port.description);
+        const QString hardware = systemText(port.hardware_id);
+        ports.append(QJsonObject{{"name", name}, {"description", description}, {"hardwareId", hardware}});
+        lines.append(name + QLatin1String("  ") + description + QLatin1String("  ") + hardware);
+    }
+    if (lines.isEmpty())
+        lines.append(programWords("没有串口，请插入转接器"));
+    output.result({{"command", "ports"}}, {},
+                  {ExitCode::done, {{"ports", ports}}, lines.join(QLatin1Char('\n')), {}});
+    return ExitCode::done;
+}
+
+/// The only port there is.
+std::vector<std::string> chosenPorts(const Options& options) {
+    if (!options.ports.empty())
+        return options.ports;
+    const std::vector<std::string> present = CameraSp::getPorts();
+    if (present.empty())
+        throw UsageError(programWords("没有串口，请插入转接器，或用 -p 指定").toStdString());
+    if (present.size() > 1 && options.command.verb != Verb::find) {
+        QStringList names;
+        for (const std::string& name : present)
+            names.append(QString::fromStdString(name));
+        throw UsageError(programWords("有多个串口（%1），请用 -p 指定")
+                             .arg(names.join(QLatin1String(", ")))
+                             .toStdString());
+    }
+    return present;
+}
+
+/// Asks on the terminal before something is changed.
+void confirm(const Options& options, std::size_t ports) {
+    if (!options.command.isDestructive() || options.confirmed)
+        return;
+    if (!inputIsTerminal())
+        throw UsageError(programWords("该命令会改变摄像头，请加 --yes").toStdString());
+    std::cerr << programWords("%1：将改变 %2 台摄像头，继续吗？输入 y 继续：")
+                     .arg(options.command.words.join(QLatin1Char(' ')))
+                     .arg(ports)
+                     .toStdString()
+              << std::flush;
+    std::string answer;
+    std::getline(std::cin, answer);
+    if (answer != "y" && answer != "Y")
+        throw UsageError(programWords("已取消").toStdString());
+}
+
+void checkTogether(const Options& options, std::size_t ports) {
+    if (!options.recordFile.empty() && ports > 1)
+        throw UsageError(programWords("--record 只能用于一个串口").toStdString());
+    if (options.command.verb == Verb::batch && !options.ports.empty())
+        throw UsageError(programWords("batch 的串口写在任务文件里，请去掉 -p").toStdString());
+}
+
+ExitCode runOnPorts(const Options& options, const std::vector<std::string>& ports, Output& output) {
+    std::atomic<int> worst{0};
+    std::vector<std::unique_ptr<PortJob>> jobs;
+    const bool several = ports.size() > 1;
+    for (const std::string& port : ports) {
+        jobs.push_back(std::make_unique<PortJob>(port, [&](PortJob& job) {
+            Result result;
+            if (options.command.verb == Verb::find)
+                result = runSearch(job, options);
+            else if (options.command.verb == Verb::watch)
+                result = runWatch(job, options, output);
+            else
+                result = job.run(options, output, several);
+            int code = static_cast<int>(result.code);
+            output.result(headOf(options, job.port()),
+                          several ? QString::fromStdString(job.port()) : QString(), result);
+            for (int before = worst; before < code && !worst.compare_exchange_weak(before, code);) {
+            }
+        }));
+    }
+    superviseJobs(jobs, output);
+    jobs.clear();
+    return static_cast<ExitCode>(worst.load());
+}
+
+} // namespace
+
+QJsonObject headOf(const Options& options, const std::string& port) {
+    QJsonObject head{{"port", QString::fromStdString(port)},
+                     {"command", options.command.words.join(QLatin1Char(' '))}};
+    if (options.command.verb != Verb::find) {
+        head.insert(QLatin1String("rate"), static_cast<qint64>(options.usedRate()));
+        head.insert(QLatin1String("address"), options.usedAddress());
+        head.insert(QLatin1String("type"), static_cast<int>(options.type));
+    }
+    return head;
+}
+
+void superviseJobs(const std::vector<std::unique_ptr<PortJob>>& jobs, Output& output) {
+    const auto isDone = [](const auto& job) { return job->isDone(); };
+    while (!std::all_of(jobs.begin(), jobs.end(), isDone)) {
+        if (interrupted() || output.failed()) {
+            for (const auto& job : jobs)
+                job->stop();
+        }
+        QStringList texts;
+        for (const auto& job : jobs) {
+            job->watchDownload();
+            if (const QString text = job->progress(); !text.isEmpty())
+                texts.append(text);
+        }
+        output.progress(texts.join(QLatin1String(" | ")));
+        std::this_thread::sleep_for(lookInterval);
+    }
+    output.progress({});
+}
+
+ExitCode runProgram(const Options& options) {
+    Output output(options.json, !options.quiet && errorIsTerminal());
+    ExitCode code = ExitCode::done;
+    try {
+        checkTogether(options, options.ports.size());
+        if (options.command.verb == Verb::ports) {
+            code = listPorts(output);
+        } else if (options.command.verb == Verb::batch) {
+            code = runBatch(options, output);
+        } else {
+            const std::vector<std::string> ports = chosenPorts(options);
+            confirm(options, ports.size());
+            code = runOnPorts(options, ports, output);
+        }
+    } catch (const UsageError& error) {
+        output.error(QString::fromUtf8(error.what()));
+        return ExitCode::usage;
+    }
+    if (interrupted())
+        return ExitCode::interrupted;
+    return output.failed() ? std::max(code, ExitCode::file) : code;
+}
+
+} // namespace cli

@@ -1,0 +1,16 @@
+// What shelf-camera needs of the system: interruption and the terminal.
+#pragma once
+
+namespace cli {
+
+/// From now on the first Ctrl+C is only noted; the second ends the process at once with code 130.
+void watchForInterrupts();
+[[nodiscard]] bool interrupted();
+
+/// Standard input and standard error.
+[[nodiscard]] bool inputIsTerminal();
+[[nodiscard]] bool errorIsTerminal();
+/// Makes the console take UTF-8 and escape sequences, where it does not by itself.
+void prepareConsole();
+
+} // namespace cli

@@ -1,0 +1,41 @@
+#include "cli/exitcode.h"
+#include "cli/system.h"
+
+#include <csignal>
+#include <unistd.h>
+
+namespace cli {
+
+namespace {
+
+volatile std::sig_atomic_t interruptions = 0;
+
+void interrupt(int) {
+    if (interruptions != 0)
+        ::_exit(static_cast<int>(ExitCode::interrupted));
+    interruptions = 1;
+}
+
+} // namespace
+
+void watchForInterrupts() {
+    std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is seen by the write
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(signal, &interrupt);
+}
+
+bool interrupted() {
+    return interruptions != 0;
+}
+
+bool inputIsTerminal() {
+    return ::isatty(STDIN_FILENO) != 0;
+}
+
+bool errorIsTerminal() {
+    return ::isatty(STDERR_FILENO) != 0;
+}
+
+void prepareConsole() {}
+
+} // namespace cli
