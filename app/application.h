@@ -1,5 +1,5 @@
-// The application object: an exception that leaves a handler is told to the user and does not end the
-// program. It also gives every window the program's icon and Qt's own texts in Chinese.
+// The application object: reports exceptions that leave a handler and does not end. Sets the icon of windows
+// and Qt's own texts in Chinese.
 #pragma once
 
 #include "app/qttexts.h"
@@ -28,7 +28,7 @@ private:
     void showNextFailure();
 
     QtTexts m_qtTexts;
-    // One box at a time, shown without an event loop of its own; the others wait.
+    // One box at a time, without an event loop of its own; the others wait.
     QQueue<QString> m_failures;
     QPointer<QMessageBox> m_box;
 };

@@ -7,12 +7,12 @@
 
 class QLabel;
 
-/// Takes a picture and shows it: deletes what the camera holds, captures, finds the new picture in the
-/// catalogue and downloads it on the thread pool. Cameras that speak JSON download a picture at once.
+/// Takes a picture and shows it: deletes the camera's pictures, captures, finds the new picture in the
+/// catalogue and downloads it on the thread pool. JSON cameras send a picture at once.
 ///
-/// User-interface thread only. The owner keeps its exchange controls disabled between `allowExchange(false)`
-/// and `allowExchange(true)`; closing the link stays possible at any step and ends the flow: nothing of an
-/// earlier link is shown or sent on a later one.
+/// User-interface thread. The owner disables its exchange controls between `allowExchange(false)` and
+/// `allowExchange(true)`. Closing the link ends the flow at any step: nothing of an earlier link is shown or
+/// sent on a later one.
 class CaptureFlow final : public QObject, private ClientBorrower {
     Q_OBJECT
 
@@ -21,12 +21,12 @@ public:
     /// with false and later with true, possibly twice; it may not delete the flow.
     CaptureFlow(QLabel* picture, std::function<void(bool)> allowExchange);
 
-    /// The new link's client, or null when the link ends. A flow that is under way is dropped; the owner, who
-    /// ends the link, gives the controls back itself.
+    /// The new link's client, or null at the end of the link. Drops a running flow; the owner of the link
+    /// enables the controls itself.
     void attachClient(CameraSp* client);
     using ClientBorrower::setObserver;
 
-    /// The number of a protocol::CameraType; one that is none is of the first generation.
+    /// Number of a protocol::CameraType; unknown numbers are of the first generation.
     void start(std::uint32_t cameraType);
 
 private:
@@ -47,12 +47,12 @@ private:
     void endDownload(const SharedCapture& capture, const CommandReport& report);
     /// False when the file holds no picture.
     bool showPicture(unsigned id);
-    /// Tells the observer how the run, or the part of it under way, ended.
+    /// Reports the end of the run, or of its current part, to the observer.
     void tellEnd(const SharedCapture& capture, const UseOutcome& outcome) const;
 
-    /// Takes the controls; the number returned gives them back.
+    /// Disables the controls; the returned number releases them.
     [[nodiscard]] std::uint64_t holdControls();
-    /// Nothing happens when this run has given them back before, or another run holds them by now.
+    /// Does nothing if this run no longer holds them.
     void releaseControls(std::uint64_t run);
 
     QLabel* m_picture;

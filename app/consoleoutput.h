@@ -1,9 +1,8 @@
-// The diagnostic lines of a program with windows, which Windows starts without a console.
+// Diagnostic lines of a program with windows, which has no console on Windows.
 #pragma once
 
-/// While it lives, standard output and error reach the console from which the program was started, or what
-/// they were redirected to, in UTF-8. Without either, and on other systems, nothing changes. To be made
-/// before the first line is written.
+/// Connects standard output and error, in UTF-8, to the console that started the program or to their
+/// redirections. Without either, and on other systems, it does nothing. Construct it before the first line.
 class ConsoleOutput final {
 public:
     ConsoleOutput();

@@ -1,8 +1,8 @@
 // Keeping the computer awake.
 #pragma once
 
-/// The computer does not go to sleep by itself for as long as an object of this class lives. On systems
-/// without such a call it does nothing. Made and destroyed on the same thread.
+/// Prevents the computer's sleep while it lives, where the system offers a call for it. Constructed and
+/// destroyed on the same thread.
 class KeepAwake {
 public:
     KeepAwake();

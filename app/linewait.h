@@ -1,4 +1,4 @@
-// An upload that waits for the line while a download does not end.
+// Ends a stalled download that keeps an upload waiting.
 #pragma once
 
 #include "link/clock.h"
@@ -13,8 +13,8 @@ class CameraSp;
 class QMessageBox;
 class QWidget;
 
-/// Watches an upload that waits for its turn. When a picture download has the line and no bytes come any
-/// more, asks whether to end it. User-interface thread only.
+/// Watches an upload that waits for its turn. If a picture download has the line and stalls, asks whether to
+/// end it. User-interface thread.
 class LineWait final : public QObject {
     Q_OBJECT
 

@@ -31,16 +31,14 @@ namespace Ui {
 class MainWindow;
 }
 
-/// Owns the link to the camera and lends it to the windows that it opens. Two states: a link is open, or not.
+/// Owns the link to the camera and lends it to the windows that it opens. States: link open, link closed.
 ///
-/// Everything here runs on the user-interface thread and blocks it for the exchanges it makes, but for jobs
-/// given to the pool (runOnPool). Closing the link, by the button, by closing the window or by destroying it,
-/// first takes the client back from every window, then stops what runs, waits for it and deletes the client:
-/// at most about one library time-out long.
+/// User-interface thread; exchanges block it, except jobs of runOnPool. Closing the link detaches the client
+/// from every window, stops running jobs, waits for them and deletes the client. This takes at most about one
+/// library timeout.
 ///
-/// Two rules switch the controls. The port rule says what is usable with and without a link and is applied
-/// whenever the link changes. On top of it allowExchange(false) keeps everything away that would start an
-/// exchange while a job or an upload has the client for itself.
+/// Two rules switch the controls: the port rule enables them by the state of the link; allowExchange(false)
+/// disables everything that starts an exchange while a job or an upload uses the client.
 class MainWindow final : public QMainWindow, private ClientBorrower {
     Q_OBJECT
 
@@ -67,13 +65,12 @@ private:
     [[nodiscard]] std::vector<QWidget*> portOpenControls() const;
     /// Switches the controls that depend on whether a link is open.
     void applyPortRule();
-    /// False while somebody uses the client for longer than one exchange, true when that is over. Closing the
-    /// link ends it as well. Harmless to call twice.
+    /// False while a job uses the client for longer than one exchange. Closing the link ends it. May be
+    /// called twice.
     void allowExchange(bool allowed);
-    /// When the link has changed: whoever had the client for itself does not come back for this link.
+    /// Re-enables the controls after the link changed; jobs of the old link no longer count.
     void freeExchange();
-    /// The button that closes the link has the focus only if the user moves it there: neither after the press
-    /// that opened the link nor when the window is activated again.
+    /// Moves the focus away from the button that closes the link: a second press of a key must not close it.
     void leaveCloseButton();
     /// Shows the chosen files.
     void showPaths();
@@ -86,13 +83,13 @@ private:
     void closeLink();
     /// Lends the client to this and every other window; null takes it back.
     void lendClient(CameraSp* client);
-    /// Asks before something long is broken off; false keeps the link.
+    /// Asks before an upload or return wait is interrupted; false keeps the link.
     bool confirmInterruption();
     void applyCameraProtocol();
 
     // --- windows ---
-    /// Opens an own, non-modal window that is deleted when closed and, if it is a ClientBorrower, has the
-    /// client as long as the link is open.
+    /// Opens a non-modal window that is deleted when it is closed. A ClientBorrower has the client while the
+    /// link is open.
     template <typename Window, typename... Arguments>
     Window* openWindow(Arguments&&... arguments);
     /// The menu entry opens a window that borrows the client.
@@ -104,7 +101,7 @@ private:
 
     // --- the status controls (mainwindow_status.cpp) ---
     struct Versions;
-    /// What a question box asks, does on Yes, and says afterwards.
+    /// A command that a question box confirms, with its texts.
     struct ConfirmedCommand {
         QString name; ///< for the status bar
         QString title;
@@ -130,11 +127,11 @@ private:
     void startAppUpdate();
     void startFirewareUpdate();
     void startModelUpdate();
-    /// Starts the task with the exchange controls disabled and shows its result, if the link is still the
-    /// same. False when the system starts no thread: then the controls are enabled again.
+    /// Disables the exchange controls, starts the task and shows its result if the link is the same. False if
+    /// the system starts no thread; the controls are then enabled again.
     template <typename Task>
     bool runTask(Task*& task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool));
-    /// Keeps everybody else from the line until the result is shown.
+    /// Keeps other users from the line until the result is shown.
     void beginUpload();
     void disablePressed(QPushButton* button, bool started);
     void appupdateEnd(bool result);
@@ -146,7 +143,7 @@ private:
     void showUploadResult(QPushButton* button, const QString& outcome, const QString& text);
     [[nodiscard]] QString uploadOutcome(bool success) const;
     void endInterruptible();
-    /// Blocks until no upload thread runs any more; the link has to be stopped before.
+    /// Blocks until all upload threads have ended. Stop the link first.
     void waitForTasks();
 
     /// Port and rate of the open link; the choices may change while it is open.
@@ -157,7 +154,7 @@ private:
 
     Clock& m_clock;
     std::unique_ptr<Ui::MainWindow> m_ui;
-    std::unique_ptr<CameraSp> m_camera; ///< present exactly while a link is open
+    std::unique_ptr<CameraSp> m_camera; ///< non-null while a link is open
     OpenedPort m_opened;                ///< of the open link
     std::uint32_t m_baudRate = protocol::baudRates.front();
     std::string m_portName;
@@ -168,7 +165,7 @@ private:
     std::uint32_t m_slaveAddress = 1;
     std::uint32_t m_cameraType = 0; ///< number of a protocol::CameraType
 
-    // The last task of each kind; children of the window, never deleted before it.
+    // The last task of each kind; children of the window.
     AppUpdateTask* m_appUpdateTask = nullptr;
     AppUpdateV1Task* m_appUpdateV1Task = nullptr;
     FirewareTask* m_firewareTask = nullptr;
@@ -177,9 +174,9 @@ private:
     TransferDisplay* m_transferDisplay = nullptr;
     LineWait* m_lineWait = nullptr;
     CommandReport m_uploadReport;           ///< of the last upload
-    std::unique_ptr<KeepAwake> m_keepAwake; ///< present while an upload or a return wait runs
-    bool m_interruptible = false;           ///< the same: closing asks first
-    /// The same: a change of address takes effect afterwards.
+    std::unique_ptr<KeepAwake> m_keepAwake; ///< during an upload or a return wait
+    bool m_interruptible = false;           ///< likewise: closing asks first
+    /// Likewise: a new address takes effect afterwards.
     std::optional<CameraSp::AddressHold> m_addressHold;
 
     std::unique_ptr<CaptureFlow> m_captureFlow;
@@ -192,7 +189,7 @@ Window* MainWindow::openWindow(Arguments&&... arguments) {
     auto* const window = new Window(std::forward<Arguments>(arguments)...);
     window->setWindowFlag(Qt::Window);
     window->setAttribute(Qt::WA_DeleteOnClose);
-    // A window that stays open does not keep the program running without the main window.
+    // Other windows do not keep the program running.
     window->setAttribute(Qt::WA_QuitOnClose, false);
     if constexpr (std::is_base_of_v<ClientBorrower, Window>) {
         m_windows.add(window, window);

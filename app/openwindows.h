@@ -1,4 +1,4 @@
-// The windows that the main window has opened, and the client lent to those that use it.
+// The windows that the main window opened, and the client lent to them.
 #pragma once
 
 #include <QPointer>
@@ -9,14 +9,14 @@
 class CameraSp;
 class ClientBorrower;
 
-/// User-interface thread only. A window that is destroyed is forgotten by itself.
+/// User-interface thread. Destroyed windows drop out by themselves.
 class OpenWindows {
 public:
-    /// The borrower is the window itself, or null for a window that uses no client.
+    /// borrower: the window itself, or null if it uses no client.
     void add(QWidget* window, ClientBorrower* borrower);
-    /// Lends the client to every borrower; null takes it back.
+    /// Attaches the client to every borrower; null detaches it.
     void attachClient(CameraSp* client);
-    /// Disables (false) and enables the borrowers while somebody else uses the client for a longer time.
+    /// Disables (false) or enables all borrowers.
     void setExchangeAllowed(bool allowed);
     void closeAll();
     void deleteAll();

@@ -1,4 +1,4 @@
-// The list of serial ports to choose from, which looks again whenever it is opened.
+// The list of serial ports. Opening it refreshes it.
 #pragma once
 
 #include <QComboBox>
@@ -14,22 +14,21 @@ struct PortEntry {
     friend bool operator==(const PortEntry&, const PortEntry&) = default;
 };
 
-/// Whether the name comes first; numbers inside count as numbers: COM9 before COM10.
+/// Natural sort order: COM9 before COM10.
 [[nodiscard]] bool portNameLess(const QString& left, const QString& right);
 
-/// A combo box of port names. Entries that others add stand behind those of the source and stay there.
+/// A combo box of port names. Entries added by others stay, behind those of the source.
 class PortChoice final : public QComboBox {
     Q_OBJECT
 
 public:
     using QComboBox::QComboBox;
 
-    /// Asked for the ports present, in the order reported, at the first fill and whenever the list is opened.
+    /// Gives the present ports in the order reported.
     void setSource(std::function<std::vector<PortEntry>()> ports);
     /// The first fill: the order reported, the first port chosen.
     void fill();
-    /// Looks again. Leaves the list alone when the same ports are there; else sorts them by name and keeps
-    /// the port chosen if it is still there.
+    /// If the ports changed: sorts them by name and keeps the chosen port if it is still there.
     void refill();
 
     void showPopup() override;

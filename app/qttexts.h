@@ -1,11 +1,10 @@
-// What Qt itself writes into windows (the buttons of boxes, the file dialog, the menu of a text field), in
-// Chinese.
+// Qt's own texts in Chinese: buttons of boxes, the file dialog, menus of text fields.
 #pragma once
 
 #include <QTranslator>
 
-/// Qt's own translation, where the machine has one: in the folder of Qt's translations, or in the folder
-/// "translations" beside the program. Without one these texts stay English.
+/// Loads Qt's translation from Qt's folder or from "translations" beside the program. Without one the texts
+/// stay English.
 class QtTexts final : public QTranslator {
     Q_OBJECT
 

@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// An answer that comes later than this after its request is not waited for.
+// Longest wait for the answer to another user's request.
 constexpr auto latestAnswer = 500ms;
 
 void logRequest(RequestLog kind, ByteView request) {
@@ -20,7 +20,7 @@ void logRequest(RequestLog kind, ByteView request) {
                             : kind == RequestLog::infos ? "infos:"
                             : kind == RequestLog::cert  ? "cert:"
                                                         : "every:";
-    // Whatever is logged after an application or model announcement stays hexadecimal.
+    // Log lines after an application or model announcement stay hexadecimal.
     if (kind == RequestLog::every)
         diagnostics::useHexadecimal();
     for (const std::uint8_t byte : request)
@@ -53,7 +53,7 @@ void CameraLine::discardLateAnswers() {
     try {
         m_port.discardInput();
     } catch (const std::exception&) {
-        // A port that is gone tells the command that comes now.
+        // The command that follows reports the failed port.
     }
 }
 
@@ -177,7 +177,7 @@ void CameraLine::addLease() {
 }
 
 void CameraLine::removeLease() {
-    // Told under the lock: the client may be deleted as soon as its last lease is seen to be gone.
+    // Notify under the lock: the client may be deleted as soon as its last lease is gone.
     const std::lock_guard lock(m_lifeMutex);
     --m_leases;
     m_lifeChanged.notify_all();

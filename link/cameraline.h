@@ -1,4 +1,4 @@
-// The open line: its port, whose turn it is, and the exchange.
+// The open line: port, turn, exchange.
 #pragma once
 
 #include "link/clock.h"
@@ -22,13 +22,13 @@ struct LinkStopped : std::runtime_error {
     LinkStopped() : std::runtime_error("link is closing") {}
 };
 
-/// Thrown inside a download that was ended so that somebody else can use the line.
+/// Thrown inside a download that endDownload() ended.
 struct DownloadEnded : std::runtime_error {
     DownloadEnded() : std::runtime_error("download ended") {}
 };
 
-/// Base of all commands. The exchange and the calls below it belong to the thread that has the turn
-/// and throw what the port throws; everything else may be used from any thread.
+/// Base of all commands. Only the thread that has the turn may call the exchange and the port functions below
+/// it; they throw the exceptions of the port. Everything else: any thread.
 class CameraLine {
 public:
     /// Opens the port; throws as SerialPort does. The clock outlives the line.
@@ -38,11 +38,10 @@ public:
     CameraLine& operator=(const CameraLine&) = delete;
 
     // --- the turn --------------------------------------------------------------------------------------
-    /// As LineTurn::take. After somebody else's request without an answer, what still comes of it is thrown
-    /// away before the line is given.
+    /// As LineTurn::take. Discards the late answer to another user's unanswered request first.
     [[nodiscard]] LineTurn::Hold take(LineUser user);
     [[nodiscard]] const LineTurn& turn() const { return m_turn; }
-    /// In the order of asking, one whole sequence of background reads at a time.
+    /// One sequence of background reads at a time, in the order of the calls.
     [[nodiscard]] LineTurn::Hold takeReadings() { return m_readings.take(LineUser::reading); }
 
     // --- the exchange ----------------------------------------------------------------------------------
@@ -50,24 +49,24 @@ public:
         bool accepted = false;
         protocol::Bytes bytes;
     };
-    /// The one exchange: time-outs, discarding, flushing, the request in one write, and the answer by the
-    /// rule's reading. `wanted` is the byte count of Reading::blocks.
+    /// Timeouts, discarding, flushing, the request in one write, the answer by the rule's reading.
+    /// `wanted`: byte count of Reading::blocks.
     Answer exchange(const protocol::ExchangeRule& rule, protocol::ByteView payload, std::uint64_t wanted = 0);
-    /// The same with a request that was built before.
+    /// The same with a complete request.
     Answer exchangeRequest(const protocol::ExchangeRule& rule, const protocol::Bytes& request,
                            std::uint64_t wanted = 0);
     [[nodiscard]] protocol::Bytes buildRequest(const protocol::ExchangeRule& rule,
                                                protocol::ByteView payload) const;
-    /// Reads until the answer is whole; false when it is not after so many reads.
+    /// Reads until the answer is complete; false if it is not after this many reads.
     bool readAnswer(protocol::Bytes& answer, std::uint32_t readSize, std::int32_t tries,
                     const protocol::AnswerForm& form);
     void setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) { port().setTimeouts(readMs, writeMs); }
     void flush() { port().flush(); }
     std::size_t write(protocol::ByteView bytes) { return port().write(bytes); }
-    /// How the command under way ended, as far as is known; exchange() sets it.
+    /// End of the current command; exchange() sets it.
     void setEnd(CommandEnd end) { m_end = end; }
     [[nodiscard]] CommandEnd end() const { return m_end; }
-    /// Bytes that the exchange under way has received.
+    /// Bytes received by the current exchange.
     [[nodiscard]] std::size_t received() const { return m_received; }
 
     // --- waiting and ending ----------------------------------------------------------------------------
@@ -78,9 +77,9 @@ public:
     void addLease();
     void removeLease();
     void waitUntilUnused();
-    /// The download that has the line, if any, fails at its next use of the port.
+    /// Makes a download that has the line fail at its next use of the port.
     void endDownload();
-    /// Called between two reads and while the turn is awaited, on the thread of the command. Set before the
+    /// Called between two reads and during the wait for the turn, on the command's thread. Set before the
     /// first command.
     void setWaitCallback(std::function<void()> callback) { m_waitCallback = std::move(callback); }
 
@@ -89,7 +88,7 @@ public:
     [[nodiscard]] bool portFailed() const { return m_port.hasFailed(); }
 
     // --- what enters frames ----------------------------------------------------------------------------
-    /// While the address is held this takes effect at the last releaseAddress().
+    /// Takes effect at the last releaseAddress() while the address is held.
     void setAddress(std::int32_t address);
     void holdAddress();
     void releaseAddress();
@@ -101,8 +100,7 @@ public:
     TransferProgress progress;
 
 private:
-    /// The port for the next library call. Throws when the link is being stopped, or when the calling thread
-    /// does not have the turn.
+    /// The port for one library call. Throws if the link is stopped or the calling thread has no turn.
     SerialPort& port();
     void readBlocks(protocol::Bytes& answer, std::size_t blockSize, std::uint64_t wanted);
     void discardLateAnswers();
@@ -114,20 +112,20 @@ private:
     LineTurn m_readings;
     std::function<void()> m_waitCallback;
 
-    // Belong to the turn's holder:
+    // Only the turn's holder uses these:
     CommandEnd m_end = CommandEnd::done;
     std::size_t m_received = 0;
-    int m_unanswered = 0; ///< requests whose answers have not been taken
+    int m_unanswered = 0; ///< requests without a complete answer
     Clock::Time m_lastRequest;
 
     std::atomic<bool> m_stop{false};
     std::atomic<bool> m_endDownload{false};
-    std::mutex m_lifeMutex; // guards m_leases; m_lifeChanged tells of it and of m_stop
+    std::mutex m_lifeMutex; // guards m_leases; m_lifeChanged signals changes of it and of m_stop
     std::condition_variable m_lifeChanged;
     int m_leases = 0;
 
     mutable std::mutex m_addressMutex; // guards the following
     std::int32_t m_address = 1;        ///< of the requests
-    std::int32_t m_nextAddress = 1;    ///< the same when nobody holds it
+    std::int32_t m_nextAddress = 1;    ///< takes effect when no hold is left
     int m_addressHolds = 0;
 };

@@ -1,4 +1,4 @@
-// The camera client: one object is one open serial link to one camera.
+// The camera client: one object is one open serial link.
 #pragma once
 
 #include "link/clock.h"
@@ -22,17 +22,15 @@ class CameraLine;
 /// Speaks the camera's protocol over one serial port. Construction opens the port, destruction closes it;
 /// there is no reconnect.
 ///
-/// Commands block their caller for one exchange (an upload or a download: for the whole transfer) and
-/// report failure by value: false, an empty text or an empty vector. Nothing is thrown but by the
-/// constructors and, for a file that cannot be opened, by appUpdate, firewareUpdate and modelUpdate.
-/// A ReportScope tells why a command failed.
+/// A command blocks its caller for one exchange (uploads and downloads: for the whole transfer). It returns a
+/// failure as false, an empty text or an empty vector; a ReportScope gives the reason. Only the constructors
+/// throw and, for a file that cannot be opened, appUpdate, firewareUpdate and modelUpdate.
 ///
-/// Threads: commands may be called on any thread. One is in flight at a time: each takes its turn on the
-/// line, in the order of asking. A command waits for the exchange under way; while a download, a version
-/// query or an upload has the line it fails at once (CommandEnd::lineBusy). An upload waits for its turn.
-/// Everything but the commands may be used from any thread at any time.
+/// Threads: any function on any thread. Commands run one at a time, in the order of the calls. A command
+/// waits for the current exchange; it fails at once (CommandEnd::lineBusy) while a download, a version query
+/// or an upload has the line. An upload waits for its turn.
 ///
-/// Ending a link: requestStop(), waitUntilUnused(), delete. At most about one library time-out long.
+/// To end a link: requestStop(), waitUntilUnused(), delete. This takes at most about one library timeout.
 class CameraSp {
 public:
     /// Opens the port at 9600 baud. Throws the serial library's exception when it cannot be opened.
@@ -51,13 +49,12 @@ public:
 
     /// Names of all serial ports in the order reported; empty when there are none.
     [[nodiscard]] static std::vector<std::string> getPorts();
-    /// The same with what the system says of each adapter; the texts as the serial library gives them
-    /// (UTF-8).
+    /// The same with the system's description of each adapter, UTF-8.
     [[nodiscard]] static std::vector<serial::PortInfo> describePorts();
 
-    /// Only its low byte is sent. Sends nothing itself.
+    /// Requests carry its low byte. Sends nothing.
     void setSlaveAddress(std::int32_t address);
-    /// Added modulo 256 to the first-generation picture commands (not by takePic). Sends nothing itself.
+    /// Added modulo 256 to the first-generation picture commands, except in takePic. Sends nothing.
     void setOriginPicCmdExtraAdd(std::uint8_t offset);
     /// Where downloads write their pictures instead of the working directory; UTF-8. Set before the first.
     void setPictureFolder(const std::string& folder);
@@ -82,7 +79,7 @@ public:
     bool setSn(std::string sn);
     bool rebootCamera();
     bool resetToFactory();
-    /// Simulates the door; the answer, if any, is not read.
+    /// Simulates the door. Reads no answer.
     void opDoor(bool open);
 
     // --- pictures, first generation --------------------------------------------------------------------
@@ -101,9 +98,9 @@ public:
     bool captureV1();
     /// Records of 33 bytes each, as above.
     std::vector<protocol::RecordBytes> getPicInfosV1();
-    /// 0xFFFF deletes all; date and gid are then not sent.
+    /// 0xFFFF deletes all and sends neither date nor gid.
     bool delPicV1(std::uint16_t id, std::uint32_t date, std::uint8_t gid);
-    /// As getOriginTargetPic, but writes the file whatever the read result is.
+    /// As getOriginTargetPic, but ignores the read result.
     void getTargetPicV1(std::uint16_t id, std::uint32_t size);
 
     // --- pictures and properties over JSON -------------------------------------------------------------
@@ -121,23 +118,23 @@ public:
     bool appUpdateV1(const std::string& fileName, const std::string& path);
 
     // --- the turn on the line --------------------------------------------------------------------------
-    /// The line for several commands of the calling thread: LineUser::reading for one exchange of a sequence
-    /// of background reads, LineUser::versions for a whole version query. Refused while a whole job has the
-    /// line.
+    /// Keeps the line for several commands of the calling thread: LineUser::reading for one exchange of a
+    /// sequence of background reads, LineUser::versions for a version query. Refused while a whole job has
+    /// the line.
     [[nodiscard]] LineTurn::Hold takeLine(LineUser user);
     /// Waits until no other sequence of background reads runs; refused only when the link is stopped.
     [[nodiscard]] LineTurn::Hold takeReadings();
-    /// Of the orientation; for the holder of takeReadings().
+    /// The orientation's quantities. Only the holder of takeReadings() uses them.
     [[nodiscard]] QuantitySequence& quantities() { return m_quantities; }
     [[nodiscard]] LineTurn::State lineState() const;
-    /// Ends the download that has the line, if one has it: it fails at its next use of the port.
+    /// Makes a download that has the line fail at its next use of the port.
     void endDownload();
-    /// Called between two reads and while the turn is awaited, on the thread of the command. To be set before
-    /// the first command.
+    /// Called between two reads and during the wait for the turn, on the command's thread. Set before the
+    /// first command.
     void setWaitCallback(std::function<void()> callback);
 
-    /// While one lives, requests carry the address of its construction; setSlaveAddress takes effect when the
-    /// last one is gone. The client outlives it.
+    /// Keeps the address of the requests: setSlaveAddress takes effect at the end of the last hold. The
+    /// client outlives it.
     class AddressHold {
     public:
         explicit AddressHold(CameraSp& client);
@@ -150,14 +147,14 @@ public:
     };
 
     // --- life of the link ------------------------------------------------------------------------------
-    /// Makes every running and later command fail at its next step and ends every pause at once.
+    /// Makes every running and later command fail at its next step. Ends pauses at once.
     void requestStop();
     [[nodiscard]] bool stopRequested() const;
     /// Returns early (false) when the link is stopped.
     bool pause(std::chrono::nanoseconds duration);
 
-    /// Says that a job or task uses this client. Taken on the user-interface thread before the job starts,
-    /// given back by the job when it is done with the client.
+    /// A job's use of the client. Taken on the user-interface thread before the job starts; the job gives it
+    /// back.
     class Lease {
     public:
         Lease() = default;
@@ -173,15 +170,14 @@ public:
     /// Blocks until every lease has been given back.
     void waitUntilUnused();
 
-    /// Whether the last use of the port failed in the device, as it does when the adapter has been pulled
-    /// out. False again as soon as the port works. Any thread.
+    /// True if the last use of the port failed in the device, e.g. because the adapter was pulled out.
     [[nodiscard]] bool portFailed() const;
-    /// The rate that the port was opened with.
+    /// Rate of the open port.
     [[nodiscard]] std::uint32_t baudRate() const { return m_baudRate; }
 
     [[nodiscard]] const TransferProgress& progress() const;
     [[nodiscard]] Clock& clock() const;
-    /// Told of all bytes from now on; null: nobody is.
+    /// Observes all bytes from now on. Null: none.
     void setLineObserver(LineObserver* observer);
 
 private:

@@ -5,7 +5,7 @@
 #include <condition_variable>
 #include <mutex>
 
-/// The system's monotonic time. Tests and simulations derive from it. Any thread; outlives its users.
+/// The system's monotonic time. Tests derive from it. Any thread; outlives its users.
 class Clock {
 public:
     using Time = std::chrono::steady_clock::time_point;
@@ -18,8 +18,8 @@ public:
     static Clock& system();
 
     [[nodiscard]] virtual Time now() const;
-    /// Waits with the lock released. True when the time is over; false when `changed` was notified, or for
-    /// no reason.
+    /// Waits with the lock released. True at the end of the time; false after a notification or a spurious
+    /// wake-up.
     [[nodiscard]] virtual bool wait(std::unique_lock<std::mutex>& lock, std::condition_variable& changed,
                                     std::chrono::nanoseconds duration);
     /// The same for a pause between two steps of a command. Below 1 ms it polls the time: the system may

@@ -1,4 +1,4 @@
-// How commands ended, beside their results.
+// Reasons of failed commands.
 #pragma once
 
 #include "link/lineturn.h"
@@ -8,15 +8,15 @@
 /// How a command ended.
 enum class CommandEnd : std::uint8_t {
     done,
-    sent,         ///< no answer is read: the request was written, no more is known
+    sent,         ///< the request was written; the command reads no answer
     empty,        ///< the camera answered without a value
     noPictures,   ///< the camera answered that it holds none
     noAnswer,     ///< nothing came
-    unusable,     ///< something came, but no whole answer, or the answer to another question
+    unusable,     ///< incomplete answer, or the answer to another request
     refused,      ///< the camera answered with a failure
     portFailed,   ///< the serial library failed
     portNotOpen,  ///< no port was chosen when the link was opened
-    stopped,      ///< the link is being closed, or the transfer was ended for another
+    stopped,      ///< the link is being closed, or endDownload() was called
     lineBusy,     ///< a whole job has the line
     fileUnusable, ///< a picture that could not be written
     failed,       ///< anything else
@@ -24,9 +24,9 @@ enum class CommandEnd : std::uint8_t {
     fileMissing,      ///< the file could not be opened
     fileUnreadable,   ///< a directory, or a read that failed
     fileTooLarge,     ///< 2 GiB or more
-    offsetBeyondFile, ///< the camera wants to go on behind the file's end
-    noVerdict,        ///< all sent, the camera did not say how it ended
-    verdictBad,       ///< all sent, the camera calls it bad
+    offsetBeyondFile, ///< resume offset behind the end of the file
+    noVerdict,        ///< all sent, no verdict
+    verdictBad,       ///< all sent, bad verdict
     dataNotSupported, ///< second protocol: the camera asks for data packets, which are not sent
 };
 
@@ -37,8 +37,7 @@ struct CommandReport {
     [[nodiscard]] bool succeeded() const { return end <= CommandEnd::noPictures; }
 };
 
-/// Keeps the first failure of all commands that this thread runs while it lives, else the end of the last
-/// one. Scopes may nest: each hears of every command.
+/// Collects the reports of this thread's commands: the first failure, else the last end. Scopes may nest.
 class ReportScope {
 public:
     ReportScope();
@@ -48,7 +47,7 @@ public:
 
     [[nodiscard]] const CommandReport& report() const { return m_report; }
 
-    /// A command of this thread has ended. Called by the commands.
+    /// Called at the end of each command.
     static void tell(const CommandReport& report);
 
 private:

@@ -6,7 +6,7 @@
 
 namespace diagnostics {
 
-/// One line at a time, whichever thread writes it.
+/// Serialises lines of all threads.
 inline std::mutex& lineMutex() {
     static std::mutex mutex;
     return mutex;
@@ -17,9 +17,9 @@ inline std::mutex& lineMutex() {
 /// Where the lines go from now on; outlives every client. Called before the first client is made.
 void setStream(std::ostream& stream);
 
-/// Writes the pieces and a line break to the stream and flushes it, so that a reader of a pipe sees the
-/// line when it is complete. Numbers come out in the stream's present base, which an upload switches to
-/// hexadecimal for good; what has to be decimal is handed over as text.
+/// Writes the pieces and a line break to the stream and flushes it, so that a reader of a pipe
+/// sees whole lines. Numbers have the stream's base, which an upload switches to hexadecimal for good; pass
+/// numbers that stay decimal as text.
 template <typename... Pieces>
 void line(const Pieces&... pieces) {
     const std::lock_guard lock(lineMutex());

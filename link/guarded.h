@@ -13,11 +13,11 @@ struct ExceptionWords {
     std::optional<int> portError;    ///< error number of a serial::IOException
 };
 
-/// Both are to be called in a handler.
+/// Call both in a handler.
 [[nodiscard]] ExceptionWords describeException();
 [[nodiscard]] std::string exceptionText();
 
-/// Runs the body; logs what is thrown in it in one line and answers with the failure value.
+/// Runs the body. Logs an exception in one line and returns the failure value.
 template <typename Result, typename Body>
 Result guarded(Result failure, Body&& body) {
     try {

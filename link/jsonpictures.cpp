@@ -16,8 +16,8 @@ void logLaterPieceFailed() {
     diagnostics::line("read failed");
 }
 
-/// All pieces in order; nothing, with its line logged, when one is missing or the size is not told.
-/// `logFailure` is set to what the piece under way logs when it fails.
+/// All pieces in order; nothing after a failure, which is logged. Sets `logFailure` to the log line of the
+/// current piece.
 std::optional<Bytes> downloadPicture(CameraLine& line, std::function<void()>& logFailure) {
     const CameraLine::Answer first =
         line.exchange(rules::quentaFirstChunk, bytesOf(jsonChunkRequest(0, jsonFirstChunk)));

@@ -34,7 +34,7 @@ LineUser LineTurn::jobInTheWay(LineUser user, const Ticket* own) const {
     if (isWholeJob(m_holder))
         return m_holder;
     for (const Ticket* const ticket : m_waiting) {
-        // Who came first keeps its place, but for a reading: it yields to an upload that came later.
+        // Earlier users keep their place, but a reading yields to a later upload.
         if (ticket == own && user != LineUser::reading)
             break;
         if (ticket != own && isWholeJob(ticket->user))
@@ -50,7 +50,7 @@ LineTurn::Hold LineTurn::take(LineUser user, const std::function<void()>& whileW
         return hold;
     const Ticket ticket{user};
     m_waiting.push_back(&ticket);
-    m_changed.notify_all(); // a waiting reading gives up for a whole job
+    m_changed.notify_all(); // wakes waiting readings, which yield to a whole job
     while (!m_stopped && hold.m_busyWith == LineUser::none) {
         hold.m_busyWith = jobInTheWay(user, &ticket);
         if (hold.m_busyWith != LineUser::none)

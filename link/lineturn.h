@@ -1,4 +1,4 @@
-// Whose turn it is on the line.
+// The turn on the line.
 #pragma once
 
 #include "link/clock.h"
@@ -10,24 +10,22 @@
 #include <mutex>
 #include <thread>
 
-/// A user of the line. The first two use it for one exchange, the others from their first exchange to their
-/// last.
+/// A user of the line. Commands and readings use it for one exchange, the others for a whole job.
 enum class LineUser : std::uint8_t { none, command, reading, versions, download, upload };
 
 [[nodiscard]] constexpr bool isWholeJob(LineUser user) {
     return user >= LineUser::versions;
 }
 
-/// A fair lock: one user at a time, in the order in which they asked. Any thread.
+/// A fair lock: one user at a time, in the order of the calls. Any thread.
 ///
-/// An upload waits for whoever is before it. Nobody else waits for a whole job: while one holds the line or
-/// waits for it, take() is refused at once. A reading that waits gives its place up as soon as an upload
-/// asks.
+/// An upload waits for the users before it. Other users do not wait for a whole job: take() is refused while
+/// one holds the line or waits for it. A waiting reading is refused when an upload asks.
 class LineTurn {
 public:
     enum class Refusal : std::uint8_t { none, busy, stopped };
 
-    /// The line for as long as it lives; may be refused. Given back on the thread that took it.
+    /// Holds the line while it lives, unless it was refused. Destroyed on the thread that took it.
     class Hold {
     public:
         Hold() = default;
@@ -37,9 +35,9 @@ public:
 
         explicit operator bool() const { return m_refusal == Refusal::none; }
         [[nodiscard]] Refusal refusal() const { return m_refusal; }
-        /// The whole job in whose favour this was refused.
+        /// The whole job that was the reason of the refusal.
         [[nodiscard]] LineUser busyWith() const { return m_busyWith; }
-        /// Somebody else had the line first.
+        /// True if another user had the line.
         [[nodiscard]] bool hadToWait() const { return m_waited; }
 
     private:
@@ -57,15 +55,15 @@ public:
     LineTurn(const LineTurn&) = delete;
     LineTurn& operator=(const LineTurn&) = delete;
 
-    /// On the thread that already holds the line this succeeds at once and gives nothing back.
+    /// Nested calls on the holder's thread succeed at once.
     /// `whileWaiting`, if any, is called about every 100 ms on this thread.
     [[nodiscard]] Hold take(LineUser user, const std::function<void()>& whileWaiting = {});
-    /// Refuses every later and every waiting take().
+    /// Refuses every waiting and later take().
     void stop();
 
-    /// The user as which this thread holds the line; none if it does not.
+    /// This thread's use of the line.
     [[nodiscard]] LineUser userOnThisThread() const;
-    /// The user that holds the line, and the first whole job that waits for it.
+    /// The holder and the first waiting whole job.
     struct State {
         LineUser holder = LineUser::none;
         LineUser waitingJob = LineUser::none;
@@ -76,14 +74,14 @@ private:
     struct Ticket {
         LineUser user;
     };
-    /// With the lock held: the whole job that this user does not wait for.
+    /// The whole job that refuses this user. Call with the lock held.
     [[nodiscard]] LineUser jobInTheWay(LineUser user, const Ticket* own) const;
     void giveBack();
 
     Clock& m_clock;
     mutable std::mutex m_mutex; // guards everything below
     std::condition_variable m_changed;
-    std::deque<const Ticket*> m_waiting; ///< in the order of asking; the tickets stand on the waiters' stacks
+    std::deque<const Ticket*> m_waiting; ///< in the order of the calls; tickets live on the waiters' stacks
     LineUser m_holder = LineUser::none;
     std::thread::id m_owner;
     bool m_stopped = false;

@@ -22,7 +22,7 @@ ByteView pictureIn(ByteView answer, std::uint32_t size) {
     return answer.range(transferData, transferData + std::size_t{size});
 }
 
-/// First-generation commands travel under codes that the user may have shifted.
+/// The user may shift the codes of first-generation commands.
 ExchangeRule withOffset(const CameraLine& line, const ExchangeRule& rule) {
     ExchangeRule shifted = rule;
     shifted.command = static_cast<Command>((code(rule.command) + line.pictureOffset.load()) & 0xFF);
@@ -73,7 +73,7 @@ std::vector<RecordBytes> readCatalogue(CameraLine& line, const ExchangeRule& rul
     });
 }
 
-/// Asks for the picture and reads on until all of it is there, however long that takes.
+/// Requests the picture and reads until it is complete, without a limit of time.
 CameraLine::Answer download(CameraLine& line, const ExchangeRule& rule, ByteView request,
                             std::uint32_t size) {
     CameraLine::Answer answer = line.exchange(rule, request, std::uint64_t{size} + transferOverhead);
@@ -135,7 +135,7 @@ void CameraSp::getOriginTargetPic(std::uint8_t id, std::uint32_t size) {
 
 void CameraSp::getTargetPicV1(std::uint16_t id, std::uint32_t size) {
     runCommand(*m_line, LineUser::download, {}, false, [&] {
-        // Cameras of this generation state a read result that is not kept: the picture counts whatever it is.
+        // The read result of this generation means nothing.
         const CameraLine::Answer answer =
             download(*m_line, rules::getTargetPicV1, v1ReadRequest(id, size), size);
         diagnostics::line("read over");

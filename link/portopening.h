@@ -1,4 +1,4 @@
-// Opening a port: the part that depends on the system.
+// System-dependent part of opening a port.
 #pragma once
 
 #include <serial/serial.h>
@@ -6,10 +6,9 @@
 #include <chrono>
 #include <string>
 
-/// The name, if the library may open it; throws the library's exception, with the error number, if not.
+/// Returns the name, or throws the library's exception with the error number if the library must not open it.
 [[nodiscard]] const std::string& checkedPortName(const std::string& name);
 
-/// Throws a better exception where the system knows more than the library's failure says.
-/// taken: by the opening that failed.
+/// Throws an exception with the error number if the system gives one. taken: duration of the failed opening.
 void throwReasonOfOpening(const std::string& name, const serial::IOException& failure,
                           std::chrono::nanoseconds taken);

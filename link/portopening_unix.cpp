@@ -8,7 +8,7 @@
 
 namespace {
 
-/// True when a character device of this major number is a terminal, or when the system does not tell.
+/// True if character devices of this major number are terminals, or if the system does not say.
 bool isTerminalMajor(unsigned int wanted) {
     std::ifstream drivers("/proc/tty/drivers");
     if (!drivers)
@@ -26,9 +26,9 @@ bool isTerminalMajor(unsigned int wanted) {
 
 } // namespace
 
-/// The library loses a file descriptor for each path that it can open but not configure, so what is no
-/// terminal is refused by its looks, with the library's own exception. The path is never opened here:
-/// opening moves the modem lines.
+/// The library leaks a file descriptor for each path that it can open but not configure. Therefore a path
+/// that is no terminal is refused with the library's exception. It is not opened here: opening moves the
+/// modem lines.
 const std::string& checkedPortName(const std::string& name) {
     struct stat status {};
     if (!name.empty() && ::stat(name.c_str(), &status) == 0 &&

@@ -8,10 +8,10 @@ namespace {
 
 constexpr auto slowOpening = std::chrono::milliseconds(500);
 
-/// 0 for what the library's own text may tell better.
+/// 0 if the library's text says more.
 int errorNumberOf(DWORD systemError) {
     switch (systemError) {
-    case ERROR_ACCESS_DENIED: // what a port that another program has open answers
+    case ERROR_ACCESS_DENIED: // another program has the port open
     case ERROR_SHARING_VIOLATION:
     case ERROR_BUSY:
         return EBUSY;
@@ -19,7 +19,7 @@ int errorNumberOf(DWORD systemError) {
     case ERROR_PATH_NOT_FOUND:
     case ERROR_DEV_NOT_EXIST:
         return ENOENT;
-    case ERROR_GEN_FAILURE: // an adapter that has just been pulled
+    case ERROR_GEN_FAILURE: // the adapter was just pulled out
     case ERROR_BAD_COMMAND:
     case ERROR_DEVICE_NOT_CONNECTED:
         return ENODEV;
@@ -45,9 +45,8 @@ const std::string& checkedPortName(const std::string& name) {
     return name;
 }
 
-/// The library does not tell why a port did not open: its exception has no error number, and the number in
-/// its text is an unrelated one. The system is asked once more, unless the first answer took long: the second
-/// would take as long again.
+/// The library's exception has no error number, and the number in its text is unrelated. Therefore the system
+/// is asked once more, unless the first attempt took long: the second would take as long.
 void throwReasonOfOpening(const std::string& name, const serial::IOException& failure,
                           std::chrono::nanoseconds taken) {
     if (taken > slowOpening ||

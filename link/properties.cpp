@@ -16,7 +16,7 @@ ExchangeRule withCommand(ExchangeRule rule, std::uint8_t command) {
     return rule;
 }
 
-/// The generic property read. Its lines say what went wrong: an answer that cannot be used, or an exception.
+/// The generic property read. Logs an unusable answer or an exception.
 Bytes readProperty(CameraLine& line, const ExchangeRule& rule, std::uint8_t id) {
     const auto failed = [](const char* text) {
         diagnostics::line("getCommonProperty error2:", text);
@@ -50,7 +50,7 @@ std::string textOf(CameraLine& line, ByteView answer) {
     return text;
 }
 
-/// A write, or another command that answers with success or failure only.
+/// Result of a command that answers with success or failure only.
 bool succeeded(CameraLine& line, unsigned result) {
     if (result != answer_result::success)
         line.setEnd(CommandEnd::refused);

@@ -1,12 +1,12 @@
-// Quantities that the camera gives one after the other, one at each read of the same property.
+// Sequence of quantities: each read of the same property gives the next one.
 #pragma once
 
 #include "link/clock.h"
 
 #include <cstddef>
 
-/// Where the camera is in its sequence. A sequence that is broken off goes on at the next read, unless that
-/// comes so late that the camera begins anew. Belongs to whoever has the turn for readings.
+/// Position of the camera in its sequence. The next read continues an abandoned sequence; after a long pause
+/// the camera restarts it. Only the holder of the turn for readings uses it.
 class QuantitySequence {
 public:
     using Time = Clock::Time;
@@ -15,7 +15,7 @@ public:
     [[nodiscard]] std::size_t next(std::size_t count, Time now) const {
         return now - m_lastRead > restart ? 0 : m_reads % count;
     }
-    /// A read was asked for.
+    /// Call for each read.
     void advance(std::size_t count, Time now) {
         m_reads = next(count, now) + 1;
         m_lastRead = now;

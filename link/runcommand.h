@@ -1,4 +1,4 @@
-// How every command runs: its turn on the line, its report, and what becomes of an exception in it.
+// Runs a command: turn, report, exceptions.
 #pragma once
 
 #include "link/cameraline.h"
@@ -6,8 +6,8 @@
 #include <functional>
 #include <utility>
 
-/// What a command logs when something is thrown in it: the tag with the exception's text, then, when the port
-/// threw it, its own line.
+/// Log lines of a command after an exception: the tag with the exception's text, then, if the port threw it,
+/// the command's own line.
 struct FailureLog {
     FailureLog() = default;
     /// The text is the command's own line.
@@ -18,7 +18,7 @@ struct FailureLog {
     std::function<void()> ownLine; ///< may be empty
 };
 
-/// A command while it runs: has its turn on the line, and tells this thread's report scopes how it ended.
+/// A running command: holds the turn and reports its end to this thread's report scopes.
 class RunningCommand {
 public:
     RunningCommand(CameraLine& line, LineUser user) : m_line(line), m_turn(line.take(user)) {}
@@ -26,20 +26,19 @@ public:
     RunningCommand(const RunningCommand&) = delete;
     RunningCommand& operator=(const RunningCommand&) = delete;
 
-    /// Throws when the line was refused.
+    /// Throws if the line was refused.
     void begin();
-    /// Logs the exception at hand. To be called in a handler.
+    /// Logs the current exception. Call in a handler.
     void fail(const FailureLog& log);
 
 private:
     CameraLine& m_line;
     LineTurn::Hold m_turn;
-    CommandReport m_report; ///< of an exception; else the line knows the end
+    CommandReport m_report; ///< after an exception; else the line has the end
     bool m_failed = false;
 };
 
-/// Runs a command's body with a turn on the line. What is thrown in it is logged and becomes the failure
-/// value.
+/// Runs a command's body with a turn on the line. Logs an exception and returns the failure value.
 template <typename Result, typename Body>
 Result runCommand(CameraLine& line, LineUser user, const FailureLog& log, Result failure, Body&& body) {
     RunningCommand command(line, user);

@@ -42,8 +42,7 @@ void SerialPort::discardInput() {
         try {
             m_serial.flushInput();
         } catch (const serial::IOException& error) {
-            // Version 1.2.1 of the library cannot discard on Windows; reading what is there comes to the
-            // same.
+            // Version 1.2.1 of the library cannot discard on Windows; reading has the same effect.
             if (std::string_view(error.what()).find("not supported") == std::string_view::npos)
                 throw;
             readAway();

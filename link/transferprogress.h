@@ -1,11 +1,11 @@
-// How far a transfer is, for whoever wants to show it.
+// Progress of a transfer.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 
-/// Written by the thread that runs the transfer (upload or picture download), read by any thread; values
-/// read at one moment need not belong together.
+/// Written by the thread of the upload or download, read by any thread. Values read together may be from
+/// different moments.
 struct TransferProgress {
     enum class Phase : int { idle, reading, announcing, sending, awaitingVerdict, downloading };
 
@@ -15,7 +15,7 @@ struct TransferProgress {
     std::atomic<std::uint64_t> total{0};       ///< bytes
 };
 
-/// Marks a transfer as running for as long as it lives.
+/// Marks a transfer as running while it lives.
 class TransferScope {
 public:
     TransferScope(TransferProgress& progress, TransferProgress::Phase phase, std::uint64_t total)

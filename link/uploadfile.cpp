@@ -14,10 +14,10 @@ using namespace protocol;
 
 namespace {
 
-// Read or digested between two looks at the stop flag: a few ms even on a slow stick.
+// Bytes between two checks of the stop flag: a few ms even on a slow stick.
 constexpr std::size_t step = std::size_t{16} * 1024;
 
-/// A UTF-8 text names the file on every system, whatever its narrow code page is.
+/// UTF-8 on every system, independent of the code page.
 std::filesystem::path fromUtf8(const std::string& path) {
     return {std::u8string(path.begin(), path.end())};
 }
@@ -57,7 +57,7 @@ UploadFileResult readUploadFile(const std::string& utf8Path, const FileProgress&
     std::ifstream stream(path, std::ios::binary);
     if (!stream)
         return {CommandEnd::fileMissing, {}};
-    // A file that does not fit into the memory is one that cannot be read.
+    // A file that does not fit into memory counts as unreadable.
     return guarded(UploadFileResult{CommandEnd::fileUnreadable, {}},
                    [&] { return readWhole(stream, path, progress); });
 }

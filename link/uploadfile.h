@@ -1,4 +1,4 @@
-// Reading a file that is to be uploaded.
+// Reading a file for an upload.
 #pragma once
 
 #include "link/commandreport.h"
@@ -8,11 +8,11 @@
 #include <optional>
 #include <string>
 
-/// Called while a file is read or its digest is made, at least every 50 ms of work that a slow disk does not
-/// lengthen, with the bytes that are through; false ends it.
+/// Progress of reading or digesting a file in bytes; called at least every 50 ms unless the disk is slow.
+/// False ends the work.
 using FileProgress = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
-/// What became of an attempt to read.
+/// Result of reading a file.
 struct UploadFileResult {
     CommandEnd end =
         CommandEnd::done;    ///< fileMissing (nothing was logged), fileTooLarge, fileUnreadable, stopped

@@ -21,7 +21,7 @@ constexpr auto v1PauseBeforePacket = 30ms;
 constexpr std::uint8_t v1NoResult = 0xFF; // as bad as any above the last good one
 constexpr const char* v1UnansweredText = "appupdateV1 queryCanUpdate checkfailed";
 
-/// What the three kinds of raw-chunk upload differ in.
+/// Differences of the three raw-chunk uploads.
 struct UploadKind {
     const ExchangeRule& rule;
     bool flushesChunks;
@@ -39,18 +39,18 @@ struct UploadKind {
     [[nodiscard]] bool named() const { return isNamed(rule.command); }
 };
 
-/// One file while it is uploaded. Any kind; the calling thread has the turn on the line.
+/// An upload of any kind. The calling thread has the turn on the line.
 class Upload {
 public:
-    /// Reads the file; failed() tells why it could not.
+    /// Reads the file; failed() gives the reason of a failure.
     Upload(CameraLine& line, const std::string& path);
 
     [[nodiscard]] CommandEnd failed() const { return m_file.end; }
     [[nodiscard]] ByteView content() const { return m_file.content; }
     [[nodiscard]] std::uint32_t size() const { return static_cast<std::uint32_t>(m_file.content.size()); }
-    /// Throws LinkStopped when the link is closed meanwhile.
+    /// Throws LinkStopped if the link is closed meanwhile.
     [[nodiscard]] UploadDigest digest();
-    /// The transfer proper begins: the progress counts the file's bytes from now on.
+    /// Starts counting the file's bytes.
     void beginTransfer();
 
 private:
@@ -65,7 +65,7 @@ Upload::Upload(CameraLine& line, const std::string& path)
     : m_line(line), m_scope(line.progress, TransferProgress::Phase::reading, 0),
       m_file(readUploadFile(path, countFrom(0))) {}
 
-/// The file is gone through twice: it is read, and its digest is made.
+/// The file is read, then digested.
 FileProgress Upload::countFrom(std::uint64_t firstByte) {
     return [this, firstByte](std::uint64_t done, std::uint64_t total) {
         m_line.progress.total = 2 * total;
@@ -92,9 +92,8 @@ bool appCanUpdate(ByteView answer, std::uint32_t& offset) {
     return answer.get(inFrame(image_answer::status)) == answer_result::success;
 }
 
-/// The offset at which the camera wants the upload to go on, as a signed number; nothing when there is no
-/// answer or, for a model, when the camera refuses. An image is sent even if the camera says that it cannot
-/// update: cameras say so and take it.
+/// Resume offset, signed. Nothing without an answer or, for a model, after a refusal. An image is sent
+/// although the camera says that it cannot update: cameras say so and take it.
 std::optional<std::int32_t> announce(CameraLine& line, const UploadKind& kind, ByteView payload) {
     ExchangeRule rule = kind.rule;
     rule.timeoutMs = kept; // set before the digest was made
@@ -115,7 +114,7 @@ std::optional<std::int32_t> announce(CameraLine& line, const UploadKind& kind, B
             return std::nullopt;
         }
         offset = view.get(inFrame(named_answer::offset));
-        diagnostics::line(kind.canUpdateTag, "0"); // a literal zero, whatever the offset is
+        diagnostics::line(kind.canUpdateTag, "0"); // always a literal zero
     } else if (appCanUpdate(answer.bytes, offset)) {
         diagnostics::line(kind.canUpdateTag, static_cast<std::int32_t>(offset));
     } else {
@@ -125,11 +124,11 @@ std::optional<std::int32_t> announce(CameraLine& line, const UploadKind& kind, B
     return static_cast<std::int32_t>(offset);
 }
 
-/// Raw slices of the file, neither framed nor acknowledged. A short write is logged and not made good: the
-/// camera finds the gap by the digest and asks for the rest at the next upload.
+/// Sends raw slices of the file, neither framed nor acknowledged. A short write is logged but not repeated:
+/// the camera finds the gap by the digest and asks for the rest at the next upload.
 void sendChunks(CameraLine& line, const UploadKind& kind, ByteView file, std::size_t offset) {
     TransferProgress& progress = line.progress;
-    // No more than the file has, wherever the camera wants to go on.
+    // At most to the end of the file, at any resume offset.
     progress.startOffset = std::min(offset, file.size());
     progress.done = progress.startOffset.load();
     progress.phase = TransferProgress::Phase::sending;
@@ -158,7 +157,7 @@ bool isGoodVerdict(const UploadKind& kind, ByteView answer) {
 bool awaitVerdict(CameraLine& line, const UploadKind& kind) {
     if (kind.verdictTries == 0) {
         line.setEnd(line.stopRequested() ? CommandEnd::stopped : CommandEnd::done);
-        return !line.stopRequested(); // what was broken off is never called a success
+        return !line.stopRequested(); // an interrupted upload is no success
     }
     line.progress.phase = TransferProgress::Phase::awaitingVerdict;
     Bytes answer;
@@ -172,7 +171,7 @@ bool awaitVerdict(CameraLine& line, const UploadKind& kind) {
     return good;
 }
 
-/// Logs the text that is current when the port throws, if there is one.
+/// Logs the current text after an exception of the port.
 FailureLog logOfPhase(const char* const& failureText) {
     return {"command failed:", [&failureText] {
                 if (failureText != nullptr)
@@ -180,7 +179,7 @@ FailureLog logOfPhase(const char* const& failureText) {
             }};
 }
 
-/// Announcement to verdict. `failureText` is set to the line of the phase under way.
+/// Announcement to verdict. Sets `failureText` to the line of the current phase.
 bool transfer(CameraLine& line, const UploadKind& kind, Upload& upload, const std::string& name,
               const char*& failureText) {
     line.setTimeouts(*kind.rule.timeoutMs, *kind.rule.timeoutMs);
@@ -196,7 +195,7 @@ bool transfer(CameraLine& line, const UploadKind& kind, Upload& upload, const st
     failureText = kind.noVerdictText;
     const bool beyondFile = *offset < 0 || static_cast<std::uint32_t>(*offset) > upload.size();
     bool success = false;
-    // An offset beyond 31 bits reads as negative: no place in any file.
+    // An offset of 2 GiB or more reads as negative.
     if (*offset >= 0) {
         sendChunks(line, kind, upload.content(), static_cast<std::size_t>(*offset));
         success = awaitVerdict(line, kind);
@@ -206,7 +205,7 @@ bool transfer(CameraLine& line, const UploadKind& kind, Upload& upload, const st
     return success;
 }
 
-/// One raw-chunk upload; throws kind.cannotOpenText when the file cannot be opened.
+/// One raw-chunk upload. Throws kind.cannotOpenText if the file cannot be opened.
 bool uploadRaw(CameraLine& line, const UploadKind& kind, const std::string& path, const std::string& name) {
     bool missing = false;
     const char* failureText = kind.unansweredText;
@@ -220,7 +219,7 @@ bool uploadRaw(CameraLine& line, const UploadKind& kind, const std::string& path
         return transfer(line, kind, upload, name, failureText);
     });
     if (missing)
-        throw kind.cannotOpenText; // the one failure that leaves a command
+        throw kind.cannotOpenText; // the only exception that leaves a command
     return success;
 }
 
@@ -242,7 +241,7 @@ std::optional<Bytes> announceV1(CameraLine& line, const Bytes& request) {
     }
 }
 
-/// The offset at which the camera wants to go on; nothing when it refuses or does not say.
+/// Resume offset; nothing after a refusal or a short answer.
 std::optional<std::uint32_t> offsetV1(CameraLine& line, ByteView answer) {
     if (!answer.has(inFrame(named_answer::offset))) {
         line.setEnd(CommandEnd::unusable);
@@ -258,7 +257,7 @@ std::optional<std::uint32_t> offsetV1(CameraLine& line, ByteView answer) {
     return offset;
 }
 
-/// Always eleven closing packets; the last result that came is the one that counts.
+/// Always eleven closing packets; the last received result counts.
 std::uint8_t sendClosingPackets(CameraLine& line, std::uint32_t fileSize) {
     diagnostics::line("after data-send2");
     line.progress.phase = TransferProgress::Phase::awaitingVerdict;
@@ -278,7 +277,7 @@ std::uint8_t sendClosingPackets(CameraLine& line, std::uint32_t fileSize) {
     return packageResult;
 }
 
-/// This version sends no data packets: the camera has to hold the whole file already.
+/// Sends no data packets: the camera must hold the whole file.
 bool logPacketInsteadOfSending(CameraLine& line, ByteView file, std::uint32_t offset) {
     const Bytes packet = buildPacket(offset, file.range(offset, offset + packetDataSize));
     line.pause(v1PauseBeforePacket);

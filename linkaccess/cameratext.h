@@ -1,4 +1,4 @@
-// Texts that come from the camera, as windows show them.
+// Texts of the camera in windows.
 #pragma once
 
 #include <QString>
@@ -7,12 +7,12 @@
 
 class QLabel;
 
-/// The bytes up to the first zero as text.
+/// The bytes up to the first zero, as text.
 [[nodiscard]] QString cameraText(std::string_view bytes);
 
-/// Shows a text that holds camera text: never as markup, selectable, each line cut after 120 characters, then
-/// with the whole text as tool tip.
+/// Shows text of the camera as plain, selectable text. Lines are cut after 120 characters; the tool tip then
+/// has the whole text.
 void showCameraText(QLabel* label, const QString& text);
 
-/// One line of at most so many characters, the last of them an ellipsis if it was longer.
+/// At most this many characters; an ellipsis ends a line that was longer.
 [[nodiscard]] QString shortened(const QString& line, qsizetype length);

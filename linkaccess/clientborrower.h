@@ -1,4 +1,4 @@
-// How a window borrows the camera client, and the one way to run its work on the pool.
+// How windows borrow the camera client and run work on the pool.
 #pragma once
 
 #include "link/camerasp.h"
@@ -18,36 +18,34 @@
 #include <utility>
 #include <vector>
 
-/// A window (or the main window itself) that uses the client without owning it. The owner of the link
-/// attaches the client when a link opens and detaches it before the link ends, so that the pointer is
-/// either good or null. Without a client every command has failed: false, an empty text, an empty vector.
-/// User-interface thread only, but for the work given to runOnPool.
+/// A window that uses the client without owning it. The owner of the link attaches the client when a link
+/// opens and detaches it before the link ends: the pointer is valid or null. Without a client every command
+/// fails: false, an empty text, an empty vector. User-interface thread, except the work of runOnPool.
 class ClientBorrower {
 public:
-    /// The window is the borrower itself seen as a widget; the client may be null.
+    /// `window` is the borrower itself; the client may be null.
     ClientBorrower(QWidget* window, CameraSp* client) : m_window(window), m_client(client) {}
     virtual ~ClientBorrower();
 
     ClientBorrower(const ClientBorrower&) = delete;
     ClientBorrower& operator=(const ClientBorrower&) = delete;
 
-    /// Null detaches. Results of jobs that were started before are dropped.
+    /// Null detaches. Results of running jobs are dropped.
     void attachClient(CameraSp* client);
-    /// Told of every command and job that runs or is asked for from now on; null: nobody is.
+    /// Observes all commands and jobs from now on. Null: none.
     void setObserver(LinkUseObserver* observer);
-    /// Called before (false) and after (true) somebody else uses the client for a longer time (upload,
-    /// capture, return wait): the window is disabled in between, so that it starts no exchange.
+    /// False before, true after an upload, capture or return wait: the window is disabled in between and
+    /// starts no exchange.
     void setExchangeAllowed(bool allowed);
 
 protected:
     [[nodiscard]] CameraSp* client() const { return m_client; }
     /// The client's clock; without a client the system's.
     [[nodiscard]] Clock& clock() const { return m_client != nullptr ? m_client->clock() : Clock::system(); }
-    /// Grows with every attachClient; tells results of an earlier link from those of the present one.
+    /// Incremented by attachClient: identifies results of earlier links.
     [[nodiscard]] std::uint64_t linkGeneration() const { return m_generation; }
 
-    /// Runs one command on this thread; without a client the command's failure value. The name is for the
-    /// observer (LinkUse::name).
+    /// Runs one command on this thread. Without a client it returns the failure value. name: LinkUse::name.
     template <typename Result, typename... Parameters, typename... Arguments>
     Result ask(const QString& name, Result (CameraSp::*command)(Parameters...),
                Arguments&&... arguments) const {
@@ -67,10 +65,9 @@ protected:
         }
     }
 
-    /// Runs `work(CameraSp*)` on the global thread pool with the client leased, then `apply(result)` on the
-    /// user-interface thread, unless the context has died or the link has changed meanwhile. `work` must not
-    /// touch the window; its client may be null. What it throws makes its result a default one. The name is
-    /// for the observer (LinkUse::name).
+    /// Leases the client and runs `work(CameraSp*)` on the global thread pool, then `apply(result)` on the
+    /// user-interface thread, unless the context died or the link changed. `work` must not touch the window;
+    /// its client may be null; an exception in it gives a default result. name: LinkUse::name.
     template <typename Work, typename Apply>
     void runOnPool(const QString& name, QObject* context, Work work, Apply apply) {
         struct Job {
@@ -85,7 +82,7 @@ protected:
             reportMissingClient();
         auto job = std::make_shared<Job>(Job{
             m_client, m_client != nullptr ? CameraSp::Lease(*m_client) : CameraSp::Lease(), std::move(work)});
-        // The pointers are made here and only looked at here again: the context may die at any time.
+        // Only this thread uses the pointers: the context may die at any time.
         auto deliver = [this, context = QPointer<QObject>(context), generation = m_generation,
                         use = std::move(use),
                         apply = std::move(apply)](auto&& result, const CommandReport& report) mutable {
@@ -103,17 +100,17 @@ protected:
                     0, qApp,
                     [deliver = std::move(deliver), result = std::move(result),
                      report = scope.report()]() mutable { deliver(std::move(result), report); });
-                // The client is given back last: whoever waits for that may end the application next.
+                // The lease ends last: the thread that waits for it may end the application next.
                 job.reset();
             });
     }
 
-    /// Says that a use begins, of which the caller tells the end itself.
+    /// Starts a use that the caller ends by endUse().
     [[nodiscard]] std::shared_ptr<const LinkUse> beginUse(const QString& name, bool blocking) const;
     void endUse(const LinkUse& use, const UseOutcome& outcome) const;
     void reportMissingClient() const;
 
-    /// False as soon as this window is gone; to be looked at by its jobs, on any thread.
+    /// False after the end of this window. Any thread.
     using Wanted = std::shared_ptr<const std::atomic<bool>>;
     [[nodiscard]] Wanted wanted() const { return m_wanted; }
 
@@ -133,6 +130,6 @@ private:
     CameraSp* m_client;
     std::uint64_t m_generation = 0;
     LinkUseObserver* m_observer = nullptr;
-    mutable std::vector<std::weak_ptr<const LinkUse>> m_jobs; ///< asked for before there was an observer
+    mutable std::vector<std::weak_ptr<const LinkUse>> m_jobs; ///< started before an observer was set
     std::shared_ptr<std::atomic<bool>> m_wanted = std::make_shared<std::atomic<bool>>(true);
 };

@@ -1,4 +1,4 @@
-// What the owner of the link is told about the use that windows make of it.
+// Uses of the link by windows, for the owner of the link.
 #pragma once
 
 #include "link/clock.h"
@@ -10,7 +10,7 @@
 
 /// One command or job over the link while it runs. May be destroyed without a call of useEnded().
 struct LinkUse {
-    QString name; ///< what the technician calls it, in the infinitive; empty: not worth telling
+    QString name; ///< shown to the technician, in the infinitive; empty: not shown
     Clock::Time began;
     bool blocking; ///< runs on the user-interface thread: no events are processed until it ends
 };
@@ -18,21 +18,21 @@ struct LinkUse {
 /// How a use ended.
 struct UseOutcome {
     CommandReport report;
-    bool partly = false; ///< of several values at least one was read, although the report tells a failure
-    QString text = {};   ///< says it in place of the report; may be empty
+    bool partly = false; ///< some values were read although the report is a failure
+    QString text = {};   ///< replaces the words of the report; may be empty
 };
 
-/// Follows what borrowers do. User-interface thread only; outlives the borrowers that it follows.
+/// Observes borrowers. User-interface thread; outlives the borrowers.
 class LinkUseObserver {
 public:
     LinkUseObserver() = default;
     LinkUseObserver(const LinkUseObserver&) = delete;
     LinkUseObserver& operator=(const LinkUseObserver&) = delete;
 
-    /// A command was asked for although no link is open; it has failed.
+    /// A command failed because no link is open.
     virtual void clientMissing() = 0;
-    /// The use lasts until useEnded, or until its last owner drops it: a job whose window died, or whose link
-    /// was closed, ends without a word.
+    /// The use lasts until useEnded or until its last owner releases it: useEnded is not called if the window
+    /// died or the link was closed.
     virtual void useBegan(const std::shared_ptr<const LinkUse>& use) = 0;
     virtual void useEnded(const LinkUse& use, const UseOutcome& outcome) = 0;
 
@@ -40,8 +40,8 @@ protected:
     ~LinkUseObserver() = default;
 };
 
-/// The outcome of a job with this result. A result that has words of its own gives them as
-/// `QString outcomeText(const CommandReport&) const`.
+/// The outcome of a job. A result may give its own words by `QString outcomeText(const CommandReport&)
+/// const`.
 template <typename Result>
 [[nodiscard]] UseOutcome outcomeOf(const Result& result, const CommandReport& report) {
     UseOutcome outcome{report};
