@@ -17,7 +17,7 @@ QIcon programIcon() {
 
 Application::Application(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
     setWindowIcon(programIcon());
-    // Desktops find the program's entry, and by it the icon of its windows, under this name.
+    // Desktops find the program's entry and icon by this name.
     setDesktopFileName(QStringLiteral("shelf-camera-tool"));
     installTranslator(&m_qtTexts);
 }
@@ -45,7 +45,7 @@ void Application::report(const std::exception_ptr& failure) {
     if (alreadyTold)
         return;
     m_failures.enqueue(message);
-    // Later, so that the handler that failed and everything around it have returned.
+    // After the failed handler and its callers have returned.
     QTimer::singleShot(0, this, &Application::showNextFailure);
 }
 

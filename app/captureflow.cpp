@@ -21,7 +21,7 @@ constexpr int stateRounds = 10;
 constexpr auto stateRound = 500ms;
 constexpr auto downloadDelay = 100ms; // after the picture is known
 
-// The V1 deletion ahead of a capture names one picture, not all; cameras answer success when there is none.
+// The V1 deletion before a capture names one picture, not all; cameras answer success if there is none.
 constexpr std::uint16_t v1DeletedBefore = 255;
 
 bool deleteBefore(CameraSp& camera) {
@@ -42,8 +42,7 @@ void downloadV1(CameraSp& camera, std::uint8_t id, std::uint32_t size) {
 
 } // namespace
 
-/// What the two generations differ in. The id has eight bits in both: of a V1 id only the low byte counts
-/// here.
+/// Differences of the two generations. Only the low byte of a V1 id counts here.
 struct CaptureFlow::Path {
     const PictureGeneration& generation;
     bool (*deleteBefore)(CameraSp& camera);
@@ -53,8 +52,7 @@ struct CaptureFlow::Path {
 const CaptureFlow::Path CaptureFlow::originPath{originPictures, &::deleteBefore, &::download};
 const CaptureFlow::Path CaptureFlow::v1Path{v1Pictures, &::deleteBeforeV1, &::downloadV1};
 
-/// One run of the flow, shared by the user-interface thread, which finds the picture, and the pool job, which
-/// waits for it.
+/// One run of the flow. The user-interface thread finds the picture; the pool job waits for it.
 struct CaptureFlow::Capture {
     enum State : int { noPicture = -1, waiting = 0, known = 1 };
 
@@ -88,7 +86,7 @@ bool CaptureFlow::Capture::waitUntilKnown(CameraSp& camera) const {
                 return false;
         }
     }
-    return true; // the camera may be slower than its catalogue; ask for whatever is known by now
+    return true; // goes on with what is known by now
 }
 
 CaptureFlow::CaptureFlow(QLabel* picture, std::function<void(bool)> allowExchange)
@@ -164,7 +162,7 @@ void CaptureFlow::takePicture(const Path& path, const SharedCapture& capture) {
         return;
     capture->taken = false;
     tellEnd(capture, {scope.report()});
-    // The catalogue is read all the same: an older picture may be there.
+    // Reads the catalogue after a failed capture too: an older picture may be there.
     capture->use = beginUse(tr("查找以前的图片"), false);
     releaseControls(capture->run);
     qDebug() << "take failed";

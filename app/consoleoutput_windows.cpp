@@ -20,8 +20,8 @@ bool isRedirected(DWORD stream) {
     return isOpen(handle) && ::GetConsoleMode(handle, &mode) == 0;
 }
 
-/// Whole lines, as they are: taken byte by byte, or through the C library's own idea of the code page, UTF-8
-/// would not arrive. Each line is flushed by whoever writes it.
+/// Writes whole lines unchanged: single bytes, or the C library's code page, would break UTF-8. The writer
+/// flushes each line.
 void sendToConsole(std::FILE* stream) {
     std::FILE* reopened = nullptr;
     if (::freopen_s(&reopened, "CONOUT$", "w", stream) != 0)
@@ -43,7 +43,7 @@ ConsoleOutput::ConsoleOutput() {
         if (!isRedirected(STD_ERROR_HANDLE))
             sendToConsole(stderr);
     }
-    // Qt's own lines would otherwise go to a debugger only.
+    // Qt would write its lines to a debugger only.
     if (m_previousCodePage != 0 || isOpen(::GetStdHandle(STD_ERROR_HANDLE)))
         qputenv("QT_FORCE_STDERR_LOGGING", "1");
 }

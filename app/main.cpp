@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Says why the program ends when an exception leaves a thread.
+/// Prints the exception that leaves a thread and ends the program.
 [[noreturn]] void printAndAbort() {
     if (const std::exception_ptr failure = std::current_exception()) {
         try {

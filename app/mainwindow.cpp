@@ -85,14 +85,14 @@ MainWindow::MainWindow(QWidget* parent, Clock& clock)
 }
 
 MainWindow::~MainWindow() {
-    // First of all, while everything that they point to or tell is still there.
+    // First, while everything that they use exists.
     m_windows.deleteAll();
     closeLink();
     waitForTasks();
 }
 
 bool MainWindow::event(QEvent* event) {
-    // Menus send one for each entry under the mouse, empty or not. Only StatusLine writes the status bar.
+    // Menus send one for each entry under the mouse. Only StatusLine writes the status bar.
     if (event->type() == QEvent::StatusTip)
         return true;
     if (event->type() == QEvent::WindowDeactivate)
@@ -137,7 +137,7 @@ void MainWindow::connectStatus() {
     connect(m_ui->btn_appversion, &QPushButton::clicked, this, &MainWindow::queryVersions);
     connect(m_ui->btn_modelinfo, &QPushButton::clicked, this, &MainWindow::queryModelInfo);
     connect(m_ui->btn_gyro, &QPushButton::clicked, this, &MainWindow::testGyro);
-    // For trying things out during development; sends nothing.
+    // For development; sends nothing.
     connect(m_ui->btn_test, &QPushButton::clicked, this, [] { qDebug() << "test"; });
 }
 
@@ -172,7 +172,7 @@ void MainWindow::connectPictures() {
 
 void MainWindow::finishStart() {
     if (!m_statusLine->isSilent())
-        return; // the user was faster, and what happened then is more important
+        return; // the user has acted already
     const int ports = m_ui->sel_ports->count();
     m_statusLine->showState(ports > 0 ? tr("准备就绪，发现 %1 个串口，请选择后打开").arg(ports)
                                       : tr("没有发现串口，请插入转接器后点开串口列表"));
@@ -264,7 +264,7 @@ void MainWindow::toggleLink() {
 void MainWindow::openLink() {
     const QString port = QString::fromStdString(m_portName);
     qDebug() << port << "  " << m_baudRate;
-    // An exception from opening leaves the handler here, before anything has changed.
+    // If the port does not open, the exception leaves here and nothing has changed.
     auto camera = std::make_unique<CameraSp>(m_portName, m_baudRate, m_clock);
     camera->setSlaveAddress(static_cast<std::int32_t>(m_slaveAddress));
     camera->setWaitCallback([this, userInterface = QThread::currentThread()] {
@@ -317,7 +317,7 @@ void MainWindow::applyCameraProtocol() {
 // --- windows -----------------------------------------------------------------------------------------------
 
 void MainWindow::openCameraProtocol() {
-    // That window closes at the press of its button: a second press comes here and must press nothing.
+    // The button closes that window: a second press of the key comes here and must press nothing.
     FocusKeeper::of(this).rest();
     const auto* const window = openWindow<SetCameraProtocol>(&m_slaveAddress, &m_cameraType, this);
     connect(window, &QObject::destroyed, this, &MainWindow::applyCameraProtocol);
@@ -330,7 +330,7 @@ void MainWindow::openAbout() {
 
 void MainWindow::lendTo(ClientBorrower& borrower) {
     borrower.setObserver(m_statusLine.get());
-    // A command that the window asked for in its constructor has failed already.
+    // Commands in the window's constructor have failed already.
     if (m_camera == nullptr)
         m_statusLine->clientMissing();
 }

@@ -28,7 +28,7 @@ QString boolText(bool value) {
     return value ? QStringLiteral("true") : QStringLiteral("false");
 }
 
-/// Whether there is a file that an upload could read.
+/// True if an upload can read the file.
 bool canUpload(const QString& path) {
     const QFileInfo file(path);
     return !path.isEmpty() && file.exists() && file.isFile() && file.isReadable();
@@ -113,7 +113,7 @@ void MainWindow::startModelUpdate() {
 
 template <typename Task>
 bool MainWindow::runTask(Task*& task, void (Task::*ended)(bool), void (MainWindow::*showResult)(bool)) {
-    // A result that comes after the link was closed or opened anew is not shown.
+    // Results of an earlier link are not shown.
     connect(task, ended, this, [this, task = task, showResult, generation = linkGeneration()](bool result) {
         if (generation != linkGeneration())
             return;
@@ -144,7 +144,7 @@ void MainWindow::beginUpload() {
     m_lineWait->follow(*m_camera);
 }
 
-/// The pressed button stays disabled even when nothing was started; it comes back with all the others.
+/// The pressed button stays disabled even if nothing was started; it is enabled with the others.
 void MainWindow::disablePressed(QPushButton* button, bool started) {
     FocusKeeper::of(this).keep([button] { button->setEnabled(false); });
     if (!started)
@@ -199,7 +199,7 @@ void MainWindow::awaitReturn(const ReturnWait& wait) {
     });
 }
 
-/// An image that the camera wanted to go on behind its end counts as a success, although nothing was sent.
+/// A resume offset behind the image's end counts as a success although nothing was sent.
 QString MainWindow::uploadOutcome(bool success) const {
     if (success && m_uploadReport.succeeded())
         return tr("升级完成");

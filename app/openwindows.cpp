@@ -32,7 +32,7 @@ void OpenWindows::closeAll() {
 }
 
 void OpenWindows::deleteAll() {
-    // A window that is deleted may take others with it, and tell its owner.
+    // Deleting a window may delete others and call its owner.
     const std::vector<Entry> entries = std::exchange(m_entries, {});
     for (const Entry& entry : entries)
         delete entry.window.data();

@@ -56,9 +56,9 @@ void PortChoice::refill() {
     std::stable_sort(present.begin(), present.end(), byName);
     const QString chosen = currentText();
     {
-        // One change in the end, not one for every step.
+        // One change at the end, not one per step.
         const QSignalBlocker blocker(this);
-        // What others have added stays.
+        // Entries of others stay.
         for (const PortEntry& port : m_ports)
             removeItem(findText(port.name));
         addEntries(present);

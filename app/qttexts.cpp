@@ -18,7 +18,7 @@ QtTexts::QtTexts(QObject* parent) : QTranslator(parent) {
 
 QString QtTexts::translate(const char* context, const char* sourceText, const char* disambiguation,
                            int n) const {
-    // Whoever is asked about an answer that is no JSON looks the parser's message up as it is.
+    // The JSON parser's messages stay English: support looks them up.
     if (std::strcmp(context, "QJsonParseError") == 0)
         return {};
     return QTranslator::translate(context, sourceText, disambiguation, n);

@@ -13,8 +13,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto worthTelling = 500ms; // shorter actions are over before anybody wonders
-constexpr auto worthCounting = 1s;   // of a command that blocks; it was announced when it began
+constexpr auto worthTelling = 500ms; // shorter actions need no duration
+constexpr auto worthCounting = 1s;   // of a blocking command, which was announced at its start
 constexpr auto tickInterval = 250ms;
 
 } // namespace

@@ -1,4 +1,4 @@
-// The status bar's story: what is open, what is being done, and how the last action ended.
+// The status bar: the link, the current action, the last outcome.
 #pragma once
 
 #include "linkaccess/linkuse.h"
@@ -14,8 +14,8 @@ class CameraSp;
 class QLabel;
 class QStatusBar;
 
-/// Writes the status bar. At the left a line that is either a state, an action under way, or an outcome with
-/// the time of day; at the right the link. User-interface thread only.
+/// Writes the status bar: left a state, the current action, or an outcome with the time of day; right the
+/// link. User-interface thread.
 class StatusLine final : public QObject, public LinkUseObserver {
     Q_OBJECT
 
@@ -23,33 +23,33 @@ public:
     /// The bar belongs to the window, which outlives this, as does the clock.
     explicit StatusLine(QStatusBar* bar, const Clock& clock = Clock::system());
 
-    /// The open link's client, or null; actions of an earlier link are forgotten.
+    /// The open link's client, or null. Drops actions of an earlier link.
     void setClient(const CameraSp* client);
-    /// What the right side says of the link.
+    /// Text of the right side.
     void setLinkText(const QString& text);
 
     /// Shows a message until the next one.
     void showState(const QString& text);
-    /// Shows a message until it is released: what other actions tell meanwhile is not shown.
+    /// Shows a message until it is released; hides messages of other actions meanwhile.
     void holdState(const QString& text);
     void releaseState() { m_held = false; }
-    /// Shows how an action ended, with the time of day; when the adapter is gone, that instead.
+    /// Shows an outcome with the time of day, or that the adapter is gone.
     void showOutcome(const QString& text);
-    /// Whether anything has been said yet.
+    /// True if the bar shows no message.
     [[nodiscard]] bool isSilent() const;
 
     void clientMissing() override;
     void useBegan(const std::shared_ptr<const LinkUse>& use) override;
     void useEnded(const LinkUse& use, const UseOutcome& outcome) override;
 
-    /// Paints the seconds that the action under way has taken. For a command that blocks this thread: no
-    /// event is processed. To be called often.
+    /// Paints the seconds of the current action. For a command that blocks this thread; processes no events.
+    /// Call it often.
     void keepCounting();
 
 private:
-    /// The action that began last and is still running, if it has a name.
+    /// The newest running action with a name.
     [[nodiscard]] std::shared_ptr<const LinkUse> latestUse();
-    /// True when the line has changed.
+    /// True if the message changed.
     bool showRunning(std::chrono::milliseconds from);
     void tick();
 
@@ -60,7 +60,7 @@ private:
     QLabel* m_link;
     const CameraSp* m_client = nullptr;
     std::vector<std::weak_ptr<const LinkUse>> m_uses;
-    QString m_runningText; ///< the last one of showRunning
+    QString m_runningText; ///< last text of showRunning
     QTimer m_tick;
     bool m_held = false;
 };

@@ -1,9 +1,9 @@
 // Services of the operating system.
 #pragma once
 
-/// Says that a long command blocks the user-interface thread but has not hung. To be called now and then;
-/// processes no event.
+/// Tells the system that the user-interface thread, blocked by a long command, has not hung. Call it now and
+/// then; processes no events.
 void tellSystemAlive();
 
-/// Keeps the system from going to sleep, until told otherwise.
+/// Prevents the system's sleep until it is called with false.
 void keepSystemAwake(bool awake);

@@ -20,7 +20,7 @@ struct ReturnWaitProgress {
     int attempts = 0;
 };
 
-/// A bar and a line of text, hidden while nothing runs. Polls what the link publishes; user-interface thread.
+/// A bar and a line of text, hidden without a transfer. Polls the link's progress. User-interface thread.
 class TransferDisplay final : public QWidget {
     Q_OBJECT
 
@@ -28,10 +28,9 @@ public:
     /// The clock outlives the display.
     explicit TransferDisplay(QWidget* parent = nullptr, const Clock& clock = Clock::system());
 
-    /// Shows an upload, and its wait for the line, until finish() is called. The client must outlive that
-    /// call.
+    /// Shows an upload and its wait for the line until finish(), which the client outlives.
     void followUpload(const CameraSp& client);
-    /// Shows a picture download as soon as its bytes come; until then nothing is to be seen.
+    /// Shows a picture download from its first byte on.
     void followDownload(const TransferProgress& progress);
     /// Shows the wait for the camera's return instead.
     void followReturnWait(std::shared_ptr<const ReturnWaitProgress> progress);
@@ -49,6 +48,6 @@ private:
     QTimer m_poll;
     std::optional<Clock::Time> m_sendingSince;
     const TransferProgress* m_transfer = nullptr;
-    const CameraSp* m_uploading = nullptr; ///< the client of an upload
+    const CameraSp* m_uploading = nullptr; ///< client of the upload
     std::shared_ptr<const ReturnWaitProgress> m_returnWait;
 };

@@ -1,4 +1,4 @@
-// The least that a program with one window can be, for comparison. An argument is shown as a line of text.
+// The smallest program with one window, for comparison. Shows its argument as a line of text.
 #include <QApplication>
 #include <QLabel>
 

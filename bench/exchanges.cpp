@@ -154,7 +154,7 @@ void prepare(emulator::PtyFront& front, std::size_t jsonPicture) {
 
 struct Times {
     std::vector<double> excessMs; ///< beyond what is mandated, sorted
-    std::vector<double> sleepMs;  ///< the same of a sleep between the exchanges: the machine's own lateness
+    std::vector<double> sleepMs;  ///< the same of sleeps between the exchanges: delay of the machine itself
     double cpuMs = 0;             ///< per exchange
     int failures = 0;
 };
@@ -209,7 +209,7 @@ constexpr double medianGoalMs = 1;
 constexpr double worstGoalMs = 5;
 constexpr double cpuGoalMs = 0.3;
 
-/// What the sentences below the table are about.
+/// Counts for the sentences below the table.
 struct Misses {
     int worst = 0;             ///< rules of which 99 of 100 do not keep the goal
     int worstWithSleeps = 0;   ///< those of them whose sleeps were as late

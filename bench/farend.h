@@ -1,4 +1,4 @@
-// The far end of the line, in a process of its own: what it costs is not on this process's account.
+// The far end of the line in a process of its own, so that its cost is not measured here.
 #pragma once
 
 #include "emulator/camera/camerasettings.h"

@@ -1,4 +1,4 @@
-// A list window that is filled again and again.
+// A list window that is filled repeatedly.
 #pragma once
 
 #include "bench/records.h"

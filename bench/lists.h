@@ -1,4 +1,4 @@
-// Picture lists as they grow.
+// Cost of growing picture lists.
 #pragma once
 
 #include "bench/results.h"

@@ -1,4 +1,4 @@
-// The client's log, written as ever but to nowhere.
+// Formats the client's log and drops it.
 #pragma once
 
 #include <fstream>

@@ -8,7 +8,7 @@
 
 namespace bench {
 
-/// What a figure has to keep to.
+/// Goal of a figure.
 struct Goal {
     enum class Kind { atLeast, atMost };
     Kind kind;

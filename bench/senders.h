@@ -1,4 +1,4 @@
-// Uploads by a program of its own, such as one of another system, against the plain copy by the same program.
+// Uploads by a separate program, e.g. for another system, compared with its plain copy.
 #pragma once
 
 #include "bench/results.h"

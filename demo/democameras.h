@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-/// One camera for each way of speaking: first generation, JSON, V1. Either each is behind a pseudo-terminal
-/// of its own, or they take turns on one serial port that a line joins to the tool's.
+/// One camera per protocol: first generation, JSON, V1. Each has a pseudo-terminal of its own, or they take
+/// turns on one serial port that is connected to the tool's.
 class DemoCameras {
 public:
     /// Throws std::runtime_error where the system has no pseudo-terminals.
@@ -18,9 +18,9 @@ public:
     DemoCameras(std::string cameraPort, std::string toolPort);
 
     [[nodiscard]] static std::vector<emulator::CameraType> types();
-    /// What the tool has to open.
+    /// Port for the tool.
     [[nodiscard]] std::string portName(emulator::CameraType type) const;
-    /// Puts the camera on its line if it is not there; on a shared one it replaces the one before.
+    /// Connects the camera to its line; on a shared line it replaces the previous one.
     void connect(emulator::CameraType type);
     /// A connected camera.
     [[nodiscard]] emulator::CameraFront& front(emulator::CameraType type) { return *m_fronts.at(type); }

@@ -46,7 +46,7 @@ std::unique_ptr<DemoCameras> makeCameras(const QString& cameraPort, const QStrin
     }
 }
 
-/// As a desktop in a dark style has it.
+/// The palette of a dark desktop.
 void darken() {
     Application::setStyle(QStringLiteral("Fusion"));
     const QColor ground(0x2b, 0x2b, 0x2b);

@@ -1,4 +1,4 @@
-// The tour: every function of the window once, held against what the virtual camera was set to.
+// The tour: each function of the window once, compared with the virtual camera.
 #pragma once
 
 #include "app/mainwindow.h"
@@ -11,7 +11,7 @@ public:
     Tour(MainWindow& window, DemoCameras& cameras, const QString& folder)
         : m_window(window), m_cameras(cameras), m_guide(folder) {}
 
-    /// Throws TourFailure at the first thing that is not as it must be.
+    /// Throws TourFailure at the first difference.
     void run();
 
 private:

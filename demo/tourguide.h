@@ -8,7 +8,7 @@
 #include <functional>
 #include <stdexcept>
 
-/// A station of the tour did not come out as the virtual camera says it must.
+/// A station of the tour failed.
 class TourFailure final : public std::runtime_error {
 public:
     explicit TourFailure(const QString& what) : std::runtime_error(what.toStdString()) {}
@@ -21,7 +21,7 @@ public:
 
     [[nodiscard]] const QString& folder() const { return m_folder; }
 
-    /// Says on standard output what comes next.
+    /// Prints the next station.
     void say(const QString& text) const;
     /// Saves a picture of the window, numbered in order of the calls.
     void screenshot(QWidget& window, const QString& name);

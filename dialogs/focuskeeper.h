@@ -5,9 +5,9 @@
 #include <QPointer>
 #include <QWidget>
 
-/// Gives the focus back to a control that was disabled while it had the focus, unless the user has moved the
-/// focus meanwhile. Until then the window itself has it. Qt would move it on to the next control, which a key
-/// pressed once too often would then press.
+/// Returns the focus to a control that lost it by being disabled, unless the user moved the focus meanwhile.
+/// The window itself has it in between. Qt would move it to the next control, which one key press too many
+/// would press.
 ///
 /// A window has one keeper at most, which is its child. User-interface thread only.
 class FocusKeeper final : public QObject {
@@ -17,7 +17,7 @@ public:
     /// The window's keeper; the first call creates it.
     static FocusKeeper& of(QWidget* window);
 
-    /// Runs a change that disables or enables controls of the window, or the window. Changes may be nested.
+    /// Runs a change that disables or enables the window or its controls. May be nested.
     template <typename Change>
     void keep(Change change) {
         QWidget* const before = m_window->focusWidget();

@@ -3,8 +3,8 @@
 
 #include <QSpinBox>
 
-/// Upper-case hexadecimal without prefix or padding. Digits that are no decimal number as well are taken
-/// over when editing is finished: the inherited validation refuses them until fixup has set the value.
+/// Upper-case hexadecimal without prefix or padding. Digits beyond 9 take effect when editing is finished:
+/// the inherited validation refuses them until fixup has set the value.
 class HexSpinBox final : public QSpinBox {
     Q_OBJECT
 

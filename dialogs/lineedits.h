@@ -1,4 +1,4 @@
-// What the windows' line edits have in common.
+// Shared settings of line edits.
 #pragma once
 
 class QAbstractButton;

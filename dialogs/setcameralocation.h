@@ -13,8 +13,8 @@ namespace Ui {
 class SetCameraLocation;
 }
 
-/// Shows pitch, roll, yaw and acceleration as the camera's motion sensor reports them, raw. They are read
-/// once, on the pool, when the window is made.
+/// Shows the raw pitch, roll, yaw and acceleration of the motion sensor. Reads them once, on the pool, during
+/// construction.
 class SetCameraLocation final : public QWidget, public SettingBorrower {
     Q_OBJECT
 

@@ -13,9 +13,9 @@ namespace Ui {
 class CaptureDegree;
 }
 
-/// Shows and sets the two capture angles, the capture direction and the gyro's switch. Reads run on the pool
-/// and come back as one apply on the user-interface thread; writes block for one exchange. A write's result
-/// is not shown: half a second later the setting is read again, and that is what the window shows.
+/// Shows and sets the capture angles, the capture direction and the gyro switch. Reads run on the pool;
+/// writes block for one exchange. The window does not show a write's result: it reads the setting half a
+/// second later.
 class SetCaptureDegree final : public QWidget, public SettingBorrower {
     Q_OBJECT
 

@@ -10,7 +10,7 @@
 
 namespace fuzz {
 
-/// Takes the input apart from its front; what is missing is zero.
+/// Reads the input from its front; missing bytes are zero.
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size) : m_rest(data, size) {}

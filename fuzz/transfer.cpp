@@ -8,7 +8,7 @@ using namespace fuzz;
 
 namespace {
 
-/// A picture that was written has the stated size, whatever came over the line.
+/// A written picture has the stated size.
 void checkFile(unsigned id, std::uint32_t size) {
     const std::string name = std::to_string(id) + ".jpg";
     if (std::filesystem::exists(name))
