@@ -24,14 +24,14 @@ using protocol::ExchangeRule;
 namespace rules = protocol::rules;
 
 constexpr std::uint32_t baudRate = 460800;
-constexpr double keptMs = 50; ///< time-out of a fresh link
+constexpr double keptMs = 50; ///< timeout of a fresh link
 constexpr double slowMs = 900;
 constexpr double longMs = 1600;
 constexpr auto bareSleep = 20ms;
 constexpr std::size_t pictureSize = 100;
 constexpr const char* emptyFile = "empty.bin";
 
-/// One command. No answer below fills its last read, so that an exchange lasts one time-out of its rule.
+/// One command. No answer below fills its last read, so that an exchange lasts one timeout of its rule.
 struct Row {
     std::string name;
     double mandatedMs;
@@ -289,7 +289,7 @@ void measureExchanges(Results& results, int rounds, const std::string& namePart)
             report(results, row, std::max(1, rounds / 20), fileCpuMs, misses);
     }
     results.remark(
-        "A read that is not filled lasts its time-out: one of the rule's time-outs, and the pause "
+        "A read that is not filled lasts its timeout: one of the rule's timeouts, and the pause "
         "where it has one, is what an answered exchange takes. The bare sleeps of 20 ms between the "
         "exchanges show how late the machine itself wakes a process at that time. With fewer than 100 "
         "exchanges \"99 of 100\" is the worst one.");

@@ -238,7 +238,7 @@ void measureDownloads(Results& results, const TransferSizes& sizes) {
     const auto wholeBlocks = static_cast<std::uint32_t>(blocks * readBlock - protocol::transferOverhead);
     measureDownload(results, sizes, wholeBlocks, std::to_string(wholeBlocks) + " bytes (whole reads)");
     measureDownload(results, sizes, wholeBlocks - 181, std::to_string(wholeBlocks - 181) + " bytes");
-    results.remark("The second picture does not fill its last read, which then lasts one time-out (50 ms) "
+    results.remark("The second picture does not fill its last read, which then lasts one timeout (50 ms) "
                    "longer than its bytes: client and bare reader pay that alike.");
 }
 

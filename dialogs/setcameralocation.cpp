@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto pauseAfterRead = 100ms; // the camera's room between two requests
+constexpr auto pauseAfterRead = 100ms; // the camera needs it between two requests
 
 namespace orientation = protocol::orientation_value;
 

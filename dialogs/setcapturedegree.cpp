@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto pauseBetweenReads = 100ms; // the camera's room between two requests
+constexpr auto pauseBetweenReads = 100ms; // the camera needs it between two requests
 constexpr auto readBackDelay = 500ms;
 
 // The items in the order of a full refresh; item n stands at n - 1.

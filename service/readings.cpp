@@ -20,7 +20,7 @@ using protocol::CameraType;
 using protocol::PictureCommands;
 using protocol::PropertyId;
 
-constexpr auto pauseBetweenQuantities = 100ms; // the camera's room between two requests
+constexpr auto pauseBetweenQuantities = 100ms; // the camera needs it between two requests
 constexpr unsigned highestPercent = 100;
 
 QString readingText(const char* text) {

@@ -315,7 +315,7 @@ TEST_F(MainWindowAndCamera, ClosesTheLinkQuicklyDuringTheVersionQuery) {
     QElapsedTimer time;
     time.start();
     close();
-    EXPECT_LT(time.elapsed(), 200) << "one time-out of the query is 50 ms";
+    EXPECT_LT(time.elapsed(), 200) << "one timeout of the query is 50 ms";
     clearFaults();
     open();
     QTest::qWait(100);

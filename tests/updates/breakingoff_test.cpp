@@ -22,7 +22,7 @@ struct Moment {
     const char* fault;
     bool realPauses;
     int afterMs;
-    int longestMs; ///< one library time-out and 100 ms
+    int longestMs; ///< one library timeout and 100 ms
 };
 
 void PrintTo(const Moment& moment, std::ostream* out) {

@@ -338,7 +338,7 @@ TEST_P(RawUploadKinds, EndWithinOneTimeoutOfAStop) {
     struct Moment {
         const char* fault;
         milliseconds after;   ///< since the announcement
-        milliseconds longest; ///< one library time-out and 100 ms
+        milliseconds longest; ///< one library timeout and 100 ms
     };
     // During the announcement's reads, the pause behind it, a write that waits, and the verdict's reads.
     for (const Moment& moment : {Moment{"silent", 500ms, 1100ms}, Moment{"offset=0", 1000ms, 100ms},
