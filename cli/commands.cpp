@@ -124,9 +124,8 @@ void write(CameraSp& camera, const Setting& setting, const std::vector<std::stri
         camera.setSn(values.front());
         return;
     }
-    std::vector<std::uint8_t> bytes;
-    for (const std::string& value : values)
-        bytes.push_back(byteIn(value));
+    std::vector<std::uint8_t> bytes(values.size());
+    std::transform(values.begin(), values.end(), bytes.begin(), &byteIn);
     camera.setCommonProperty(code(setting.id), std::move(bytes), code(protocol::Command::setProperty));
 }
 
@@ -174,7 +173,7 @@ Result runDoor(const CommandContext& context) {
 
 /// Several ports write several reports: the port's name goes before the extension.
 QString reportPath(const CommandContext& context) {
-    const QString path = QString::fromStdString(context.options.command.file);
+    QString path = QString::fromStdString(context.options.command.file);
     if (!context.severalPorts || path.isEmpty())
         return path;
     const QFileInfo file(path);

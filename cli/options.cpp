@@ -245,14 +245,12 @@ private:
     Command& m_command;
 };
 
-std::vector<std::uint8_t> bytesOf(const std::vector<std::string>& values, const QString& what,
-                                  std::size_t count, std::uint64_t most) {
+void checkNumbers(const std::vector<std::string>& values, const QString& what, std::size_t count,
+                  std::uint64_t most) {
     if (values.size() != count)
         refuse(tr("%1：需要 %2 个值").arg(what).arg(count));
-    std::vector<std::uint8_t> bytes;
     for (const std::string& value : values)
-        bytes.push_back(static_cast<std::uint8_t>(checkedNumber(what, value, 0, most)));
-    return bytes;
+        checkedNumber(what, value, 0, most);
 }
 
 void checkWord(const std::vector<std::string>& values, const QString& what, const char* first,
@@ -274,13 +272,13 @@ void checkValues(const Command& command) {
             refuse(tr("序列号：需要 1 到 %1 个字节").arg(longestSerialNumber));
         break;
     case Verb::heater:
-        bytesOf(values, tr("加热丝占空比"), 1, percent);
+        checkNumbers(values, tr("加热丝占空比"), 1, percent);
         break;
     case Verb::compression:
-        bytesOf(values, tr("图片压缩率"), 1, percent);
+        checkNumbers(values, tr("图片压缩率"), 1, percent);
         break;
     case Verb::angles:
-        bytesOf(values, tr("抓图角度"), 2, std::numeric_limits<std::uint8_t>::max());
+        checkNumbers(values, tr("抓图角度"), 2, std::numeric_limits<std::uint8_t>::max());
         break;
     case Verb::direction:
         checkWord(values, tr("抓图方向"), "clockwise", "anticlockwise");

@@ -66,7 +66,7 @@ Result finished(const QString& downloaded, const QString& path) {
 
 QString outputPath(const CommandContext& context) {
     const std::string& file = context.options.command.file;
-    const QString path = file.empty() ? QStringLiteral("picture.jpg") : QString::fromStdString(file);
+    QString path = file.empty() ? QStringLiteral("picture.jpg") : QString::fromStdString(file);
     if (!context.severalPorts)
         return path;
     const QFileInfo info(path);
@@ -108,7 +108,8 @@ Result list(const CommandContext& context) {
     if (value.verdict == service::Verdict::failed)
         return failureOf(pictureWords("读取图片列表"), {value.end});
     QStringList lines{value.text};
-    for (const QJsonValue& picture : value.value.toArray())
+    const QJsonArray pictures = value.value.toArray();
+    for (const auto& picture : pictures)
         lines.append(pictureWords("%1  %2 字节  时间 %3  MD5 %4")
                          .arg(picture[QLatin1String("id")].toInt())
                          .arg(picture[QLatin1String("size")].toInteger())

@@ -46,7 +46,7 @@ ExitCode listPorts(Output& output) {
 std::vector<std::string> chosenPorts(const Options& options) {
     if (!options.ports.empty())
         return options.ports;
-    const std::vector<std::string> present = CameraSp::getPorts();
+    std::vector<std::string> present = CameraSp::getPorts();
     if (present.empty())
         throw UsageError(programWords("没有串口，请插入转接器，或用 -p 指定").toStdString());
     if (present.size() > 1 && options.command.verb != Verb::find) {
@@ -84,29 +84,30 @@ void checkTogether(const Options& options, std::size_t ports) {
         throw UsageError(programWords("batch 的串口写在任务文件里，请去掉 -p").toStdString());
 }
 
+/// On the job's thread: the command, its result printed.
+ExitCode runOnPort(PortJob& job, const Options& options, bool several, Output& output) {
+    Result result;
+    if (options.command.verb == Verb::find)
+        result = runSearch(job, options);
+    else if (options.command.verb == Verb::watch)
+        result = runWatch(job, options, output);
+    else
+        result = job.run(options, output, several);
+    output.result(headOf(options, job.port()), several ? QString::fromStdString(job.port()) : QString(),
+                  result);
+    return result.code;
+}
+
 ExitCode runOnPorts(const Options& options, const std::vector<std::string>& ports, Output& output) {
-    std::atomic<int> worst{0};
-    std::vector<std::unique_ptr<PortJob>> jobs;
-    const bool several = ports.size() > 1;
-    for (const std::string& port : ports) {
-        jobs.push_back(std::make_unique<PortJob>(port, [&](PortJob& job) {
-            Result result;
-            if (options.command.verb == Verb::find)
-                result = runSearch(job, options);
-            else if (options.command.verb == Verb::watch)
-                result = runWatch(job, options, output);
-            else
-                result = job.run(options, output, several);
-            int code = static_cast<int>(result.code);
-            output.result(headOf(options, job.port()),
-                          several ? QString::fromStdString(job.port()) : QString(), result);
-            for (int before = worst; before < code && !worst.compare_exchange_weak(before, code);) {
-            }
-        }));
+    std::vector<ExitCode> codes(ports.size(), ExitCode::done);
+    std::vector<std::unique_ptr<PortJob>> jobs(ports.size());
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+        jobs[i] = std::make_unique<PortJob>(
+            ports[i], [&, i](PortJob& job) { codes[i] = runOnPort(job, options, ports.size() > 1, output); });
     }
     superviseJobs(jobs, output);
-    jobs.clear();
-    return static_cast<ExitCode>(worst.load());
+    jobs.clear(); // the threads have ended
+    return *std::max_element(codes.begin(), codes.end());
 }
 
 } // namespace

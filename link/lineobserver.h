@@ -9,13 +9,11 @@
 class LineObserver {
 public:
     LineObserver() = default;
+    virtual ~LineObserver() = default;
     LineObserver(const LineObserver&) = delete;
     LineObserver& operator=(const LineObserver&) = delete;
 
     /// Before the bytes are handed to the system.
     virtual void sending(protocol::ByteView bytes, Clock::Time now) = 0;
     virtual void received(protocol::ByteView bytes, Clock::Time now) = 0;
-
-protected:
-    ~LineObserver() = default;
 };

@@ -13,7 +13,7 @@
 namespace service {
 
 struct CheckLine {
-    const Reading* reading;
+    const Reading* reading = nullptr;
     ReadValue value;
 };
 
