@@ -15,14 +15,6 @@ bool isUnanswered(std::uint16_t code) {
 
 } // namespace
 
-void LineQuality::sending(protocol::ByteView bytes, Clock::Time now) {
-    pass(trace::Side::tool, bytes, now);
-}
-
-void LineQuality::received(protocol::ByteView bytes, Clock::Time now) {
-    pass(trace::Side::camera, bytes, now);
-}
-
 LineCounts LineQuality::finish() {
     const std::lock_guard lock(m_mutex);
     for (const LineItem& item : m_follower.finish())
@@ -33,11 +25,7 @@ LineCounts LineQuality::finish() {
     return m_counts;
 }
 
-void LineQuality::pass(trace::Side from, protocol::ByteView bytes, Clock::Time now) {
-    const std::lock_guard lock(m_mutex);
-    if (!m_start)
-        m_start = now;
-    const auto at = std::chrono::duration_cast<trace::Time>(now - *m_start);
+void LineQuality::pass(trace::Side from, protocol::ByteView bytes, trace::Time at) {
     for (const LineItem& item : m_follower.receive(from, bytes, at))
         count(item);
 }

@@ -1,11 +1,8 @@
 // How well a line works, counted from what passes over it.
 #pragma once
 
-#include "link/lineobserver.h"
+#include "service/sideobserver.h"
 #include "trace/framewords.h"
-
-#include <mutex>
-#include <optional>
 
 namespace service {
 
@@ -23,12 +20,9 @@ struct LineCounts {
 };
 
 /// Decodes what passes. Any thread.
-class LineQuality final : public LineObserver {
+class LineQuality final : public SideObserver {
 public:
     explicit LineQuality(std::uint8_t pictureOffset = 0) : m_pictureOffset(pictureOffset) {}
-
-    void sending(protocol::ByteView bytes, Clock::Time now) override;
-    void received(protocol::ByteView bytes, Clock::Time now) override;
 
     /// What has been counted; what is not whole yet has broken off.
     [[nodiscard]] LineCounts finish();
@@ -39,15 +33,13 @@ private:
         trace::Time at;
     };
 
-    void pass(trace::Side from, protocol::ByteView bytes, Clock::Time now);
+    void pass(trace::Side from, protocol::ByteView bytes, trace::Time at) override;
     void count(const trace::LineItem& item);
     void countRequest(const trace::LineItem& item);
     void countAnswer(const trace::LineItem& item);
     void countStray(const trace::LineItem& item);
 
-    std::mutex m_mutex; // guards everything below
     trace::LineFollower m_follower;
-    std::optional<Clock::Time> m_start;
     std::optional<Pending> m_pending;
     LineCounts m_counts;
     const std::uint8_t m_pictureOffset;

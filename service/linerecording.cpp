@@ -15,14 +15,6 @@ LineRecording::~LineRecording() {
     finish();
 }
 
-void LineRecording::sending(protocol::ByteView bytes, Clock::Time now) {
-    pass(trace::Side::tool, bytes, now);
-}
-
-void LineRecording::received(protocol::ByteView bytes, Clock::Time now) {
-    pass(trace::Side::camera, bytes, now);
-}
-
 void LineRecording::finish() {
     const std::lock_guard lock(m_mutex);
     write([this] { m_recorder->finish(); });
@@ -34,11 +26,7 @@ std::string LineRecording::failure() const {
     return m_failure;
 }
 
-void LineRecording::pass(trace::Side from, protocol::ByteView bytes, Clock::Time now) {
-    const std::lock_guard lock(m_mutex);
-    if (!m_start)
-        m_start = now;
-    const auto at = std::chrono::duration_cast<trace::Time>(now - *m_start);
+void LineRecording::pass(trace::Side from, protocol::ByteView bytes, trace::Time at) {
     write([&] { m_recorder->pass(from, bytes, at); });
 }
 
