@@ -17,7 +17,7 @@ namespace service {
 
 namespace {
 
-constexpr int pictureWidth = 420; // points of the page
+constexpr int pictureWidth = 300; // points: fits below the table on one page
 constexpr int pdfResolution = 300;
 
 QString pageText(const char* text) {
