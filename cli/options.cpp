@@ -193,7 +193,7 @@ private:
         upload
             ->add_option_function<std::string>(
                 "KIND", [this](const std::string& text) { setKind(text); }, help("app、system 或 model"))
-            ->type_name("KIND")
+            ->type_name("app|system|model")
             ->required();
         addFile(*upload, "FILE", "固件或模型文件", true);
         upload->add_option("--name", m_command.name, help("模型名称，默认文件名"))->type_name("NAME");

@@ -1,0 +1,30 @@
+// A manual page of a command line.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace cli {
+
+struct ManualExample {
+    std::string purpose;
+    std::vector<std::string> lines;
+};
+
+/// What the options do not tell.
+struct ManualText {
+    std::string date; ///< year-month-day
+    std::string version;
+    std::string description;
+    std::vector<ManualExample> examples;
+    std::vector<std::string> seeAlso; ///< pages of section 1
+};
+
+/// Roff with the man macros. A line "Title: word text, word text" of the app's footer becomes a section.
+[[nodiscard]] std::string manualPage(const CLI::App& app, const ManualText& text);
+
+} // namespace cli
