@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds everything with warnings as errors and runs all tests.
+# Builds everything with warnings as errors and runs all tests; without options the workshop's script as well.
 # Usage: scripts/test.sh [ctest option]...     e.g. scripts/test.sh -R Heartbeat
 . "$(dirname "$0")/lib.sh"
 
@@ -11,3 +11,7 @@ if [ -n "${CI:-}" ]; then
 fi
 configure_and_build "$preset" -DCAMERA_WARNINGS_AS_ERRORS=ON
 run_tests "$preset" "$@"
+if [ $# -eq 0 ]; then
+  say "preparing ten virtual cameras"
+  "$project_root/tests/cli/prepare_test.sh" "$project_root/build/$preset"
+fi
