@@ -1,5 +1,7 @@
 #include "cli/options.h"
 
+#include "service/finder.h"
+
 #include <QCoreApplication>
 
 #include <CLI/CLI.hpp>
@@ -122,8 +124,7 @@ private:
 
     void setAddresses(const std::string& text) {
         if (text == "all") {
-            for (int address = 0; address <= std::numeric_limits<std::uint8_t>::max(); ++address)
-                m_command.addresses.push_back(static_cast<std::uint8_t>(address));
+            m_command.addresses = service::allAddresses();
             return;
         }
         for (const std::string& each : listIn(text))
