@@ -27,11 +27,11 @@ std::vector<std::string> argumentsOf(const QStringList& all) {
     return arguments;
 }
 
-/// A PDF needs fonts, and with them the platform's plugin without a screen.
+/// A PDF needs fonts, and with them a plugin of the platform.
 std::unique_ptr<QCoreApplication> makeApplication(int& count, char** arguments) {
     for (int i = 1; i < count; ++i) {
         if (QString::fromLocal8Bit(arguments[i]).endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
-            qputenv("QT_QPA_PLATFORM", "offscreen");
+            cli::drawWithoutDisplay();
             return std::make_unique<QGuiApplication>(count, arguments);
         }
     }
@@ -42,8 +42,8 @@ int run(const cli::Options& options) {
     static Nowhere nowhere;
     static std::ostream silence(&nowhere);
     diagnostics::setStream(options.verbose ? std::cerr : silence);
-    if (!options.verbose)
-        qInstallMessageHandler(&ignoreMessage);
+    if (options.verbose)
+        qInstallMessageHandler(nullptr);
     switch (options.action) {
     case cli::Options::Action::help:
         std::cout << options.help.toStdString() << std::flush;
@@ -62,6 +62,7 @@ int run(const cli::Options& options) {
 int main(int count, char** arguments) {
     cli::prepareConsole();
     cli::watchForInterrupts();
+    qInstallMessageHandler(&ignoreMessage);
     const auto application = makeApplication(count, arguments);
     cli::EnglishTexts english;
     if (!cli::speaksChinese())

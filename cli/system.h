@@ -12,5 +12,7 @@ void watchForInterrupts();
 [[nodiscard]] bool errorIsTerminal();
 /// Makes the console take UTF-8 and escape sequences, where it does not by itself.
 void prepareConsole();
+/// Makes a QGuiApplication start without a display. Its fonts are those of the system.
+void drawWithoutDisplay();
 
 } // namespace cli

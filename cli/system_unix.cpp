@@ -1,6 +1,8 @@
 #include "cli/exitcode.h"
 #include "cli/system.h"
 
+#include <QByteArray>
+
 #include <csignal>
 #include <unistd.h>
 
@@ -37,5 +39,9 @@ bool errorIsTerminal() {
 }
 
 void prepareConsole() {}
+
+void drawWithoutDisplay() {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+}
 
 } // namespace cli

@@ -44,4 +44,7 @@ void prepareConsole() {
         ::SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
+// The plugin for windows needs no display; the one without a screen finds no fonts here.
+void drawWithoutDisplay() {}
+
 } // namespace cli
