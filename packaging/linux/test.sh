@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs a Debian package in a clean root made by debootstrap, starts the programs there as an ordinary user
-# (the tool from its menu entry's command with a virtual camera in its list of ports, then the whole tour), removes
-# the package and compares all files with those from before. Takes root's rights.
+# (the tool from its menu entry's command with a virtual camera in its list of ports, shelf-camera with its manual page
+# and completion, then the whole tour), removes the package and compares all files with those from before. Takes root's
+# rights.
 # Usage: packaging/linux/test.sh [PACKAGE]     PACKAGE: the one in out/packages if not given
 . "$(dirname "${BASH_SOURCE[0]}")/../../scripts/lib.sh"
 
@@ -90,12 +91,16 @@ lists_the_camera() {
   grep -q 'init port:.*/dev/ttyUSB9' "$work/tool.log" 2>/dev/null
 }
 
+start_camera() {
+  in_background camera 'virtual-camera --link /tmp/camera'
+  wait_for test -e "$root/tmp/camera.pid" -a -L "$root/tmp/camera" || fail "the virtual camera does not start"
+}
+
 # The tool as the menu starts it: it lives, lists the camera's port, and works in the folder for pictures.
 start_tool() {
   say "starting the tool"
   local tool camera listed=no working folder=/home/$user/摄像头图片
-  in_background camera 'virtual-camera --link /tmp/camera'
-  wait_for test -e "$root/tmp/camera.pid" -a -L "$root/tmp/camera" || fail "the virtual camera does not start"
+  start_camera
   ln -sfn /tmp/camera "$root/dev/ttyUSB9"
   in_background tool "$(sed -n 's/^Exec=//p' "$root/usr/share/applications/shelf-camera-tool.desktop")"
   wait_for lists_the_camera && listed=yes
@@ -110,6 +115,40 @@ start_tool() {
   [ "$listed" = yes ] || fail "the virtual camera is not in the list of ports"
   [ "${working#"$root"}" = "$folder" ] || fail "it works in ${working#"$root"} instead of $folder"
   say "it works in $folder"
+}
+
+# completions WORD...: for a command line of bash with these words.
+completions() {
+  in_root bash -c '. /usr/share/bash-completion/completions/shelf-camera
+    COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
+    _shelf_camera
+    echo "${COMPREPLY[*]}"' completion "$@"
+}
+
+# A check-up by the command-line program, its manual page and its completion.
+run_command_line() {
+  say "running shelf-camera"
+  local camera found
+  as_user 'shelf-camera --version' >"$work/version" || fail "shelf-camera --version"
+  grep "^shelf-camera $(in_root dpkg-query --show --showformat='${Version}' shelf-camera-tool)\$" "$work/version" ||
+    fail "shelf-camera --version says $(cat "$work/version")"
+  start_camera
+  camera=$(cat "$root/tmp/camera.pid")
+  # A late answer of a busy machine is a failed reading: three check-ups at most.
+  found=no
+  for _ in 1 2 3; do
+    as_user 'shelf-camera -p /tmp/camera --json check -o report.pdf' >"$work/check.json" && found=yes && break
+  done
+  kill "$camera"
+  wait || true
+  rm -f "$root"/tmp/*.pid
+  cat "$work/check.json"
+  [ "$found" = yes ] || fail "shelf-camera check"
+  grep --quiet --fixed-strings '"serialNumber":{"value":"SHELF' "$work/check.json" || fail "the check-up read nothing"
+  [ "$(head -c 5 "$root/home/$user/report.pdf")" = %PDF- ] || fail "no report"
+  zcat "$root/usr/share/man/man1/shelf-camera.1.gz" | grep --quiet '^\.TH SHELF\\-CAMERA 1 ' || fail "no manual page"
+  [ "$(completions shelf-camera che)" = check ] || fail "no completion of commands"
+  [ "$(completions shelf-camera -t dor)" = dorvel ] || fail "no completion of types"
 }
 
 take_installed_tour() {
@@ -153,6 +192,7 @@ main_inside() {
   prepare_root "$2"
   install_package
   start_tool
+  run_command_line
   take_installed_tour
   remove_package
 }
