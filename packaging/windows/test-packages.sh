@@ -78,6 +78,8 @@ start_from_menu() {
 
 start_portable() {
   say "starting it from the ZIP's folder"
+  [ "$(cd "$work/zip/$name" && windows ./shelf-camera.exe --version | tr -d '\r')" = "shelf-camera $version" ] ||
+    fail "shelf-camera does not start"
   (cd "$work/zip/$name" && windows ./shelf-camera-tool.exe >"$work/portable.log") &
   wait_for 60 has_window || fail "no window comes"
   [ "$(working_folder)" = "$work/zip/$name" ] || fail "it works in $(working_folder)"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the Windows programs and proves them under Wine, without a display: the tool itself with a virtual camera
-# behind COM5, the tour of all windows and the tests of turns between COM12 and COM6, the virtual camera on COM6. Its
+# behind COM5, shelf-camera at the same camera, the tour of all windows and the tests of turns between COM12 and COM6, the virtual camera on COM6. Its
 # log, pictures and files are left in out/windows. Where Qt for Windows is missing it says so and ends well.
 # Usage: packaging/windows/test.sh [--no-build] [--pictures]      --pictures: copies what docs/windows.md shows
 . "$(dirname "$0")/../../scripts/lib.sh"
@@ -60,6 +60,22 @@ prove_tool() {
   sleep 3
   picture tool-versions
   wait_for camera.log 'read SDK version'
+}
+
+# A check-up with a report whose text has fonts. A late answer of a busy machine is a failed reading: three at most.
+prove_command_line() {
+  say "shelf-camera on COM5"
+  local attempt code
+  for attempt in 1 2 3; do
+    code=0
+    (cd "$out" && timeout --kill-after=10 120 "${wine[@]}" "$program/shelf-camera.exe" -p COM5 --json check -o report.pdf) \
+      >"$out/check.log" 2>"$out/check-debug.log" </dev/null || code=$?
+    [ "$code" -ne 0 ] || break
+    say "attempt $attempt of the check-up ended with code $code"
+  done
+  [ "$code" -eq 0 ] || fail "shelf-camera check"
+  wait_for check.log '"serialNumber":{"value":"SHELF'
+  grep --quiet --text /FontName "$out/report.pdf" || fail "the report has no fonts"
 }
 
 # tour_windows FOLDER: in that folder of drive C, into which the pictures are downloaded.
@@ -127,6 +143,7 @@ prove() {
   make_windows
   prove_tool
   stop_windows
+  prove_command_line
   prove_tour
   prove_turns
   prove_camera
@@ -143,7 +160,7 @@ main() {
     configure_and_build "$(optimised_preset)" --target virtual-camera
   fi
   local start=$SECONDS
-  lay_out_programs app demo emulator tests/windows
+  lay_out_programs app cli demo emulator tests/windows
   xvfb-run --auto-servernum --server-args='-screen 0 1280x1024x24' "$0" --prove
   say "the Windows programs work under Wine, proven in $((SECONDS - start)) s; pictures in $out"
   if [[ " $* " == *" --pictures "* ]]; then
