@@ -1,6 +1,7 @@
 #include "cli/options.h"
 
 #include "service/finder.h"
+#include "service/report.h"
 
 #include <QCoreApplication>
 
@@ -177,6 +178,10 @@ private:
                 "图片文件，默认 picture.jpg", false);
         CLI::App* const pictures = add("pictures", "摄像头里的图片", Verb::listPictures);
         pictures->require_subcommand(0, 1);
+        pictures->callback([this, pictures] { // runs after that of its own command
+            if (pictures->get_subcommands().empty())
+                m_command.verb = Verb::listPictures;
+        });
         add(*pictures, "list", "列出图片", Verb::listPictures);
         CLI::App* const get = add(*pictures, "get", "下载一张图片", Verb::getPicture);
         addId(*get);
@@ -292,6 +297,12 @@ void checkValues(const Command& command) {
     }
 }
 
+void checkReportName(const Command& command) {
+    if (command.verb == Verb::check && !command.file.empty() &&
+        !service::isReportName(QString::fromStdString(command.file)))
+        refuse(tr("报告文件的扩展名必须是 .html、.pdf、.json 或 .csv"));
+}
+
 void addGeneral(CLI::App& app, Options& options) {
     app.set_help_flag("-h,--help", help("显示帮助"));
     app.set_version_flag("--version", std::string(CAMERA_TOOL_VERSION), help("显示版本"));
@@ -389,6 +400,7 @@ Options parseOptions(const std::vector<std::string>& arguments) {
     for (auto word = first; word != arguments.end(); ++word)
         options.command.words.append(QString::fromStdString(*word));
     checkValues(options.command);
+    checkReportName(options.command);
     return options;
 }
 
