@@ -35,11 +35,16 @@ BatchState::BatchState(const QString& path, const QByteArray& jobList) : m_file(
 void BatchState::read(const QByteArray& head) {
     if (m_file.readLine() != head)
         refuseState(stateWords("状态文件属于另一个任务文件：%1").arg(m_file.fileName()));
+    qint64 complete = m_file.pos();
     while (!m_file.atEnd()) {
         const QByteArray line = m_file.readLine();
-        if (line.endsWith('\n')) // the last one may be incomplete
-            m_done.insert(line.trimmed().toInt());
+        if (!line.endsWith('\n')) // the last one, of an interrupted write
+            break;
+        m_done.insert(line.trimmed().toInt());
+        complete = m_file.pos();
     }
+    if (!m_file.resize(complete) || !m_file.seek(complete))
+        refuseState(stateWords("状态文件不能写入：%1").arg(m_file.fileName()));
     if (m_done.contains(0))
         refuseState(stateWords("状态文件已损坏：%1").arg(m_file.fileName()));
 }
