@@ -218,6 +218,8 @@ Result runCheck(const CommandContext& context) {
     result.text = lines.join(QLatin1Char('\n'));
     if (checkup.verdict() == service::Verdict::failed)
         result.code = ExitCode::refused;
+    if (context.camera.portFailed())
+        return failureOf(commandWords("检查"), {CommandEnd::portFailed});
     const bool silent = std::all_of(checkup.lines.begin(), checkup.lines.end(),
                                     [](const auto& line) { return line.value.end == CommandEnd::noAnswer; });
     if (silent)

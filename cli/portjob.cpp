@@ -45,6 +45,7 @@ public:
         m_camera.setSlaveAddress(options.usedAddress());
         const std::lock_guard lock(job.m_mutex);
         job.m_camera = &m_camera;
+        job.m_stoodStill = false;
         if (job.m_stopped)
             m_camera.requestStop();
     }
@@ -110,8 +111,18 @@ void PortJob::watchDownload() {
         m_lastDone = done;
         m_lastByte = now;
     } else if (now - *m_lastByte > longestStandstill) {
+        m_stoodStill = true;
         m_camera->endDownload();
     }
+}
+
+void PortJob::describeStandstill(Result& result) {
+    const std::lock_guard lock(m_mutex);
+    if (!m_stoodStill || result.code != ExitCode::interrupted)
+        return;
+    result.code = m_lastDone == 0 ? ExitCode::noAnswer : ExitCode::refused;
+    result.error = jobWords("下载时摄像头 %1 秒没有发送数据，请检查接线后重试")
+                       .arg(std::chrono::seconds(longestStandstill).count());
 }
 
 Result PortJob::run(const Options& options, Output& output, bool severalPorts) {
@@ -126,31 +137,44 @@ Result PortJob::use(const Options& options,
     service::LineQuality quality;
     service::LineObservers observers;
     observers.add(quality);
-    std::optional<service::LineRecording> recording;
-    try {
-        if (!options.recordFile.empty())
-            observers.add(recording.emplace(options.recordFile, headFor(options, m_port)));
-    } catch (const std::exception& error) {
-        return failure(ExitCode::file, QString::fromUtf8(error.what()));
-    }
     std::optional<OpenLink> link;
     try {
         link.emplace(*this, options);
     } catch (...) {
         return openingFailure();
     }
+    std::unique_ptr<service::LineRecording> recording;
+    try {
+        recording = startRecording(options, m_port);
+    } catch (const std::exception& error) {
+        return failure(ExitCode::file, QString::fromUtf8(error.what()));
+    }
+    if (recording)
+        observers.add(*recording);
     link->camera().setLineObserver(&observers);
     Result result = work(link->camera(), quality);
     link->camera().setLineObserver(nullptr);
-    if (recording) {
-        recording->finish();
-        if (!recording->failure().empty() && result.code == ExitCode::done)
-            result = failure(ExitCode::file,
-                             jobWords("录制没有完成：%1").arg(QString::fromStdString(recording->failure())));
-    }
+    endRecording(recording.get(), result);
     if (m_stopped)
         result.code = ExitCode::interrupted;
+    else
+        describeStandstill(result);
     return result;
+}
+
+std::unique_ptr<service::LineRecording> startRecording(const Options& options, const std::string& port) {
+    if (options.recordFile.empty())
+        return nullptr;
+    return std::make_unique<service::LineRecording>(options.recordFile, headFor(options, port));
+}
+
+void endRecording(service::LineRecording* recording, Result& result) {
+    if (recording == nullptr)
+        return;
+    recording->finish();
+    if (!recording->failure().empty() && result.code == ExitCode::done)
+        result = failure(ExitCode::file,
+                         jobWords("录制没有完成：%1").arg(QString::fromStdString(recording->failure())));
 }
 
 Result openingFailure() {

@@ -8,6 +8,10 @@
 #include <mutex>
 #include <thread>
 
+namespace service {
+class LineRecording;
+}
+
 namespace cli {
 
 /// Opens a port and works on it until done or stopped. Made, asked and destroyed on the main thread.
@@ -42,6 +46,9 @@ public:
 private:
     class OpenLink;
 
+    /// The failure of a download that the job ended itself.
+    void describeStandstill(Result& result);
+
     const std::string m_port;
     std::atomic<bool> m_stopped{false};
     std::atomic<bool> m_done{false};
@@ -52,9 +59,17 @@ private:
     std::optional<Clock::Time> m_sendingSince;
     std::uint64_t m_lastDone = 0;
     std::optional<Clock::Time> m_lastByte;
+    bool m_stoodStill = false; ///< a download was ended for want of bytes
 
     std::thread m_thread; // last: starts when everything else is there
 };
+
+/// Starts the recording that the options ask for; null without one. Throws std::runtime_error with a text for
+/// people.
+[[nodiscard]] std::unique_ptr<service::LineRecording> startRecording(const Options& options,
+                                                                     const std::string& port);
+/// Ends the recording, which may be null. An incomplete one fails a command that succeeded.
+void endRecording(service::LineRecording* recording, Result& result);
 
 /// An opening that failed: the same advice by cause as the window gives. To be called in a handler.
 [[nodiscard]] Result openingFailure();

@@ -77,9 +77,10 @@ void confirm(const Options& options, std::size_t ports) {
         throw UsageError(programWords("已取消").toStdString());
 }
 
-void checkTogether(const Options& options, std::size_t ports) {
-    if (!options.recordFile.empty() && ports > 1)
-        throw UsageError(programWords("--record 只能用于一个串口").toStdString());
+void checkTogether(const Options& options) {
+    if (!options.recordFile.empty() &&
+        (options.command.verb == Verb::batch || options.command.verb == Verb::ports))
+        throw UsageError(programWords("--record 不能用于 batch 和 ports").toStdString());
     if (options.command.verb == Verb::batch && !options.ports.empty())
         throw UsageError(programWords("batch 的串口写在任务文件里，请去掉 -p").toStdString());
 }
@@ -146,23 +147,29 @@ ExitCode runProgram(const Options& options) {
     Output output(options.json, !options.quiet && errorIsTerminal());
     ExitCode code = ExitCode::done;
     try {
-        checkTogether(options, options.ports.size());
+        checkTogether(options);
         if (options.command.verb == Verb::ports) {
             code = listPorts(output);
         } else if (options.command.verb == Verb::batch) {
             code = runBatch(options, output);
         } else {
             const std::vector<std::string> ports = chosenPorts(options);
+            if (!options.recordFile.empty() && ports.size() > 1)
+                throw UsageError(programWords("--record 只能用于一个串口").toStdString());
             confirm(options, ports.size());
             code = runOnPorts(options, ports, output);
         }
     } catch (const UsageError& error) {
         output.error(QString::fromUtf8(error.what()));
-        return ExitCode::usage;
+        return interrupted() ? ExitCode::interrupted : ExitCode::usage;
     }
     if (interrupted())
         return ExitCode::interrupted;
-    return output.failed() ? std::max(code, ExitCode::file) : code;
+    if (output.failed()) {
+        output.error(programWords("输出没有写完，请检查接收输出的程序或磁盘空间"));
+        return ExitCode::file;
+    }
+    return code;
 }
 
 } // namespace cli

@@ -1,6 +1,7 @@
 #include "cli/search.h"
 
 #include "service/finder.h"
+#include "service/linerecording.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -58,12 +59,22 @@ Result runSearch(PortJob& job, const Options& options) {
                          .arg(plan.attempts()));
         },
         [&](const service::FoundCamera& camera) { cameras.push_back(camera); }};
+    std::unique_ptr<service::LineRecording> recording;
     try {
-        service::findCameras(plan, observer, job.stopped());
+        recording = startRecording(options, job.port());
+    } catch (const std::exception& error) {
+        return failure(ExitCode::file, QString::fromUtf8(error.what()));
+    }
+    try {
+        service::findCameras(plan, observer, job.stopped(), recording.get());
     } catch (...) {
         return openingFailure();
     }
-    return resultOf(cameras);
+    Result result = resultOf(cameras);
+    endRecording(recording.get(), result);
+    if (job.stopped())
+        result.code = ExitCode::interrupted;
+    return result;
 }
 
 } // namespace cli

@@ -22,8 +22,11 @@ void interrupt(int) {
 
 void watchForInterrupts() {
     std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is seen by the write
+    std::signal(SIGXFSZ, SIG_IGN); // so is a limit on the size of files
+    struct sigaction action {};
+    action.sa_handler = &interrupt; // without SA_RESTART: a question on the terminal ends as well
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        std::signal(signal, &interrupt);
+        ::sigaction(signal, &action, nullptr);
 }
 
 bool interrupted() {
