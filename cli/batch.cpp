@@ -92,7 +92,7 @@ void runList(PortJob& port, std::vector<BatchJob>& jobs, const Options& general,
         job.code = result.code;
         job.ran = true;
         QJsonObject head = headOf(job.options, port.port());
-        head.insert(QLatin1String("line"), job.line);
+        head.insert(QLatin1String("jobLine"), job.line);
         output.result(head, QString::fromStdString(port.port()), result);
         if (result.code != ExitCode::done && !general.command.keepsGoing)
             return;
