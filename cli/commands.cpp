@@ -66,8 +66,10 @@ Result readVersions(const CommandContext& context) {
 
 Result testGyro(const CommandContext& context) {
     Result result = readAll(context, {"gyroTest"});
-    if (result.code == ExitCode::done && !result.fields.value(QLatin1String("gyroTest")).toBool())
+    if (result.code == ExitCode::done && !result.fields.value(QLatin1String("gyroTest")).toBool()) {
         result.code = ExitCode::refused;
+        result.error = commandWords("陀螺仪自检没有通过，请放稳摄像头后重试");
+    }
     return result;
 }
 
@@ -216,8 +218,10 @@ Result runCheck(const CommandContext& context) {
     result.fields = service::checkupJson(checkup);
     lines.append(commandWords("结论：%1").arg(service::verdictWords(checkup.verdict())));
     result.text = lines.join(QLatin1Char('\n'));
-    if (checkup.verdict() == service::Verdict::failed)
+    if (checkup.verdict() == service::Verdict::failed) {
         result.code = ExitCode::refused;
+        result.error = commandWords("有失败的项目，请按其原因处理后再检查");
+    }
     if (context.camera.portFailed())
         return failureOf(commandWords("检查"), {CommandEnd::portFailed});
     const bool silent = std::all_of(checkup.lines.begin(), checkup.lines.end(),

@@ -309,6 +309,7 @@ void addGeneral(CLI::App& app, Options& options) {
     app.add_option("-p,--port", options.ports, help("串口，可重复；默认唯一的串口"))
         ->type_name("PORT")
         ->expected(1)
+        ->allow_extra_args(false)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     addText(app, "-b,--baud", "RATE", "波特率，默认类型的常用值",
             [&options](const std::string& text) { options.rate = rateIn(text); });
@@ -331,8 +332,12 @@ void addGeneral(CLI::App& app, Options& options) {
 /// What CLI11 says in its own words, in ours.
 QString parseFailure(const CLI::App& app, const CLI::ParseError& error) {
     const QString usage = tr("；用 --help 查看用法");
-    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && app.get_subcommands().empty())
-        return tr("没有命令") + usage;
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && app.get_subcommands().empty()) {
+        const std::vector<std::string> words = app.remaining();
+        return (words.empty() ? tr("没有命令")
+                              : tr("没有命令“%1”").arg(QString::fromStdString(words.front()))) +
+               usage;
+    }
     return tr("命令行不对：%1").arg(QString::fromUtf8(error.what())) + usage;
 }
 

@@ -50,7 +50,9 @@ QString moveTo(const QString& downloaded, const QString& path) {
     if (!source.open(QIODevice::ReadOnly))
         return pictureWords("图片没有写入 %1：%2").arg(path, source.errorString());
     const QByteArray content = source.readAll();
-    if (!target.open(QIODevice::WriteOnly) || target.write(content) != content.size() || !target.commit())
+    const bool written = target.open(QIODevice::WriteOnly) && target.write(content) == content.size() &&
+                         target.flush() && target.commit(); // commit does not see that flushing fails
+    if (!written)
         return pictureWords("图片没有写入 %1：%2").arg(path, target.errorString());
     return {};
 }

@@ -210,7 +210,9 @@ QString writeReport(const Checkup& checkup, const QString& path) {
         return pageText("报告文件的扩展名必须是 .html、.pdf、.json 或 .csv");
     QSaveFile file(path);
     const QByteArray content = format->content(checkup);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size() &&
+                         file.flush() && file.commit(); // commit does not see that flushing fails
+    if (!written)
         return pageText("报告没有写入 %1：%2").arg(path, file.errorString());
     return {};
 }
