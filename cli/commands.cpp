@@ -173,17 +173,6 @@ Result runDoor(const CommandContext& context) {
 
 // --- check-up ----------------------------------------------------------------------------------------------
 
-/// Several ports write several reports: the port's name goes before the extension.
-QString reportPath(const CommandContext& context) {
-    QString path = QString::fromStdString(context.options.command.file);
-    if (!context.severalPorts || path.isEmpty())
-        return path;
-    const QFileInfo file(path);
-    const QString port = QFileInfo(QString::fromStdString(context.port)).fileName();
-    return file.dir().filePath(file.completeBaseName() + QLatin1Char('-') + port + QLatin1Char('.') +
-                               file.suffix());
-}
-
 void takeReportPicture(const CommandContext& context, service::Checkup& checkup) {
     const QTemporaryDir folder;
     context.camera.setPictureFolder(folder.path().toStdString());
@@ -228,7 +217,8 @@ Result runCheck(const CommandContext& context) {
                                     [](const auto& line) { return line.value.end == CommandEnd::noAnswer; });
     if (silent)
         result = failureOf(commandWords("检查"), {CommandEnd::noAnswer});
-    if (const QString path = reportPath(context); !path.isEmpty() && !silent) {
+    if (const QString path = context.fileFor(QString::fromStdString(context.options.command.file));
+        !path.isEmpty() && !silent) {
         if (const QString error = service::writeReport(checkup, path); !error.isEmpty())
             return failure(ExitCode::file, error);
         result.fields.insert(QLatin1String("report"), path);
@@ -237,6 +227,18 @@ Result runCheck(const CommandContext& context) {
 }
 
 } // namespace
+
+QString CommandContext::portName() const {
+    return QFileInfo(QString::fromStdString(port)).fileName();
+}
+
+QString CommandContext::fileFor(const QString& path) const {
+    if (!severalPorts || path.isEmpty())
+        return path;
+    const QFileInfo file(path);
+    return file.dir().filePath(
+        QStringLiteral("%1-%2.%3").arg(file.completeBaseName(), portName(), file.suffix()));
+}
 
 Result failureOf(const QString& what, const CommandReport& report) {
     return failure(std::max(exitCodeOf(report.end), ExitCode::refused),

@@ -11,7 +11,7 @@ class LineQuality;
 
 namespace cli {
 
-/// What a command works with; everything outlives it.
+/// The objects that a command uses; all outlive it.
 struct CommandContext {
     CameraSp& camera;
     const Options& options;
@@ -19,8 +19,13 @@ struct CommandContext {
     service::LineQuality& quality; ///< sees every byte of the link
     Output& output;
     bool severalPorts = false;
-    /// Told what is going on: a text for the progress line.
+    /// Shows a text in the progress line.
     std::function<void(const QString& text)> tell;
+
+    /// The port without its folder.
+    [[nodiscard]] QString portName() const;
+    /// The path; with several ports the port's name stands before its extension.
+    [[nodiscard]] QString fileFor(const QString& path) const;
 };
 
 /// Runs the command of the options. Blocks; a stopped link ends it within a second.

@@ -329,7 +329,7 @@ void addGeneral(CLI::App& app, Options& options) {
             .toStdString());
 }
 
-/// What CLI11 says in its own words, in ours.
+/// A parser's error in the words of this program.
 QString parseFailure(const CLI::App& app, const CLI::ParseError& error) {
     const QString usage = tr("；用 --help 查看用法");
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && app.get_subcommands().empty()) {

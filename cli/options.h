@@ -96,7 +96,7 @@ struct Options {
     [[nodiscard]] std::uint8_t usedAddress() const;
 };
 
-/// What is wrong with the command line, for people.
+/// A wrong command line or job file; the text is for people.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -1,4 +1,4 @@
-// What shelf-camera prints.
+// The output of shelf-camera.
 #pragma once
 
 #include "cli/exitcode.h"

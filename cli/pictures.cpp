@@ -68,13 +68,7 @@ Result finished(const QString& downloaded, const QString& path) {
 
 QString outputPath(const CommandContext& context) {
     const std::string& file = context.options.command.file;
-    QString path = file.empty() ? QStringLiteral("picture.jpg") : QString::fromStdString(file);
-    if (!context.severalPorts)
-        return path;
-    const QFileInfo info(path);
-    const QString port = QFileInfo(QString::fromStdString(context.port)).fileName();
-    return info.dir().filePath(info.completeBaseName() + QLatin1Char('-') + port + QLatin1Char('.') +
-                               info.suffix());
+    return context.fileFor(file.empty() ? QStringLiteral("picture.jpg") : QString::fromStdString(file));
 }
 
 /// A folder that can be written is asked for before the camera is.
@@ -144,8 +138,7 @@ Result get(const CommandContext& context) {
 
 QString downloadFolder(const CommandContext& context) {
     const QString folder = QString::fromStdString(context.options.command.folder);
-    const QString port = QFileInfo(QString::fromStdString(context.port)).fileName();
-    return context.severalPorts ? QDir(folder).filePath(port) : folder;
+    return context.severalPorts ? QDir(folder).filePath(context.portName()) : folder;
 }
 
 Result getAll(const CommandContext& context) {

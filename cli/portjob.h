@@ -28,7 +28,7 @@ public:
     [[nodiscard]] const std::string& port() const { return m_port; }
     [[nodiscard]] bool isDone() const { return m_done; }
     void stop();
-    /// What the port is doing, with the numbers of a transfer.
+    /// Text of the progress line: the current step, or the numbers of a transfer.
     [[nodiscard]] QString progress();
     /// Ends a download of which no byte came for ten seconds.
     void watchDownload();

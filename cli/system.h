@@ -1,4 +1,4 @@
-// What shelf-camera needs of the system: interruption and the terminal.
+// System-dependent parts of shelf-camera: interruption, terminal.
 #pragma once
 
 namespace cli {

@@ -1,4 +1,4 @@
-// What passes over an open line, told to a recorder or a monitor.
+// Observes the traffic of an open line.
 #pragma once
 
 #include "link/clock.h"

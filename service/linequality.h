@@ -1,4 +1,4 @@
-// How well a line works, counted from what passes over it.
+// Counts of a line's exchanges.
 #pragma once
 
 #include "service/sideobserver.h"

@@ -1,4 +1,4 @@
-// What can be read of a camera without changing it: one table for single readings, check-up and report.
+// The readable values of a camera: one table for single readings, check-up and report.
 #pragma once
 
 #include "link/camerasp.h"
