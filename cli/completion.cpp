@@ -121,10 +121,15 @@ private:
 
     void addValue(const std::string& words, const std::vector<std::string>& names, const std::string& value) {
         const auto known = m_values.find(value);
-        std::vector<std::string> patterns;
-        for (const std::string& name : names)
-            patterns.push_back('\'' + words + ':' + name + '\'');
-        m_valueCases << "    " << joined(patterns, " | ") << ") echo '"
+        std::string patterns;
+        for (const std::string& name : names) {
+            patterns += patterns.empty() ? "'" : " | '";
+            patterns += words;
+            patterns += ':';
+            patterns += name;
+            patterns += '\'';
+        }
+        m_valueCases << "    " << patterns << ") echo '"
                      << (known == m_values.end() ? choicesIn(value) : known->second) << "' ;;\n";
     }
 
@@ -139,7 +144,7 @@ private:
 std::string bashCompletion(const CLI::App& app, const ValueCompletions& values) {
     Tables tables(values);
     tables.add(app, {});
-    const std::string program = app.get_name();
+    const std::string& program = app.get_name();
     std::string name = program;
     std::replace(name.begin(), name.end(), '-', '_');
     const std::string script = "# shellcheck shell=bash\n# Completion of PROGRAM, made of its options.\n\n" +
