@@ -1,4 +1,6 @@
-// Commands in the documents: those of the virtual camera are run, scripts, presets and options must exist.
+// Commands in the documents: those of the virtual camera are run, those of shelf-camera parsed; scripts,
+// presets and options must exist.
+#include "cli/options.h"
 #include "emulator/line/pty.h"
 #include "tests/docs/markdown.h"
 #include "tests/emulator/program/program.h"
@@ -35,7 +37,7 @@ std::vector<std::string> wordsOf(const std::string& line) {
 /// Lines of code blocks that begin with a program of the project, a script of it, or a tool that builds it.
 std::vector<Typed> typedLines() {
     static const std::regex command(
-        R"(    ((?:sudo )?(?:build/\S+/)?(?:virtual-camera|shelf-camera-tool|\w+_tests)(?: .*)?|)"
+        R"(    ((?:sudo )?(?:build/\S+/)?(?:virtual-camera|shelf-camera(?:-tool)?|\w+_tests)(?: .*)?|)"
         R"((?:scripts|packaging)/\S+\.sh.*|cmake .*))");
     std::vector<Typed> all;
     std::vector<fs::path> documents = {"README.md", "CONTRIBUTING.md"};
@@ -117,6 +119,17 @@ TEST_P(VirtualCameraLine, StartsAndEndsWithoutError) {
 INSTANTIATE_TEST_SUITE_P(Documents, VirtualCameraLine, testing::ValuesIn(typedLines("virtual-camera")),
                          [](const auto& test) { return std::to_string(test.index); });
 
+TEST(DocumentedCommands, OfShelfCameraAreTaken) {
+    const std::vector<Typed> lines = typedLines("shelf-camera ");
+    EXPECT_GT(lines.size(), 8U);
+    for (const Typed& typed : lines) {
+        const std::string command = typed.line.substr(0, typed.line.find_first_of("|>"));
+        std::vector<std::string> words = wordsOf(command);
+        words.erase(words.begin());
+        EXPECT_NO_THROW(std::ignore = cli::parseOptions(words)) << typed.document << ": " << typed.line;
+    }
+}
+
 TEST(DocumentedCommands, UseExistingScriptsAndOptions) {
     const std::vector<Typed> lines = typedLines(".sh");
     EXPECT_GT(lines.size(), 10U);
@@ -151,8 +164,9 @@ TEST(DocumentedCommands, UseExistingPresets) {
 
 TEST(DocumentedCommands, AreAllOfATestedKind) {
     const std::vector<Typed> all = typedLines();
-    const std::size_t tried = typedLines("virtual-camera").size() + typedLines(".sh").size() +
-                              typedLines("cmake ").size() + typedLines("build/release/app/shelf-").size() +
+    const std::size_t tried = typedLines("virtual-camera").size() + typedLines("shelf-camera ").size() +
+                              typedLines(".sh").size() + typedLines("cmake ").size() +
+                              typedLines("build/release/app/shelf-").size() +
                               typedLines("build/dev/tests/").size();
     EXPECT_EQ(all.size(), tried);
 }
