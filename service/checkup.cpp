@@ -28,6 +28,8 @@ Checkup runCheckup(CameraSp& camera, protocol::CameraType type, LineQuality& qua
     for (const Reading& reading : readings()) {
         if (camera.stopRequested())
             break;
+        if (!reading.isKnownTo(type))
+            continue;
         checkup.lines.push_back({&reading, reading.read(camera, type)});
         read(checkup.lines.back());
     }

@@ -34,8 +34,8 @@ struct Checkup {
     [[nodiscard]] QString textOf(std::string_view key) const;
 };
 
-/// Reads line after line on the calling thread and tells each. A stopped link ends it early. The observer
-/// counts the line from the start of the check-up.
+/// Reads what the type knows, line after line, on the calling thread and tells each. A stopped link ends it
+/// early. The observer counts the line from the start of the check-up.
 [[nodiscard]] Checkup runCheckup(CameraSp& camera, protocol::CameraType type, LineQuality& quality,
                                  const std::function<void(const CheckLine& line)>& read);
 

@@ -192,8 +192,8 @@ ReadValue readPictures(CameraSp& camera, CameraType type) {
 
 // clang-format off
 constexpr std::array table{
-    Reading{"heartbeat",     QT_TRANSLATE_NOOP("Readings", "心跳"),         &readHeartbeat},
-    Reading{"appVersion",    QT_TRANSLATE_NOOP("Readings", "SDK版本"),      &readAppVersion},
+    Reading{"heartbeat",     QT_TRANSLATE_NOOP("Readings", "心跳"),         &readHeartbeat, false},
+    Reading{"appVersion",    QT_TRANSLATE_NOOP("Readings", "SDK版本"),      &readAppVersion, false},
     Reading{"systemVersion", QT_TRANSLATE_NOOP("Readings", "系统版本"),     &readText<&CameraSp::getSystemVersion>},
     Reading{"qvVersion",     QT_TRANSLATE_NOOP("Readings", "QV-APP版本"),   &readText<&CameraSp::getQvVersion>},
     Reading{"model",         QT_TRANSLATE_NOOP("Readings", "模型信息"),     &readText<&CameraSp::getModelInfo>},
@@ -210,6 +210,10 @@ constexpr std::array table{
 // clang-format on
 
 } // namespace
+
+bool Reading::isKnownTo(CameraType type) const {
+    return !framesOnly || protocol::infoOf(type).pictures != PictureCommands::json;
+}
 
 QString Reading::translatedTitle() const {
     return readingText(title);

@@ -27,7 +27,9 @@ struct Reading {
     const char* key;   ///< JSON key
     const char* title; ///< translated in the context "Readings"
     ReadValue (*read)(CameraSp& camera, protocol::CameraType type);
+    bool framesOnly = true; ///< cameras that speak JSON do not know it
 
+    [[nodiscard]] bool isKnownTo(protocol::CameraType type) const;
     [[nodiscard]] QString translatedTitle() const;
 };
 

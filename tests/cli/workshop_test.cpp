@@ -147,13 +147,20 @@ TEST(Check, SilentCameraEndsWithCode4) {
     EXPECT_EQ(checkOf(camera)["code"].toInt(), noAnswer);
 }
 
+TEST(Check, SilentJsonCameraEndsWithCode4) {
+    Camera camera(emulator::CameraType::quenta);
+    camera.addFault("silent");
+    EXPECT_EQ(checkOf(camera)["code"].toInt(), noAnswer);
+}
+
 class CheckOfType : public testing::TestWithParam<emulator::CameraType> {};
 
-TEST_P(CheckOfType, PrintsTheSchema) {
+TEST_P(CheckOfType, GoodCameraGetsAGoodVerdict) {
     Camera camera(GetParam());
     const QJsonObject check = checkOf(camera);
     EXPECT_EQ(check["type"].toInt(), static_cast<int>(GetParam()));
-    EXPECT_EQ(check["readings"]["heartbeat"]["verdict"].toString().toStdString(), "good");
+    EXPECT_EQ(check["verdict"].toString().toStdString(), "good");
+    EXPECT_EQ(check["code"].toInt(), done);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, CheckOfType,
