@@ -134,6 +134,7 @@ constexpr auto texts = std::to_array<EnglishText>({
     {"该命令会改变摄像头，请加 --yes", "This command changes the camera; add --yes"},
     {"%1：将改变 %2 台摄像头，继续吗？输入 y 继续：", "%1: changes %2 camera(s). Type y to go on: "},
     {"已取消", "Cancelled"},
+    {"同一个串口给了两次", "A port is named twice"},
     {"--record 只能用于一个串口", "--record takes one port only"},
     {"--record 不能用于 batch 和 ports", "--record cannot be used with batch and ports"},
     {"输出没有写完，请检查接收输出的程序或磁盘空间", "The output is not complete; check the program that reads it, or the free space"},

@@ -341,6 +341,21 @@ QString parseFailure(const CLI::App& app, const CLI::ParseError& error) {
     return tr("命令行不对：%1").arg(QString::fromUtf8(error.what())) + usage;
 }
 
+/// The command with its own arguments: what follows its name, without the general options.
+QStringList commandWordsIn(const CLI::App& app, const std::vector<std::string>& arguments) {
+    QStringList words;
+    const std::string name = app.get_subcommands().front()->get_name();
+    for (auto word = std::find(arguments.begin(), arguments.end(), name); word != arguments.end(); ++word) {
+        const std::string option = word->substr(0, word->find('='));
+        const CLI::Option* const general = app.get_option_no_throw(option);
+        if (general == nullptr)
+            words.append(QString::fromStdString(*word));
+        else if (general->get_expected_min() > 0 && option == *word && word + 1 != arguments.end())
+            ++word; // its value
+    }
+    return words;
+}
+
 } // namespace
 
 bool Command::isDestructive() const {
@@ -378,6 +393,7 @@ std::uint8_t Options::usedAddress() const {
 void describeOptions(CLI::App& app, Options& options) {
     app.name("shelf-camera");
     app.description(help("货架摄像头的命令行工具"));
+    app.fallthrough(); // general options may stand behind the command
     addGeneral(app, options);
     const auto table = std::make_shared<CommandTable>(app, options.command);
     table->addAll();
@@ -400,10 +416,7 @@ Options parseOptions(const std::vector<std::string>& arguments) {
     } catch (const CLI::ParseError& error) {
         refuse(parseFailure(app, error));
     }
-    const std::string name = app.get_subcommands().front()->get_name();
-    const auto first = std::find(arguments.begin(), arguments.end(), name);
-    for (auto word = first; word != arguments.end(); ++word)
-        options.command.words.append(QString::fromStdString(*word));
+    options.command.words = commandWordsIn(app, arguments);
     checkValues(options.command);
     checkReportName(options.command);
     return options;

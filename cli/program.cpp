@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <set>
 
 namespace cli {
 
@@ -78,6 +79,8 @@ void confirm(const Options& options, std::size_t ports) {
 }
 
 void checkTogether(const Options& options) {
+    if (std::set(options.ports.begin(), options.ports.end()).size() != options.ports.size())
+        throw UsageError(programWords("同一个串口给了两次").toStdString());
     if (!options.recordFile.empty() &&
         (options.command.verb == Verb::batch || options.command.verb == Verb::ports))
         throw UsageError(programWords("--record 不能用于 batch 和 ports").toStdString());

@@ -66,11 +66,22 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{"ReportName", "-p x check -o report.doc",
                 "The report's extension must be .html, .pdf, .json or .csv"},
         BadLine{"NotConfirmed", "-p x reboot", "This command changes the camera; add --yes"},
+        BadLine{"PortTwice", "-p x -p y -p x heartbeat", "A port is named twice"},
         BadLine{"RecordOfTwo", "-p x -p y --record r heartbeat", "--record takes one port only"},
         BadLine{"RecordOfBatch", "--record r batch jobs", "--record cannot be used with batch and ports"},
         BadLine{"PortOfBatch", "-p x batch jobs", "leave out -p"},
         BadLine{"NoJobFile", "batch missing", "The job file cannot be read: missing"}),
     [](const auto& bad) { return std::string(bad.param.name); });
+
+TEST(Usage, GeneralOptionsMayStandBehindTheCommand) {
+    Camera camera;
+    const Ending ending = run({"pictures", "--json", "list", "-t", "ostra", "-p", camera.port()});
+    EXPECT_EQ(ending.code, done);
+    const std::vector<QJsonObject> objects = objectsOf(ending.out);
+    ASSERT_EQ(objects.size(), 1U);
+    EXPECT_EQ(objects[0]["command"], "pictures list");
+    EXPECT_EQ(objects[0]["pictures"].toArray().size(), 1);
+}
 
 TEST(Usage, SerialNumberOf65BytesIsRefused) {
     const Ending ending = run({"-p", "x", "--yes", "sn", std::string(65, '7')});

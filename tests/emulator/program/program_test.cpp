@@ -31,10 +31,10 @@ TEST(Program, ListFaultsNamesEveryKindAndRequest) {
 TEST(Program, ManualListsEveryFaultAndRequest) {
     const std::string manual = Program::text(VIRTUAL_CAMERA_MANUAL);
     for (const FaultKindInfo& info : faultKinds()) {
-        const std::size_t row = manual.find("\n| `" + std::string(info.name) + "` |");
+        const std::size_t row = manual.find("\n|`" + std::string(info.name) + "`|");
         ASSERT_NE(row, std::string::npos) << info.name;
         const std::string line = manual.substr(row + 1, manual.find('\n', row + 1) - row - 1);
-        EXPECT_THAT(line, testing::EndsWith("| " + std::string(info.description) + " |"));
+        EXPECT_THAT(line, testing::EndsWith("|" + std::string(info.description) + "|"));
     }
     for (const protocol::RequestName& name : protocol::requestNames())
         EXPECT_THAT(manual, testing::HasSubstr("`" + std::string(name.name) + "`"));
