@@ -17,7 +17,7 @@ namespace service {
 
 namespace {
 
-constexpr int pictureWidth = 300; // points: fits below the table on one page
+constexpr QSize pictureSpace(380, 285); // fits below the table on one page
 constexpr int pdfResolution = 300;
 
 QString pageText(const char* text) {
@@ -91,7 +91,11 @@ QString tableRows(const Checkup& checkup) {
 QString pictureTag(const Checkup& checkup, const QString& source) {
     if (checkup.picture.isEmpty())
         return {};
-    return QStringLiteral("<p><img width=\"%1\" src=\"%2\"></p>\n").arg(pictureWidth).arg(source);
+    const QSize size = QImage::fromData(checkup.picture).size().scaled(pictureSpace, Qt::KeepAspectRatio);
+    return QStringLiteral("<p><img width=\"%1\" height=\"%2\" src=\"%3\"></p>\n")
+        .arg(size.width())
+        .arg(size.height())
+        .arg(source);
 }
 
 QString page(const Checkup& checkup, const QString& pictureSource) {

@@ -2,6 +2,9 @@
 #include "service/report.h"
 #include "tests/support/workingdirectory.h"
 
+#include <QBuffer>
+#include <QImage>
+
 #include <gmock/gmock.h>
 
 namespace {
@@ -72,6 +75,16 @@ TEST(Report, HtmlHoldsThePicture) {
     Checkup one = checkup();
     one.picture = "abc";
     EXPECT_THAT(service::checkupHtml(one).toStdString(), HasSubstr("src=\"data:image/jpeg;base64,YWJj\""));
+}
+
+TEST(Report, PictureKeepsItsAspectRatio) {
+    Checkup one = checkup();
+    QImage image(640, 480, QImage::Format_RGB32);
+    image.fill(Qt::green);
+    QBuffer buffer(&one.picture);
+    buffer.open(QIODevice::WriteOnly);
+    ASSERT_TRUE(image.save(&buffer, "JPG"));
+    EXPECT_THAT(service::checkupHtml(one).toStdString(), HasSubstr("width=\"380\" height=\"285\""));
 }
 
 TEST(Report, NamesDecideTheFormat) {
