@@ -196,10 +196,12 @@ TEST(Files, HtmlReportIsChineseAndHoldsThePicture) {
     EXPECT_THAT(html, HasSubstr("src=\"data:image/jpeg;base64,/9j/"));
 }
 
-TEST(Files, PdfReportIsAPdf) {
+TEST(Files, PdfReportWithAPictureIsOnePage) {
     const Camera camera;
-    ASSERT_EQ(camera.run("check -o report.pdf").code, done);
-    EXPECT_THAT(Process::text("report.pdf"), StartsWith("%PDF-"));
+    ASSERT_EQ(camera.run("check --picture -o report.pdf").code, done);
+    const std::string pdf = Process::text("report.pdf");
+    EXPECT_THAT(pdf, StartsWith("%PDF-"));
+    EXPECT_THAT(pdf, HasSubstr("\n/Count 1\n"));
 }
 
 TEST(Files, JsonReportHoldsEveryReading) {
