@@ -335,6 +335,7 @@ TEST_F(CaptureFlowTest, MayBeDestroyedAtAnyStep) {
 }
 
 TEST_F(CaptureFlowTest, OverlappingRunsAreIndependent) {
+    clock.speedUp(1); // the second catalogue has to come before the first download, 200 ms later
     camera.willSay(0x06, 1);
     willTakeOrigin(jpeg(40, 30, Qt::red));
     willTakeOrigin(jpeg(40, 30, Qt::blue), 6);
