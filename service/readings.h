@@ -24,9 +24,9 @@ struct ReadValue {
 
 /// One reading. Reads on the calling thread, one exchange or a few.
 struct Reading {
-    const char* key;   ///< JSON key
-    const char* title; ///< translated in the context "Readings"
-    ReadValue (*read)(CameraSp& camera, protocol::CameraType type);
+    const char* key = nullptr;   ///< JSON key
+    const char* title = nullptr; ///< translated in the context "Readings"
+    ReadValue (*read)(CameraSp& camera, protocol::CameraType type) = nullptr;
     bool framesOnly = true; ///< cameras that speak JSON do not know it
 
     [[nodiscard]] bool isKnownTo(protocol::CameraType type) const;
