@@ -1,4 +1,4 @@
-// What a description of a command line is made of, for the manual page and the completion.
+// The parts of a command line's description, for the manual page and the completion.
 #pragma once
 
 #include <string>

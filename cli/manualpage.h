@@ -15,7 +15,7 @@ struct ManualExample {
     std::vector<std::string> lines;
 };
 
-/// What the options do not tell.
+/// Texts of the page that the options do not hold.
 struct ManualText {
     std::string date; ///< year-month-day
     std::string version;

@@ -10,7 +10,7 @@
 
 namespace service {
 
-/// What to try on one port. Rates are tried one after the other, at each all addresses.
+/// The search of one port: all addresses at the first rate, then at the next.
 struct FindPlan {
     std::string port;
     std::vector<std::uint32_t> rates;

@@ -24,7 +24,7 @@ class LineQuality final : public SideObserver {
 public:
     explicit LineQuality(std::uint8_t pictureOffset = 0) : m_pictureOffset(pictureOffset) {}
 
-    /// What has been counted; what is not whole yet has broken off.
+    /// The counts; counts incomplete answers as broken.
     [[nodiscard]] LineCounts finish();
 
 private:

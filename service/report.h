@@ -23,7 +23,7 @@ namespace service {
 /// By the file's extension: .json, .csv, .html or .pdf. The file appears under its name when it is complete.
 /// Empty, or what failed in words.
 [[nodiscard]] QString writeReport(const Checkup& checkup, const QString& path);
-/// Whether the extension is one of them.
+/// True if the extension is one of them.
 [[nodiscard]] bool isReportName(const QString& path);
 
 } // namespace service

@@ -31,7 +31,7 @@ void throwFromTheEventLoop(Failure failure) {
     QTimer::singleShot(0, qApp, [failure] { throw failure; });
 }
 
-/// Whether Qt's Chinese texts are installed, by Qt or beside the program.
+/// True if Qt's Chinese texts are installed, by Qt or beside the program.
 bool chineseIsInstalled() {
     const QString name = QStringLiteral("/qtbase_zh_CN.qm");
     return QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + name) ||

@@ -140,7 +140,7 @@ public:
     Terminal& operator=(const Terminal&) = delete;
 
     [[nodiscard]] const std::string& name() const { return m_name; }
-    /// What was written on it since the last call.
+    /// Text written since the last call.
     [[nodiscard]] std::string shown() const {
         std::string text(65536, '\0');
         const ssize_t count = read(m_master, text.data(), text.size());

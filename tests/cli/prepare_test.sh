@@ -58,7 +58,7 @@ count() {
   [ "$found" -eq "$1" ] || fail "$found lines of $3 instead of $1 match $2"
 }
 
-# What the cameras themselves say; all at once.
+# The cameras' own values, read at the same time.
 check_cameras() {
   local i serial
   for i in "${!types[@]}"; do
