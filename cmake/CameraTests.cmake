@@ -22,18 +22,19 @@ if(CAMERA_SANITIZE MATCHES "thread")
     "TSAN_OPTIONS=second_deadlock_stack=1:suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endif()
 
-# camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [LABELS labels...] [SLOW regexes...]
+# camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [VIRTUAL_TIME] [LABELS labels...] [SLOW regexes...]
 #             [TIMEOUT seconds])
 #
 # A GoogleTest program. ctest runs each of its tests as a process, several at once. A test starts in an empty working
 # directory, which is deleted afterwards: downloads go into the working directory.
 #   GUI          main makes a QApplication on the offscreen platform; Qt6::Test and test_windows are linked
 #   APPLICATION  as GUI, with the product's own application object
+#   VIRTUAL_TIME waits take no time and the serial library is a stand-in: TestFront is a camera on a simulated line
 #   LABELS       "threads" for tests worth running under the thread sanitizer
 #   SLOW         tests whose names match get the label "slow": some or all of them take more than two seconds
 #   TIMEOUT      for one test, 60 s if not given; sanitizers get three times as much
 function(camera_test name)
-  cmake_parse_arguments(arg "GUI;APPLICATION" "TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
+  cmake_parse_arguments(arg "GUI;APPLICATION;VIRTUAL_TIME" "TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "camera_test(${name}): what is ${arg_UNPARSED_ARGUMENTS}?")
   endif()
@@ -66,7 +67,15 @@ function(camera_test name)
     list(APPEND libraries ${CMAKE_DL_LIBS})
   endif()
 
+  if(arg_VIRTUAL_TIME)
+    list(PREPEND libraries virtual_time simulated_line)
+    list(APPEND environment "QT_NO_GLIB=1") # Qt's own event loop waits where virtual time is
+  endif()
+
   camera_program(${name} SOURCES ${sources} LINK ${libraries})
+  if(arg_VIRTUAL_TIME)
+    target_compile_definitions(${name} PRIVATE CAMERA_VIRTUAL_TIME)
+  endif()
   if(application)
     target_compile_definitions(${name} PRIVATE
       TEST_APPLICATION=${application}

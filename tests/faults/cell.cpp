@@ -14,7 +14,6 @@
 #include <unistd.h>
 
 using namespace std::chrono_literals;
-using emulator::PtyFront;
 using emulator::VirtualCamera;
 
 #ifdef CAMERA_COVERAGE
@@ -65,7 +64,7 @@ emulator::CameraSettings settingsFor(const Command& command) {
     return settings;
 }
 
-std::unique_ptr<CameraSp> connect(PtyFront& front) {
+std::unique_ptr<CameraSp> connect(TestFront& front) {
     auto client = std::make_unique<CameraSp>(front.portName(), 460800);
     client->setSlaveAddress(front.withCamera([](VirtualCamera& c) { return c.settings().address; }));
     return client;
@@ -272,7 +271,7 @@ private:
     const Expected& m_expected;
     std::string m_fault;
     std::uint8_t m_id;
-    PtyFront m_front;
+    TestFront m_front;
     std::unique_ptr<CameraSp> m_client;
     std::string m_updateFile;
     Ending m_ending = Ending::fails;

@@ -1,7 +1,7 @@
 // The rows of the fault matrix: commands and their expected result for each fault.
 #pragma once
 
-#include "emulator/line/ptyfront.h"
+#include "tests/support/testfront.h"
 #include "link/camerasp.h"
 
 #include <functional>
@@ -37,7 +37,7 @@ using Column = std::map<std::string, Expected>;
 /// Objects that a command uses.
 struct Bench {
     CameraSp& client;
-    emulator::PtyFront& front;
+    TestFront& front;
     std::uint8_t id;        ///< of the stored picture, the only one
     std::string updateFile; ///< path; empty for commands that are no uploads
 };

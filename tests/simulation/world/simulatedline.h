@@ -1,0 +1,107 @@
+// A serial line of the simulation: the stand-in of the serial library at one end, a virtual camera at the other.
+#pragma once
+
+#include "emulator/camera/virtualcamera.h"
+#include "tests/simulation/world/scheduler.h"
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace world {
+
+using protocol::Bytes;
+using protocol::ByteView;
+
+enum class Direction : std::uint8_t { toCamera, toTool };
+
+/// Carries bytes at a rate, each at its virtual time. One thread of the world at a time.
+class SimulatedLine {
+public:
+    explicit SimulatedLine(emulator::VirtualCamera camera);
+
+    /// The camera after everything up to now.
+    [[nodiscard]] emulator::VirtualCamera& camera();
+    /// Time of the camera's records: since the construction of the line.
+    [[nodiscard]] emulator::Time lineTime() const;
+
+    /// Bytes per second in each direction; 0: no limit.
+    void setPace(std::uint32_t bytesPerSecond);
+    /// Time of every byte on its way.
+    void setLatency(Time latency) { m_latency = latency; }
+    /// Called for the bytes of each piece as it leaves; changes what arrives.
+    void setInterference(std::function<void(Direction, Bytes&)> interference);
+    /// Called for the bytes that arrive at the camera, and for those that the tool reads.
+    void setObserver(std::function<void(Direction, ByteView)> observer);
+
+    /// The device is gone: open ports fail. Or there again, nothing on the line.
+    void setPresent(bool present);
+    [[nodiscard]] bool isPresent();
+
+    // --- the tool's end, for the stand-in ------------------------------------------------------------------
+    void setSpeed(std::uint32_t baudRate);
+    /// Puts bytes on the line, as many as its queue takes now.
+    [[nodiscard]] std::size_t send(ByteView bytes);
+    /// When the queue takes more bytes, or has sent all; nothing when it does now.
+    [[nodiscard]] std::optional<Time> roomAt();
+    [[nodiscard]] std::optional<Time> emptyAt();
+    [[nodiscard]] std::size_t available();
+    /// Takes up to so many bytes that have arrived.
+    [[nodiscard]] Bytes take(std::size_t most);
+    /// When more bytes may arrive; nothing while the line is at rest.
+    [[nodiscard]] std::optional<Time> nextArrival();
+    void discardReceived();
+    /// Bytes on their way to the tool are lost.
+    void closeToolEnd();
+
+private:
+    /// Bytes that arrive whole.
+    struct Piece {
+        Time arrives{0};
+        Bytes bytes;
+    };
+    using Way = std::deque<Piece>;
+
+    void advance();
+    /// The camera's next step, or the next piece that it gets.
+    [[nodiscard]] std::optional<Time> nextEvent() const;
+    void deliver(Time at);
+    void collectAnswers(Time at);
+    void put(Way& way, Time& freeAt, Direction direction, Bytes bytes, Time from);
+    [[nodiscard]] Time toWorld(emulator::Time time) const { return m_start + time; }
+    [[nodiscard]] emulator::Time toCamera(Time time) const;
+    [[nodiscard]] std::size_t queued() const;
+
+    emulator::VirtualCamera m_camera;
+    const Time m_start = now();
+    Time m_byteTime{0};
+    Time m_latency{0};
+    bool m_present = true;
+    Way m_toCamera;
+    Way m_toTool;
+    Time m_toCameraFree{0};
+    Time m_toToolFree{0};
+    std::function<void(Direction, Bytes&)> m_interference;
+    std::function<void(Direction, ByteView)> m_observer;
+};
+
+/// A port of the stand-in: what the system's list says of it and where it leads.
+struct SimulatedPort {
+    std::string description = "n/a";
+    std::string hardwareId = "n/a";
+    SimulatedLine* line = nullptr; ///< null: it opens, and nothing is there
+    bool listed = true;
+    bool busy = false;
+};
+
+/// By name. What is not here does not exist.
+void addPort(const std::string& name, const SimulatedPort& port);
+void removePort(const std::string& name);
+[[nodiscard]] SimulatedPort* findPort(const std::string& name);
+/// Number of ports that are open.
+[[nodiscard]] int openPorts();
+/// Called with each call of the library, as fake_serial writes it.
+void setCallObserver(std::function<void(const std::string& port, const std::string& call)> observer);
+
+} // namespace world

@@ -1,0 +1,332 @@
+// The system's calls that wait, tell the time or start threads, in virtual time. The program's definitions go before
+// those of the shared libraries: Qt and the C++ library wait here too.
+#include "tests/simulation/world/realcalls.h"
+#include "tests/simulation/world/scheduler.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdarg>
+#include <ctime>
+#include <dlfcn.h>
+#include <linux/futex.h>
+#include <map>
+#include <memory>
+#include <poll.h>
+#include <pthread.h>
+#include <sched.h>
+#include <sys/select.h>
+#include <sys/syscall.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+using namespace std::chrono_literals;
+using world::Time;
+
+namespace {
+
+/// The next definition of the function that the caller replaces.
+template <typename Function>
+Function* next(const char* name) {
+    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+// --- clocks ------------------------------------------------------------------------------------------------
+
+constexpr Time realTimeOffset = 1'700'000'000s; // time of day at virtual time zero
+
+timespec toTimespec(Time time) {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+    return {static_cast<time_t>(seconds.count()), static_cast<long>((time - seconds).count())};
+}
+
+Time toTime(const timespec& time) {
+    return std::chrono::seconds(time.tv_sec) + Time(time.tv_nsec);
+}
+
+/// A point of one of the two clocks: the time of day is far above the monotonic time.
+Time toVirtual(const timespec& time) {
+    const Time point = toTime(time);
+    return point >= realTimeOffset ? point - realTimeOffset : point;
+}
+
+std::optional<Time> deadlineAfter(const timespec* duration) {
+    return duration == nullptr ? std::nullopt : std::optional(world::now() + toTime(*duration));
+}
+
+bool isVirtual(clockid_t clock) {
+    switch (clock) {
+    case CLOCK_MONOTONIC:
+    case CLOCK_MONOTONIC_COARSE:
+    case CLOCK_MONOTONIC_RAW:
+    case CLOCK_BOOTTIME:
+    case CLOCK_REALTIME:
+    case CLOCK_REALTIME_COARSE:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isTimeOfDay(clockid_t clock) {
+    return clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE;
+}
+
+// --- mutexes -----------------------------------------------------------------------------------------------
+
+int lock(pthread_mutex_t* mutex) {
+    while (true) {
+        const int result = ::pthread_mutex_trylock(mutex);
+        if (result != EBUSY)
+            return result;
+        world::waitFor(mutex, std::nullopt);
+    }
+}
+
+int unlock(pthread_mutex_t* mutex) {
+    static auto* const call = next<int(pthread_mutex_t*)>("pthread_mutex_unlock");
+    const int result = call(mutex);
+    world::notifyAll(mutex);
+    return result;
+}
+
+int waitForCondition(pthread_cond_t* condition, pthread_mutex_t* mutex, std::optional<Time> deadline) {
+    unlock(mutex);
+    const bool notified = world::waitFor(condition, deadline);
+    lock(mutex);
+    return notified ? 0 : ETIMEDOUT;
+}
+
+// --- threads -----------------------------------------------------------------------------------------------
+
+struct Start {
+    void* (*function)(void*);
+    void* argument;
+    world::Thread* thread;
+};
+
+/// Threads by the system's name, until they are joined.
+std::map<pthread_t, world::Thread*>& joinable() {
+    static auto* const threads = new std::map<pthread_t, world::Thread*>;
+    return *threads;
+}
+
+constexpr std::intptr_t destructorRounds = PTHREAD_DESTRUCTOR_ITERATIONS;
+
+/// The key's destructor runs in every round, after the objects of the thread; the last round ends the thread.
+pthread_key_t endKey() {
+    static const pthread_key_t key = [] {
+        pthread_key_t made{};
+        ::pthread_key_create(&made, [](void* value) {
+            const auto round = reinterpret_cast<std::intptr_t>(value);
+            if (round < destructorRounds)
+                ::pthread_setspecific(endKey(), reinterpret_cast<void*>(round + 1));
+            else
+                world::endThread();
+        });
+        return made;
+    }();
+    return key;
+}
+
+void* run(void* argument) {
+    const std::unique_ptr<Start> start(static_cast<Start*>(argument));
+    world::beginThread(start->thread);
+    ::pthread_setspecific(endKey(), reinterpret_cast<void*>(std::intptr_t{1}));
+    return start->function(start->argument);
+}
+
+// --- futexes -----------------------------------------------------------------------------------------------
+
+long waitForFutex(const int* word, int value, std::optional<Time> deadline) {
+    if (__atomic_load_n(word, __ATOMIC_SEQ_CST) != value) {
+        errno = EAGAIN;
+        return -1;
+    }
+    if (world::waitFor(word, deadline))
+        return 0;
+    errno = ETIMEDOUT;
+    return -1;
+}
+
+long wakeFutex(const int* word, int count) {
+    if (count == 1)
+        world::notifyOne(word);
+    else
+        world::notifyAll(word);
+    return 1;
+}
+
+using SystemCall = long(long, ...);
+
+SystemCall* realSystemCall() {
+    static auto* const call = next<SystemCall>("syscall");
+    return call;
+}
+
+} // namespace
+
+namespace world::real {
+
+long futex(std::atomic<int>* word, int operation, int value) {
+    return realSystemCall()(SYS_futex, word, operation, value, nullptr, nullptr, 0);
+}
+
+int poll(pollfd* descriptors, unsigned long count, int timeoutMs) {
+    static auto* const call = next<int(pollfd*, nfds_t, int)>("poll");
+    return call(descriptors, count, timeoutMs);
+}
+
+} // namespace world::real
+
+// NOLINTBEGIN: names and signatures are the system's
+extern "C" {
+
+int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    if (!isVirtual(clock)) {
+        static auto* const call = next<int(clockid_t, timespec*)>("clock_gettime");
+        return call(clock, time);
+    }
+    *time = toTimespec(world::look() + (isTimeOfDay(clock) ? realTimeOffset : 0s));
+    return 0;
+}
+
+int gettimeofday(timeval* time, void*) noexcept {
+    const timespec now = toTimespec(world::look() + realTimeOffset);
+    *time = {now.tv_sec, now.tv_nsec / 1000};
+    return 0;
+}
+
+time_t time(time_t* result) noexcept {
+    const time_t now = toTimespec(world::look() + realTimeOffset).tv_sec;
+    if (result != nullptr)
+        *result = now;
+    return now;
+}
+
+int nanosleep(const timespec* duration, timespec*) {
+    world::sleepUntil(world::now() + toTime(*duration));
+    return 0;
+}
+
+int clock_nanosleep(clockid_t, int flags, const timespec* time, timespec*) {
+    world::sleepUntil((flags & TIMER_ABSTIME) != 0 ? toVirtual(*time) : world::now() + toTime(*time));
+    return 0;
+}
+
+int usleep(useconds_t duration) {
+    world::sleepUntil(world::now() + std::chrono::microseconds(duration));
+    return 0;
+}
+
+int sched_yield() noexcept {
+    world::yield();
+    return 0;
+}
+
+int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
+    return lock(mutex);
+}
+
+int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
+    return unlock(mutex);
+}
+
+int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
+    return waitForCondition(condition, mutex, std::nullopt);
+}
+
+int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex, const timespec* time) {
+    return waitForCondition(condition, mutex, toVirtual(*time));
+}
+
+int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t, const timespec* time) {
+    return waitForCondition(condition, mutex, toVirtual(*time));
+}
+
+int pthread_cond_signal(pthread_cond_t* condition) noexcept {
+    world::notifyOne(condition);
+    return 0;
+}
+
+int pthread_cond_broadcast(pthread_cond_t* condition) noexcept {
+    world::notifyAll(condition);
+    return 0;
+}
+
+int pthread_create(pthread_t* name, const pthread_attr_t* attributes, void* (*function)(void*),
+                   void* argument) noexcept {
+    static auto* const call =
+        next<int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)>("pthread_create");
+    static_cast<void>(world::threadNumber()); // the first thread comes before this one
+    world::Thread* const thread = world::newThread();
+    auto start = std::make_unique<Start>(Start{function, argument, thread});
+    const int result = call(name, attributes, run, start.get());
+    if (result != 0) {
+        world::dropThread(thread);
+        return result;
+    }
+    std::ignore = start.release();
+    joinable()[*name] = thread;
+    world::preempt();
+    return 0;
+}
+
+int pthread_join(pthread_t name, void** value) {
+    static auto* const call = next<int(pthread_t, void**)>("pthread_join");
+    const auto found = joinable().find(name);
+    if (found != joinable().end()) {
+        while (!world::hasEnded(found->second))
+            world::waitFor(found->second, std::nullopt);
+        joinable().erase(found);
+    }
+    return call(name, value);
+}
+
+int poll(pollfd* descriptors, nfds_t count, int timeoutMs) {
+    if (timeoutMs == 0) {
+        world::yield();
+        return world::real::poll(descriptors, count, 0);
+    }
+    return world::waitForDescriptors(
+        descriptors, count,
+        timeoutMs < 0 ? std::nullopt : std::optional(world::now() + std::chrono::milliseconds(timeoutMs)));
+}
+
+int ppoll(pollfd* descriptors, nfds_t count, const timespec* timeout, const sigset_t*) {
+    if (timeout != nullptr && toTime(*timeout) == 0s) {
+        world::yield();
+        return world::real::poll(descriptors, count, 0);
+    }
+    return world::waitForDescriptors(descriptors, count, deadlineAfter(timeout));
+}
+
+long syscall(long number, ...) noexcept {
+    std::array<long, 6> arguments{};
+    va_list list;
+    va_start(list, number);
+    for (long& argument : arguments)
+        argument = va_arg(list, long);
+    va_end(list);
+    if (number == SYS_futex) {
+        const auto* const word = reinterpret_cast<const int*>(arguments[0]);
+        const auto* const time = reinterpret_cast<const timespec*>(arguments[3]);
+        const int value = static_cast<int>(arguments[2]);
+        switch (arguments[1] & FUTEX_CMD_MASK) {
+        case FUTEX_WAIT:
+            return waitForFutex(word, value, deadlineAfter(time));
+        case FUTEX_WAIT_BITSET:
+            return waitForFutex(word, value, time == nullptr ? std::nullopt : std::optional(toVirtual(*time)));
+        case FUTEX_WAKE:
+        case FUTEX_WAKE_BITSET:
+            return wakeFutex(word, value);
+        default:
+            break;
+        }
+    }
+    return realSystemCall()(number, arguments[0], arguments[1], arguments[2], arguments[3], arguments[4],
+                            arguments[5]);
+}
+
+} // extern "C"
+// NOLINTEND
