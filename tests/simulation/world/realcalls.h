@@ -2,12 +2,14 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <poll.h>
 #include <pthread.h>
 
 namespace world::real {
 
 long futex(std::atomic<int>* word, int operation, int value);
+void sleep(std::chrono::nanoseconds duration);
 int poll(pollfd* descriptors, unsigned long count, int timeoutMs);
 
 } // namespace world::real

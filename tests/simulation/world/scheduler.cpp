@@ -28,14 +28,13 @@ struct Thread {
     pollfd* descriptors = nullptr;
     unsigned long descriptorCount = 0;
     Time waitsSince{0};
-    Time longestWait{0};
     std::atomic<int> turn{0}; ///< the futex on which it sleeps in real time
 };
 
 namespace {
 
 constexpr Time lookTime = 200ns;
-constexpr Time yieldTime = 1us;
+constexpr Time yieldTime = 20us;
 constexpr Time startTime = 1000s; // of the monotonic clock
 constexpr unsigned int fullProbability = 1024;
 
@@ -50,6 +49,9 @@ struct World {
     bool keepsTimeline = false;
     std::string timeline;
     std::function<void()> deadlockHandler;
+    Time eventsSince = startTime; ///< end of the first thread's last rest
+    std::function<void(Time)> standstillHandler;
+    double realPace = 0;
 };
 
 World& world() {
@@ -110,6 +112,8 @@ Thread& chooseNext() {
         if (!candidates.empty())
             break;
         if (const auto deadline = nextDeadline()) {
+            if (w.realPace > 0)
+                real::sleep(std::chrono::duration_cast<Time>((*deadline - w.now) / w.realPace));
             w.now = std::max(w.now, *deadline);
             continue;
         }
@@ -139,10 +143,8 @@ void wait(Thread& own, const void* object, std::optional<Time> deadline) {
     own.notified = false;
     own.object = object;
     own.deadline = deadline;
-    const Time since = world().now;
-    own.waitsSince = since;
+    own.waitsSince = world().now;
     handOver(own);
-    own.longestWait = std::max(own.longestWait, world().now - since);
 }
 
 void wake(Thread& thread) {
@@ -163,14 +165,17 @@ Time look() {
     return world().now += lookTime;
 }
 
+void setRealPace(double factor) {
+    world().realPace = factor;
+}
+
 void reseed(std::uint64_t seed) {
     World& w = world();
     w.random = seed * 0x9E3779B97F4A7C15U + 0x632BE59BD9B4E019U;
     w.preemption = 0;
     w.hash = 0xCBF29CE484222325U;
     w.timeline.clear();
-    for (Thread* const thread : w.threads)
-        thread->longestWait = 0ns;
+    w.eventsSince = w.now;
 }
 
 std::uint64_t draw(std::uint64_t limit) {
@@ -223,10 +228,16 @@ int waitForDescriptors(pollfd* descriptors, unsigned long count, std::optional<T
     const int ready = real::poll(descriptors, count, 0);
     if (ready != 0)
         return ready;
+    World& w = world();
+    const bool first = own.number == 0;
+    if (first && w.standstillHandler)
+        w.standstillHandler(w.now - w.eventsSince);
     own.descriptors = descriptors;
     own.descriptorCount = count;
     wait(own, descriptors, deadline);
     own.descriptorCount = 0;
+    if (first)
+        w.eventsSince = w.now;
     return real::poll(descriptors, count, 0);
 }
 
@@ -252,12 +263,8 @@ unsigned int threadCount() {
     return static_cast<unsigned int>(world().threads.size());
 }
 
-Time longestWait(unsigned int thread) {
-    for (const Thread* const each : world().threads) {
-        if (each->number == thread)
-            return each->longestWait;
-    }
-    return 0ns;
+void onStandstill(std::function<void(Time)> handler) {
+    world().standstillHandler = std::move(handler);
 }
 
 void onDeadlock(std::function<void()> handler) {

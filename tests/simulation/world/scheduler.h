@@ -20,6 +20,8 @@ using Time = std::chrono::nanoseconds;
 
 /// Current time. Takes no time itself.
 [[nodiscard]] Time now();
+/// Makes time pass for a spectator too, so many times as fast; 0: not at all.
+void setRealPace(double factor);
 
 /// Starts a session: draws from this seed from now on and forgets the timeline.
 void reseed(std::uint64_t seed);
@@ -54,9 +56,9 @@ void preempt();
 /// Number of the calling thread; the first is 0.
 [[nodiscard]] unsigned int threadNumber();
 [[nodiscard]] unsigned int threadCount();
-/// Longest time since the beginning of the session that this thread waited at one place. For the first thread: how
-/// long the windows stood still.
-[[nodiscard]] Time longestWait(unsigned int thread);
+/// Called with the time for which the first thread processed no events: from one wait for descriptors, where its
+/// event loop rests, to the next.
+void onStandstill(std::function<void(Time duration)> handler);
 
 /// What happens when every thread waits without a deadline. The default writes the threads to standard error and
 /// aborts.

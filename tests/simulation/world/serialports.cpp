@@ -1,6 +1,8 @@
 // Stands in for the serial library: the functions of the library's own header, on simulated lines.
 #include "tests/simulation/world/simulatedline.h"
 
+#include "trace/hextext.h"
+
 #include <serial/serial.h>
 
 #include <algorithm>
@@ -24,10 +26,17 @@ Registry& registry() {
     return instance;
 }
 
-void tell(const std::string& port, const std::function<std::string()>& call) {
+template <typename Call>
+void tell(const std::string& port, const Call& call) {
     if (registry().observer)
         registry().observer(port, call());
     preempt();
+}
+
+/// Enough to tell a request.
+std::string firstBytes(const std::uint8_t* data, std::size_t size) {
+    constexpr std::size_t most = 16;
+    return trace::hexText(std::span(data, std::min(size, most))) + (size > most ? " .." : "");
 }
 
 std::string text(const serial::Timeout& timeout) {
@@ -163,7 +172,9 @@ size_t Serial::available() {
 }
 
 size_t Serial::write(const uint8_t* data, size_t size) {
-    world::tell(pimpl_->port, [size] { return "write " + std::to_string(size); });
+    world::tell(pimpl_->port, [data, size] {
+        return "write " + std::to_string(size) + ": " + world::firstBytes(data, size);
+    });
     pimpl_->requireOpen("Serial::write");
     const Timeout& timeout = pimpl_->timeout;
     const world::Time end =

@@ -157,6 +157,40 @@ long wakeFutex(const int* word, int count) {
     return 1;
 }
 
+/// Changes the second word, wakes those who wait for the first, and those who wait for the second if its old value
+/// fits the comparison.
+long wakeFutexAndChange(const int* word, int count, int* second, long secondCount, unsigned int encoded) {
+    const unsigned int operation = (encoded >> 28U) & 7U;
+    const unsigned int comparison = (encoded >> 24U) & 15U;
+    const unsigned int raw = (encoded >> 12U) & 0xFFFU;
+    const int value = static_cast<int>((encoded >> 31U) != 0 ? 1U << raw : raw);
+    const int compared = static_cast<int>(encoded & 0xFFFU);
+    const int old = *second;
+    switch (operation) {
+    case FUTEX_OP_SET:
+        *second = value;
+        break;
+    case FUTEX_OP_ADD:
+        *second = old + value;
+        break;
+    case FUTEX_OP_OR:
+        *second = old | value;
+        break;
+    case FUTEX_OP_ANDN:
+        *second = old & ~value;
+        break;
+    default:
+        *second = old ^ value;
+        break;
+    }
+    const std::array<bool, 6> fits{old == compared, old != compared, old < compared,
+                                   old <= compared, old > compared,  old >= compared};
+    wakeFutex(word, count);
+    if (fits.at(comparison))
+        wakeFutex(second, static_cast<int>(secondCount));
+    return 1;
+}
+
 using SystemCall = long(long, ...);
 
 SystemCall* realSystemCall() {
@@ -170,6 +204,12 @@ namespace world::real {
 
 long futex(std::atomic<int>* word, int operation, int value) {
     return realSystemCall()(SYS_futex, word, operation, value, nullptr, nullptr, 0);
+}
+
+void sleep(std::chrono::nanoseconds duration) {
+    static auto* const call = next<int(const timespec*, timespec*)>("nanosleep");
+    const timespec time = toTimespec(duration);
+    call(&time, nullptr);
 }
 
 int poll(pollfd* descriptors, unsigned long count, int timeoutMs) {
@@ -320,6 +360,9 @@ long syscall(long number, ...) noexcept {
         case FUTEX_WAKE:
         case FUTEX_WAKE_BITSET:
             return wakeFutex(word, value);
+        case FUTEX_WAKE_OP:
+            return wakeFutexAndChange(word, value, reinterpret_cast<int*>(arguments[4]), arguments[3],
+                                      static_cast<unsigned int>(arguments[5]));
         default:
             break;
         }

@@ -1,0 +1,354 @@
+#include "tests/simulation/judge.h"
+
+#include "link/protocol/exchangetable.h"
+#include "link/protocol/frame.h"
+#include "tests/support/windowactions.h"
+
+#include <QComboBox>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QMainWindow>
+#include <QRegularExpression>
+#include <QStatusBar>
+
+#include <algorithm>
+#include <filesystem>
+#include <malloc.h>
+#include <sstream>
+
+using namespace std::chrono_literals;
+using protocol::Bytes;
+using protocol::ByteView;
+using protocol::Command;
+using protocol::code;
+
+namespace simulation {
+
+namespace {
+
+constexpr world::Time longestClosing = 1200ms;
+/// One exchange of somebody else, and what the window itself does.
+constexpr world::Time othersTime = 2s;
+constexpr std::size_t allowedGrowth = 1'500'000; // bytes
+
+struct Limits {
+    int reads = 0;
+    world::Time time{0};
+};
+
+/// Of the slowest row with this code; negative reads: no limit.
+Limits limitsOf(std::uint8_t requestCode, bool json) {
+    constexpr std::uint32_t keptTimeoutMs = 1000;
+    Limits limits;
+    for (const protocol::ExchangeRule* const row : protocol::rules::all) {
+        const protocol::ExchangeRule& rule = *row;
+        const bool callers = rule.command == Command::callers;
+        const bool same = json ? rule.command == Command::json
+                               : callers || (rule.command != Command::json && code(rule.command) == requestCode);
+        if (!same)
+            continue;
+        if (rule.reading == protocol::Reading::blocks)
+            return {-1, 60s};
+        const auto timeout = std::chrono::milliseconds(rule.timeoutMs.value_or(keptTimeoutMs));
+        limits.reads = std::max(limits.reads, rule.tries);
+        limits.time = std::max<world::Time>(
+            limits.time, timeout * rule.tries + std::chrono::milliseconds(rule.pauseAfterWriteMs));
+    }
+    return limits;
+}
+
+/// Of "AA 5A 01 ..", as the stand-in writes it.
+Bytes bytesOfHex(const std::string& text) {
+    Bytes bytes;
+    std::istringstream words(text);
+    for (std::string word; words >> word && word != "..";)
+        bytes.push_back(static_cast<std::uint8_t>(std::stoul(word, nullptr, 16)));
+    return bytes;
+}
+
+bool isUpload(std::uint8_t requestCode) {
+    return requestCode == code(Command::appAnnounce) || requestCode == code(Command::firewareAnnounce) ||
+           requestCode == code(Command::modelAnnounce);
+}
+
+std::size_t openDescriptors() {
+    const auto all = std::filesystem::directory_iterator("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+}
+
+QString labelText(const QWidget& window, const char* name) {
+    const auto* const label = window.findChild<QLabel*>(QLatin1String(name));
+    return label == nullptr ? QString() : label->text();
+}
+
+} // namespace
+
+Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources()) {
+    world::setCallObserver([this](const std::string& port, const std::string& call) {
+        world::note([&] { return port + ' ' + call; });
+        libraryCalled(call);
+    });
+    world::onStandstill([this](world::Time duration) {
+        const world::Time limit = m_ownRequests + othersTime;
+        require(duration <= limit, "O3: the windows stood still for " + std::to_string(duration / 1ms) + " ms");
+        m_ownRequests = 0s;
+    });
+}
+
+Judge::~Judge() {
+    world::setCallObserver({});
+    world::onStandstill({});
+}
+
+void Judge::require(bool holds, const std::string& complaint) {
+    if (holds)
+        return;
+    world::note([&complaint] { return "BROKEN " + complaint; });
+    if (std::find(m_complaints.begin(), m_complaints.end(), complaint) == m_complaints.end())
+        m_complaints.push_back(complaint);
+}
+
+void Judge::watch(QWidget* mainWindow) {
+    m_window = mainWindow;
+    auto* const bar = qobject_cast<QMainWindow*>(mainWindow)->statusBar();
+    QObject::connect(bar, &QStatusBar::messageChanged, bar, [this](const QString& text) { statusShown(text); });
+}
+
+// --- the line ----------------------------------------------------------------------------------------------
+
+void Judge::libraryCalled(const std::string& call) {
+    if (call.starts_with("write ")) {
+        const Bytes head = bytesOfHex(call.substr(call.find(':') + 1));
+        const ByteView view(head);
+        const bool frame = head.size() >= 8 && head[0] == protocol::frameStart1 && head[1] == protocol::frameStart2;
+        const bool json = !frame && m_workplace.camera().settings().type == emulator::CameraType::quenta;
+        if (!frame && !json)
+            return; // data of an upload
+        m_exchange = {};
+        m_exchange.code = frame ? view.get(protocol::frame_layout::command) : std::uint8_t{0};
+        const Limits limits = limitsOf(m_exchange.code, json);
+        m_exchange.mostReads = limits.reads + (isUpload(m_exchange.code) ? protocol::rules::modelVerdictTries : 0);
+        if (limits.reads < 0)
+            m_exchange.mostReads = -1;
+        if (world::threadNumber() == 0) // JSON pictures are never read there
+            m_ownRequests += json ? limitsOf(code(Command::getProperty), false).time : limits.time;
+    } else if (call.starts_with("read ")) {
+        ++m_exchange.reads;
+        require(m_exchange.mostReads < 0 || m_exchange.reads <= m_exchange.mostReads,
+                "O3: more reads than tries for command " + std::to_string(m_exchange.code));
+    }
+}
+
+std::size_t Judge::heard(std::uint8_t requestCode, bool json) {
+    std::size_t count = 0;
+    for (const emulator::ReceivedFrame& frame : m_workplace.camera().record().frames)
+        count += frame.wellFormed && frame.heard && frame.json == json && (json || frame.code == requestCode) ? 1 : 0;
+    return count;
+}
+
+// --- words -------------------------------------------------------------------------------------------------
+
+void Judge::statusShown(const QString& text) {
+    if (text.isEmpty())
+        return;
+    world::note([&text] { return "status: " + text.toStdString(); });
+    if (text.contains(QStringLiteral("没有可升级的文件")))
+        m_pressedWithoutFile = true;
+    static const QRegularExpression outcome(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d  (.+)：完成"));
+    if (const auto match = outcome.match(text); match.hasMatch())
+        checkOutcome(match.captured(1));
+}
+
+/// "完成" stands only behind a command that the camera has heard.
+void Judge::checkOutcome(const QString& name) {
+    struct Word {
+        QString name;
+        Command command;
+    };
+    static const std::vector<Word> words = {
+        {QStringLiteral("测试心跳"), Command::heartbeat},
+        {QStringLiteral("读取模型信息"), Command::getInfo},
+        {QStringLiteral("重启摄像头"), Command::reboot},
+        {QStringLiteral("恢复出厂设置"), Command::resetToFactory},
+    };
+    const auto word = std::find_if(words.begin(), words.end(), [&](const Word& each) { return each.name == name; });
+    const Disturbances& disturbed = m_workplace.disturbances();
+    if (word == words.end() || disturbed.toTool || disturbed.late || disturbed.camera)
+        return;
+    const std::size_t now = heard(code(word->command));
+    require(now > m_heardBefore[name], "O6: done, but the camera has not heard it: " + name.toStdString());
+    m_heardBefore[name] = now;
+}
+
+void Judge::boxShown(const QString& text) {
+    if (text.startsWith(QStringLiteral("升级已完成，结果:true")))
+        checkUploadSuccess();
+}
+
+/// What the protocol cannot see: a system image has no verdict; answers carry no check code that the client
+/// reads; a faulty camera says what it likes.
+void Judge::checkUploadSuccess() {
+    const Disturbances& disturbed = m_workplace.disturbances();
+    if (disturbed.camera || disturbed.toTool || disturbed.late)
+        return;
+    const emulator::CameraRecord& record = m_workplace.camera().record();
+    if (record.appV1.announcements > 0 && record.uploads.empty()) {
+        require(record.appV1.announcements >= 5 && record.appV1.closingPackets >= 11,
+                "O1: success without the whole second protocol");
+        return;
+    }
+    require(!record.uploads.empty(), "O1: success without an upload");
+    if (record.uploads.empty())
+        return;
+    const emulator::UploadRecord& last = record.uploads.back();
+    const bool noVerdict = last.code == code(Command::firewareAnnounce);
+    if (noVerdict && (disturbed.toCamera || disturbed.adapter || disturbed.restarted))
+        return;
+    require(last.complete && last.digestRight, "O1: success, but the camera does not hold the file");
+}
+
+void Judge::checkLinkText() {
+    const QString text = labelText(*m_window, "label_link");
+    const bool open = world::openPorts() > 0;
+    require((text == QStringLiteral("串口未打开")) == !open,
+            "O6: the link text says " + text.toStdString() + (open ? " of an open port" : " of no port"));
+}
+
+// --- controls ----------------------------------------------------------------------------------------------
+
+void Judge::linkClosed(world::Time duration) {
+    require(duration <= longestClosing, "O3: closing took " + std::to_string(duration / 1ms) + " ms");
+    require(world::openPorts() == 0, "O4: a port is open after closing");
+}
+
+void Judge::checkStep() {
+    if (m_window != nullptr && m_window->isVisible())
+        checkLinkText();
+}
+
+void Judge::checkControls() {
+    const bool open = world::openPorts() > 0;
+    const auto enabled = [this](const char* name) {
+        return m_window->findChild<QWidget*>(QLatin1String(name))->isEnabled();
+    };
+    require(enabled("btn_open"), "O5: btn_open is disabled");
+    for (const char* const name : {"sel_ports", "sel_baund"})
+        require(enabled(name) == !open, std::string("O5: ") + name + (open ? " is enabled" : " is disabled"));
+    for (const char* const name : guitest::exchangeControls) {
+        const std::string_view view(name);
+        const bool always = view == "btn_modelupdate" || view == "btn_gyro";
+        const bool pressed = m_pressedWithoutFile && view.ends_with("update");
+        if (!pressed)
+            require(enabled(name) == (open || always),
+                    std::string("O5: ") + name + (enabled(name) ? " is enabled" : " is disabled"));
+    }
+    for (const QAction* const entry : m_window->findChildren<QAction*>()) {
+        if (entry->property("exchanges").toBool())
+            require(entry->isEnabled(), "O5: disabled entry " + entry->objectName().toStdString());
+    }
+}
+
+// --- values ------------------------------------------------------------------------------------------------
+
+/// Each value is the camera's own for this question, or missing.
+void Judge::checkValues() {
+    const Disturbances& disturbed = m_workplace.disturbances();
+    if (disturbed.toTool || disturbed.late || disturbed.camera)
+        return;
+    const emulator::CameraState& state = m_workplace.camera().state();
+    const std::map<QString, std::string> own = {{QStringLiteral("SDK版本:"), state.appVersion},
+                                                {QStringLiteral("系统版本:"), state.systemVersion},
+                                                {QStringLiteral("QV-APP版本:"), state.qvVersion},
+                                                {QStringLiteral("模型信息:"), state.modelInfo}};
+    for (const char* const label : {"tv_appversion", "label_modelinfo"}) {
+        for (const QString& line : labelText(*m_window, label).split(QLatin1Char('\n'))) {
+            for (const auto& [head, value] : own) {
+                if (line.startsWith(head))
+                    require(line == head || line == head + QString::fromStdString(value),
+                            "O2: shows " + line.toStdString());
+            }
+        }
+    }
+}
+
+/// Nothing but the file is inside an upload, and nothing but whole requests outside.
+void Judge::checkUploadedBytes() {
+    const Disturbances& disturbed = m_workplace.disturbances();
+    const emulator::CameraRecord& record = m_workplace.camera().record();
+    if (!disturbed.toCamera && !disturbed.camera) {
+        for (const emulator::UploadRecord& upload : record.uploads) {
+            bool known = false;
+            for (int file = 0; file < m_workplace.files().size(); ++file) {
+                const Bytes content = Workplace::contentOf(static_cast<std::size_t>(file));
+                const auto digest = QCryptographicHash::hash(
+                    QByteArray(reinterpret_cast<const char*>(content.data()), static_cast<qsizetype>(content.size())),
+                    QCryptographicHash::Md5);
+                if (Bytes(digest.begin(), digest.end()) != upload.digest)
+                    continue;
+                known = true;
+                const Bytes sent = ByteView(content)
+                                       .range(upload.offset, upload.offset + upload.received.size())
+                                       .toBytes();
+                require(sent == upload.received, "O2: foreign bytes inside an upload");
+            }
+            require(known, "O1: an upload of no chosen file");
+        }
+    }
+    if (!disturbed.any()) {
+        require(record.badFrames == 0, "O2: damaged requests on the line");
+        require(record.garbageBytes == 0, "O2: bytes outside any request on the line");
+    }
+    require(record.appV1.dataPackets == 0, "O2: a data packet of the second protocol");
+}
+
+void Judge::checkFiles() {
+    static const QRegularExpression pictureName(QStringLiteral("^(\\d+)\\.jpg$"));
+    const Disturbances& disturbed = m_workplace.disturbances();
+    for (const QString& name : QDir::current().entryList(QDir::Files)) {
+        const auto match = pictureName.match(name);
+        require(match.hasMatch(), "O7: the file " + name.toStdString());
+        if (!match.hasMatch() || disturbed.toTool || disturbed.late || disturbed.camera)
+            continue;
+        QFile file(name);
+        require(file.open(QIODevice::ReadOnly), "O7: unreadable file");
+        const QByteArray bytes = file.readAll();
+        const auto id = match.captured(1).toUInt();
+        const auto& pictures = m_workplace.pictures();
+        const bool whole = std::any_of(pictures.begin(), pictures.end(), [&](const TakenPicture& picture) {
+            return (picture.id & 0xFFU) == id && Bytes(bytes.begin(), bytes.end()) == picture.jpeg;
+        });
+        require(whole, "O7: " + name.toStdString() + " is no picture of the camera with this id");
+    }
+}
+
+// --- quiet and end -----------------------------------------------------------------------------------------
+
+void Judge::checkQuiet() {
+    if (m_window != nullptr && m_window->isVisible()) {
+        checkLinkText();
+        checkControls();
+        checkValues();
+    }
+    checkUploadedBytes();
+    checkFiles();
+}
+
+void Judge::checkEnd() {
+    m_window = nullptr;
+    require(world::openPorts() == 0, "O4: a port is open after the end");
+    require(world::threadCount() == 1, "O8: " + std::to_string(world::threadCount()) + " threads are left");
+    const Resources after = resources();
+    require(after.descriptors == m_before.descriptors,
+            "O8: " + std::to_string(after.descriptors) + " descriptors, before " +
+                std::to_string(m_before.descriptors));
+    require(after.allocated <= m_before.allocated + allowedGrowth,
+            "O8: memory grew by " + std::to_string((after.allocated - m_before.allocated) / 1000) + " kB");
+}
+
+Judge::Resources Judge::resources() {
+    return {openDescriptors(), ::mallinfo2().uordblks};
+}
+
+} // namespace simulation

@@ -1,0 +1,75 @@
+// What must hold in every session.
+#pragma once
+
+#include "tests/simulation/workplace.h"
+
+#include <QString>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+class QWidget;
+
+namespace simulation {
+
+/// Watches a session and writes down what breaks a rule. Each complaint begins with the rule:
+///   O1 a reported upload is on the camera       O5 controls follow the state of the link
+///   O2 nobody disturbs another's exchange        O6 words agree with what happened
+///   O3 commands and closing end in time          O7 files are whole pictures of their id
+///   O4 nothing lives on after closing            O8 descriptors, threads and memory are given back
+class Judge {
+public:
+    explicit Judge(Workplace& workplace);
+    ~Judge();
+    Judge(const Judge&) = delete;
+    Judge& operator=(const Judge&) = delete;
+
+    void watch(QWidget* mainWindow);
+    /// Between two events.
+    void checkStep();
+    void boxShown(const QString& text);
+    void linkClosed(world::Time duration);
+    /// All is quiet: no job runs, no dialog is open.
+    void checkQuiet();
+    /// The window is gone.
+    void checkEnd();
+    [[nodiscard]] const std::vector<std::string>& complaints() const { return m_complaints; }
+
+private:
+    /// A request on the line and the reads for its answer.
+    struct Exchange {
+        std::uint8_t code = 0;
+        int reads = 0;
+        int mostReads = 0; ///< negative: no limit
+    };
+    struct Resources {
+        std::size_t descriptors = 0;
+        std::size_t allocated = 0;
+    };
+
+    void require(bool holds, const std::string& complaint);
+    void libraryCalled(const std::string& call);
+    void statusShown(const QString& text);
+    void checkOutcome(const QString& name);
+    void checkUploadSuccess();
+    void checkLinkText();
+    void checkControls();
+    void checkValues();
+    void checkUploadedBytes();
+    void checkFiles();
+    [[nodiscard]] std::size_t heard(std::uint8_t code, bool json = false);
+    [[nodiscard]] static Resources resources();
+
+    Workplace& m_workplace;
+    QWidget* m_window = nullptr;
+    std::vector<std::string> m_complaints;
+    Exchange m_exchange;
+    world::Time m_ownRequests{0}; ///< what the first thread's requests of this standstill may take
+    std::map<QString, std::size_t> m_heardBefore;
+    bool m_pressedWithoutFile = false;
+    Resources m_before;
+};
+
+} // namespace simulation

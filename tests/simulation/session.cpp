@@ -1,0 +1,190 @@
+#include "tests/simulation/session.h"
+
+#include "app/mainwindow.h"
+#include "dialogs/setcameraprotocol.h"
+#include "link/diagnostics.h"
+#include "pictures/piclist.h"
+#include "tests/simulation/judge.h"
+#include "tests/simulation/technician.h"
+#include "tests/support/windowactions.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QThreadPool>
+
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+using namespace std::chrono_literals;
+
+namespace simulation {
+
+namespace {
+
+constexpr auto quietTime = 3s;           // in which a result that is on its way is shown
+constexpr auto longestSettling = 10min;  // uploads of the second protocol, return waits
+constexpr auto poolExpiry = 40s;         // idle pool threads end after 30 s
+constexpr world::Time patience = 90s;    // of the technician with a download that never ends
+
+/// Pauses wait in place of polling the clock.
+class SimulatedClock final : public Clock {
+public:
+    bool pause(std::unique_lock<std::mutex>& lock, std::condition_variable& changed,
+               std::chrono::nanoseconds duration) override {
+        return wait(lock, changed, duration);
+    }
+};
+
+const char* typeButton(protocol::CameraType type) {
+    switch (type) {
+    case protocol::CameraType::ostra:
+        return "rb_ost";
+    case protocol::CameraType::dorvel:
+        return "rb_dvl";
+    case protocol::CameraType::salesStatic:
+        return "rb_dx";
+    case protocol::CameraType::quenta:
+        return "rb_quenta";
+    case protocol::CameraType::salesDynamic:
+        return "rb_dx_dt";
+    }
+    return "";
+}
+
+/// Lines of the client and of the windows become part of the timeline.
+class Lines final : public std::stringbuf {
+public:
+    Lines() : m_stream(this), m_previous(qInstallMessageHandler(&Lines::windowLine)) {
+        diagnostics::setStream(m_stream);
+    }
+    ~Lines() override {
+        diagnostics::setStream(std::cout);
+        qInstallMessageHandler(m_previous);
+    }
+    Lines(const Lines&) = delete;
+    Lines& operator=(const Lines&) = delete;
+
+private:
+    int sync() override {
+        world::note([this] { return "log: " + str(); });
+        str({});
+        return 0;
+    }
+    static void windowLine(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text) {
+        world::note([&text] { return "debug: " + text.toStdString(); });
+    }
+
+    std::ostream m_stream;
+    QtMessageHandler m_previous;
+};
+
+void wait(world::Time duration) {
+    QEventLoop loop;
+    QTimer::singleShot(std::chrono::duration_cast<std::chrono::milliseconds>(duration), &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+class Session {
+public:
+    Session(const Scenario& scenario)
+        : m_workplace(scenario), m_judge(m_workplace), m_scenario(scenario) {
+        world::setPreemption(scenario.preemption);
+    }
+
+    void run() {
+        m_window = std::make_unique<MainWindow>(nullptr, m_clock);
+        m_judge.watch(m_window.get());
+        m_window->show();
+        guitest::chooseCameraType(*m_window, typeButton(m_scenario.type));
+        {
+            Technician technician(m_workplace, m_window.get(), m_scenario);
+            technician.onStep([this] { m_judge.checkStep(); });
+            technician.onBox([this](const QString& text) { m_judge.boxShown(text); });
+            technician.onLinkClosed([this](world::Time duration) { m_judge.linkClosed(duration); });
+            QEventLoop loop;
+            QObject::connect(&technician, &Technician::done, &loop, &QEventLoop::quit);
+            technician.start();
+            loop.exec();
+            settle();
+            m_judge.checkQuiet();
+            m_window->close(); // the technician answers the question
+        }
+        m_window.reset();
+        wait(poolExpiry);
+        m_judge.checkEnd();
+    }
+
+    [[nodiscard]] const std::vector<std::string>& complaints() const { return m_judge.complaints(); }
+
+private:
+    [[nodiscard]] bool isBusy() const {
+        if (QThreadPool::globalInstance()->activeThreadCount() > 0 || QApplication::activeModalWidget() != nullptr)
+            return true;
+        for (const QThread* const task : m_window->findChildren<QThread*>()) {
+            if (task->isRunning())
+                return true;
+        }
+        return false;
+    }
+
+    /// Until nothing runs. A download that never ends is ended as a technician would.
+    void settle() {
+        const world::Time start = world::now();
+        world::Time quietSince = start;
+        while (world::now() - quietSince < quietTime && world::now() - start < longestSettling) {
+            wait(200ms);
+            if (isBusy())
+                quietSince = world::now();
+        }
+    }
+
+    SimulatedClock m_clock;
+    Workplace m_workplace;
+    Judge m_judge;
+    const Scenario& m_scenario;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+} // namespace
+
+Outcome runSession(const Scenario& scenario, const View& view) {
+    world::reseed(scenario.seed);
+    world::keepTimeline(view.timeline);
+    world::setRealPace(view.pace);
+    const Lines lines;
+    const world::Time start = world::now();
+    Outcome outcome;
+    {
+        Session session(scenario);
+        session.run();
+        outcome.complaints = session.complaints();
+    }
+    outcome.seconds = std::chrono::duration<double>(world::now() - start).count();
+    outcome.hash = world::timelineHash();
+    outcome.timeline = world::timeline();
+    return outcome;
+}
+
+void warmUp() {
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    const Lines lines;
+    MainWindow window;
+    window.show();
+    for (QAction* const entry : window.findChildren<QAction*>()) {
+        if (entry->objectName().startsWith(QLatin1String("action")) &&
+            entry->objectName() != QLatin1String("actionReboot") &&
+            entry->objectName() != QLatin1String("actionResetFactory") &&
+            entry->objectName() != QLatin1String("actionOriginCmdExtraAdd"))
+            entry->trigger();
+    }
+    QMessageBox box(QMessageBox::Information, QString(), QStringLiteral("升级"));
+    box.show();
+    QTimer::singleShot(1s, &window, [] { QApplication::activeModalWidget()->close(); });
+    std::ignore = QFileDialog::getOpenFileName(&window);
+    wait(poolExpiry); // the windows have started jobs
+}
+
+} // namespace simulation

@@ -1,0 +1,31 @@
+// One simulated session: the real windows, the real client, a virtual camera, a technician, from a scenario.
+#pragma once
+
+#include "tests/simulation/scenario.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace simulation {
+
+struct Outcome {
+    std::vector<std::string> complaints; ///< empty: every rule held
+    std::uint64_t hash = 0;              ///< of all that happened
+    double seconds = 0;                  ///< of virtual time
+    std::string timeline;                ///< if asked for
+};
+
+struct View {
+    bool timeline = false;
+    double pace = 0; ///< for a spectator: so many times as fast as real time; 0: no spectator
+};
+
+/// Runs the session in this process, whose working directory has to be empty. There is an application object and no
+/// other thread.
+[[nodiscard]] Outcome runSession(const Scenario& scenario, const View& view = {});
+
+/// Makes what the first window of a process makes once: fonts, styles, caches. No thread is left.
+void warmUp();
+
+} // namespace simulation

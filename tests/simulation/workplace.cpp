@@ -1,0 +1,194 @@
+#include "tests/simulation/workplace.h"
+
+#include "link/protocol/requests.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+
+#include <algorithm>
+#include <array>
+
+using namespace std::chrono_literals;
+using emulator::FaultKind;
+using protocol::Bytes;
+using world::Direction;
+
+namespace simulation {
+
+namespace {
+
+constexpr std::array<std::size_t, 4> fileSizes{700, 1300, 0, 9000};
+constexpr std::uint32_t bitsPerByte = 10;
+
+/// A picture that decodes; the comment makes each another one.
+Bytes smallPicture(std::uint16_t /*id*/, std::uint32_t variation) {
+    static const QByteArray grey = [] {
+        QImage image(8, 8, QImage::Format_RGB32);
+        image.fill(Qt::gray);
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        image.save(&buffer, "JPG");
+        return bytes;
+    }();
+    const std::string comment = "picture " + std::to_string(variation);
+    Bytes picture(grey.begin(), grey.begin() + 2);
+    picture.insert(picture.end(), {0xFF, 0xFE, 0, static_cast<std::uint8_t>(comment.size() + 2)});
+    picture.insert(picture.end(), comment.begin(), comment.end());
+    picture.insert(picture.end(), grey.begin() + 2, grey.end());
+    return picture;
+}
+
+emulator::CameraSettings settingsFor(const Scenario& scenario, std::vector<TakenPicture>& taken) {
+    emulator::CameraSettings settings = emulator::settingsForType(scenario.type);
+    settings.answersAllAddresses = true;
+    settings.drawPicture = [&taken](std::uint16_t id, std::uint32_t variation) {
+        taken.push_back({id, smallPicture(id, variation)});
+        return taken.back().jpeg;
+    };
+    settings.pictureSeed = 1;
+    settings.holdsAnnouncedImage = scenario.seed % 4 != 0;
+    return settings;
+}
+
+/// The camera's faults that a session meets.
+const std::vector<std::string>& faultTexts() {
+    static const std::vector<std::string> texts = [] {
+        std::vector<std::string> all;
+        for (const emulator::FaultKindInfo& info : emulator::faultKinds()) {
+            std::string text(info.name);
+            if (!info.example.empty())
+                text += '=' + std::string(info.example);
+            all.push_back(text);
+        }
+        return all;
+    }();
+    return texts;
+}
+
+/// The next request of all, or the next of one kind.
+std::string requestText(std::uint32_t choice) {
+    const auto names = protocol::requestNames();
+    if (choice % 3 == 0)
+        return "#1";
+    return '@' + std::string(names[choice / 3 % names.size()].name) + "#1";
+}
+
+} // namespace
+
+Workplace::Workplace(const Scenario& scenario)
+    : m_line(emulator::VirtualCamera(settingsFor(scenario, m_pictures))) {
+    m_line.setPace(protocol::infoOf(scenario.type).baudRate / bitsPerByte);
+    m_line.setInterference([this](Direction direction, Bytes& bytes) { interfere(direction, bytes); });
+    world::addPort(emptyPort, {});
+    plugIn("/dev/ttyUSB0");
+    emulator::CameraState& state = m_line.camera().state();
+    for (std::uint16_t id = 20; id < 23; ++id) {
+        m_pictures.push_back({id, smallPicture(id, 1000U + id)});
+        state.pictures.push_back(emulator::makePicture(id, m_pictures.back().jpeg));
+    }
+    for (std::size_t i = 0; i < fileSizes.size(); ++i) {
+        const QString name = QDir(QStringLiteral("..")).filePath(QStringLiteral("image%1.bin").arg(i));
+        QFile file(name);
+        if (file.open(QIODevice::WriteOnly)) {
+            const Bytes content = contentOf(i);
+            file.write(reinterpret_cast<const char*>(content.data()), static_cast<qint64>(content.size()));
+        }
+        m_files.append(QDir::cleanPath(QDir::current().absoluteFilePath(name)));
+    }
+}
+
+Workplace::~Workplace() {
+    for (const std::string& name : m_portNames)
+        world::removePort(name);
+    world::removePort(emptyPort);
+}
+
+Bytes Workplace::contentOf(std::size_t file) {
+    Bytes content(fileSizes.at(file));
+    std::uint32_t value = 7 + static_cast<std::uint32_t>(file);
+    for (std::uint8_t& byte : content) {
+        value = value * 1664525U + 1013904223U;
+        byte = static_cast<std::uint8_t>(value >> 24U);
+    }
+    return content;
+}
+
+void Workplace::plugIn(const std::string& name) {
+    m_portNames.push_back(name);
+    world::addPort(name, {"USB serial adapter", "USB VID:PID=1234:5678 SNR=A1", &m_line, true, false});
+}
+
+// --- steps -------------------------------------------------------------------------------------------------
+
+void Workplace::perform(const Step& step) {
+    const Direction direction = step.choice % 2 == 0 ? Direction::toTool : Direction::toCamera;
+    switch (step.kind) {
+    case StepKind::flip:
+    case StepKind::drop:
+    case StepKind::repeat:
+        m_pending.push_back({step.kind, direction, step.choice / 2 % 600, step.detail});
+        (direction == Direction::toTool ? m_disturbances.toTool : m_disturbances.toCamera) = true;
+        break;
+    case StepKind::latency: {
+        constexpr std::array<int, 5> delays{0, 20, 60, 300, 1500};
+        m_line.setLatency(std::chrono::milliseconds(delays.at(step.choice % delays.size())));
+        m_disturbances.late = true;
+        break;
+    }
+    case StepKind::fault:
+        camera().addFault(faultTexts().at(step.choice % faultTexts().size()) + requestText(step.detail));
+        m_disturbances.camera = true;
+        break;
+    case StepKind::reboot:
+        camera().state().bootingUntil = m_line.lineTime() + std::chrono::milliseconds(step.choice % 8000);
+        m_disturbances.restarted = true;
+        break;
+    case StepKind::pull:
+        m_disturbances.adapter = true;
+        world::removePort(m_portNames.back());
+        m_line.setPresent(false);
+        break;
+    case StepKind::plug:
+        if (m_line.isPresent())
+            break;
+        // Every other time under another name, as systems do while the old one is still in use.
+        plugIn(step.choice % 2 == 0 ? m_portNames.back()
+                                    : "/dev/ttyUSB" + std::to_string(m_portNames.size()));
+        m_line.setPresent(true);
+        break;
+    default:
+        break;
+    }
+}
+
+void Workplace::interfere(Direction direction, Bytes& bytes) {
+    for (Interference& each : m_pending) {
+        if (each.direction != direction)
+            continue;
+        if (each.after >= bytes.size()) {
+            each.after -= static_cast<std::uint32_t>(bytes.size());
+            continue;
+        }
+        const auto at = bytes.begin() + each.after;
+        switch (each.kind) {
+        case StepKind::flip:
+            *at = static_cast<std::uint8_t>(*at ^ (1U << (each.detail % 8)));
+            break;
+        case StepKind::drop:
+            bytes.erase(at, at + std::min<std::ptrdiff_t>(1 + each.detail % 20, bytes.end() - at));
+            break;
+        default:
+            bytes.insert(at, *at);
+            break;
+        }
+        each.kind = StepKind::wait; // done
+        if (bytes.empty())
+            break;
+    }
+    std::erase_if(m_pending, [](const Interference& each) { return each.kind == StepKind::wait; });
+}
+
+} // namespace simulation

@@ -1,0 +1,75 @@
+// The place of a simulated session: a camera on a line, an adapter, files.
+#pragma once
+
+#include "tests/simulation/scenario.h"
+#include "tests/simulation/world/simulatedline.h"
+
+#include <QStringList>
+
+#include <string>
+#include <vector>
+
+namespace simulation {
+
+/// What the protocol cannot see once it has happened. The oracles then ask less.
+struct Disturbances {
+    bool toCamera = false;      ///< the line changed bytes that the camera got
+    bool toTool = false;        ///< the line changed bytes of answers
+    bool late = false;          ///< answers may come after their time
+    bool camera = false;        ///< a fault of the camera is in force or was
+    bool adapter = false;       ///< it was pulled
+    bool restarted = false;     ///< the camera restarted by itself
+
+    [[nodiscard]] bool any() const { return toCamera || toTool || late || camera || adapter || restarted; }
+};
+
+struct TakenPicture {
+    std::uint16_t id = 0;
+    protocol::Bytes jpeg;
+};
+
+/// One camera at the port of an adapter, and a second port with nothing behind it. The working directory holds
+/// nothing but downloads; the files to upload lie beside it.
+class Workplace {
+public:
+    explicit Workplace(const Scenario& scenario);
+    ~Workplace();
+    Workplace(const Workplace&) = delete;
+    Workplace& operator=(const Workplace&) = delete;
+
+    /// A step of the line, the camera or the adapter.
+    void perform(const Step& step);
+
+    [[nodiscard]] world::SimulatedLine& line() { return m_line; }
+    [[nodiscard]] emulator::VirtualCamera& camera() { return m_line.camera(); }
+    [[nodiscard]] const Disturbances& disturbances() const { return m_disturbances; }
+    /// Files to upload, small ones first.
+    [[nodiscard]] const QStringList& files() const { return m_files; }
+    /// Content of the file.
+    [[nodiscard]] static protocol::Bytes contentOf(std::size_t file);
+    /// Names of the camera's port so far.
+    [[nodiscard]] const std::vector<std::string>& portNames() const { return m_portNames; }
+    static constexpr const char* emptyPort = "/dev/ttyS0";
+    /// Every picture that the camera has had.
+    [[nodiscard]] const std::vector<TakenPicture>& pictures() const { return m_pictures; }
+
+private:
+    struct Interference {
+        StepKind kind;
+        world::Direction direction;
+        std::uint32_t after; ///< bytes that still pass
+        std::uint32_t detail;
+    };
+
+    void interfere(world::Direction direction, protocol::Bytes& bytes);
+    void plugIn(const std::string& name);
+
+    std::vector<TakenPicture> m_pictures; // before the camera, which adds to it
+    world::SimulatedLine m_line;
+    std::vector<std::string> m_portNames;
+    std::vector<Interference> m_pending;
+    Disturbances m_disturbances;
+    QStringList m_files;
+};
+
+} // namespace simulation
