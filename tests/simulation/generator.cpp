@@ -1,16 +1,16 @@
 // Scenarios from seeds, and shorter ones from failing ones, by RapidCheck.
 #include "tests/simulation/runner.h"
 
-#include <rapidcheck.h>
-
 #include <algorithm>
 #include <array>
+#include <rapidcheck.h>
 
 namespace simulation {
 
 namespace {
 
-constexpr int mostSteps = 40;
+constexpr int mostSteps = 30;
+constexpr std::uint32_t paintingOneOf = 20;
 constexpr int mostShrinkingRuns = 1500;
 
 /// Of the whole range, whatever the size of the scenario.
@@ -49,22 +49,25 @@ rc::Gen<Step> stepGenerator() {
 /// Few faults.
 Scenario arranged(Scenario scenario) {
     std::size_t faults = 0;
-    std::erase_if(scenario.steps, [&faults](const Step& step) {
-        return infoOf(step.kind).fault && ++faults > mostFaults;
-    });
+    std::erase_if(scenario.steps,
+                  [&faults](const Step& step) { return infoOf(step.kind).fault && ++faults > mostFaults; });
     return scenario;
 }
 
 rc::Gen<Scenario> scenarioGenerator() {
     return rc::gen::map(
         rc::gen::build<Scenario>(
-            rc::gen::set(&Scenario::seed, rc::gen::noShrink(rc::gen::resize(rc::kNominalSize, rc::gen::inRange<std::uint64_t>(0, 1U << 30U)))),
+            rc::gen::set(&Scenario::seed,
+                         rc::gen::noShrink(rc::gen::resize(rc::kNominalSize,
+                                                           rc::gen::inRange<std::uint64_t>(0, 1U << 30U)))),
             rc::gen::set(&Scenario::type,
                          rc::gen::noShrink(rc::gen::element(
-                             protocol::CameraType::ostra, protocol::CameraType::ostra, protocol::CameraType::dorvel,
-                             protocol::CameraType::quenta, protocol::CameraType::salesDynamic,
-                             protocol::CameraType::salesDynamic))),
+                             protocol::CameraType::ostra, protocol::CameraType::ostra,
+                             protocol::CameraType::dorvel, protocol::CameraType::quenta,
+                             protocol::CameraType::salesDynamic, protocol::CameraType::salesDynamic))),
             rc::gen::set(&Scenario::preemption, rc::gen::element<std::uint32_t>(0, 0, 40, 200)),
+            rc::gen::set(&Scenario::paints, rc::gen::map(numberBelow(paintingOneOf),
+                                                         [](std::uint32_t number) { return number == 1; })),
             rc::gen::set(&Scenario::steps,
                          rc::gen::resize(mostSteps, rc::gen::container<std::vector<Step>>(stepGenerator())))),
         &arranged);
@@ -81,8 +84,9 @@ Scenario withLink(Scenario scenario) {
 }
 
 std::string ruleOf(const Outcome& outcome) {
-    return outcome.complaints.empty() ? std::string()
-                                      : outcome.complaints.front().substr(0, outcome.complaints.front().find(':'));
+    return outcome.complaints.empty()
+               ? std::string()
+               : outcome.complaints.front().substr(0, outcome.complaints.front().find(':'));
 }
 
 } // namespace

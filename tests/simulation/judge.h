@@ -31,6 +31,8 @@ public:
     void checkStep();
     void boxShown(const QString& text);
     void linkClosed(world::Time duration);
+    /// A job lasted so long that the technician ended it.
+    void lostPatience();
     /// All is quiet: no job runs, no dialog is open.
     void checkQuiet();
     /// The window is gone.

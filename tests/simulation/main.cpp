@@ -1,48 +1,160 @@
-// simulate: runs sessions from seeds; see README.md.
+// simulate: runs simulated sessions from seeds.
 #include "app/application.h"
 #include "tests/simulation/runner.h"
 
 #include <CLI/CLI.hpp>
-
+#include <array>
 #include <cstdio>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 
 using namespace simulation;
 
-int main(int argc, char** argv) {
-    CLI::App options("Runs simulated sessions of the tool and checks the rules that must hold in each.");
+namespace {
+
+struct Options {
     std::uint64_t first = 1;
     std::uint64_t sessions = 100;
-    bool timeline = false;
-    options.add_option("--first", first, "first seed");
-    options.add_option("--sessions", sessions, "number of seeds");
-    options.add_flag("--timeline", timeline, "print the timelines");
-    bool shrink = false;
-    options.add_flag("--shrink", shrink, "shorten the scenarios that fail");
-    CLI11_PARSE(options, argc, argv);
-    qputenv("QT_NO_GLIB", "1");
-    qputenv("QT_HASH_SEED", "0");
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const Application application(argc, argv);
-    warmUp();
-    std::uint64_t failures = 0;
+    unsigned int jobs = std::max(1U, std::thread::hardware_concurrency());
+    std::uint64_t seed = 0;
+    std::string scenario;
+    std::string commit;
+    bool noShrinking = false;
+    bool stopAtFirst = false;
+    bool window = false;
+    double pace = 1;
+};
+
+struct Totals {
+    std::uint64_t sessions = 0;
+    std::uint64_t failed = 0;
     double seconds = 0;
-    for (std::uint64_t seed = first; seed < first + sessions; ++seed) {
-        const Scenario scenario = scenarioOf(seed);
-        const Outcome outcome = runInChild(scenario, {timeline});
-        seconds += outcome.seconds;
-        if (timeline)
-            std::printf("%s\n%s", toText(scenario).c_str(), outcome.timeline.c_str());
+};
+
+/// One write: several processes share the output.
+void print(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout);
+}
+
+std::string describe(const Outcome& outcome) {
+    std::string text;
+    for (const std::string& complaint : outcome.complaints)
+        text += "  " + complaint + '\n';
+    return text;
+}
+
+std::string counterexample(const Options& options, std::uint64_t seed, const Outcome& outcome) {
+    std::string text = "seed " + std::to_string(seed);
+    if (!options.commit.empty())
+        text += ", commit " + options.commit;
+    text += '\n' + describe(outcome);
+    if (options.noShrinking)
+        return text;
+    const Scenario shortest = shrunk(seed, outcome);
+    return text + "  in " + std::to_string(shortest.steps.size()) + " steps: --scenario \"" +
+           toText(shortest) + "\"\n";
+}
+
+/// Every jobs-th seed.
+Totals runShare(const Options& options, unsigned int share) {
+    Totals totals;
+    for (std::uint64_t i = share; i < options.sessions; i += options.jobs) {
+        const std::uint64_t seed = options.first + i;
+        const Outcome outcome = runInChild(scenarioOf(seed));
+        ++totals.sessions;
+        totals.seconds += outcome.seconds;
         if (outcome.complaints.empty())
             continue;
-        ++failures;
-        std::printf("seed %llu: %s\n", static_cast<unsigned long long>(seed), toText(scenario).c_str());
-        for (const std::string& complaint : outcome.complaints)
-            std::printf("  %s\n", complaint.c_str());
-        if (shrink)
-            std::printf("  shrunk: %s\n", toText(shrunk(seed, outcome)).c_str());
+        ++totals.failed;
+        print(counterexample(options, seed, outcome));
+        if (options.stopAtFirst)
+            break;
     }
-    std::printf("%llu sessions, %.0f s of virtual time, %llu failed\n", static_cast<unsigned long long>(sessions),
-                seconds, static_cast<unsigned long long>(failures));
-    return failures == 0 ? 0 : 1;
+    return totals;
+}
+
+Totals runAll(const Options& options) {
+    std::array<int, 2> ends{};
+    if (::pipe(ends.data()) != 0)
+        throw std::runtime_error("no pipe");
+    for (unsigned int share = 0; share < options.jobs; ++share) {
+        if (::fork() == 0) {
+            const Totals totals = runShare(options, share);
+            const bool written = ::write(ends[1], &totals, sizeof(totals)) == sizeof(totals);
+            ::_exit(written ? 0 : 1);
+        }
+    }
+    ::close(ends[1]);
+    Totals all;
+    for (Totals part; ::read(ends[0], &part, sizeof(part)) == sizeof(part);) {
+        all.sessions += part.sessions;
+        all.failed += part.failed;
+        all.seconds += part.seconds;
+    }
+    while (::wait(nullptr) > 0) {
+    }
+    return all;
+}
+
+/// Shows one session; its code is 1 if a rule was broken.
+int showOne(const Options& options, const Scenario& scenario) {
+    print(toText(scenario) + '\n');
+    Outcome outcome;
+    if (options.window) {
+        Scenario painted = scenario;
+        painted.paints = true;
+        outcome = runHere(painted, {true, options.pace});
+    } else {
+        outcome = runInChild(scenario, {true});
+    }
+    std::array<char, 32> hash{};
+    std::snprintf(hash.data(), hash.size(), "%016llx", static_cast<unsigned long long>(outcome.hash));
+    print(outcome.timeline + describe(outcome) + "hash " + hash.data() + '\n');
+    return outcome.complaints.empty() ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App program("Runs simulated sessions of the tool and checks what must hold in each.");
+    Options options;
+    program.add_option("--sessions", options.sessions, "number of sessions, a seed each")
+        ->capture_default_str();
+    program.add_option("--first", options.first, "first seed")->capture_default_str();
+    program.add_option("--jobs", options.jobs, "sessions at a time")
+        ->capture_default_str()
+        ->check(CLI::PositiveNumber);
+    auto* const seed = program.add_option("--seed", options.seed, "show the session of this seed");
+    program.add_option("--scenario", options.scenario, "show this session, as a counterexample prints it")
+        ->excludes(seed);
+    program.add_flag("--window", options.window, "show it in its windows");
+    program.add_option("--pace", options.pace, "so many times as fast as real time, with --window")
+        ->capture_default_str();
+    program.add_option("--commit", options.commit, "name of the tested commit, for counterexamples");
+    program.add_flag("--no-shrinking", options.noShrinking, "print counterexamples as they come");
+    program.add_flag("--stop", options.stopAtFirst, "end at the first failure");
+    CLI11_PARSE(program, argc, argv);
+    std::optional<Scenario> shown;
+    if (!options.scenario.empty()) {
+        shown = parseScenario(options.scenario);
+        if (!shown) {
+            std::fprintf(stderr, "simulate: this is no scenario: %s\n", options.scenario.c_str());
+            return 2;
+        }
+    } else if (seed->count() > 0) {
+        shown = scenarioOf(options.seed);
+    }
+
+    prepareProcess(options.window);
+    const Application application(argc, argv);
+    warmUp();
+    if (shown)
+        return showOne(options, *shown);
+    const Totals totals = runAll(options);
+    print(std::to_string(totals.sessions) + " sessions, " +
+          std::to_string(static_cast<long long>(totals.seconds)) + " s of virtual time, " +
+          std::to_string(totals.failed) + " failed\n");
+    return totals.failed == 0 && totals.sessions == options.sessions ? 0 : 1;
 }

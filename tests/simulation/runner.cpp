@@ -1,5 +1,6 @@
 #include "tests/simulation/runner.h"
 
+#include "tests/simulation/world/realcalls.h"
 #include "tests/simulation/world/scheduler.h"
 
 #include <array>
@@ -17,12 +18,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr unsigned int longestSeconds = 60; // of real time
+constexpr int longestMs = 60'000; // of real time
 
 /// In memory where the system has it: thousands of sessions write their files.
-fs::path scratchRoot() {
+fs::path scratchFolder() {
     const fs::path memory = "/dev/shm";
-    return fs::is_directory(memory) ? memory : fs::temp_directory_path();
+    const fs::path root = fs::is_directory(memory) ? memory : fs::temp_directory_path();
+    std::array<char, 32> name{};
+    std::snprintf(name.data(), name.size(), "simulation-%08d", ::getpid()); // always as long
+    return root / name.data();
 }
 
 std::string toText(const Outcome& outcome) {
@@ -57,12 +61,19 @@ void writeAll(int descriptor, const std::string& text) {
     }
 }
 
-std::string readAll(int descriptor) {
+/// What the child writes until it ends; ends it when it is silent for too long.
+std::string readAll(int descriptor, pid_t child) {
     std::string text;
     std::array<char, 8192> buffer{};
-    for (ssize_t count = 0; (count = ::read(descriptor, buffer.data(), buffer.size())) > 0;)
+    while (true) {
+        pollfd ready{descriptor, POLLIN, 0};
+        if (world::real::poll(&ready, 1, longestMs) <= 0)
+            ::kill(child, SIGKILL);
+        const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
+        if (count <= 0)
+            return text;
         text.append(buffer.data(), static_cast<std::size_t>(count));
-    return text;
+    }
 }
 
 int resultPipe = -1;
@@ -80,14 +91,22 @@ int resultPipe = -1;
 [[noreturn]] void runChild(const Scenario& scenario, const View& view, const fs::path& folder) {
     fs::create_directories(folder / "work");
     fs::current_path(folder / "work");
-    ::alarm(view.pace > 0 ? 0 : longestSeconds);
-    std::signal(SIGALRM, [](int) { giveUp("O3: the session does not end; " + world::describeThreads()); });
     world::onDeadlock([] { giveUp("O4: every thread waits for ever: " + world::describeThreads()); });
     writeAll(resultPipe, toText(runSession(scenario, view)));
     ::_exit(0); // the rest belongs to the parent
 }
 
 } // namespace
+
+Outcome runHere(const Scenario& scenario, const View& view) {
+    const fs::path folder = scratchFolder();
+    fs::create_directories(folder / "work");
+    fs::current_path(folder / "work");
+    Outcome outcome = runSession(scenario, view);
+    fs::current_path("/");
+    fs::remove_all(folder);
+    return outcome;
+}
 
 Outcome runInChild(const Scenario& scenario, const View& view) {
     if (world::threadCount() > 1)
@@ -96,7 +115,7 @@ Outcome runInChild(const Scenario& scenario, const View& view) {
     if (::pipe(ends.data()) != 0)
         throw std::runtime_error("no pipe for a session");
     std::fflush(nullptr);
-    const fs::path folder = scratchRoot() / ("simulation-" + std::to_string(::getpid()));
+    const fs::path folder = scratchFolder();
     const pid_t child = ::fork();
     if (child < 0)
         throw std::runtime_error("no process for a session");
@@ -106,7 +125,7 @@ Outcome runInChild(const Scenario& scenario, const View& view) {
         runChild(scenario, view, folder);
     }
     ::close(ends[1]);
-    const std::string text = readAll(ends[0]);
+    const std::string text = readAll(ends[0], child);
     ::close(ends[0]);
     int status = 0;
     ::waitpid(child, &status, 0);
@@ -115,6 +134,10 @@ Outcome runInChild(const Scenario& scenario, const View& view) {
     if (auto outcome = parseOutcome(text); outcome && status == 0)
         return *outcome;
     Outcome crashed;
+    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) {
+        crashed.complaints.emplace_back("O3: the session does not end in real time");
+        return crashed;
+    }
     crashed.complaints.push_back("O4: the program ends by " +
                                  (WIFSIGNALED(status) ? std::string(::strsignal(WTERMSIG(status)))
                                                       : "code " + std::to_string(WEXITSTATUS(status))));

@@ -12,11 +12,15 @@ namespace simulation {
 /// The scenario of this seed: always the same one.
 [[nodiscard]] Scenario scenarioOf(std::uint64_t seed);
 
-/// Runs the session in a child of this process, in an empty directory. A crash, a deadlock and a session that does not
-/// end in real time are complaints.
+/// Runs the session in a child of this process, in an empty directory. A crash, a deadlock and a session that
+/// does not end in real time are complaints.
 [[nodiscard]] Outcome runInChild(const Scenario& scenario, const View& view = {});
 
-/// The shortest failing scenario that shrinking finds; the first complaint keeps its rule (the text before ":").
+/// Runs it here, in an empty directory.
+[[nodiscard]] Outcome runHere(const Scenario& scenario, const View& view);
+
+/// The shortest failing scenario that shrinking finds; the first complaint keeps its rule (the text before
+/// ":").
 [[nodiscard]] Scenario shrunk(std::uint64_t seed, const Outcome& failure);
 
 } // namespace simulation

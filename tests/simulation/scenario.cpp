@@ -43,7 +43,8 @@ std::string toText(const Step& step) {
 std::string toText(const Scenario& scenario) {
     std::string text = "type=" + std::to_string(static_cast<int>(scenario.type)) +
                        " order=" + std::to_string(scenario.seed) +
-                       " preemption=" + std::to_string(scenario.preemption);
+                       " preemption=" + std::to_string(scenario.preemption) +
+                       " paints=" + (scenario.paints ? "1" : "0");
     for (const Step& step : scenario.steps)
         text += "; " + toText(step);
     return text;
@@ -78,8 +79,11 @@ std::optional<Scenario> parseScenario(const std::string& text) {
     int type = 0;
     unsigned long long order = 0;
     unsigned int preemption = 0;
-    if (std::sscanf(part.c_str(), "type=%d order=%llu preemption=%u", &type, &order, &preemption) != 3)
+    int paints = 0;
+    if (std::sscanf(part.c_str(), "type=%d order=%llu preemption=%u paints=%d", &type, &order, &preemption,
+                    &paints) != 4)
         return std::nullopt;
+    scenario.paints = paints != 0;
     scenario.type = static_cast<protocol::CameraType>(type);
     scenario.seed = order;
     scenario.preemption = preemption;

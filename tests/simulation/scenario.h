@@ -63,6 +63,7 @@ inline constexpr std::size_t mostFaults = 5;
 struct Scenario {
     std::uint64_t seed = 0; ///< of the order of threads
     protocol::CameraType type = protocol::CameraType::ostra;
+    bool paints = false;
     /// In 1/1024; see world::setPreemption.
     std::uint32_t preemption = 0;
     std::vector<Step> steps;

@@ -9,9 +9,12 @@
 #include "tests/support/windowactions.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPushButton>
+#include <QSettings>
 #include <QThreadPool>
 
 #include <iostream>
@@ -24,10 +27,10 @@ namespace simulation {
 
 namespace {
 
-constexpr auto quietTime = 3s;           // in which a result that is on its way is shown
-constexpr auto longestSettling = 10min;  // uploads of the second protocol, return waits
-constexpr auto poolExpiry = 40s;         // idle pool threads end after 30 s
-constexpr world::Time patience = 90s;    // of the technician with a download that never ends
+constexpr auto quietTime = 3s;          // in which a result that is on its way is shown
+constexpr auto longestSettling = 10min; // uploads of the second protocol, return waits
+constexpr auto poolExpiry = 40s;        // idle pool threads end after 30 s
+constexpr world::Time patience = 150s;  // then the technician closes the link
 
 /// Pauses wait in place of polling the clock.
 class SimulatedClock final : public Clock {
@@ -74,7 +77,9 @@ private:
         return 0;
     }
     static void windowLine(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text) {
-        world::note([&text] { return "debug: " + text.toStdString(); });
+        // Each process has a folder of its own.
+        const QString folder = QFileInfo(QDir::currentPath()).path() + QLatin1Char('/');
+        world::note([&] { return "debug: " + QString(text).remove(folder).toStdString(); });
     }
 
     std::ostream m_stream;
@@ -83,20 +88,21 @@ private:
 
 void wait(world::Time duration) {
     QEventLoop loop;
-    QTimer::singleShot(std::chrono::duration_cast<std::chrono::milliseconds>(duration), &loop, &QEventLoop::quit);
+    QTimer::singleShot(std::chrono::duration_cast<std::chrono::milliseconds>(duration), &loop,
+                       &QEventLoop::quit);
     loop.exec();
 }
 
 class Session {
 public:
-    Session(const Scenario& scenario)
-        : m_workplace(scenario), m_judge(m_workplace), m_scenario(scenario) {
+    Session(const Scenario& scenario) : m_workplace(scenario), m_judge(m_workplace), m_scenario(scenario) {
         world::setPreemption(scenario.preemption);
     }
 
     void run() {
         m_window = std::make_unique<MainWindow>(nullptr, m_clock);
         m_judge.watch(m_window.get());
+        m_window->setUpdatesEnabled(m_scenario.paints);
         m_window->show();
         guitest::chooseCameraType(*m_window, typeButton(m_scenario.type));
         {
@@ -121,7 +127,8 @@ public:
 
 private:
     [[nodiscard]] bool isBusy() const {
-        if (QThreadPool::globalInstance()->activeThreadCount() > 0 || QApplication::activeModalWidget() != nullptr)
+        if (QThreadPool::globalInstance()->activeThreadCount() > 0 ||
+            QApplication::activeModalWidget() != nullptr)
             return true;
         for (const QThread* const task : m_window->findChildren<QThread*>()) {
             if (task->isRunning())
@@ -134,10 +141,17 @@ private:
     void settle() {
         const world::Time start = world::now();
         world::Time quietSince = start;
+        bool patient = true;
         while (world::now() - quietSince < quietTime && world::now() - start < longestSettling) {
             wait(200ms);
             if (isBusy())
                 quietSince = world::now();
+            if (patient && world::now() - start > patience) {
+                patient = false;
+                m_judge.lostPatience();
+                if (world::openPorts() > 0)
+                    m_window->findChild<QPushButton*>(QStringLiteral("btn_open"))->click();
+            }
         }
     }
 
@@ -151,6 +165,9 @@ private:
 } // namespace
 
 Outcome runSession(const Scenario& scenario, const View& view) {
+    // The file dialog keeps its settings there.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       QDir::current().filePath(QStringLiteral("..")));
     world::reseed(scenario.seed);
     world::keepTimeline(view.timeline);
     world::setRealPace(view.pace);
@@ -168,8 +185,18 @@ Outcome runSession(const Scenario& scenario, const View& view) {
     return outcome;
 }
 
+void prepareProcess(bool spectator) {
+    qputenv("QT_NO_GLIB", "1");   // Qt's own event loop waits where virtual time is
+    qputenv("QT_HASH_SEED", "0"); // the order of hashes
+    qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
+    if (!spectator)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
 void warmUp() {
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    // Nothing of the user's is read or written.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     const Lines lines;
     MainWindow window;
     window.show();

@@ -21,9 +21,12 @@ struct View {
     double pace = 0; ///< for a spectator: so many times as fast as real time; 0: no spectator
 };
 
-/// Runs the session in this process, whose working directory has to be empty. There is an application object and no
-/// other thread.
+/// Runs the session in this process, whose working directory has to be empty. There is an application object
+/// and no other thread.
 [[nodiscard]] Outcome runSession(const Scenario& scenario, const View& view = {});
+
+/// Before the application object: settings that make every run the same.
+void prepareProcess(bool spectator);
 
 /// Makes what the first window of a process makes once: fonts, styles, caches. No thread is left.
 void warmUp();

@@ -17,8 +17,8 @@ class QWidget;
 
 namespace simulation {
 
-/// Performs the steps one after the other, inside whatever event loop runs: a box or file dialog that is open is
-/// answered by the next step. Steps that do not apply do nothing.
+/// Performs the steps one after the other, inside whatever event loop runs: a box or file dialog that is open
+/// is answered by the next step. Steps that do not apply do nothing.
 class Technician final : public QObject {
     Q_OBJECT
 

@@ -13,12 +13,12 @@ namespace simulation {
 
 /// What the protocol cannot see once it has happened. The oracles then ask less.
 struct Disturbances {
-    bool toCamera = false;      ///< the line changed bytes that the camera got
-    bool toTool = false;        ///< the line changed bytes of answers
-    bool late = false;          ///< answers may come after their time
-    bool camera = false;        ///< a fault of the camera is in force or was
-    bool adapter = false;       ///< it was pulled
-    bool restarted = false;     ///< the camera restarted by itself
+    bool toCamera = false;  ///< the line changed bytes that the camera got
+    bool toTool = false;    ///< the line changed bytes of answers
+    bool late = false;      ///< answers may come after their time
+    bool camera = false;    ///< a fault of the camera is in force or was
+    bool adapter = false;   ///< it was pulled
+    bool restarted = false; ///< the camera restarted by itself
 
     [[nodiscard]] bool any() const { return toCamera || toTool || late || camera || adapter || restarted; }
 };
@@ -28,8 +28,8 @@ struct TakenPicture {
     protocol::Bytes jpeg;
 };
 
-/// One camera at the port of an adapter, and a second port with nothing behind it. The working directory holds
-/// nothing but downloads; the files to upload lie beside it.
+/// One camera at the port of an adapter, and a second port with nothing behind it. The working directory
+/// holds nothing but downloads; the files to upload lie beside it.
 class Workplace {
 public:
     explicit Workplace(const Scenario& scenario);
@@ -49,7 +49,7 @@ public:
     [[nodiscard]] static protocol::Bytes contentOf(std::size_t file);
     /// Names of the camera's port so far.
     [[nodiscard]] const std::vector<std::string>& portNames() const { return m_portNames; }
-    static constexpr const char* emptyPort = "/dev/ttyS0";
+    static constexpr const char* emptyPort = "/dev/ttyZ0";
     /// Every picture that the camera has had.
     [[nodiscard]] const std::vector<TakenPicture>& pictures() const { return m_pictures; }
 

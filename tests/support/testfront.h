@@ -1,5 +1,5 @@
-// The virtual camera's end of the line in tests: a pseudo-terminal in real time, or a simulated line in virtual
-// time (camera_test's VIRTUAL_TIME).
+// The virtual camera's end of the line in tests: a pseudo-terminal in real time, or a simulated line in
+// virtual time (camera_test's VIRTUAL_TIME).
 #pragma once
 
 #ifdef CAMERA_VIRTUAL_TIME

@@ -35,7 +35,8 @@ namespace {
 
 constexpr Time lookTime = 200ns;
 constexpr Time yieldTime = 20us;
-constexpr Time startTime = 1000s; // of the monotonic clock
+constexpr Time startTime = 1000s;      // of the process
+constexpr Time sessionTime = 100'000s; // of each session: what was before it takes less
 constexpr unsigned int fullProbability = 1024;
 
 /// Only the running thread touches it.
@@ -173,6 +174,7 @@ void reseed(std::uint64_t seed) {
     World& w = world();
     w.random = seed * 0x9E3779B97F4A7C15U + 0x632BE59BD9B4E019U;
     w.preemption = 0;
+    w.now = sessionTime;
     w.hash = 0xCBF29CE484222325U;
     w.timeline.clear();
     w.eventsSince = w.now;
@@ -278,7 +280,7 @@ std::string describeThreads() {
         if (thread->state == Thread::State::ready)
             text += " can go on\n";
         else
-            text += " waits since " + std::to_string((thread->waitsSince - startTime) / 1ms) + " ms\n";
+            text += " waits since " + std::to_string((thread->waitsSince - sessionTime) / 1ms) + " ms\n";
     }
     return text;
 }
@@ -295,7 +297,7 @@ void note(const std::function<std::string()>& text) {
         return;
     std::array<char, 48> head{};
     std::snprintf(head.data(), head.size(), "%11.3f ms  [%u] ",
-                  std::chrono::duration<double, std::milli>(w.now - startTime).count(), threadNumber());
+                  std::chrono::duration<double, std::milli>(w.now - sessionTime).count(), threadNumber());
     w.timeline += head.data() + line + '\n';
 }
 

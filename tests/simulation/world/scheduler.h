@@ -1,8 +1,8 @@
 // Threads and time of a process that lives in virtual time.
 //
-// One thread runs at a time. It hands over where it waits; who goes next is drawn from the seed. Time moves when
-// every thread waits, to the next deadline; besides, each look at a clock takes a little. systemcalls.cpp puts this
-// under every wait of the process.
+// One thread runs at a time. It hands over where it waits; who goes next is drawn from the seed. Time moves
+// when every thread waits, to the next deadline; besides, each look at a clock takes a little.
+// systemcalls.cpp puts this under every wait of the process.
 #pragma once
 
 #include <chrono>
@@ -23,14 +23,15 @@ using Time = std::chrono::nanoseconds;
 /// Makes time pass for a spectator too, so many times as fast; 0: not at all.
 void setRealPace(double factor);
 
-/// Starts a session: draws from this seed from now on and forgets the timeline.
+/// Starts a session at the time that all sessions start: draws from this seed from now on and forgets the
+/// timeline. No other thread waits for a time.
 void reseed(std::uint64_t seed);
 
 /// A number below the limit, drawn from the seed: the only source of chance.
 [[nodiscard]] std::uint64_t draw(std::uint64_t limit);
 
-/// Probability in 1/1024 that a thread hands over where it need not wait: at a notification, an unlocked mutex, a
-/// call of the serial library. 0 after reseed().
+/// Probability in 1/1024 that a thread hands over where it need not wait: at a notification, an unlocked
+/// mutex, a call of the serial library. 0 after reseed().
 void setPreemption(unsigned int probability);
 
 // --- waiting -----------------------------------------------------------------------------------------------
@@ -56,12 +57,12 @@ void preempt();
 /// Number of the calling thread; the first is 0.
 [[nodiscard]] unsigned int threadNumber();
 [[nodiscard]] unsigned int threadCount();
-/// Called with the time for which the first thread processed no events: from one wait for descriptors, where its
-/// event loop rests, to the next.
+/// Called with the time for which the first thread processed no events: from one wait for descriptors, where
+/// its event loop rests, to the next.
 void onStandstill(std::function<void(Time duration)> handler);
 
-/// What happens when every thread waits without a deadline. The default writes the threads to standard error and
-/// aborts.
+/// What happens when every thread waits without a deadline. The default writes the threads to standard error
+/// and aborts.
 void onDeadlock(std::function<void()> handler);
 /// A line for each thread: number and what it waits for.
 [[nodiscard]] std::string describeThreads();

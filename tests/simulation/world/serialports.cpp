@@ -1,6 +1,5 @@
 // Stands in for the serial library: the functions of the library's own header, on simulated lines.
 #include "tests/simulation/world/simulatedline.h"
-
 #include "trace/hextext.h"
 
 #include <serial/serial.h>
@@ -97,7 +96,8 @@ public:
     /// Null when the device is gone, or nothing is at the other end.
     [[nodiscard]] SimulatedLine* currentLine() const {
         const world::SimulatedPort* const there = world::findPort(port);
-        return there == nullptr || there->line == nullptr || !there->line->isPresent() ? nullptr : there->line;
+        return there == nullptr || there->line == nullptr || !there->line->isPresent() ? nullptr
+                                                                                       : there->line;
     }
     void requireOpen(const char* function) const {
         if (port.empty())

@@ -1,4 +1,5 @@
-// A serial line of the simulation: the stand-in of the serial library at one end, a virtual camera at the other.
+// A serial line of the simulation: the stand-in of the serial library at one end, a virtual camera at the
+// other.
 #pragma once
 
 #include "emulator/camera/virtualcamera.h"

@@ -1,5 +1,5 @@
-// The system's calls that wait, tell the time or start threads, in virtual time. The program's definitions go before
-// those of the shared libraries: Qt and the C++ library wait here too.
+// The system's calls that wait, tell the time or start threads, in virtual time. The program's definitions go
+// before those of the shared libraries: Qt and the C++ library wait here too.
 #include "tests/simulation/world/realcalls.h"
 #include "tests/simulation/world/scheduler.h"
 
@@ -157,8 +157,8 @@ long wakeFutex(const int* word, int count) {
     return 1;
 }
 
-/// Changes the second word, wakes those who wait for the first, and those who wait for the second if its old value
-/// fits the comparison.
+/// Changes the second word, wakes those who wait for the first, and those who wait for the second if its old
+/// value fits the comparison.
 long wakeFutexAndChange(const int* word, int count, int* second, long secondCount, unsigned int encoded) {
     const unsigned int operation = (encoded >> 28U) & 7U;
     const unsigned int comparison = (encoded >> 24U) & 15U;
@@ -183,8 +183,8 @@ long wakeFutexAndChange(const int* word, int count, int* second, long secondCoun
         *second = old ^ value;
         break;
     }
-    const std::array<bool, 6> fits{old == compared, old != compared, old < compared,
-                                   old <= compared, old > compared,  old >= compared};
+    const std::array<bool, 6> fits{old == compared, old != compared,
+                                   old<compared, old <= compared, old> compared, old >= compared};
     wakeFutex(word, count);
     if (fits.at(comparison))
         wakeFutex(second, static_cast<int>(secondCount));
@@ -280,7 +280,8 @@ int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex, co
     return waitForCondition(condition, mutex, toVirtual(*time));
 }
 
-int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t, const timespec* time) {
+int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t,
+                           const timespec* time) {
     return waitForCondition(condition, mutex, toVirtual(*time));
 }
 
@@ -341,6 +342,16 @@ int ppoll(pollfd* descriptors, nfds_t count, const timespec* timeout, const sigs
     return world::waitForDescriptors(descriptors, count, deadlineAfter(timeout));
 }
 
+// Other processes change files too: nobody is told.
+int inotify_init1(int) noexcept {
+    errno = ENOSYS;
+    return -1;
+}
+
+int inotify_init() noexcept {
+    return inotify_init1(0);
+}
+
 long syscall(long number, ...) noexcept {
     std::array<long, 6> arguments{};
     va_list list;
@@ -356,7 +367,8 @@ long syscall(long number, ...) noexcept {
         case FUTEX_WAIT:
             return waitForFutex(word, value, deadlineAfter(time));
         case FUTEX_WAIT_BITSET:
-            return waitForFutex(word, value, time == nullptr ? std::nullopt : std::optional(toVirtual(*time)));
+            return waitForFutex(word, value,
+                                time == nullptr ? std::nullopt : std::optional(toVirtual(*time)));
         case FUTEX_WAKE:
         case FUTEX_WAKE_BITSET:
             return wakeFutex(word, value);

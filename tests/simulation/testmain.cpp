@@ -1,0 +1,15 @@
+// The main function of the simulation's own tests.
+#include "app/application.h"
+#include "tests/simulation/session.h"
+
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    if (GTEST_FLAG_GET(list_tests))
+        return RUN_ALL_TESTS();
+    simulation::prepareProcess(false);
+    const Application application(argc, argv);
+    simulation::warmUp();
+    return RUN_ALL_TESTS();
+}
