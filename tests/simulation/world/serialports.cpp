@@ -72,6 +72,14 @@ namespace serial {
 
 using world::SimulatedLine;
 
+namespace {
+
+const IOException deviceFailed("serialports", 0, EIO);
+const SerialException
+    nothingWritten("device reports readiness to write but returned no data (device disconnected?)");
+
+} // namespace
+
 class Serial::SerialImpl {
 public:
     SerialImpl(std::string name, Timeout limits) : port(std::move(name)), timeout(limits) {
@@ -88,21 +96,19 @@ public:
     /// Null when the device is gone, or nothing is at the other end.
     [[nodiscard]] SimulatedLine* currentLine() const {
         const world::SimulatedPort* const there = world::findPort(port);
-        return there == nullptr || there->line == nullptr || !there->line->isPresent() ? nullptr : there->line;
+        return there == nullptr || there->line == nullptr || !there->line->isPresent() ? nullptr
+                                                                                       : there->line;
     }
     void requireOpen(const char* function) const {
         if (port.empty())
             throw PortNotOpenedException(function);
     }
-    /// False: nothing is at the other end. Throws when the device is gone.
-    [[nodiscard]] SimulatedLine* requireDevice(int error) const {
+    /// Null: nothing is at the other end.
+    template <typename Failure>
+    [[nodiscard]] SimulatedLine* requireDevice(const Failure& whenGone) const {
         const world::SimulatedPort* const there = world::findPort(port);
-        if (there == nullptr || (there->line != nullptr && !there->line->isPresent())) {
-            if (error == 0)
-                throw SerialException(
-                    "device reports readiness to read but returned no data (device disconnected?)");
-            throw IOException("serialports", 0, error);
-        }
+        if (there == nullptr || (there->line != nullptr && !there->line->isPresent()))
+            throw whenGone;
         return there->line;
     }
 
@@ -158,7 +164,7 @@ size_t Serial::available() {
     world::tell(pimpl_->port, [] { return "available"; });
     if (pimpl_->port.empty())
         return 0;
-    SimulatedLine* const line = pimpl_->requireDevice(EIO);
+    SimulatedLine* const line = pimpl_->requireDevice(deviceFailed);
     return line == nullptr ? 0 : line->available();
 }
 
@@ -170,7 +176,7 @@ size_t Serial::write(const uint8_t* data, size_t size) {
         world::deadline(timeout.write_timeout_constant, timeout.write_timeout_multiplier, size);
     size_t written = 0;
     while (written < size) {
-        SimulatedLine* const line = pimpl_->requireDevice(EIO);
+        SimulatedLine* const line = pimpl_->requireDevice(nothingWritten);
         if (line == nullptr)
             return size;
         written += line->send(std::span(data + written, size - written));
@@ -189,7 +195,7 @@ size_t Serial::read(std::vector<uint8_t>& buffer, size_t size) {
         world::deadline(timeout.read_timeout_constant, timeout.read_timeout_multiplier, size);
     protocol::Bytes received;
     while (true) {
-        SimulatedLine* const line = pimpl_->requireDevice(0);
+        SimulatedLine* const line = pimpl_->requireDevice(deviceFailed);
         if (line != nullptr) {
             const protocol::Bytes more = line->take(size - received.size());
             received.insert(received.end(), more.begin(), more.end());

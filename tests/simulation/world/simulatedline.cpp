@@ -8,8 +8,8 @@ namespace world {
 
 namespace {
 
-constexpr std::size_t queueSize = 4096;  // of a terminal
-constexpr std::size_t pieceSize = 64;    // arrives whole on a line with a rate
+constexpr std::size_t queueSize = 4096; // of a terminal
+constexpr std::size_t pieceSize = 64;   // arrives whole on a line with a rate
 constexpr auto bitsPerByte = 10;
 
 } // namespace
@@ -74,9 +74,9 @@ std::optional<Time> SimulatedLine::nextEvent() const {
     std::optional<Time> next;
     if (const auto due = m_camera.nextDue())
         next = std::max(toWorld(*due), m_start);
-    if (!m_toCamera.empty()) {
-        const Time arrives =
-            std::max(m_toCamera.front().arrives, toWorld(m_camera.readingPausedUntil()));
+    const bool readsAgain = m_camera.readingPausedUntil() != emulator::Time::max();
+    if (!m_toCamera.empty() && readsAgain) {
+        const Time arrives = std::max(m_toCamera.front().arrives, toWorld(m_camera.readingPausedUntil()));
         next = std::min(next.value_or(arrives), arrives);
     }
     return next;

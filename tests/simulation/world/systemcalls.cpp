@@ -1,5 +1,5 @@
-// The system's calls that wait, tell the time or start threads, in virtual time. The program's definitions go before
-// those of the shared libraries: Qt and the C++ library wait here too.
+// The system's calls that wait, tell the time or start threads, in virtual time. The program's definitions go
+// before those of the shared libraries: Qt and the C++ library wait here too.
 #include "tests/simulation/world/realcalls.h"
 #include "tests/simulation/world/scheduler.h"
 
@@ -157,6 +157,52 @@ long wakeFutex(const int* word, int count) {
     return 1;
 }
 
+/// FUTEX_WAKE_OP, as Qt's semaphores use it: changes the second word, wakes waiters of the first, and those
+/// of the second if its old value compares true.
+long changeAndWakeFutex(const int* word, int count, int* second, int secondCount, unsigned int operation) {
+    const auto signExtended = [](unsigned int bits) { return static_cast<int>(bits << 20U) >> 20; };
+    int argument = signExtended(operation >> 12U & 0xFFFU);
+    if ((operation >> 28U & FUTEX_OP_OPARG_SHIFT) != 0)
+        argument = 1 << argument;
+    const int old = __atomic_load_n(second, __ATOMIC_SEQ_CST);
+    const auto changed = [&] {
+        switch (operation >> 28U & 7U) {
+        case FUTEX_OP_ADD:
+            return old + argument;
+        case FUTEX_OP_OR:
+            return old | argument;
+        case FUTEX_OP_ANDN:
+            return old & ~argument;
+        case FUTEX_OP_XOR:
+            return old ^ argument;
+        default:
+            return argument;
+        }
+    };
+    __atomic_store_n(second, changed(), __ATOMIC_SEQ_CST);
+    const int limit = signExtended(operation & 0xFFFU);
+    const auto compares = [&] {
+        switch (operation >> 24U & 15U) {
+        case FUTEX_OP_CMP_EQ:
+            return old == limit;
+        case FUTEX_OP_CMP_NE:
+            return old != limit;
+        case FUTEX_OP_CMP_LT:
+            return old < limit;
+        case FUTEX_OP_CMP_LE:
+            return old <= limit;
+        case FUTEX_OP_CMP_GT:
+            return old > limit;
+        default:
+            return old >= limit;
+        }
+    };
+    long woken = wakeFutex(word, count);
+    if (compares())
+        woken += wakeFutex(second, secondCount);
+    return woken;
+}
+
 using SystemCall = long(long, ...);
 
 SystemCall* realSystemCall() {
@@ -240,7 +286,8 @@ int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex, co
     return waitForCondition(condition, mutex, toVirtual(*time));
 }
 
-int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t, const timespec* time) {
+int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t,
+                           const timespec* time) {
     return waitForCondition(condition, mutex, toVirtual(*time));
 }
 
@@ -316,10 +363,15 @@ long syscall(long number, ...) noexcept {
         case FUTEX_WAIT:
             return waitForFutex(word, value, deadlineAfter(time));
         case FUTEX_WAIT_BITSET:
-            return waitForFutex(word, value, time == nullptr ? std::nullopt : std::optional(toVirtual(*time)));
+            return waitForFutex(word, value,
+                                time == nullptr ? std::nullopt : std::optional(toVirtual(*time)));
         case FUTEX_WAKE:
         case FUTEX_WAKE_BITSET:
             return wakeFutex(word, value);
+        case FUTEX_WAKE_OP:
+            return changeAndWakeFutex(word, value, reinterpret_cast<int*>(arguments[4]),
+                                      static_cast<int>(arguments[3]),
+                                      static_cast<unsigned int>(arguments[5]));
         default:
             break;
         }
