@@ -13,6 +13,9 @@ int main(int argc, char** argv) {
 #ifdef TEST_APPLICATION
     if (GTEST_FLAG_GET(list_tests)) // ctest asks for names: no windows needed
         return RUN_ALL_TESTS();
+#ifdef CAMERA_VIRTUAL_TIME
+    qputenv("QT_NO_GLIB", "1"); // Qt's own event loop waits where virtual time is
+#endif
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const TEST_APPLICATION application(argc, argv);
