@@ -227,8 +227,7 @@ std::string endingsHead(const std::map<std::string, SeenRow>& rows) {
 
 How each command of the camera client ends under each fault of the [virtual camera](virtual-camera.md#faults):
 )" + counted(rows) +
-           R"(, in virtual time or over a pseudo-terminal with the real serial library. The fault matrix
-writes this page:
+           R"(. The fault matrix writes this page, in virtual time or with the real serial library:
 
     scripts/fault-matrix.sh [--real-time]
 
