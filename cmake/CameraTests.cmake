@@ -22,19 +22,22 @@ if(CAMERA_SANITIZE MATCHES "thread")
     "TSAN_OPTIONS=second_deadlock_stack=1:suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endif()
 
-# camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [VIRTUAL_TIME] [LABELS labels...] [SLOW regexes...]
-#             [TIMEOUT seconds])
+# camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [VIRTUAL_TIME | REAL_TIME filter]
+#             [LABELS labels...] [SLOW regexes...] [TIMEOUT seconds])
 #
 # A GoogleTest program. ctest runs each of its tests as a process, several at once. A test starts in an empty working
 # directory, which is deleted afterwards: downloads go into the working directory.
 #   GUI          main makes a QApplication on the offscreen platform; Qt6::Test and test_windows are linked
 #   APPLICATION  as GUI, with the product's own application object
-#   VIRTUAL_TIME waits take no time and the serial library is a stand-in: TestFront is a camera on a simulated line
+#   VIRTUAL_TIME waits take no time; unless fake_serial is linked, TestFront is a camera on a simulated line. Instead of
+#                a linked library X, X_virtual is linked if there is one. No effect under the thread sanitizer
+#   REAL_TIME    another program runs these sources in virtual time; this one runs the tests that match the GoogleTest
+#                filter, as "RealTime.<name>"
 #   LABELS       "threads" for tests worth running under the thread sanitizer
 #   SLOW         tests whose names match get the label "slow": some or all of them take more than two seconds
 #   TIMEOUT      for one test, 60 s if not given; sanitizers get three times as much
 function(camera_test name)
-  cmake_parse_arguments(arg "GUI;APPLICATION;VIRTUAL_TIME" "TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
+  cmake_parse_arguments(arg "GUI;APPLICATION;VIRTUAL_TIME" "REAL_TIME;TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "camera_test(${name}): what is ${arg_UNPARSED_ARGUMENTS}?")
   endif()
@@ -45,8 +48,20 @@ function(camera_test name)
     math(EXPR arg_TIMEOUT "${arg_TIMEOUT} * 3")
   endif()
 
+  set(virtual_time ${arg_VIRTUAL_TIME})
+  if(CAMERA_SANITIZE MATCHES "thread")
+    set(virtual_time FALSE) # it has to see the threads as they are
+  endif()
+
   set(environment ${camera_test_environment})
-  set(libraries ${arg_LINK} GTest::gmock GTest::gtest)
+  set(libraries "")
+  foreach(library IN LISTS arg_LINK)
+    if(virtual_time AND TARGET ${library}_virtual)
+      string(APPEND library _virtual)
+    endif()
+    list(APPEND libraries ${library})
+  endforeach()
+  list(APPEND libraries GTest::gmock GTest::gtest)
   set(sources ${arg_SOURCES} "${PROJECT_SOURCE_DIR}/tests/support/testmain.cpp")
   set(precompiled <gmock/gmock.h> <gtest/gtest.h> <chrono> <functional> <thread>)
   set(application "")
@@ -67,13 +82,15 @@ function(camera_test name)
     list(APPEND libraries ${CMAKE_DL_LIBS})
   endif()
 
-  if(arg_VIRTUAL_TIME)
-    list(PREPEND libraries virtual_time simulated_line)
-    list(APPEND environment "QT_NO_GLIB=1") # Qt's own event loop waits where virtual time is
+  if(virtual_time)
+    if(NOT fake_serial IN_LIST arg_LINK)
+      list(PREPEND libraries simulated_line)
+    endif()
+    list(PREPEND libraries virtual_time)
   endif()
 
   camera_program(${name} SOURCES ${sources} LINK ${libraries})
-  if(arg_VIRTUAL_TIME)
+  if(virtual_time)
     target_compile_definitions(${name} PRIVATE CAMERA_VIRTUAL_TIME)
   endif()
   if(application)
@@ -91,7 +108,12 @@ function(camera_test name)
       target_compile_options(${name} PRIVATE -fno-sanitize=undefined)
     endif()
   endif()
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${arg_TIMEOUT})
+  set(selection "")
+  if(arg_REAL_TIME)
+    set(selection TEST_FILTER "${arg_REAL_TIME}" TEST_PREFIX RealTime.)
+  endif()
+  gtest_discover_tests(${name} ${selection}
+    DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${arg_TIMEOUT})
   # Discovery loses properties that are lists: ctest sets them after it has read the names of the tests.
   set(properties_file "${CMAKE_CURRENT_BINARY_DIR}/${name}_properties.cmake")
   file(WRITE "${properties_file}" "if(${name}_TESTS)

@@ -21,7 +21,6 @@
 using namespace guitest;
 using emulator::CameraRecord;
 using emulator::CameraState;
-using emulator::PtyFront;
 using emulator::VirtualCamera;
 
 namespace {

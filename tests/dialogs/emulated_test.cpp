@@ -4,8 +4,8 @@
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
-#include "emulator/line/ptyfront.h"
 #include "tests/dialogs/dialogtest.h"
+#include "tests/support/testfront.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>
@@ -59,7 +59,7 @@ protected:
         });
     }
 
-    emulator::PtyFront m_front;
+    TestFront m_front;
 };
 
 TEST_F(EmulatedDialogTest, AGeneratedSerialNumberIsStoredAndReadBack) {

@@ -1,8 +1,8 @@
 // The rows of the fault matrix: commands and their expected result for each fault.
 #pragma once
 
-#include "tests/support/testfront.h"
 #include "link/camerasp.h"
+#include "tests/support/testfront.h"
 
 #include <functional>
 #include <iosfwd>

@@ -1,5 +1,7 @@
 #include "tests/faults/report.h"
 
+#include "tests/faults/sample.h"
+
 #include <algorithm>
 #include <fstream>
 #include <set>
@@ -150,7 +152,7 @@ const std::vector<FaultColumn>& faultColumns() {
 }
 
 std::size_t columnOf(const std::string& fault) {
-    const std::string kind = fault.substr(0, fault.find('='));
+    const std::string kind = kindOf(fault);
     const auto column =
         std::find_if(faultColumns().begin(), faultColumns().end() - 1, [&kind](const FaultColumn& some) {
             return std::find(some.kinds.begin(), some.kinds.end(), kind) != some.kinds.end();
@@ -225,9 +227,9 @@ std::string endingsHead(const std::map<std::string, SeenRow>& rows) {
 
 How each command of the camera client ends under each fault of the [virtual camera](virtual-camera.md#faults):
 )" + counted(rows) +
-           R"(, over a pseudo-terminal with the real serial library. The fault matrix writes this page:
+           R"(. The fault matrix writes this page, in virtual time or with the real serial library:
 
-    scripts/fault-matrix.sh
+    scripts/fault-matrix.sh [--real-time]
 
 Times and log lines of each cell are in `out/fault-matrix/times.md` afterwards.
 

@@ -1,6 +1,5 @@
 // The take-picture flow and the list windows with the real serial library and a virtual camera.
 #include "app/captureflow.h"
-#include "emulator/line/ptyfront.h"
 #include "pictures/imgdialog.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
@@ -8,6 +7,7 @@
 #include "tests/support/cameratype.h"
 #include "tests/support/debuglog.h"
 #include "tests/support/stdoutcapture.h"
+#include "tests/support/testfront.h"
 #include "tests/support/workingdirectory.h"
 
 #include <QFile>
@@ -38,7 +38,7 @@ protected:
     ~EmulatedPictures() override { unplug(); }
 
     void plug(CameraType type) {
-        front = std::make_unique<emulator::PtyFront>(type);
+        front = std::make_unique<TestFront>(type);
         client = std::make_unique<CameraSp>(front->portName(), 460800);
         client->setSlaveAddress(
             front->withCamera([](VirtualCamera& camera) { return camera.settings().address; }));
@@ -87,7 +87,7 @@ protected:
         });
     }
 
-    std::unique_ptr<emulator::PtyFront> front;
+    std::unique_ptr<TestFront> front;
     std::unique_ptr<CameraSp> client;
     StdoutCapture out;
     DebugLog debug;

@@ -1,7 +1,7 @@
 // Check-ups of virtual cameras.
-#include "emulator/line/ptyfront.h"
 #include "service/checkup.h"
 #include "tests/support/stdoutcapture.h"
+#include "tests/support/testfront.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ protected:
     }
 
     StdoutCapture out;
-    emulator::PtyFront front{protocol::CameraType::ostra};
+    TestFront front{protocol::CameraType::ostra};
     service::LineQuality quality;
     CameraSp client{front.portName(), 460800};
     std::size_t told = 0;

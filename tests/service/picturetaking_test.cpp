@@ -1,8 +1,8 @@
 // Taking pictures of cameras of each kind.
-#include "emulator/line/ptyfront.h"
 #include "service/picturetaking.h"
 #include "service/readings.h"
 #include "tests/support/stdoutcapture.h"
+#include "tests/support/testfront.h"
 #include "tests/support/workingdirectory.h"
 
 #include <gmock/gmock.h>
@@ -18,7 +18,7 @@ protected:
     service::PictureResult take() { return service::takePicture(client, GetParam(), "."); }
 
     StdoutCapture out;
-    emulator::PtyFront front{GetParam()};
+    TestFront front{GetParam()};
     CameraSp client{front.portName(), protocol::infoOf(GetParam()).baudRate};
 };
 
@@ -59,7 +59,7 @@ protected:
     }
 
     StdoutCapture out;
-    emulator::PtyFront front{CameraType::ostra};
+    TestFront front{CameraType::ostra};
     CameraSp client{front.portName(), 460800};
 };
 

@@ -147,7 +147,7 @@ int main(int argc, char** argv) {
         shown = scenarioOf(options.seed);
     }
 
-    prepareProcess(options.window);
+    prepareProcess(argv, options.window);
     const Application application(argc, argv);
     warmUp();
     if (shown)

@@ -14,14 +14,26 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRandomGenerator>
 #include <QSettings>
 #include <QThreadPool>
 
 #include <iostream>
 #include <memory>
 #include <sstream>
+#include <sys/personality.h>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
+
+/// Goes before that of Qt, which asks the processor: random numbers come from the seed.
+quint64 QRandomGenerator::_fillRange(void* buffer, qptrdiff count) {
+    const auto number = [] { return static_cast<quint32>(world::draw(1ULL << 32U)); };
+    if (buffer == nullptr)
+        return count > 1 ? quint64{number()} << 32U | number() : number();
+    std::generate_n(static_cast<quint32*>(buffer), count, number);
+    return 0;
+}
 
 namespace simulation {
 
@@ -185,12 +197,19 @@ Outcome runSession(const Scenario& scenario, const View& view) {
     return outcome;
 }
 
-void prepareProcess(bool spectator) {
+void prepareProcess(char** arguments, bool spectator) {
     qputenv("QT_NO_GLIB", "1");   // Qt's own event loop waits where virtual time is
     qputenv("QT_HASH_SEED", "0"); // the order of hashes
     qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
     if (!spectator)
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Objects lie where they lay the last time. That is settled before main: begin once more.
+    constexpr const char* again = "SIMULATION_BEGUN";
+    if (qEnvironmentVariableIsSet(again))
+        return;
+    qputenv(again, "1");
+    ::personality(ADDR_NO_RANDOMIZE); // where the system allows it
+    ::execv("/proc/self/exe", arguments);
 }
 
 void warmUp() {

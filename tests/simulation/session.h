@@ -25,8 +25,9 @@ struct View {
 /// and no other thread.
 [[nodiscard]] Outcome runSession(const Scenario& scenario, const View& view = {});
 
-/// Before the application object: settings that make every run the same.
-void prepareProcess(bool spectator);
+/// First thing in main: settings that make every run the same. Starts the program anew with the same
+/// arguments.
+void prepareProcess(char** arguments, bool spectator);
 
 /// Makes what the first window of a process makes once: fonts, styles, caches. No thread is left.
 void warmUp();

@@ -5,10 +5,10 @@
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
+    simulation::prepareProcess(argv, false);
     testing::InitGoogleTest(&argc, argv);
     if (GTEST_FLAG_GET(list_tests))
         return RUN_ALL_TESTS();
-    simulation::prepareProcess(false);
     const Application application(argc, argv);
     simulation::warmUp();
     return RUN_ALL_TESTS();

@@ -1,11 +1,11 @@
-// The main window with a virtual camera on a pseudo-terminal.
+// The main window with a virtual camera.
 #pragma once
 
 #include "app/mainwindow.h"
-#include "emulator/line/ptyfront.h"
 #include "tests/support/guitest.h"
 #include "tests/support/stdoutcapture.h"
 #include "tests/support/testclock.h"
+#include "tests/support/testfront.h"
 
 #include <memory>
 #include <string>
@@ -33,7 +33,7 @@ public:
     StdoutCapture output;
     TestClock clock; ///< of the window; real until a test changes it
     DebugLog log;
-    emulator::PtyFront camera;
+    TestFront camera;
     std::unique_ptr<MainWindow> window;
 };
 

@@ -4,6 +4,7 @@
 
 #ifdef TEST_APPLICATION
 #include TEST_APPLICATION_HEADER
+#include <QTemporaryDir>
 #endif
 
 #include <gmock/gmock.h>
@@ -13,6 +14,12 @@ int main(int argc, char** argv) {
 #ifdef TEST_APPLICATION
     if (GTEST_FLAG_GET(list_tests)) // ctest asks for names: no windows needed
         return RUN_ALL_TESTS();
+    // File dialogs lock their settings; in virtual time a wait for another process would be over at once.
+    const QTemporaryDir settings;
+    qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
+#ifdef CAMERA_VIRTUAL_TIME
+    qputenv("QT_NO_GLIB", "1"); // Qt's own event loop waits where virtual time is
+#endif
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const TEST_APPLICATION application(argc, argv);

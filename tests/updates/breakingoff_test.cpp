@@ -4,8 +4,6 @@
 #include <QElapsedTimer>
 #include <QMessageBox>
 
-#include <filesystem>
-
 using namespace guitest;
 using namespace std::chrono_literals;
 using emulator::VirtualCamera;
@@ -54,13 +52,7 @@ protected:
         QTest::qWait(moment.afterMs);
         ASSERT_EQ(enabledExchanges(), QStringList()) << "the upload is over already";
     }
-    [[nodiscard]] bool portHeld() {
-        int holders = 0;
-        std::error_code ignored;
-        for (const auto& each : std::filesystem::directory_iterator("/proc/self/fd"))
-            holders += std::filesystem::read_symlink(each.path(), ignored) == camera.portName() ? 1 : 0;
-        return holders > 1; // the virtual camera has it open once
-    }
+    [[nodiscard]] bool portHeld() const { return isOpenByTool(camera.portName()); }
     void expectEnded(const QElapsedTimer& time, const BoxAnswerer& boxes) {
         constexpr int machineSlackMs = 500;
         EXPECT_LT(time.elapsed(), GetParam().longestMs + machineSlackMs);

@@ -8,7 +8,6 @@
 
 using namespace std::chrono_literals;
 using namespace uploadcells;
-using emulator::PtyFront;
 using emulator::UploadRecord;
 using emulator::VirtualCamera;
 
@@ -65,7 +64,7 @@ void storeFile(const Bytes& bytes) {
 }
 
 /// A camera that restarts at once after an update and soon gives up a broken upload.
-void prepare(PtyFront& front, const Cell& cell, const Bytes& file) {
+void prepare(TestFront& front, const Cell& cell, const Bytes& file) {
     front.setPace(cell.pace);
     front.withCamera([&](VirtualCamera& camera) {
         camera.settings().updateRestartTime = 0s;
@@ -103,7 +102,7 @@ void requireSent(Complaints& complaints, const Cell& cell, const UploadRecord& r
 }
 
 /// The camera's record after the last byte has arrived.
-emulator::CameraRecord settledRecord(PtyFront& front, Sent sent) {
+emulator::CameraRecord settledRecord(TestFront& front, Sent sent) {
     const auto longest = Clock::now() + 2s;
     while (sent == Sent::everything && Clock::now() < longest) {
         const emulator::CameraRecord record = recordOf(front);
@@ -119,7 +118,7 @@ Complaints runCell(const Cell& cell) {
     Complaints complaints(nameOf(cell.kind) + " " + cell.fault + " " + cell.verdictFault + " holding " +
                           std::to_string(cell.held));
     const Bytes file = storedFile();
-    PtyFront front;
+    TestFront front;
     prepare(front, cell, file);
     const auto client = connect(front);
     const bool result = upload(*client, cell.kind);
@@ -214,7 +213,7 @@ TEST_F(RawUploads, FollowTheVerdictWhereThereIsOne) {
 TEST_F(RawUploads, SendNothingWhenTheFileDoesNotFitIntoMemory) {
     storeFile({});
     std::filesystem::resize_file(std::filesystem::path(u8"新 固件 v2.bin"), std::uintmax_t{0x7FFFFFFF});
-    PtyFront front;
+    TestFront front;
     const auto client = connect(front);
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
@@ -287,7 +286,7 @@ TEST_P(RawUploadKinds, FailWhenTheDeviceVanishes) {
 TEST_P(RawUploadKinds, AreResumedWhereTheDeviceVanished) {
     const Bytes file = content(60000);
     storeFile(file);
-    PtyFront front;
+    TestFront front;
     prepare(front, {GetParam(), "upload-hang-up=50", false, Sent::some, 0, "", 60000}, file);
     auto client = connect(front);
     EXPECT_FALSE(upload(*client, GetParam()));
@@ -308,7 +307,7 @@ TEST_P(RawUploadKinds, AreResumedWhereTheDeviceVanished) {
 TEST_P(RawUploadKinds, ContinueAfterShortWrites) {
     const Bytes file = content(60000);
     storeFile(file);
-    PtyFront front;
+    TestFront front;
     prepare(front, {GetParam(), "stall=50,3500", false, Sent::some, 0, "", 0}, file);
     const auto client = connect(front);
     const bool system = GetParam() == Kind::system;
@@ -345,7 +344,7 @@ TEST_P(RawUploadKinds, EndWithinOneTimeoutOfAStop) {
                                  Moment{"stall=0,0", 3500ms, 1100ms}, Moment{"no-verdict", 3500ms, 1100ms}}) {
         if (GetParam() == Kind::system && std::string(moment.fault) == "no-verdict")
             continue;
-        PtyFront front;
+        TestFront front;
         prepare(front, {GetParam(), moment.fault, false, Sent::some, 0, "", 0}, file);
         const auto client = connect(front);
         auto running = std::async(std::launch::async, [&] { return upload(*client, GetParam()); });

@@ -4,7 +4,6 @@
 
 using namespace std::chrono_literals;
 using namespace uploadcells;
-using emulator::PtyFront;
 using emulator::VirtualCamera;
 
 namespace {
@@ -21,7 +20,7 @@ Complaints runCell(const Cell& cell) {
     for (const std::string& fault : cell.faults)
         name += " " + fault;
     Complaints complaints(name);
-    PtyFront front(emulator::CameraType::salesDynamic);
+    TestFront front(emulator::CameraType::salesDynamic);
     front.withCamera([&cell](VirtualCamera& camera) {
         camera.settings().holdsAnnouncedImage = cell.holdsImage;
         camera.settings().updateRestartTime = 0s;
@@ -107,7 +106,7 @@ TEST_F(SecondProtocolUploads, FailWhenTheDeviceVanishes) {
 }
 
 TEST_F(SecondProtocolUploads, FailOnAFileThatCannotBeOpened) {
-    PtyFront front(emulator::CameraType::salesDynamic);
+    TestFront front(emulator::CameraType::salesDynamic);
     const auto client = connect(front);
     EXPECT_FALSE(client->appUpdateV1("missing.bin", "missing.bin"));
     EXPECT_TRUE(out.has("appupdate2 file cant open"));

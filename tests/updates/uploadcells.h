@@ -1,8 +1,8 @@
 // Uploads to virtual cameras over pseudo-terminals, many at once: they mostly wait.
 #pragma once
 
-#include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
+#include "tests/support/testfront.h"
 #include "tests/support/workingdirectory.h"
 
 #include <gtest/gtest.h>
@@ -31,14 +31,14 @@ inline Bytes content(std::size_t size) {
     return bytes;
 }
 
-inline std::unique_ptr<CameraSp> connect(emulator::PtyFront& front) {
+inline std::unique_ptr<CameraSp> connect(TestFront& front) {
     auto client = std::make_unique<CameraSp>(front.portName(), 460800);
     client->setSlaveAddress(
         front.withCamera([](emulator::VirtualCamera& camera) { return camera.settings().address; }));
     return client;
 }
 
-inline emulator::CameraRecord recordOf(emulator::PtyFront& front) {
+inline emulator::CameraRecord recordOf(TestFront& front) {
     return front.withCamera([](emulator::VirtualCamera& camera) { return camera.record(); });
 }
 

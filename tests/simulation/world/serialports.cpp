@@ -80,6 +80,14 @@ namespace serial {
 
 using world::SimulatedLine;
 
+namespace {
+
+const IOException deviceFailed("serialports", 0, EIO);
+const SerialException
+    nothingWritten("device reports readiness to write but returned no data (device disconnected?)");
+
+} // namespace
+
 class Serial::SerialImpl {
 public:
     SerialImpl(std::string name, Timeout limits) : port(std::move(name)), timeout(limits) {
@@ -103,15 +111,12 @@ public:
         if (port.empty())
             throw PortNotOpenedException(function);
     }
-    /// False: nothing is at the other end. Throws when the device is gone.
-    [[nodiscard]] SimulatedLine* requireDevice(int error) const {
+    /// Null: nothing is at the other end.
+    template <typename Failure>
+    [[nodiscard]] SimulatedLine* requireDevice(const Failure& whenGone) const {
         const world::SimulatedPort* const there = world::findPort(port);
-        if (there == nullptr || (there->line != nullptr && !there->line->isPresent())) {
-            if (error == 0)
-                throw SerialException(
-                    "device reports readiness to read but returned no data (device disconnected?)");
-            throw IOException("serialports", 0, error);
-        }
+        if (there == nullptr || (there->line != nullptr && !there->line->isPresent()))
+            throw whenGone;
         return there->line;
     }
 
@@ -167,7 +172,7 @@ size_t Serial::available() {
     world::tell(pimpl_->port, [] { return "available"; });
     if (pimpl_->port.empty())
         return 0;
-    SimulatedLine* const line = pimpl_->requireDevice(EIO);
+    SimulatedLine* const line = pimpl_->requireDevice(deviceFailed);
     return line == nullptr ? 0 : line->available();
 }
 
@@ -181,7 +186,7 @@ size_t Serial::write(const uint8_t* data, size_t size) {
         world::deadline(timeout.write_timeout_constant, timeout.write_timeout_multiplier, size);
     size_t written = 0;
     while (written < size) {
-        SimulatedLine* const line = pimpl_->requireDevice(EIO);
+        SimulatedLine* const line = pimpl_->requireDevice(nothingWritten);
         if (line == nullptr)
             return size;
         written += line->send(std::span(data + written, size - written));
@@ -200,7 +205,7 @@ size_t Serial::read(std::vector<uint8_t>& buffer, size_t size) {
         world::deadline(timeout.read_timeout_constant, timeout.read_timeout_multiplier, size);
     protocol::Bytes received;
     while (true) {
-        SimulatedLine* const line = pimpl_->requireDevice(0);
+        SimulatedLine* const line = pimpl_->requireDevice(deviceFailed);
         if (line != nullptr) {
             const protocol::Bytes more = line->take(size - received.size());
             received.insert(received.end(), more.begin(), more.end());

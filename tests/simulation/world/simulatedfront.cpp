@@ -7,7 +7,7 @@ SimulatedFront::SimulatedFront(emulator::VirtualCamera camera) : m_line(std::mov
 }
 
 SimulatedFront::~SimulatedFront() {
-    removePort(m_portName);
+    disappear();
     notifyAll(&m_line);
 }
 
@@ -15,10 +15,22 @@ void SimulatedFront::appear() {
     static int number = 0;
     m_portName = "/dev/simulated" + std::to_string(number++);
     addPort(m_portName, {"n/a", "n/a", &m_line, false, false});
+    if (!m_link.empty())
+        linkAt(m_link);
+}
+
+void SimulatedFront::disappear() {
+    removePort(m_portName);
+    removePort(m_link);
+}
+
+void SimulatedFront::linkAt(const std::string& path) {
+    m_link = path;
+    addPort(path, {"n/a", "n/a", &m_line, false, false});
 }
 
 void SimulatedFront::vanish() {
-    removePort(m_portName);
+    disappear();
     m_portName.clear();
     m_line.setPresent(false);
 }
@@ -26,14 +38,16 @@ void SimulatedFront::vanish() {
 void SimulatedFront::comeBack() {
     if (m_line.isPresent())
         return;
-    removePort(m_portName);
+    disappear();
     appear();
     m_line.setPresent(true);
 }
 
 void SimulatedFront::setBusy(bool busy) {
-    if (SimulatedPort* const port = findPort(m_portName))
-        port->busy = busy;
+    for (const std::string& name : {m_portName, m_link}) {
+        if (SimulatedPort* const port = findPort(name))
+            port->busy = busy;
+    }
 }
 
 } // namespace world

@@ -27,6 +27,8 @@ public:
     [[nodiscard]] emulator::Time now() const { return m_line.lineTime(); }
     [[nodiscard]] bool lineOpen() { return m_line.isPresent(); }
     void setPace(std::uint32_t bytesPerSecond) { m_line.setPace(bytesPerSecond); }
+    /// A second name of the port, which stays the same through vanish and comeBack.
+    void linkAt(const std::string& path);
     void vanish();
     void comeBack();
     void setBusy(bool busy);
@@ -38,9 +40,11 @@ private:
     };
 
     void appear();
+    void disappear();
 
     SimulatedLine m_line;
     std::string m_portName;
+    std::string m_link; ///< empty: none
 };
 
 } // namespace world

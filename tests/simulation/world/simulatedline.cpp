@@ -74,7 +74,8 @@ std::optional<Time> SimulatedLine::nextEvent() const {
     std::optional<Time> next;
     if (const auto due = m_camera.nextDue())
         next = std::max(toWorld(*due), m_start);
-    if (!m_toCamera.empty()) {
+    const bool readsAgain = m_camera.readingPausedUntil() != emulator::Time::max();
+    if (!m_toCamera.empty() && readsAgain) {
         const Time arrives = std::max(m_toCamera.front().arrives, toWorld(m_camera.readingPausedUntil()));
         next = std::min(next.value_or(arrives), arrives);
     }

@@ -157,38 +157,50 @@ long wakeFutex(const int* word, int count) {
     return 1;
 }
 
-/// Changes the second word, wakes those who wait for the first, and those who wait for the second if its old
-/// value fits the comparison.
-long wakeFutexAndChange(const int* word, int count, int* second, long secondCount, unsigned int encoded) {
-    const unsigned int operation = (encoded >> 28U) & 7U;
-    const unsigned int comparison = (encoded >> 24U) & 15U;
-    const unsigned int raw = (encoded >> 12U) & 0xFFFU;
-    const int value = static_cast<int>((encoded >> 31U) != 0 ? 1U << raw : raw);
-    const int compared = static_cast<int>(encoded & 0xFFFU);
-    const int old = *second;
-    switch (operation) {
-    case FUTEX_OP_SET:
-        *second = value;
-        break;
-    case FUTEX_OP_ADD:
-        *second = old + value;
-        break;
-    case FUTEX_OP_OR:
-        *second = old | value;
-        break;
-    case FUTEX_OP_ANDN:
-        *second = old & ~value;
-        break;
-    default:
-        *second = old ^ value;
-        break;
-    }
-    const std::array<bool, 6> fits{old == compared, old != compared,
-                                   old<compared, old <= compared, old> compared, old >= compared};
-    wakeFutex(word, count);
-    if (fits.at(comparison))
-        wakeFutex(second, static_cast<int>(secondCount));
-    return 1;
+/// FUTEX_WAKE_OP, as Qt's semaphores use it: changes the second word, wakes waiters of the first, and those
+/// of the second if its old value compares true.
+long changeAndWakeFutex(const int* word, int count, int* second, int secondCount, unsigned int operation) {
+    const auto signExtended = [](unsigned int bits) { return static_cast<int>(bits << 20U) >> 20; };
+    int argument = signExtended(operation >> 12U & 0xFFFU);
+    if ((operation >> 28U & FUTEX_OP_OPARG_SHIFT) != 0)
+        argument = 1 << argument;
+    const int old = __atomic_load_n(second, __ATOMIC_SEQ_CST);
+    const auto changed = [&] {
+        switch (operation >> 28U & 7U) {
+        case FUTEX_OP_ADD:
+            return old + argument;
+        case FUTEX_OP_OR:
+            return old | argument;
+        case FUTEX_OP_ANDN:
+            return old & ~argument;
+        case FUTEX_OP_XOR:
+            return old ^ argument;
+        default:
+            return argument;
+        }
+    };
+    __atomic_store_n(second, changed(), __ATOMIC_SEQ_CST);
+    const int limit = signExtended(operation & 0xFFFU);
+    const auto compares = [&] {
+        switch (operation >> 24U & 15U) {
+        case FUTEX_OP_CMP_EQ:
+            return old == limit;
+        case FUTEX_OP_CMP_NE:
+            return old != limit;
+        case FUTEX_OP_CMP_LT:
+            return old < limit;
+        case FUTEX_OP_CMP_LE:
+            return old <= limit;
+        case FUTEX_OP_CMP_GT:
+            return old > limit;
+        default:
+            return old >= limit;
+        }
+    };
+    long woken = wakeFutex(word, count);
+    if (compares())
+        woken += wakeFutex(second, secondCount);
+    return woken;
 }
 
 using SystemCall = long(long, ...);
@@ -373,7 +385,8 @@ long syscall(long number, ...) noexcept {
         case FUTEX_WAKE_BITSET:
             return wakeFutex(word, value);
         case FUTEX_WAKE_OP:
-            return wakeFutexAndChange(word, value, reinterpret_cast<int*>(arguments[4]), arguments[3],
+            return changeAndWakeFutex(word, value, reinterpret_cast<int*>(arguments[4]),
+                                      static_cast<int>(arguments[3]),
                                       static_cast<unsigned int>(arguments[5]));
         default:
             break;
