@@ -152,8 +152,12 @@ void CameraSp::setPictureFolder(const std::string& folder) {
     m_line->pictureFolder = folder;
 }
 
-void CameraSp::setLineObserver(LineObserver* observer) {
-    m_line->setObserver(observer);
+void CameraSp::addLineObserver(LineObserver& observer) {
+    m_line->observers().add(observer);
+}
+
+void CameraSp::removeLineObserver(const LineObserver& observer) {
+    m_line->observers().remove(observer);
 }
 
 Clock& CameraSp::clock() const {

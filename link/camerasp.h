@@ -177,8 +177,10 @@ public:
 
     [[nodiscard]] const TransferProgress& progress() const;
     [[nodiscard]] Clock& clock() const;
-    /// Observes all bytes from now on. Null: none.
-    void setLineObserver(LineObserver* observer);
+    /// Observes all bytes from now on, beside other observers.
+    void addLineObserver(LineObserver& observer);
+    /// Returns when the observer is called no more.
+    void removeLineObserver(const LineObserver& observer);
 
 private:
     /// Values of the upload setters.
@@ -198,4 +200,19 @@ private:
     std::uint32_t m_baudRate = 9600;
     UploadTexts m_texts;
     QuantitySequence m_quantities;
+};
+
+/// Observes the line while it lives. The client and the observer outlive it.
+class LineObservation {
+public:
+    LineObservation(CameraSp& camera, LineObserver& observer) : m_camera(camera), m_observer(observer) {
+        m_camera.addLineObserver(m_observer);
+    }
+    ~LineObservation() { m_camera.removeLineObserver(m_observer); }
+    LineObservation(const LineObservation&) = delete;
+    LineObservation& operator=(const LineObservation&) = delete;
+
+private:
+    CameraSp& m_camera;
+    LineObserver& m_observer;
 };

@@ -5,7 +5,7 @@
 #include "link/protocol/bytes.h"
 
 /// Called on the thread that has the turn, between two library calls: must return soon and not throw.
-/// Outlives the link, or is taken away first.
+/// Outlives the link, or is removed first.
 class LineObserver {
 public:
     LineObserver() = default;

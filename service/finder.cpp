@@ -67,7 +67,8 @@ void findCameras(const FindPlan& plan, const FindObserver& observer, const std::
         if (stopped)
             return;
         CameraSp camera(plan.port, rate);
-        camera.setLineObserver(line);
+        if (line != nullptr)
+            camera.addLineObserver(*line);
         if (!tryAddresses(camera, rate, plan, attempt, observer, stopped))
             return;
         attempt += plan.addresses.size();
