@@ -73,6 +73,7 @@ MainWindow::MainWindow(QWidget* parent, Clock& clock)
     connectMenus();
     connectUpdates();
     connectPictures();
+    connectAids();
     if (const auto* const application = qobject_cast<Application*>(QCoreApplication::instance()))
         connect(application, &Application::failureReported, m_statusLine.get(), &StatusLine::showOutcome);
 
@@ -331,6 +332,6 @@ void MainWindow::openAbout() {
 void MainWindow::lendTo(ClientBorrower& borrower) {
     borrower.setObserver(m_statusLine.get());
     // Commands in the window's constructor have failed already.
-    if (m_camera == nullptr)
+    if (m_camera == nullptr && borrower.needsClient())
         m_statusLine->clientMissing();
 }

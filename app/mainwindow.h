@@ -59,6 +59,7 @@ private:
     void connectMenus();
     void connectUpdates();
     void connectPictures();
+    void connectAids();
     void finishStart();
 
     // --- the controls ---
@@ -92,6 +93,9 @@ private:
     /// link is open.
     template <typename Window, typename... Arguments>
     Window* openWindow(Arguments&&... arguments);
+    /// The same, unless a window of this kind is open: shows that one.
+    template <typename Window, typename... Arguments>
+    void openOnce(Arguments&&... arguments);
     /// The menu entry opens a window that borrows the client.
     template <typename Window>
     void connectWindow(QAction* entry);
@@ -120,6 +124,9 @@ private:
     void rebootCamera();
     void resetToFactory();
     void enterPictureOffset();
+
+    // --- the button "更多" (mainwindow_aids.cpp) ---
+    void showManual();
 
     // --- uploads (mainwindow_updates.cpp) ---
     struct ReturnWait;
@@ -201,6 +208,16 @@ Window* MainWindow::openWindow(Arguments&&... arguments) {
     pressButtonsByEnter(window);
     window->show();
     return window;
+}
+
+template <typename Window, typename... Arguments>
+void MainWindow::openOnce(Arguments&&... arguments) {
+    if (auto* const window = m_windows.opened<Window>()) {
+        window->raise();
+        window->activateWindow();
+        return;
+    }
+    openWindow<Window>(std::forward<Arguments>(arguments)...);
 }
 
 template <typename Window>

@@ -37,8 +37,12 @@ public:
     /// False before, true after an upload, capture or return wait: the window is disabled in between and
     /// starts no exchange.
     void setExchangeAllowed(bool allowed);
+    /// False for a window that is of use without a client.
+    [[nodiscard]] virtual bool needsClient() const { return true; }
 
 protected:
+    /// Called when the link opened or is about to end. client() tells which.
+    virtual void clientChanged() {}
     [[nodiscard]] CameraSp* client() const { return m_client; }
     /// The client's clock; without a client the system's.
     [[nodiscard]] Clock& clock() const { return m_client != nullptr ? m_client->clock() : Clock::system(); }
