@@ -148,8 +148,8 @@ const TransferProgress& CameraSp::progress() const {
     return m_line->progress;
 }
 
-void CameraSp::setPictureFolder(const std::string& folder) {
-    m_line->pictureFolder = folder;
+std::string CameraSp::setPictureFolder(const std::string& folder) {
+    return std::exchange(m_line->pictureFolder, folder);
 }
 
 void CameraSp::addLineObserver(LineObserver& observer) {
