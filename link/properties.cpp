@@ -48,8 +48,9 @@ bool heartBeat(CameraLine& line, std::optional<std::uint8_t> address) {
     return runCommand(line, LineUser::command, {}, false, [&] {
         const ExchangeRule& rule = rules::testHeartBeat;
         const Bytes payload{0x00};
-        const CameraLine::Answer answer = line.exchangeRequest(
-            rule, address ? buildFrame(code(rule.command), payload, *address) : line.buildRequest(rule, payload));
+        const CameraLine::Answer answer =
+            line.exchangeRequest(rule, address ? buildFrame(code(rule.command), payload, *address)
+                                               : line.buildRequest(rule, payload));
         for (const std::uint8_t byte : heartbeatBytes(answer.bytes))
             diagnostics::line("datas:", std::to_string(byte));
         diagnostics::line("hex str:", heartbeatText(answer.bytes));
