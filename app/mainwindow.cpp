@@ -265,6 +265,7 @@ void MainWindow::toggleLink() {
 void MainWindow::openLink() {
     const QString port = QString::fromStdString(m_portName);
     qDebug() << port << "  " << m_baudRate;
+    releaseChosenPort();
     // If the port does not open, the exception leaves here and nothing has changed.
     auto camera = std::make_unique<CameraSp>(m_portName, m_baudRate, m_clock);
     camera->setSlaveAddress(static_cast<std::int32_t>(m_slaveAddress));
@@ -308,9 +309,13 @@ void MainWindow::lendClient(CameraSp* client) {
 }
 
 void MainWindow::applyCameraProtocol() {
+    m_ui->sel_baund->setCurrentText(QString::number(protocol::cameraTypeInfo(m_cameraType).baudRate));
+    applyAddress();
+}
+
+void MainWindow::applyAddress() {
     if (m_camera != nullptr)
         m_camera->setSlaveAddress(static_cast<std::int32_t>(m_slaveAddress));
-    m_ui->sel_baund->setCurrentText(QString::number(protocol::cameraTypeInfo(m_cameraType).baudRate));
     m_ui->label_slaveinfo->setText(tr("当前从机地址:") + QString::number(m_slaveAddress));
     showLink();
 }

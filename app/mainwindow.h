@@ -1,12 +1,14 @@
 // The main window of the tool.
 #pragma once
 
+#include "aids/linkowner.h"
 #include "app/captureflow.h"
 #include "app/openwindows.h"
 #include "app/windowkeys.h"
 #include "link/camerasp.h"
 #include "link/protocol/cameratypes.h"
 #include "linkaccess/clientborrower.h"
+#include "service/visit.h"
 
 #include <QMainWindow>
 
@@ -39,7 +41,7 @@ class MainWindow;
 ///
 /// Two rules switch the controls: the port rule enables them by the state of the link; allowExchange(false)
 /// disables everything that starts an exchange while a job or an upload uses the client.
-class MainWindow final : public QMainWindow, private ClientBorrower {
+class MainWindow final : public QMainWindow, private ClientBorrower, private LinkOwner {
     Q_OBJECT
 
 public:
@@ -87,6 +89,8 @@ private:
     /// Asks before an upload or return wait is interrupted; false keeps the link.
     bool confirmInterruption();
     void applyCameraProtocol();
+    /// Applies the slave address to the link and shows it.
+    void applyAddress();
 
     // --- windows ---
     /// Opens a non-modal window that is deleted when it is closed. A ClientBorrower has the client while the
@@ -126,7 +130,13 @@ private:
     void enterPictureOffset();
 
     // --- the button "更多" (mainwindow_aids.cpp) ---
+    void findCamera();
     void showManual();
+    QStringList choosablePorts() override;
+    [[nodiscard]] LinkFacts linkFacts() const override;
+    void useCamera(const service::FoundCamera& camera) override;
+    /// Ends searches, which may have the port open.
+    void releaseChosenPort() const;
 
     // --- uploads (mainwindow_updates.cpp) ---
     struct ReturnWait;
@@ -187,6 +197,7 @@ private:
     std::optional<CameraSp::AddressHold> m_addressHold;
 
     std::unique_ptr<CaptureFlow> m_captureFlow;
+    service::Visit m_visit;
     OpenWindows m_windows;
     bool m_exchangeAllowed = true;
 };
