@@ -1,6 +1,7 @@
 // Construction, the rules for the controls, opening and closing the link, and the windows of the menu.
 #include "app/mainwindow.h"
 
+#include "aids/linewatch.h"
 #include "app/application.h"
 #include "app/keepawake.h"
 #include "app/statusline.h"
@@ -275,6 +276,7 @@ void MainWindow::openLink() {
         m_statusLine->keepCounting();
         tellSystemAlive();
     });
+    m_lineWatch->linkOpened(*camera, port);
     m_camera = std::move(camera);
     m_opened = {port, m_baudRate};
     lendClient(m_camera.get());
@@ -295,6 +297,7 @@ void MainWindow::closeLink() {
     m_camera->waitUntilUnused();
     waitForTasks();
     endInterruptible();
+    m_lineWatch->linkClosed();
     m_camera.reset();
     freeExchange();
     showLink();

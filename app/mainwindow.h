@@ -24,6 +24,7 @@ class AppUpdateV1Task;
 class FirewareTask;
 class KeepAwake;
 class LineWait;
+class LineWatch;
 class ModelUpdateTask;
 class QPushButton;
 class StatusLine;
@@ -190,6 +191,7 @@ private:
     std::unique_ptr<StatusLine> m_statusLine;
     TransferDisplay* m_transferDisplay = nullptr;
     LineWait* m_lineWait = nullptr;
+    LineWatch* m_lineWatch = nullptr;
     CommandReport m_uploadReport;           ///< of the last upload
     std::unique_ptr<KeepAwake> m_keepAwake; ///< during an upload or a return wait
     bool m_interruptible = false;           ///< likewise: closing asks first

@@ -1,6 +1,7 @@
 // The entries of the button "更多", and what their windows need of the link.
 #include "aids/camerafinderwindow.h"
 #include "aids/checkupwindow.h"
+#include "aids/linerecordwindow.h"
 #include "aids/manual.h"
 #include "app/mainwindow.h"
 #include "app/moremenu.h"
@@ -8,11 +9,16 @@
 #include "ui_mainwindow.h"
 
 void MainWindow::connectAids() {
+    auto* const mark = new QualityMark(m_ui->statusbar);
+    m_ui->statusbar->addPermanentWidget(mark);
+    m_lineWatch = new LineWatch(m_clock, mark, this);
     auto* const menu = new MoreMenu(m_ui->statusbar);
     menu->addEntry("actionFindCamera", tr("查找摄像头"), this, &MainWindow::findCamera);
     connect(m_statusLine.get(), &StatusLine::searchWanted, this, &MainWindow::findCamera);
     menu->addEntry("actionCheckup", tr("一键检查"), this,
                    [this] { openOnce<CheckupWindow>(*this, m_visit, this, client()); });
+    menu->addEntry("actionLineRecord", tr("通信记录"), this,
+                   [this] { openOnce<LineRecordWindow>(this, m_lineWatch); });
     menu->addEntry("actionManual", tr("使用手册"), this, &MainWindow::showManual, QKeySequence::HelpContents);
 }
 

@@ -17,6 +17,10 @@ constexpr std::size_t leastCapacity = 4 * longestPiece;
 
 } // namespace
 
+std::size_t LineRecord::roomOf(protocol::ByteView bytes) {
+    return bytes.size() + sizeof(Head) * ((bytes.size() + longestPiece - 1) / longestPiece);
+}
+
 LineRecord::LineRecord(Clock::Time start, std::size_t capacity)
     : m_start(start), m_capacity(std::max(capacity, leastCapacity)),
       m_ring(std::make_unique_for_overwrite<std::uint8_t[]>(m_capacity)) {
@@ -45,9 +49,9 @@ void LineRecord::add(trace::Side from, protocol::ByteView bytes, trace::Time at)
 }
 
 void LineRecord::addPiece(const Head& head, const std::uint8_t* bytes) {
-    const std::size_t room = roomOf(head.size);
+    const std::size_t room = sizeof head + head.size;
     while (m_end + room - m_begin > m_capacity)
-        m_begin += roomOf(headAt(m_begin).size);
+        m_begin += sizeof head + headAt(m_begin).size;
     copyIn(&head, sizeof head);
     copyIn(bytes, head.size);
 }
@@ -69,7 +73,7 @@ void LineRecord::read(Position from, Batch& batch) const {
         batch.chunks.push_back({at, head.from, head.at, first, head.size});
         batch.bytes.resize(first + head.size);
         copyOut(at + sizeof head, batch.bytes.data() + first, head.size);
-        at += roomOf(head.size);
+        at += sizeof head + head.size;
     }
     batch.next = at;
 }

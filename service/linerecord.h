@@ -26,8 +26,8 @@ public:
     void received(protocol::ByteView bytes, Clock::Time now) override;
     void add(trace::Side from, protocol::ByteView bytes, trace::Time at);
 
-    /// Room that a chunk takes.
-    [[nodiscard]] static constexpr std::size_t roomOf(std::size_t bytes) { return sizeof(Head) + bytes; }
+    /// Capacity that these bytes take, added at once.
+    [[nodiscard]] static std::size_t roomOf(protocol::ByteView bytes);
     [[nodiscard]] trace::Time timeOf(Clock::Time now) const;
     /// Of the oldest chunk.
     [[nodiscard]] Position begin() const;

@@ -77,7 +77,7 @@ TEST(LineRecord, OldestChunksMakeRoom) {
     for (int i = 0; i < 100; ++i)
         record.add(i % 2 == 0 ? Side::tool : Side::camera, chunk, trace::Time(i));
     const Content content = contentOf(record);
-    EXPECT_EQ(content.chunks.size(), smallCapacity / LineRecord::roomOf(chunk.size()));
+    EXPECT_EQ(content.chunks.size(), smallCapacity / LineRecord::roomOf(chunk));
     EXPECT_EQ(content.chunks.back().at, trace::Time(99));
     for (std::size_t i = 0; i < content.chunks.size(); ++i) {
         EXPECT_EQ(content.bytes[i], chunk);
