@@ -5,6 +5,8 @@
 
 #include <QBrush>
 #include <QColor>
+#include <QGuiApplication>
+#include <QPalette>
 
 using service::LineRow;
 using trace::LineItem;
@@ -13,7 +15,13 @@ using Role = service::Judgement::Role;
 namespace {
 
 constexpr int rememberedWords = 500; // rows; a screen shows fewer
-const QColor oddColour(0xB0, 0x3A, 0x2E);
+
+/// Readable on a light and on a dark ground.
+QColor oddColour() {
+    constexpr int middle = 128;
+    const bool dark = QGuiApplication::palette().base().color().lightness() < middle;
+    return dark ? QColor(0xFF, 0x8A, 0x80) : QColor(0xB0, 0x3A, 0x2E);
+}
 
 QString wrongText(const LineRow& row) {
     if (row.kind == LineRow::Kind::gap)
@@ -164,7 +172,7 @@ QVariant LineRecordModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
         return cell(shown, index.column());
     case Qt::ForegroundRole:
-        return shown.row.isOdd() ? QVariant(QBrush(oddColour)) : QVariant();
+        return shown.row.isOdd() ? QVariant(QBrush(oddColour())) : QVariant();
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(index.column() == sizeColumn || index.column() == tookColumn
                                        ? Qt::AlignRight | Qt::AlignVCenter

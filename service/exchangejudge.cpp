@@ -74,7 +74,7 @@ Judgement ExchangeJudge::judge(const LineItem& item) {
     case LineItem::Kind::brokenOff:
         return item.from == trace::Side::tool ? Judgement{} : judgeBroken(item);
     case LineItem::Kind::stray:
-        return item.from == trace::Side::tool ? Judgement{} : judgeStray();
+        return item.from == trace::Side::tool ? Judgement{} : judgeStray(item);
     case LineItem::Kind::data:
         return judgeData(item);
     }
@@ -143,11 +143,12 @@ Judgement ExchangeJudge::judgeBroken(const LineItem& item) {
 }
 
 /// The gyro test is answered without a frame, perhaps in pieces.
-Judgement ExchangeJudge::judgeStray() {
+Judgement ExchangeJudge::judgeStray(const LineItem& item) {
     Judgement judgement;
     judgement.role = m_unframed ? Role::other : Role::stray;
     if (m_pending && m_pending->lineCode == protocol::code(Command::gyroTest)) {
         judgement.role = Role::answer;
+        judgement.took = item.lastAt - m_pending->at;
         m_pending.reset();
         m_unframed = true;
     }

@@ -63,7 +63,7 @@ private:
     [[nodiscard]] Judgement judgeData(const trace::LineItem& data);
     [[nodiscard]] Judgement judgeAnswer(const trace::LineItem& item);
     [[nodiscard]] Judgement judgeBroken(const trace::LineItem& item);
-    [[nodiscard]] Judgement judgeStray();
+    [[nodiscard]] Judgement judgeStray(const trace::LineItem& item);
     [[nodiscard]] Judgement begin(const Pending& pending);
 
     std::optional<Pending> m_pending;

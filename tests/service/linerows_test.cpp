@@ -173,6 +173,7 @@ TEST_F(Rows, GyroAnswerWithoutFrameIsAnAnswer) {
     const auto found = all();
     ASSERT_EQ(found.size(), 3U);
     EXPECT_EQ(found[1].role, Role::answer);
+    EXPECT_EQ(found[1].took, 10ms);
     EXPECT_FALSE(found[2].isOdd());
 }
 
