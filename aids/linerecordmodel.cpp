@@ -14,7 +14,8 @@ using Role = service::Judgement::Role;
 
 namespace {
 
-constexpr int rememberedWords = 500; // rows; a screen shows fewer
+constexpr trace::Time shortestSlack{500}; // shorter ones are not shown
+constexpr int rememberedWords = 500;      // rows; a screen shows fewer
 
 /// Readable on a light and on a dark ground.
 QColor oddColour() {
@@ -63,8 +64,9 @@ QString oddText(const LineRow& row) {
 QString tookText(const LineRow& row) {
     if (row.took == trace::Time{0})
         return {};
-    return LineRecordModel::tr("%1 ms").arg(std::chrono::duration<double, std::milli>(row.took).count(), 0,
-                                            'f', 1);
+    const bool atMost = row.kind == LineRow::Kind::item && row.slack > shortestSlack;
+    return (atMost ? LineRecordModel::tr("≤ %1 ms") : LineRecordModel::tr("%1 ms"))
+        .arg(std::chrono::duration<double, std::milli>(row.took).count(), 0, 'f', 1);
 }
 
 QString caption(int column) {

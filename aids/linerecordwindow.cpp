@@ -78,7 +78,7 @@ LineRecordWindow::LineRecordWindow(QWidget* parent, LineWatch* watch)
     setWidth(LineRecordModel::timeColumn, "00:00:00.000");
     setWidth(LineRecordModel::directionColumn, "发送");
     setWidth(LineRecordModel::sizeColumn, "00000000");
-    setWidth(LineRecordModel::tookColumn, "00000.0 ms");
+    setWidth(LineRecordModel::tookColumn, "≤ 00000.0 ms");
     setWidth(LineRecordModel::oddColumn, "前有 00 个杂散字节");
     m_ui->text_bytes->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_ui->splitter->setStretchFactor(0, 3);

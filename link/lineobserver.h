@@ -15,5 +15,6 @@ public:
 
     /// Before the bytes are handed to the system.
     virtual void sending(protocol::ByteView bytes, Clock::Time now) = 0;
-    virtual void received(protocol::ByteView bytes, Clock::Time now) = 0;
+    /// The last byte came between `earliest` and `now`: a read that expires keeps what came until its end.
+    virtual void received(protocol::ByteView bytes, Clock::Time earliest, Clock::Time now) = 0;
 };

@@ -16,8 +16,8 @@ void LineObservers::sending(protocol::ByteView bytes, Clock::Time now) {
         observer->sending(bytes, now);
 }
 
-void LineObservers::received(protocol::ByteView bytes, Clock::Time now) {
+void LineObservers::received(protocol::ByteView bytes, Clock::Time earliest, Clock::Time now) {
     const std::lock_guard lock(m_mutex);
     for (LineObserver* const observer : m_observers)
-        observer->received(bytes, now);
+        observer->received(bytes, earliest, now);
 }

@@ -14,7 +14,7 @@ public:
     void remove(const LineObserver& observer);
 
     void sending(protocol::ByteView bytes, Clock::Time now) override;
-    void received(protocol::ByteView bytes, Clock::Time now) override;
+    void received(protocol::ByteView bytes, Clock::Time earliest, Clock::Time now) override;
 
 private:
     std::mutex m_mutex;

@@ -69,8 +69,12 @@ std::size_t SerialPort::write(protocol::ByteView bytes) {
 
 std::size_t SerialPort::read(protocol::Bytes& buffer, std::size_t count) {
     const std::size_t before = buffer.size();
+    const Clock::Time began = m_clock.now();
     const std::size_t read = guard([&] { return m_serial.read(buffer, count); });
-    if (buffer.size() > before)
-        m_observers.received(protocol::ByteView(buffer).range(before, buffer.size()), m_clock.now());
+    if (buffer.size() > before) {
+        const Clock::Time ended = m_clock.now();
+        m_observers.received(protocol::ByteView(buffer).range(before, buffer.size()),
+                             read < count ? began : ended, ended);
+    }
     return read;
 }

@@ -47,6 +47,7 @@ void writeRecording(const LineLog& log, bool blankSerials, const trace::Recorder
     trace::RecordingHead head = log.head;
     head.serialsBlanked = head.serialsBlanked || blankSerials;
     trace::Recorder recorder(head, sink);
+    recorder.note(trace::Time{0}, "times of the camera's bytes are the earliest possible");
     const Start start = startOf(log);
     std::size_t skip = start.skip;
     LineRecord::Batch batch;
@@ -57,7 +58,7 @@ void writeRecording(const LineLog& log, bool blankSerials, const trace::Recorder
         for (const LineRecord::Chunk& chunk : batch.chunks) {
             const std::size_t left = chunk.from == start.from ? std::min(skip, chunk.size) : 0;
             skip -= left;
-            recorder.pass(chunk.from, batch.bytesOf(chunk).range(left, chunk.size), chunk.at);
+            recorder.pass(chunk.from, batch.bytesOf(chunk).range(left, chunk.size), chunk.at - chunk.slack);
         }
     }
     recorder.finish();

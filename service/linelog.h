@@ -22,7 +22,8 @@ public:
     LineRows rows;
 };
 
-/// Gives the sink all that the log holds, from its oldest whole row on. Exceptions of the sink leave it.
+/// Gives the sink all that the log holds, from its oldest whole row on. The camera's bytes get the earliest
+/// time at which they may have come: a replay is then in time. Exceptions of the sink leave it.
 void writeRecording(const LineLog& log, bool blankSerials, const trace::Recorder::Sink& sink);
 
 } // namespace service

@@ -31,19 +31,19 @@ void LineRecord::sending(protocol::ByteView bytes, Clock::Time now) {
     add(trace::Side::tool, bytes, timeOf(now));
 }
 
-void LineRecord::received(protocol::ByteView bytes, Clock::Time now) {
-    add(trace::Side::camera, bytes, timeOf(now));
+void LineRecord::received(protocol::ByteView bytes, Clock::Time earliest, Clock::Time now) {
+    add(trace::Side::camera, bytes, timeOf(now), timeOf(now) - timeOf(earliest));
 }
 
 trace::Time LineRecord::timeOf(Clock::Time now) const {
     return std::max(trace::Time{0}, std::chrono::duration_cast<trace::Time>(now - m_start));
 }
 
-void LineRecord::add(trace::Side from, protocol::ByteView bytes, trace::Time at) {
+void LineRecord::add(trace::Side from, protocol::ByteView bytes, trace::Time at, trace::Time slack) {
     const std::lock_guard lock(m_mutex);
     while (!bytes.empty()) {
         const std::size_t size = std::min(bytes.size(), longestPiece);
-        addPiece({at, static_cast<std::uint32_t>(size), from}, bytes.begin());
+        addPiece({at, slack, static_cast<std::uint32_t>(size), from}, bytes.begin());
         bytes = bytes.range(size, bytes.size());
     }
 }
@@ -70,7 +70,7 @@ void LineRecord::read(Position from, Batch& batch) const {
     while (at < m_end && batch.bytes.size() < batchBytes && batch.chunks.size() < batchChunks) {
         const Head head = headAt(at);
         const std::size_t first = batch.bytes.size();
-        batch.chunks.push_back({at, head.from, head.at, first, head.size});
+        batch.chunks.push_back({at, head.from, head.at, head.slack, first, head.size});
         batch.bytes.resize(first + head.size);
         copyOut(at + sizeof head, batch.bytes.data() + first, head.size);
         at += sizeof head + head.size;

@@ -23,8 +23,9 @@ public:
     explicit LineRecord(Clock::Time start, std::size_t capacity = usualCapacity);
 
     void sending(protocol::ByteView bytes, Clock::Time now) override;
-    void received(protocol::ByteView bytes, Clock::Time now) override;
-    void add(trace::Side from, protocol::ByteView bytes, trace::Time at);
+    void received(protocol::ByteView bytes, Clock::Time earliest, Clock::Time now) override;
+    /// The last byte came between `at - slack` and `at`.
+    void add(trace::Side from, protocol::ByteView bytes, trace::Time at, trace::Time slack = {});
 
     /// Capacity that these bytes take, added at once.
     [[nodiscard]] static std::size_t roomOf(protocol::ByteView bytes);
@@ -36,6 +37,7 @@ public:
         Position position = 0;
         trace::Side from = trace::Side::tool;
         trace::Time at{0};
+        trace::Time slack{0};
         std::size_t first = 0; ///< of its bytes in the batch's
         std::size_t size = 0;
     };
@@ -57,6 +59,7 @@ public:
 private:
     struct Head {
         trace::Time at;
+        trace::Time slack;
         std::uint32_t size;
         trace::Side from;
     };

@@ -51,6 +51,7 @@ void LineRows::take(const LineRecord::Chunk& chunk, protocol::ByteView bytes) {
     mine.size += bytes.size();
     m_lastChunk[static_cast<std::size_t>(chunk.from)] = chunk.position;
     m_lastByte = chunk.at;
+    m_slack = chunk.slack;
     if (chunk.from == Side::camera)
         m_lastAnswerByte = chunk.at;
     addItems(m_follower.receive(chunk.from, bytes, chunk.at));
@@ -81,6 +82,7 @@ void LineRows::addItem(const LineItem& item) {
     row.uploadCode = item.uploadCode;
     row.at = item.lastAt;
     row.took = judgement.took;
+    row.slack = m_slack;
     row.size = size;
     row.expected = item.expected;
     row.first = from.first;

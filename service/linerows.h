@@ -24,6 +24,7 @@ struct LineRow {
     std::uint8_t uploadCode = 0;
     trace::Time at{0};              ///< of the last byte
     trace::Time took{0};            ///< answer: since its request; nothing: the wait
+    trace::Time slack{0};           ///< the last byte may have come this much earlier
     std::size_t size = 0;           ///< bytes
     std::size_t expected = 0;       ///< data: announced size
     std::size_t strayBefore = 0;    ///< frame of the camera: stray bytes in front of it
@@ -82,6 +83,7 @@ private:
     std::array<Open, 2> m_open;
     std::array<LineRecord::Position, 2> m_lastChunk{};
     trace::Time m_lastByte{0};
+    trace::Time m_slack{0}; ///< of the chunk being decoded
     trace::Time m_lastAnswerByte{0};
     std::size_t m_strayBefore = 0;
     std::optional<LineRow> m_request; ///< of the exchange under way

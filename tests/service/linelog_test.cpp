@@ -58,6 +58,13 @@ TEST_F(Log, RecordingHoldsHeadBytesAndTimes) {
     EXPECT_EQ(recording.entries[1].from, Side::camera);
 }
 
+TEST_F(Log, AnswerGetsItsEarliestTime) {
+    log.record.add(Side::tool, hex(heartbeatRequest), 10ms);
+    log.record.add(Side::camera, hex(heartbeatAnswer), 210ms, 199ms);
+    log.rows.update(210ms);
+    EXPECT_EQ(recordingOf(log).entries[1].at, 11ms);
+}
+
 TEST_F(Log, SerialNumbersAreBlanked) {
     exchange(getSnRequest, snAnswerA1);
     EXPECT_THAT(textOf(log, true), testing::Not(testing::HasSubstr("\"A1\"")));

@@ -60,7 +60,7 @@ Content contentOf(const LineRecord& record) {
 TEST(LineRecord, KeepsBytesSidesAndTimes) {
     LineRecord record(Clock::Time{5s});
     record.sending(hex("01 02"), Clock::Time{5s + 3ms});
-    record.received(hex("03"), Clock::Time{5s + 7ms});
+    record.received(hex("03"), Clock::Time{5s + 4ms}, Clock::Time{5s + 7ms});
     const Content content = contentOf(record);
     ASSERT_EQ(content.chunks.size(), 2U);
     EXPECT_EQ(content.bytes[0], hex("01 02"));
@@ -69,6 +69,7 @@ TEST(LineRecord, KeepsBytesSidesAndTimes) {
     EXPECT_EQ(content.chunks[1].from, Side::camera);
     EXPECT_EQ(content.chunks[0].at, 3ms);
     EXPECT_EQ(content.chunks[1].at, 7ms);
+    EXPECT_EQ(content.chunks[1].slack, 3ms);
 }
 
 TEST(LineRecord, OldestChunksMakeRoom) {
@@ -141,7 +142,9 @@ TEST(LineRecord, ReadsWhileAnotherThreadAdds) {
     LineRecord::Batch batch;
     LineRecord::Position next = 0;
     trace::Time last{-1};
+    bool ended = false;
     do {
+        ended = done;
         record.read(next, batch);
         for (const LineRecord::Chunk& chunk : batch.chunks) {
             EXPECT_GT(chunk.at, last);
@@ -150,7 +153,7 @@ TEST(LineRecord, ReadsWhileAnotherThreadAdds) {
             EXPECT_EQ(batch.bytesOf(chunk).toBytes(), Bytes(chunk.size, value));
         }
         next = batch.next;
-    } while (!done || !batch.chunks.empty());
+    } while (!ended || !batch.chunks.empty());
     writer.join();
     EXPECT_EQ(last, trace::Time(19999));
 }

@@ -59,6 +59,15 @@ TEST_F(Rows, ExchangeIsTwoRowsWithTimeOfAnswer) {
     EXPECT_FALSE(found[1].isOdd());
 }
 
+TEST_F(Rows, AnswerOfAnExpiredReadMayHaveComeEarlier) {
+    tool(heartbeatRequest);
+    record.add(Side::camera, hex(heartbeatAnswer), now += 200ms, 199ms);
+    const auto found = all();
+    EXPECT_EQ(found[1].took, 200ms);
+    EXPECT_EQ(found[1].slack, 199ms);
+    EXPECT_EQ(found[0].slack, 0ms);
+}
+
 TEST_F(Rows, SayCommandAndFields) {
     tool(getSnRequest);
     camera(snAnswerA1);
