@@ -30,7 +30,7 @@ void LineWatch::linkClosed() {
     m_observation.reset();
     if (m_log != nullptr)
         m_log->rows.finish(m_log->record.timeOf(m_clock.now()));
-    m_mark->hide();
+    m_mark->clear();
 }
 
 void LineWatch::setPictureOffset(std::uint8_t offset) {

@@ -37,6 +37,10 @@ QualityMark::QualityMark(QWidget* parent) : QLabel(parent) {
 void QualityMark::showSignal(const service::RecentExchanges& recent) {
     const auto signal = recent.signal();
     const service::LineCounts counts = recent.counts();
+    if (counts == m_counts && signal == m_signal)
+        return;
+    m_counts = counts;
+    m_signal = signal;
     setText(signalText(signal));
     setToolTip(tr("最近 %1 次命令：应答 %2，没有应答 %3，迟到 %4，损坏 %5，杂散字节 %6，最慢 %7 ms")
                    .arg(counts.requests)
@@ -48,4 +52,8 @@ void QualityMark::showSignal(const service::RecentExchanges& recent) {
                    .arg(counts.slowest.count()) +
                advice(signal));
     setVisible(!text().isEmpty());
+}
+
+void QualityMark::clear() {
+    showSignal({});
 }

@@ -13,4 +13,9 @@ public:
     explicit QualityMark(QWidget* parent = nullptr);
 
     void showSignal(const service::RecentExchanges& recent);
+    void clear();
+
+private:
+    service::LineCounts m_counts; ///< shown
+    service::RecentExchanges::Signal m_signal = service::RecentExchanges::Signal::unknown;
 };

@@ -17,6 +17,7 @@ struct LineCounts {
 
     [[nodiscard]] bool isOdd() const { return late > 0 || broken > 0 || strayBytes > 0; }
     LineCounts& operator+=(const LineCounts& other);
+    bool operator==(const LineCounts&) const = default;
 };
 
 /// What an item is to the exchange under way.
