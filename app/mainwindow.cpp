@@ -1,6 +1,7 @@
 // Construction, the rules for the controls, opening and closing the link, and the windows of the menu.
 #include "app/mainwindow.h"
 
+#include "aids/linewatch.h"
 #include "app/application.h"
 #include "app/keepawake.h"
 #include "app/statusline.h"
@@ -73,6 +74,7 @@ MainWindow::MainWindow(QWidget* parent, Clock& clock)
     connectMenus();
     connectUpdates();
     connectPictures();
+    connectAids();
     if (const auto* const application = qobject_cast<Application*>(QCoreApplication::instance()))
         connect(application, &Application::failureReported, m_statusLine.get(), &StatusLine::showOutcome);
 
@@ -264,6 +266,7 @@ void MainWindow::toggleLink() {
 void MainWindow::openLink() {
     const QString port = QString::fromStdString(m_portName);
     qDebug() << port << "  " << m_baudRate;
+    releaseChosenPort();
     // If the port does not open, the exception leaves here and nothing has changed.
     auto camera = std::make_unique<CameraSp>(m_portName, m_baudRate, m_clock);
     camera->setSlaveAddress(static_cast<std::int32_t>(m_slaveAddress));
@@ -273,6 +276,7 @@ void MainWindow::openLink() {
         m_statusLine->keepCounting();
         tellSystemAlive();
     });
+    m_lineWatch->linkOpened(*camera, port);
     m_camera = std::move(camera);
     m_opened = {port, m_baudRate};
     lendClient(m_camera.get());
@@ -293,6 +297,7 @@ void MainWindow::closeLink() {
     m_camera->waitUntilUnused();
     waitForTasks();
     endInterruptible();
+    m_lineWatch->linkClosed();
     m_camera.reset();
     freeExchange();
     showLink();
@@ -307,9 +312,13 @@ void MainWindow::lendClient(CameraSp* client) {
 }
 
 void MainWindow::applyCameraProtocol() {
+    m_ui->sel_baund->setCurrentText(QString::number(protocol::cameraTypeInfo(m_cameraType).baudRate));
+    applyAddress();
+}
+
+void MainWindow::applyAddress() {
     if (m_camera != nullptr)
         m_camera->setSlaveAddress(static_cast<std::int32_t>(m_slaveAddress));
-    m_ui->sel_baund->setCurrentText(QString::number(protocol::cameraTypeInfo(m_cameraType).baudRate));
     m_ui->label_slaveinfo->setText(tr("当前从机地址:") + QString::number(m_slaveAddress));
     showLink();
 }
@@ -331,6 +340,6 @@ void MainWindow::openAbout() {
 void MainWindow::lendTo(ClientBorrower& borrower) {
     borrower.setObserver(m_statusLine.get());
     // Commands in the window's constructor have failed already.
-    if (m_camera == nullptr)
+    if (m_camera == nullptr && borrower.needsClient())
         m_statusLine->clientMissing();
 }

@@ -1,12 +1,14 @@
 // The main window of the tool.
 #pragma once
 
+#include "aids/linkowner.h"
 #include "app/captureflow.h"
 #include "app/openwindows.h"
 #include "app/windowkeys.h"
 #include "link/camerasp.h"
 #include "link/protocol/cameratypes.h"
 #include "linkaccess/clientborrower.h"
+#include "service/visit.h"
 
 #include <QMainWindow>
 
@@ -22,6 +24,7 @@ class AppUpdateV1Task;
 class FirewareTask;
 class KeepAwake;
 class LineWait;
+class LineWatch;
 class ModelUpdateTask;
 class QPushButton;
 class StatusLine;
@@ -39,7 +42,7 @@ class MainWindow;
 ///
 /// Two rules switch the controls: the port rule enables them by the state of the link; allowExchange(false)
 /// disables everything that starts an exchange while a job or an upload uses the client.
-class MainWindow final : public QMainWindow, private ClientBorrower {
+class MainWindow final : public QMainWindow, private ClientBorrower, private LinkOwner {
     Q_OBJECT
 
 public:
@@ -59,6 +62,7 @@ private:
     void connectMenus();
     void connectUpdates();
     void connectPictures();
+    void connectAids();
     void finishStart();
 
     // --- the controls ---
@@ -86,12 +90,17 @@ private:
     /// Asks before an upload or return wait is interrupted; false keeps the link.
     bool confirmInterruption();
     void applyCameraProtocol();
+    /// Applies the slave address to the link and shows it.
+    void applyAddress();
 
     // --- windows ---
     /// Opens a non-modal window that is deleted when it is closed. A ClientBorrower has the client while the
     /// link is open.
     template <typename Window, typename... Arguments>
     Window* openWindow(Arguments&&... arguments);
+    /// The same, unless a window of this kind is open: shows that one.
+    template <typename Window, typename... Arguments>
+    void openOnce(Arguments&&... arguments);
     /// The menu entry opens a window that borrows the client.
     template <typename Window>
     void connectWindow(QAction* entry);
@@ -120,6 +129,15 @@ private:
     void rebootCamera();
     void resetToFactory();
     void enterPictureOffset();
+
+    // --- the button "更多" (mainwindow_aids.cpp) ---
+    void findCamera();
+    void showManual();
+    QStringList choosablePorts() override;
+    [[nodiscard]] LinkFacts linkFacts() const override;
+    void useCamera(const service::FoundCamera& camera) override;
+    /// Ends searches, which may have the port open.
+    void releaseChosenPort() const;
 
     // --- uploads (mainwindow_updates.cpp) ---
     struct ReturnWait;
@@ -173,6 +191,7 @@ private:
     std::unique_ptr<StatusLine> m_statusLine;
     TransferDisplay* m_transferDisplay = nullptr;
     LineWait* m_lineWait = nullptr;
+    LineWatch* m_lineWatch = nullptr;
     CommandReport m_uploadReport;           ///< of the last upload
     std::unique_ptr<KeepAwake> m_keepAwake; ///< during an upload or a return wait
     bool m_interruptible = false;           ///< likewise: closing asks first
@@ -180,6 +199,7 @@ private:
     std::optional<CameraSp::AddressHold> m_addressHold;
 
     std::unique_ptr<CaptureFlow> m_captureFlow;
+    service::Visit m_visit;
     OpenWindows m_windows;
     bool m_exchangeAllowed = true;
 };
@@ -201,6 +221,16 @@ Window* MainWindow::openWindow(Arguments&&... arguments) {
     pressButtonsByEnter(window);
     window->show();
     return window;
+}
+
+template <typename Window, typename... Arguments>
+void MainWindow::openOnce(Arguments&&... arguments) {
+    if (auto* const window = m_windows.opened<Window>()) {
+        window->raise();
+        window->activateWindow();
+        return;
+    }
+    openWindow<Window>(std::forward<Arguments>(arguments)...);
 }
 
 template <typename Window>

@@ -1,4 +1,5 @@
 // The status controls: heartbeat, versions, model information, gyro, reboot, factory reset, picture offset.
+#include "aids/linewatch.h"
 #include "app/mainwindow.h"
 #include "app/statusline.h"
 #include "link/protocol/commands.h"
@@ -163,6 +164,7 @@ void MainWindow::enterPictureOffset() {
         return;
     }
     m_camera->setOriginPicCmdExtraAdd(static_cast<std::uint8_t>(offset));
+    m_lineWatch->setPictureOffset(static_cast<std::uint8_t>(offset));
     m_statusLine->showOutcome(entered ? tr("图片命令附加值：%1").arg(offset)
                                       : tr("已取消输入，图片命令附加值恢复为 0"));
 }

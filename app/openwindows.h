@@ -18,6 +18,16 @@ public:
     void attachClient(CameraSp* client);
     /// Disables (false) or enables all borrowers.
     void setExchangeAllowed(bool allowed);
+    /// The visible window of this kind, or null.
+    template <typename Window>
+    [[nodiscard]] Window* opened() const {
+        for (const Entry& entry : m_entries) {
+            auto* const window = qobject_cast<Window*>(entry.window.data());
+            if (window != nullptr && window->isVisible())
+                return window;
+        }
+        return nullptr;
+    }
     void closeAll();
     void deleteAll();
 

@@ -4,6 +4,7 @@
 #include "service/reportwords.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTime>
 
@@ -20,12 +21,31 @@ constexpr auto tickInterval = 250ms;
 } // namespace
 
 StatusLine::StatusLine(QStatusBar* bar, const Clock& clock)
-    : m_clock(clock), m_bar(bar), m_link(new QLabel(bar)) {
+    : m_clock(clock), m_bar(bar), m_link(new QLabel(bar)), m_searchLink(new QPushButton(bar)) {
     m_link->setObjectName(QStringLiteral("label_link"));
     m_link->setAccessibleName(tr("连接"));
+    addSearchLink();
     m_bar->addPermanentWidget(m_link);
     m_tick.setInterval(tickInterval);
     connect(&m_tick, &QTimer::timeout, this, &StatusLine::tick);
+}
+
+void StatusLine::addSearchLink() {
+    m_searchLink->setObjectName(QStringLiteral("link_search"));
+    m_searchLink->setText(tr("查找摄像头"));
+    m_searchLink->setFlat(true);
+    m_searchLink->setCursor(Qt::PointingHandCursor);
+    m_searchLink->setStyleSheet(QStringLiteral(
+        "QPushButton { color: palette(link); text-decoration: underline; border: none; padding: 0 4px; }"
+        "QPushButton:focus { border: 1px dotted palette(link); }"));
+    m_bar->addPermanentWidget(m_searchLink);
+    offerSearch(false);
+    connect(m_searchLink, &QPushButton::clicked, this, &StatusLine::searchWanted);
+}
+
+void StatusLine::offerSearch(bool offered) {
+    m_searchLink->setVisible(offered);
+    m_searchLink->setFocusPolicy(offered ? Qt::StrongFocus : Qt::NoFocus);
 }
 
 void StatusLine::setClient(const CameraSp* client) {
@@ -39,8 +59,10 @@ void StatusLine::setLinkText(const QString& text) {
 }
 
 void StatusLine::showState(const QString& text) {
-    if (!m_held)
-        m_bar->showMessage(text);
+    if (m_held)
+        return;
+    offerSearch(false);
+    m_bar->showMessage(text);
 }
 
 void StatusLine::holdState(const QString& text) {
@@ -87,6 +109,8 @@ void StatusLine::useEnded(const LinkUse& use, const UseOutcome& outcome) {
     if (const auto age = ageOf(use); age >= worthTelling)
         text += tr("（用时 %1 秒）").arg(std::chrono::duration<double>(age).count(), 0, 'f', 1);
     showOutcome(text);
+    const bool silent = outcome.report.end == CommandEnd::noAnswer && !outcome.partly;
+    offerSearch(silent && !m_held && m_client != nullptr && !m_client->portFailed());
 }
 
 std::shared_ptr<const LinkUse> StatusLine::latestUse() {

@@ -12,10 +12,12 @@
 
 class CameraSp;
 class QLabel;
+class QPushButton;
 class QStatusBar;
 
 /// Writes the status bar: left a state, the current action, or an outcome with the time of day; right the
-/// link. User-interface thread.
+/// link. After an action without a usable answer the message ends with a link to the search for cameras.
+/// User-interface thread.
 class StatusLine final : public QObject, public LinkUseObserver {
     Q_OBJECT
 
@@ -46,7 +48,13 @@ public:
     /// Call it often.
     void keepCounting();
 
+signals:
+    void searchWanted();
+
 private:
+    void addSearchLink();
+    /// Also decides about the tab stop: a hidden control must be none.
+    void offerSearch(bool offered);
     /// The newest running action with a name.
     [[nodiscard]] std::shared_ptr<const LinkUse> latestUse();
     /// True if the message changed.
@@ -58,6 +66,7 @@ private:
     const Clock& m_clock;
     QStatusBar* m_bar;
     QLabel* m_link;
+    QPushButton* m_searchLink;
     const CameraSp* m_client = nullptr;
     std::vector<std::weak_ptr<const LinkUse>> m_uses;
     QString m_runningText; ///< last text of showRunning

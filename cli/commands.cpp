@@ -5,7 +5,6 @@
 #include "link/protocol/commands.h"
 #include "link/protocol/storetimes.h"
 #include "service/checkup.h"
-#include "service/picturetaking.h"
 #include "service/report.h"
 #include "service/reportwords.h"
 
@@ -14,7 +13,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <array>
@@ -173,18 +171,6 @@ Result runDoor(const CommandContext& context) {
 
 // --- check-up ----------------------------------------------------------------------------------------------
 
-void takeReportPicture(const CommandContext& context, service::Checkup& checkup) {
-    const QTemporaryDir folder;
-    context.camera.setPictureFolder(folder.path().toStdString());
-    const service::PictureResult taken =
-        service::takePicture(context.camera, context.options.type, folder.path());
-    QFile file(taken.file);
-    if (taken.succeeded() && file.open(QIODevice::ReadOnly))
-        checkup.picture = file.readAll();
-    else
-        checkup.pictureFailure = reportWords(taken.report);
-}
-
 Result runCheck(const CommandContext& context) {
     QStringList lines;
     service::Checkup checkup = service::runCheckup(
@@ -202,7 +188,7 @@ Result runCheck(const CommandContext& context) {
     checkup.port = QString::fromStdString(context.port);
     checkup.address = context.options.usedAddress();
     if (context.options.command.takesPicture)
-        takeReportPicture(context, checkup);
+        service::takeCheckupPicture(context.camera, checkup);
     Result result;
     result.fields = service::checkupJson(checkup);
     lines.append(commandWords("结论：%1").arg(service::verdictWords(checkup.verdict())));
@@ -213,12 +199,10 @@ Result runCheck(const CommandContext& context) {
     }
     if (context.camera.portFailed())
         return failureOf(commandWords("检查"), {CommandEnd::portFailed});
-    const bool silent = std::all_of(checkup.lines.begin(), checkup.lines.end(),
-                                    [](const auto& line) { return line.value.end == CommandEnd::noAnswer; });
-    if (silent)
+    if (checkup.isSilent())
         result = failureOf(commandWords("检查"), {CommandEnd::noAnswer});
     if (const QString path = context.fileFor(QString::fromStdString(context.options.command.file));
-        !path.isEmpty() && !silent) {
+        !path.isEmpty() && !checkup.isSilent()) {
         if (const QString error = service::writeReport(checkup, path); !error.isEmpty())
             return failure(ExitCode::file, error);
         result.fields.insert(QLatin1String("report"), path);

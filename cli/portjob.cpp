@@ -1,7 +1,6 @@
 #include "cli/portjob.h"
 
 #include "service/failuretext.h"
-#include "service/lineobservers.h"
 #include "service/linequality.h"
 #include "service/linerecording.h"
 #include "service/transfertext.h"
@@ -135,8 +134,6 @@ Result PortJob::run(const Options& options, Output& output, bool severalPorts) {
 Result PortJob::use(const Options& options,
                     const std::function<Result(CameraSp& camera, service::LineQuality& quality)>& work) {
     service::LineQuality quality;
-    service::LineObservers observers;
-    observers.add(quality);
     std::optional<OpenLink> link;
     try {
         link.emplace(*this, options);
@@ -149,11 +146,14 @@ Result PortJob::use(const Options& options,
     } catch (const std::exception& error) {
         return failure(ExitCode::file, QString::fromUtf8(error.what()));
     }
+    CameraSp& camera = link->camera();
+    std::optional<LineObservation> recorded;
     if (recording)
-        observers.add(*recording);
-    link->camera().setLineObserver(&observers);
-    Result result = work(link->camera(), quality);
-    link->camera().setLineObserver(nullptr);
+        recorded.emplace(camera, *recording);
+    std::optional<LineObservation> counted(std::in_place, camera, quality);
+    Result result = work(camera, quality);
+    counted.reset();
+    recorded.reset();
     endRecording(recording.get(), result);
     if (m_stopped)
         result.code = ExitCode::interrupted;

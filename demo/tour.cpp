@@ -20,6 +20,7 @@ void Tour::run() {
     showDoorAndAbout();
     showHeartbeatAfterStaleBytes();
     takePicture(CameraType::ostra);
+    showLineRecord();
     listPictures(CameraType::ostra);
     setSerialNumber();
     setHeater();

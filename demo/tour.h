@@ -34,6 +34,8 @@ private:
     void uploadSystemImage();
     void uploadModel();
     void uploadAppImageV1();
+    // tourrecord.cpp
+    void showLineRecord();
     // toursettings.cpp
     void setSerialNumber();
     void setHeater();

@@ -36,8 +36,9 @@ CameraLine::CameraLine(const std::string& portName, std::uint32_t baudRate, std:
 // --- the turn --------------------------------------------------------------------------------------------
 
 LineTurn::Hold CameraLine::take(LineUser user) {
+    const bool nested = m_turn.userOnThisThread() != LineUser::none;
     LineTurn::Hold turn = m_turn.take(user, [this] { callBack(); });
-    if (turn && user == LineUser::download)
+    if (turn && user == LineUser::download && !nested)
         m_endDownload = false;
     if (turn && turn.hadToWait())
         discardLateAnswers();

@@ -84,7 +84,7 @@ public:
     void setWaitCallback(std::function<void()> callback) { m_waitCallback = std::move(callback); }
 
     [[nodiscard]] Clock& clock() const { return m_clock; }
-    void setObserver(LineObserver* observer) { m_port.setObserver(observer); }
+    [[nodiscard]] LineObservers& observers() { return m_port.observers(); }
     [[nodiscard]] bool portFailed() const { return m_port.hasFailed(); }
 
     // --- what enters frames ----------------------------------------------------------------------------

@@ -148,12 +148,16 @@ const TransferProgress& CameraSp::progress() const {
     return m_line->progress;
 }
 
-void CameraSp::setPictureFolder(const std::string& folder) {
-    m_line->pictureFolder = folder;
+std::string CameraSp::setPictureFolder(const std::string& folder) {
+    return std::exchange(m_line->pictureFolder, folder);
 }
 
-void CameraSp::setLineObserver(LineObserver* observer) {
-    m_line->setObserver(observer);
+void CameraSp::addLineObserver(LineObserver& observer) {
+    m_line->observers().add(observer);
+}
+
+void CameraSp::removeLineObserver(const LineObserver& observer) {
+    m_line->observers().remove(observer);
 }
 
 Clock& CameraSp::clock() const {

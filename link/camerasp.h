@@ -56,8 +56,9 @@ public:
     void setSlaveAddress(std::int32_t address);
     /// Added modulo 256 to the first-generation picture commands, except in takePic. Sends nothing.
     void setOriginPicCmdExtraAdd(std::uint8_t offset);
-    /// Where downloads write their pictures instead of the working directory; UTF-8. Set before the first.
-    void setPictureFolder(const std::string& folder);
+    /// Where downloads write their pictures instead of the working directory; UTF-8. Set before the first, or
+    /// with the turn of a download. Returns the folder before.
+    std::string setPictureFolder(const std::string& folder);
     /// UTF-8 paths and name of the next uploads.
     void setAppFilePath(const std::string& path);
     void setFirewareFilePath(const std::string& path);
@@ -65,6 +66,8 @@ public:
 
     // --- status and properties -------------------------------------------------------------------------
     bool testHeartBeat();
+    /// The same to this address; the address of other requests stays.
+    bool testHeartBeatAt(std::uint8_t address);
     /// Value bytes of a property.
     std::vector<std::uint8_t> getCommonProperty(std::uint8_t id, std::uint8_t command);
     /// Exactly the bytes of one read, framed or not.
@@ -119,8 +122,8 @@ public:
 
     // --- the turn on the line --------------------------------------------------------------------------
     /// Keeps the line for several commands of the calling thread: LineUser::reading for one exchange of a
-    /// sequence of background reads, LineUser::versions for a version query. Refused while a whole job has
-    /// the line.
+    /// sequence of background reads, LineUser::versions for a version query, LineUser::download for a picture
+    /// that is taken first. Refused while a whole job has the line.
     [[nodiscard]] LineTurn::Hold takeLine(LineUser user);
     /// Waits until no other sequence of background reads runs; refused only when the link is stopped.
     [[nodiscard]] LineTurn::Hold takeReadings();
@@ -177,8 +180,10 @@ public:
 
     [[nodiscard]] const TransferProgress& progress() const;
     [[nodiscard]] Clock& clock() const;
-    /// Observes all bytes from now on. Null: none.
-    void setLineObserver(LineObserver* observer);
+    /// Observes all bytes from now on, beside other observers.
+    void addLineObserver(LineObserver& observer);
+    /// Returns when the observer is called no more.
+    void removeLineObserver(const LineObserver& observer);
 
 private:
     /// Values of the upload setters.
@@ -198,4 +203,19 @@ private:
     std::uint32_t m_baudRate = 9600;
     UploadTexts m_texts;
     QuantitySequence m_quantities;
+};
+
+/// Observes the line while it lives. The client and the observer outlive it.
+class LineObservation {
+public:
+    LineObservation(CameraSp& camera, LineObserver& observer) : m_camera(camera), m_observer(observer) {
+        m_camera.addLineObserver(m_observer);
+    }
+    ~LineObservation() { m_camera.removeLineObserver(m_observer); }
+    LineObservation(const LineObservation&) = delete;
+    LineObservation& operator=(const LineObservation&) = delete;
+
+private:
+    CameraSp& m_camera;
+    LineObserver& m_observer;
 };

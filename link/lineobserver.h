@@ -5,7 +5,7 @@
 #include "link/protocol/bytes.h"
 
 /// Called on the thread that has the turn, between two library calls: must return soon and not throw.
-/// Outlives the link, or is taken away first.
+/// Outlives the link, or is removed first.
 class LineObserver {
 public:
     LineObserver() = default;
@@ -15,5 +15,6 @@ public:
 
     /// Before the bytes are handed to the system.
     virtual void sending(protocol::ByteView bytes, Clock::Time now) = 0;
-    virtual void received(protocol::ByteView bytes, Clock::Time now) = 0;
+    /// The last byte came between `earliest` and `now`: a read that expires keeps what came until its end.
+    virtual void received(protocol::ByteView bytes, Clock::Time earliest, Clock::Time now) = 0;
 };

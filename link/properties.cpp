@@ -6,6 +6,7 @@
 #include "link/runcommand.h"
 
 #include <ctime>
+#include <optional>
 
 using namespace protocol;
 
@@ -39,6 +40,24 @@ Bytes readProperty(CameraLine& line, const ExchangeRule& rule, std::uint8_t id) 
             line.setEnd(CommandEnd::empty);
         diagnostics::line("end commonproperty");
         return value;
+    });
+}
+
+/// Nothing: to the address of the line's requests.
+bool heartBeat(CameraLine& line, std::optional<std::uint8_t> address) {
+    return runCommand(line, LineUser::command, {}, false, [&] {
+        const ExchangeRule& rule = rules::testHeartBeat;
+        const Bytes payload{0x00};
+        const CameraLine::Answer answer =
+            line.exchangeRequest(rule, address ? buildFrame(code(rule.command), payload, *address)
+                                               : line.buildRequest(rule, payload));
+        for (const std::uint8_t byte : heartbeatBytes(answer.bytes))
+            diagnostics::line("datas:", std::to_string(byte));
+        diagnostics::line("hex str:", heartbeatText(answer.bytes));
+        const bool alive = isHeartbeatAnswer(answer.bytes);
+        if (!alive && !answer.bytes.empty())
+            line.setEnd(CommandEnd::unusable);
+        return alive;
     });
 }
 
@@ -76,16 +95,11 @@ bool restart(CameraLine& line, const ExchangeRule& rule) {
 } // namespace
 
 bool CameraSp::testHeartBeat() {
-    return runCommand(*m_line, LineUser::command, {}, false, [&] {
-        const CameraLine::Answer answer = m_line->exchange(rules::testHeartBeat, Bytes{0x00});
-        for (const std::uint8_t byte : heartbeatBytes(answer.bytes))
-            diagnostics::line("datas:", std::to_string(byte));
-        diagnostics::line("hex str:", heartbeatText(answer.bytes));
-        const bool alive = isHeartbeatAnswer(answer.bytes);
-        if (!alive && !answer.bytes.empty())
-            m_line->setEnd(CommandEnd::unusable);
-        return alive;
-    });
+    return heartBeat(*m_line, std::nullopt);
+}
+
+bool CameraSp::testHeartBeatAt(std::uint8_t address) {
+    return heartBeat(*m_line, address);
 }
 
 std::vector<std::uint8_t> CameraSp::getCommonProperty(std::uint8_t id, std::uint8_t command) {

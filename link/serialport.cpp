@@ -63,15 +63,18 @@ void SerialPort::flush() {
 }
 
 std::size_t SerialPort::write(protocol::ByteView bytes) {
-    if (LineObserver* const observer = m_observer)
-        observer->sending(bytes, m_clock.now());
+    m_observers.sending(bytes, m_clock.now());
     return guard([&] { return m_serial.write(bytes.begin(), bytes.size()); });
 }
 
 std::size_t SerialPort::read(protocol::Bytes& buffer, std::size_t count) {
     const std::size_t before = buffer.size();
+    const Clock::Time began = m_clock.now();
     const std::size_t read = guard([&] { return m_serial.read(buffer, count); });
-    if (LineObserver* const observer = m_observer; observer != nullptr && buffer.size() > before)
-        observer->received(protocol::ByteView(buffer).range(before, buffer.size()), m_clock.now());
+    if (buffer.size() > before) {
+        const Clock::Time ended = m_clock.now();
+        m_observers.received(protocol::ByteView(buffer).range(before, buffer.size()),
+                             read < count ? began : ended, ended);
+    }
     return read;
 }

@@ -1,7 +1,7 @@
 // The open serial port: the calls of the serial library that the link uses.
 #pragma once
 
-#include "link/lineobserver.h"
+#include "link/lineobservers.h"
 #include "link/protocol/bytes.h"
 
 #include <serial/serial.h>
@@ -32,8 +32,7 @@ public:
     /// Appends up to `count` bytes. Returns their number after all came or the read timeout expired.
     std::size_t read(protocol::Bytes& buffer, std::size_t count);
 
-    /// Null: none. Any thread.
-    void setObserver(LineObserver* observer) { m_observer = observer; }
+    [[nodiscard]] LineObservers& observers() { return m_observers; }
 
     /// True if the last call failed in the device. Any thread.
     [[nodiscard]] bool hasFailed() const { return m_failed; }
@@ -56,7 +55,7 @@ private:
     void readAway();
 
     const Clock& m_clock;
-    std::atomic<LineObserver*> m_observer{nullptr};
+    LineObservers m_observers;
     std::atomic<bool> m_failed{false};
     serial::Serial m_serial;
 };

@@ -10,6 +10,7 @@ ClientBorrower::~ClientBorrower() {
 void ClientBorrower::attachClient(CameraSp* client) {
     m_client = client;
     ++m_generation;
+    clientChanged();
 }
 
 void ClientBorrower::setObserver(LinkUseObserver* observer) {

@@ -12,6 +12,7 @@
 #include <QtConcurrentRun>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <tuple>
 #include <type_traits>
@@ -37,8 +38,12 @@ public:
     /// False before, true after an upload, capture or return wait: the window is disabled in between and
     /// starts no exchange.
     void setExchangeAllowed(bool allowed);
+    /// False for a window that is of use without a client.
+    [[nodiscard]] virtual bool needsClient() const { return true; }
 
 protected:
+    /// Called when the link opened or is about to end. client() tells which.
+    virtual void clientChanged() {}
     [[nodiscard]] CameraSp* client() const { return m_client; }
     /// The client's clock; without a client the system's.
     [[nodiscard]] Clock& clock() const { return m_client != nullptr ? m_client->clock() : Clock::system(); }
@@ -74,6 +79,7 @@ protected:
             CameraSp* client = nullptr;
             CameraSp::Lease lease;
             Work work;
+            auto run() { return work(client); }
         };
         std::shared_ptr<const LinkUse> use;
         if (m_client != nullptr)
@@ -92,17 +98,45 @@ protected:
                 endUse(*use, outcomeOf(result, report));
             apply(std::forward<decltype(result)>(result));
         };
-        std::ignore = QtConcurrent::run(
-            QThreadPool::globalInstance(), [job = std::move(job), deliver = std::move(deliver)]() mutable {
-                const ReportScope scope;
-                auto result = resultOf([&job] { return job->work(job->client); });
-                QTimer::singleShot(
-                    0, qApp,
-                    [deliver = std::move(deliver), result = std::move(result),
-                     report = scope.report()]() mutable { deliver(std::move(result), report); });
-                // The lease ends last: the thread that waits for it may end the application next.
-                job.reset();
-            });
+        start(std::move(job), std::move(deliver));
+    }
+
+    /// Runs `work()` on the pool, which uses no client, then `apply(result)` on the user-interface thread
+    /// unless the context died. The observer is not told.
+    template <typename Work, typename Apply>
+    static void runWithoutClient(QObject* context, Work work, Apply apply) {
+        struct Job {
+            Work work;
+            auto run() { return work(); }
+        };
+        auto deliver = [context = QPointer<QObject>(context),
+                        apply = std::move(apply)](auto&& result, const CommandReport&) mutable {
+            if (context != nullptr)
+                apply(std::forward<decltype(result)>(result));
+        };
+        start(std::make_shared<Job>(Job{std::move(work)}), std::move(deliver));
+    }
+
+    /// For work on the pool: a function that hands a value to `show` on the user-interface thread, in the
+    /// order of the calls and before the work's result. Dropped if the context died or the link changed.
+    template <typename Value>
+    [[nodiscard]] std::function<void(Value)> reporter(QObject* context,
+                                                      std::function<void(const Value& value)> show) const {
+        struct Target {
+            QPointer<QObject> context;
+            std::uint64_t generation;
+            std::function<void(const Value& value)> show;
+        };
+        auto target = std::make_shared<Target>(Target{context, m_generation, std::move(show)});
+        return [this, target = std::move(target)](Value value) {
+            QMetaObject::invokeMethod(
+                qApp,
+                [this, target, value = std::move(value)] {
+                    if (target->context != nullptr && target->generation == m_generation)
+                        target->show(value);
+                },
+                Qt::QueuedConnection);
+        };
     }
 
     /// Starts a use that the caller ends by endUse().
@@ -115,6 +149,20 @@ protected:
     [[nodiscard]] Wanted wanted() const { return m_wanted; }
 
 private:
+    template <typename Job, typename Deliver>
+    static void start(std::shared_ptr<Job> job, Deliver deliver) {
+        std::ignore = QtConcurrent::run(
+            QThreadPool::globalInstance(), [job = std::move(job), deliver = std::move(deliver)]() mutable {
+                const ReportScope scope;
+                auto result = resultOf([&job] { return job->run(); });
+                QTimer::singleShot(
+                    0, qApp,
+                    [deliver = std::move(deliver), result = std::move(result),
+                     report = scope.report()]() mutable { deliver(std::move(result), report); });
+                // The lease ends last: the thread that waits for it may end the application next.
+                job.reset();
+            });
+    }
     template <typename Work>
     static std::invoke_result_t<Work> resultOf(Work work) {
         try {

@@ -1,5 +1,11 @@
 #include "service/checkup.h"
 
+#include "service/picturetaking.h"
+#include "service/reportwords.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
 #include <algorithm>
 
 namespace service {
@@ -19,22 +25,53 @@ QString Checkup::textOf(std::string_view key) const {
     return {};
 }
 
+bool Checkup::isSilent() const {
+    return std::all_of(lines.begin(), lines.end(),
+                       [](const CheckLine& each) { return each.value.end == CommandEnd::noAnswer; });
+}
+
 Checkup runCheckup(CameraSp& camera, protocol::CameraType type, LineQuality& quality,
-                   const std::function<void(const CheckLine& line)>& read) {
+                   const std::function<void(const CheckLine& line)>& read, const std::atomic<bool>* stopped) {
     Checkup checkup;
     checkup.at = QDateTime::currentDateTime();
     checkup.baudRate = camera.baudRate();
     checkup.type = type;
+    const LineTurn::Hold order = camera.takeReadings();
     for (const Reading& reading : readings()) {
-        if (camera.stopRequested())
-            break;
         if (!reading.isKnownTo(type))
             continue;
-        checkup.lines.push_back({&reading, reading.read(camera, type)});
+        if (camera.stopRequested() || (stopped != nullptr && *stopped)) {
+            checkup.interruption = reportWords({CommandEnd::stopped});
+            break;
+        }
+        const ReadValue value = reading.read(camera, type);
+        if (value.end == CommandEnd::lineBusy || value.end == CommandEnd::stopped) {
+            checkup.interruption = value.reason;
+            break;
+        }
+        checkup.lines.push_back({&reading, value});
         read(checkup.lines.back());
     }
     checkup.line = quality.finish();
     return checkup;
+}
+
+void takeCheckupPicture(CameraSp& camera, Checkup& checkup) {
+    const LineTurn::Hold turn = camera.takeLine(LineUser::download);
+    if (!turn) {
+        checkup.pictureFailure = reportWords(
+            {camera.stopRequested() ? CommandEnd::stopped : CommandEnd::lineBusy, turn.busyWith()});
+        return;
+    }
+    const QTemporaryDir folder;
+    const std::string folderBefore = camera.setPictureFolder(folder.path().toStdString());
+    const PictureResult taken = takePicture(camera, checkup.type, folder.path());
+    camera.setPictureFolder(folderBefore);
+    QFile file(taken.file);
+    if (taken.succeeded() && file.open(QIODevice::ReadOnly))
+        checkup.picture = file.readAll();
+    else
+        checkup.pictureFailure = reportWords(taken.report);
 }
 
 } // namespace service

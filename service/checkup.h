@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QDateTime>
 
+#include <atomic>
 #include <functional>
 #include <vector>
 
@@ -27,16 +28,24 @@ struct Checkup {
     LineCounts line;
     QByteArray picture; ///< JPEG; empty: none was asked for or taken
     QString pictureFailure;
+    QString interruption; ///< why it ended early; empty: it is complete
 
     /// The worst of all lines; a line with odd counts is odd.
     [[nodiscard]] Verdict verdict() const;
+    /// True if the camera answered nothing.
+    [[nodiscard]] bool isSilent() const;
     /// The text of a reading; empty if it failed.
     [[nodiscard]] QString textOf(std::string_view key) const;
 };
 
-/// Reads what the type knows, line after line, on the calling thread and tells each. A stopped link ends it
-/// early. The observer counts the line from the start of the check-up.
+/// Reads what the type knows, line after line, on the calling thread and tells each. A stopped link, a whole
+/// job that asks for the line, and `stopped` end it early. The observer counts the line from the start of the
+/// check-up. Sequences of background reads wait for it.
 [[nodiscard]] Checkup runCheckup(CameraSp& camera, protocol::CameraType type, LineQuality& quality,
-                                 const std::function<void(const CheckLine& line)>& read);
+                                 const std::function<void(const CheckLine& line)>& read,
+                                 const std::atomic<bool>* stopped = nullptr);
+
+/// Takes a picture for the report, as one job that keeps the line. CameraSp::endDownload() ends it.
+void takeCheckupPicture(CameraSp& camera, Checkup& checkup);
 
 } // namespace service

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 
 namespace service {
@@ -14,29 +15,34 @@ struct PortLost : std::runtime_error {
     PortLost() : std::runtime_error("the port failed during the search") {}
 };
 
-/// False when the search is over.
-bool tryAddress(CameraSp& camera, const FoundCamera& candidate, const FindPlan& plan,
-                const FindObserver& observer) {
-    camera.setSlaveAddress(candidate.address);
-    const bool answered = camera.testHeartBeat() && camera.testHeartBeat();
+/// Two heartbeats without another user between them. Nothing: the line is refused.
+std::optional<bool> answersAt(CameraSp& camera, std::uint8_t address) {
+    const LineTurn::Hold turn = camera.takeLine(LineUser::reading);
+    if (!turn)
+        return std::nullopt;
+    const bool answered = camera.testHeartBeatAt(address) && camera.testHeartBeatAt(address);
     if (camera.portFailed())
         throw PortLost();
-    if (answered)
-        observer.found(candidate);
-    return !(answered && plan.firstOnly);
+    return answered;
 }
 
-/// False when the search is over.
-bool tryAddresses(CameraSp& camera, std::uint32_t rate, const FindPlan& plan, std::size_t attempt,
-                  const FindObserver& observer, const std::atomic<bool>& stopped) {
+/// Nothing: the search goes on.
+std::optional<FindEnd> tryAddresses(CameraSp& camera, std::uint32_t rate, const FindPlan& plan,
+                                    std::size_t attempt, const FindObserver& observer,
+                                    const std::atomic<bool>& stopped) {
     for (const std::uint8_t address : plan.addresses) {
         if (stopped || camera.stopRequested())
-            return false;
+            return FindEnd::stopped;
         observer.trying(attempt++);
-        if (!tryAddress(camera, {plan.port, rate, address}, plan, observer))
-            return false;
+        const std::optional<bool> answered = answersAt(camera, address);
+        if (!answered)
+            return camera.stopRequested() ? FindEnd::stopped : FindEnd::lineBusy;
+        if (*answered)
+            observer.found({plan.port, rate, address});
+        if (*answered && plan.firstOnly)
+            return FindEnd::complete;
     }
-    return true;
+    return std::nullopt;
 }
 
 } // namespace
@@ -60,23 +66,25 @@ std::vector<std::uint8_t> allAddresses() {
     return addresses;
 }
 
-void findCameras(const FindPlan& plan, const FindObserver& observer, const std::atomic<bool>& stopped,
-                 LineObserver* line) {
+FindEnd findCameras(const FindPlan& plan, const FindObserver& observer, const std::atomic<bool>& stopped,
+                    LineObserver* line) {
     std::size_t attempt = 0;
     for (const std::uint32_t rate : plan.rates) {
         if (stopped)
-            return;
+            return FindEnd::stopped;
         CameraSp camera(plan.port, rate);
-        camera.setLineObserver(line);
-        if (!tryAddresses(camera, rate, plan, attempt, observer, stopped))
-            return;
+        if (line != nullptr)
+            camera.addLineObserver(*line);
+        if (const auto end = tryAddresses(camera, rate, plan, attempt, observer, stopped))
+            return *end;
         attempt += plan.addresses.size();
     }
+    return FindEnd::complete;
 }
 
-void findCameras(CameraSp& camera, const FindPlan& plan, const FindObserver& observer,
-                 const std::atomic<bool>& stopped) {
-    tryAddresses(camera, camera.baudRate(), plan, 0, observer, stopped);
+FindEnd findCameras(CameraSp& camera, const FindPlan& plan, const FindObserver& observer,
+                    const std::atomic<bool>& stopped) {
+    return tryAddresses(camera, camera.baudRate(), plan, 0, observer, stopped).value_or(FindEnd::complete);
 }
 
 } // namespace service

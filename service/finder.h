@@ -32,6 +32,12 @@ struct FindObserver {
     std::function<void(const FoundCamera& camera)> found;
 };
 
+enum class FindEnd {
+    complete, ///< all attempts, or the first camera when that was enough
+    stopped,
+    lineBusy, ///< a whole job has the line or waits for it
+};
+
 /// The usual address of each type, each once.
 [[nodiscard]] std::vector<std::uint8_t> usualAddresses();
 /// 0 to 255, the usual ones first.
@@ -41,10 +47,10 @@ struct FindObserver {
 /// address before is not taken for one. Blocks; about 200 ms an attempt. Ends early when `stopped` is set.
 /// Throws the serial library's exception when the port cannot be opened, and std::runtime_error when it fails
 /// later.
-void findCameras(const FindPlan& plan, const FindObserver& observer, const std::atomic<bool>& stopped,
-                 LineObserver* line = nullptr);
-/// The same on an open link, at its rate. The client's address is that of the last attempt afterwards.
-void findCameras(CameraSp& camera, const FindPlan& plan, const FindObserver& observer,
-                 const std::atomic<bool>& stopped);
+FindEnd findCameras(const FindPlan& plan, const FindObserver& observer, const std::atomic<bool>& stopped,
+                    LineObserver* line = nullptr);
+/// The same on an open link, at its rate. Other commands may run between two attempts, to their own address.
+FindEnd findCameras(CameraSp& camera, const FindPlan& plan, const FindObserver& observer,
+                    const std::atomic<bool>& stopped);
 
 } // namespace service

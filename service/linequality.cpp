@@ -1,87 +1,24 @@
 #include "service/linequality.h"
 
-#include "link/protocol/commands.h"
-
 namespace service {
-
-using trace::LineItem;
-
-namespace {
-
-/// No answer is read to it.
-bool isUnanswered(std::uint16_t code) {
-    return code == protocol::code(protocol::Command::door);
-}
-
-} // namespace
 
 LineCounts LineQuality::finish() {
     const std::lock_guard lock(m_mutex);
-    for (const LineItem& item : m_follower.finish())
+    for (const trace::LineItem& item : m_follower.finish())
         count(item);
-    if (m_pending && !isUnanswered(m_pending->lineCode))
-        ++m_counts.unanswered;
-    m_pending.reset();
+    m_counts.unanswered += m_judge.finish() ? 1 : 0;
     return m_counts;
 }
 
 void LineQuality::pass(trace::Side from, protocol::ByteView bytes, trace::Time at) {
-    for (const LineItem& item : m_follower.receive(from, bytes, at))
+    for (const trace::LineItem& item : m_follower.receive(from, bytes, at))
         count(item);
 }
 
-void LineQuality::count(const LineItem& item) {
-    if (item.from == trace::Side::tool) {
-        if (item.kind == LineItem::Kind::frame || item.kind == LineItem::Kind::json)
-            countRequest(item);
-        return;
-    }
-    switch (item.kind) {
-    case LineItem::Kind::frame:
-    case LineItem::Kind::json:
-        countAnswer(item);
-        break;
-    case LineItem::Kind::badFrame:
-    case LineItem::Kind::badJson:
-    case LineItem::Kind::brokenOff:
-        ++m_counts.broken;
-        m_pending.reset();
-        break;
-    case LineItem::Kind::stray:
-        countStray(item);
-        break;
-    case LineItem::Kind::data:
-        break;
-    }
-}
-
-void LineQuality::countRequest(const LineItem& item) {
-    if (m_pending && !isUnanswered(m_pending->lineCode))
-        ++m_counts.unanswered;
-    ++m_counts.requests;
-    m_pending = Pending{trace::requestKeyOf(item, m_pictureOffset).lineCode, item.lastAt};
-}
-
-void LineQuality::countAnswer(const LineItem& item) {
-    const bool fits = m_pending && trace::requestKeyOf(item, m_pictureOffset).lineCode == m_pending->lineCode;
-    if (!fits) {
-        ++m_counts.late;
-        return;
-    }
-    ++m_counts.answers;
-    m_counts.slowest = std::max(
-        m_counts.slowest, std::chrono::duration_cast<std::chrono::milliseconds>(item.lastAt - m_pending->at));
-    m_pending.reset();
-}
-
-/// The gyro test is answered without a frame.
-void LineQuality::countStray(const LineItem& item) {
-    if (m_pending && m_pending->lineCode == protocol::code(protocol::Command::gyroTest)) {
-        ++m_counts.answers;
-        m_pending.reset();
-        return;
-    }
-    m_counts.strayBytes += item.bytes.size();
+void LineQuality::count(const trace::LineItem& item) {
+    const Judgement judgement = m_judge.judge(item);
+    m_counts += judgement.counts(item.bytes.size());
+    m_counts.unanswered += judgement.endsUnanswered ? 1 : 0;
 }
 
 } // namespace service

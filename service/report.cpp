@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QImage>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QPageSize>
 #include <QPdfWriter>
@@ -12,6 +13,7 @@
 #include <QUrl>
 
 #include <array>
+#include <functional>
 
 namespace service {
 
@@ -75,6 +77,23 @@ QString verdictWithReason(const ReadValue& value) {
     return value.reason.isEmpty() ? verdict : verdict + pageText("：") + value.reason;
 }
 
+QString verdictLine(const Checkup& checkup) {
+    return pageText("结论：%1").arg(verdictWords(checkup.verdict()));
+}
+
+QString csvLines(const Checkup& checkup) {
+    QString text;
+    const QStringList head{dateText(checkup), checkup.port, QString::number(checkup.baudRate),
+                           QString::number(checkup.address)};
+    for (const CheckLine& line : checkup.lines)
+        text += csvLine(head + QStringList{line.reading->translatedTitle(), line.value.text,
+                                           verdictWords(line.value.verdict), line.value.reason});
+    text += csvLine(head + QStringList{pageText("通信"), lineText(checkup.line),
+                                       verdictWords(checkup.line.isOdd() ? Verdict::odd : Verdict::good),
+                                       checkup.pictureFailure});
+    return text;
+}
+
 /// The readings of which the report shows one line each; the picture list is shown by its count.
 QString tableRows(const Checkup& checkup) {
     QString rows;
@@ -88,6 +107,9 @@ QString tableRows(const Checkup& checkup) {
     return rows;
 }
 
+/// Name of the picture of the check-up with this number.
+using PictureSource = std::function<QString(std::size_t number)>;
+
 QString pictureTag(const Checkup& checkup, const QString& source) {
     if (checkup.picture.isEmpty())
         return {};
@@ -98,32 +120,54 @@ QString pictureTag(const Checkup& checkup, const QString& source) {
         .arg(source);
 }
 
-QString page(const Checkup& checkup, const QString& pictureSource) {
-    return QStringLiteral(
-               "<!DOCTYPE html>\n<html lang=\"zh-CN\"><head><meta charset=\"utf-8\"><title>%1</title>\n"
-               "<style>body{font-family:\"Noto Sans CJK SC\",\"Microsoft YaHei\",sans-serif;font-size:10pt}"
-               "table{border-collapse:collapse}td,th{border:1px solid #888;padding:3px 8px;"
-               "text-align:left}</style></head><body>\n<h2>%1</h2>\n<p>%2</p>\n<h3>%3</h3>\n"
-               "<table>\n<tr><th>%4</th><th>%5</th><th>%6</th></tr>\n%7</table>\n%8</body></html>\n")
-        .arg(pageText("摄像头检查报告").toHtmlEscaped(),
+QString section(const Checkup& checkup, const QString& pictureSource, bool isFirst) {
+    return QStringLiteral("<h2%1>%2</h2>\n<p>%3</p>\n<h3>%4</h3>\n"
+                          "<table>\n<tr><th>%5</th><th>%6</th><th>%7</th></tr>\n%8</table>\n%9")
+        .arg(isFirst ? QString() : QStringLiteral(" style=\"page-break-before:always\""),
+             pageText("摄像头检查报告").toHtmlEscaped(),
              pageText("时间 %1，类型 %2，串口 %3，波特率 %4，从机地址 %5")
                  .arg(dateText(checkup), typeName(checkup), checkup.port)
                  .arg(checkup.baudRate)
                  .arg(checkup.address)
                  .toHtmlEscaped(),
-             pageText("结论：%1").arg(verdictWords(checkup.verdict())).toHtmlEscaped(), pageText("项目"),
-             pageText("读数"), pageText("判断"), tableRows(checkup), pictureTag(checkup, pictureSource));
+             verdictLine(checkup), pageText("项目"), pageText("读数"), pageText("判断"), tableRows(checkup),
+             pictureTag(checkup, pictureSource));
+}
+
+QString page(Checkups checkups, const PictureSource& pictureSource) {
+    QString sections;
+    for (std::size_t number = 0; number < checkups.size(); ++number)
+        sections += section(checkups[number], pictureSource(number), number == 0);
+    return QStringLiteral(
+               "<!DOCTYPE html>\n<html lang=\"zh-CN\"><head><meta charset=\"utf-8\"><title>%1</title>\n"
+               "<style>body{font-family:\"Noto Sans CJK SC\",\"Microsoft YaHei\",sans-serif;font-size:10pt}"
+               "table{border-collapse:collapse}td,th{border:1px solid #888;padding:3px 8px;"
+               "text-align:left}</style></head><body>\n%2</body></html>\n")
+        .arg(pageText("摄像头检查报告").toHtmlEscaped(), sections);
+}
+
+QString pictureName(std::size_t number) {
+    return QStringLiteral("picture%1.jpg").arg(number);
+}
+
+QByteArray jsonOf(Checkups checkups) {
+    if (checkups.size() == 1)
+        return QJsonDocument(checkupJson(checkups.front())).toJson();
+    QJsonArray all;
+    for (const Checkup& checkup : checkups)
+        all.append(checkupJson(checkup));
+    return QJsonDocument(all).toJson();
 }
 
 struct Format {
     const char* extension;
-    QByteArray (*content)(const Checkup& checkup);
+    QByteArray (*content)(Checkups checkups);
 };
 
 constexpr std::array formats{
-    Format{"json", [](const Checkup& checkup) { return QJsonDocument(checkupJson(checkup)).toJson(); }},
+    Format{"json", &jsonOf},
     Format{"csv", &checkupCsv},
-    Format{"html", [](const Checkup& checkup) { return checkupHtml(checkup).toUtf8(); }},
+    Format{"html", [](Checkups checkups) { return checkupHtml(checkups).toUtf8(); }},
     Format{"pdf", &checkupPdf},
 };
 
@@ -169,27 +213,22 @@ QJsonObject checkupJson(const Checkup& checkup) {
     return object;
 }
 
-QByteArray checkupCsv(const Checkup& checkup) {
+QByteArray checkupCsv(Checkups checkups) {
     QString text = csvLine({pageText("时间"), pageText("串口"), pageText("波特率"), pageText("从机地址"),
                             pageText("项目"), pageText("读数"), pageText("判断"), pageText("原因")});
-    const QStringList head{dateText(checkup), checkup.port, QString::number(checkup.baudRate),
-                           QString::number(checkup.address)};
-    for (const CheckLine& line : checkup.lines)
-        text += csvLine(head + QStringList{line.reading->translatedTitle(), line.value.text,
-                                           verdictWords(line.value.verdict), line.value.reason});
-    text += csvLine(head + QStringList{pageText("通信"), lineText(checkup.line),
-                                       verdictWords(checkup.line.isOdd() ? Verdict::odd : Verdict::good),
-                                       checkup.pictureFailure});
+    for (const Checkup& checkup : checkups)
+        text += csvLines(checkup);
     return QByteArray("\xEF\xBB\xBF") + text.toUtf8();
 }
 
-QString checkupHtml(const Checkup& checkup) {
-    return page(checkup,
-                QStringLiteral("data:image/jpeg;base64,") + QString::fromLatin1(checkup.picture.toBase64()));
+QString checkupHtml(Checkups checkups) {
+    return page(checkups, [&](std::size_t number) {
+        return QStringLiteral("data:image/jpeg;base64,") +
+               QString::fromLatin1(checkups[number].picture.toBase64());
+    });
 }
 
-QByteArray checkupPdf(const Checkup& checkup) {
-    const QString pictureName = QStringLiteral("picture.jpg");
+QByteArray checkupPdf(Checkups checkups) {
     QByteArray pdf;
     QBuffer buffer(&pdf);
     buffer.open(QIODevice::WriteOnly);
@@ -197,23 +236,37 @@ QByteArray checkupPdf(const Checkup& checkup) {
     writer.setPageSize(QPageSize(QPageSize::A4));
     writer.setResolution(pdfResolution);
     writer.setTitle(pageText("摄像头检查报告"));
-    QTextDocument document;
-    document.setDocumentMargin(0);
-    if (!checkup.picture.isEmpty())
-        document.addResource(QTextDocument::ImageResource, QUrl(pictureName),
-                             QImage::fromData(checkup.picture));
-    document.setHtml(page(checkup, pictureName));
-    document.print(&writer);
+    printCheckups(checkups, writer);
     buffer.close();
     return pdf;
 }
 
-QString writeReport(const Checkup& checkup, const QString& path) {
+void printCheckups(Checkups checkups, QPagedPaintDevice& device) {
+    QTextDocument document;
+    document.setDocumentMargin(0);
+    for (std::size_t number = 0; number < checkups.size(); ++number) {
+        if (const QByteArray& picture = checkups[number].picture; !picture.isEmpty())
+            document.addResource(QTextDocument::ImageResource, QUrl(pictureName(number)),
+                                 QImage::fromData(picture));
+    }
+    document.setHtml(page(checkups, &pictureName));
+    document.print(&device);
+}
+
+QString checkupText(const Checkup& checkup) {
+    QString text;
+    for (const CheckLine& line : checkup.lines)
+        text += QStringLiteral("%1\t%2\t%3\n")
+                    .arg(line.reading->translatedTitle(), line.value.text, verdictWithReason(line.value));
+    return text + verdictLine(checkup) + '\n';
+}
+
+QString writeReport(Checkups checkups, const QString& path) {
     const Format* const format = formatOf(path);
     if (format == nullptr)
         return pageText("报告文件的扩展名必须是 .html、.pdf、.json 或 .csv");
     QSaveFile file(path);
-    const QByteArray content = format->content(checkup);
+    const QByteArray content = format->content(checkups);
     const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size() &&
                          file.flush() && file.commit(); // commit does not see that flushing fails
     if (!written)

@@ -5,6 +5,10 @@
 
 #include <QJsonObject>
 
+#include <span>
+
+class QPagedPaintDevice;
+
 namespace service {
 
 /// "good", "odd", "failed".
@@ -13,16 +17,28 @@ namespace service {
 [[nodiscard]] QString verdictWords(Verdict verdict);
 
 [[nodiscard]] QJsonObject checkupJson(const Checkup& checkup);
+
+/// One check-up, or several in one document.
+class Checkups : public std::span<const Checkup> {
+public:
+    Checkups(const Checkup& checkup) : span(&checkup, 1) {}
+    Checkups(const std::vector<Checkup>& checkups) : span(checkups) {}
+};
+
 /// One head line and one line a reading; UTF-8 with a byte order mark, for spreadsheets.
-[[nodiscard]] QByteArray checkupCsv(const Checkup& checkup);
-/// One page in the language of the program, with the picture if there is one.
-[[nodiscard]] QString checkupHtml(const Checkup& checkup);
+[[nodiscard]] QByteArray checkupCsv(Checkups checkups);
+/// One page a check-up in the language of the program, with the picture if there is one.
+[[nodiscard]] QString checkupHtml(Checkups checkups);
 /// The same as PDF. Needs a QGuiApplication.
-[[nodiscard]] QByteArray checkupPdf(const Checkup& checkup);
+[[nodiscard]] QByteArray checkupPdf(Checkups checkups);
+/// The same onto a printer.
+void printCheckups(Checkups checkups, QPagedPaintDevice& device);
+/// One line a reading, separated by tabs, and the verdict.
+[[nodiscard]] QString checkupText(const Checkup& checkup);
 
 /// By the file's extension: .json, .csv, .html or .pdf. The file appears under its name when it is complete.
 /// Empty, or what failed in words.
-[[nodiscard]] QString writeReport(const Checkup& checkup, const QString& path);
+[[nodiscard]] QString writeReport(Checkups checkups, const QString& path);
 /// True if the extension is one of them.
 [[nodiscard]] bool isReportName(const QString& path);
 

@@ -6,7 +6,7 @@ void SideObserver::sending(protocol::ByteView bytes, Clock::Time now) {
     passFrom(trace::Side::tool, bytes, now);
 }
 
-void SideObserver::received(protocol::ByteView bytes, Clock::Time now) {
+void SideObserver::received(protocol::ByteView bytes, Clock::Time /*earliest*/, Clock::Time now) {
     passFrom(trace::Side::camera, bytes, now);
 }
 

@@ -12,7 +12,7 @@ namespace service {
 class SideObserver : public LineObserver {
 public:
     void sending(protocol::ByteView bytes, Clock::Time now) final;
-    void received(protocol::ByteView bytes, Clock::Time now) final;
+    void received(protocol::ByteView bytes, Clock::Time earliest, Clock::Time now) final;
 
 protected:
     /// Called with m_mutex held.

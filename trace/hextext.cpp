@@ -5,7 +5,6 @@
 namespace trace {
 
 std::string hexText(protocol::ByteView bytes) {
-    constexpr std::size_t longestHexText = 24;
     std::string text;
     for (std::size_t i = 0; i < bytes.size() && i < longestHexText; ++i)
         text.append(i == 0 ? "" : " ").append(protocol::paddedHexText(bytes.range(i, i + 1)));

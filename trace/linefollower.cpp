@@ -47,7 +47,7 @@ std::vector<LineItem> LineFollower::receive(Side from, ByteView bytes, Time now)
     if (!own.scanner.empty() && (silence || (own.otherSpoke && startsItem(bytes))))
         breakOff(from, items);
     if (from == Side::tool && m_data) {
-        const bool givenUp = (m_data->bytes.empty() || silence) && isWholeRequest(bytes);
+        const bool givenUp = (m_data->dataSize == 0 || silence) && isWholeRequest(bytes);
         if (givenUp)
             finishData(items);
         else
@@ -122,10 +122,12 @@ void LineFollower::finishData(Items& items) {
 
 /// Returns the bytes behind the data.
 ByteView LineFollower::takeData(ByteView bytes, Time now, Items& items) {
-    const ByteView taken = bytes.range(0, m_data->expected - m_data->bytes.size());
-    protocol::append(m_data->bytes, taken);
+    const ByteView taken = bytes.range(0, m_data->expected - m_data->dataSize);
+    if (m_dataBytes == DataBytes::kept)
+        protocol::append(m_data->bytes, taken);
+    m_data->dataSize += taken.size();
     m_data->lastAt = now;
-    if (m_data->bytes.size() == m_data->expected)
+    if (m_data->dataSize == m_data->expected)
         finishData(items);
     return bytes.range(taken.size(), bytes.size());
 }

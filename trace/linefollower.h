@@ -29,12 +29,18 @@ struct LineItem {
     Bytes bytes;
     Time lastAt{0};              ///< time of its last byte
     std::size_t expected = 0;    ///< data: announced size
+    std::size_t dataSize = 0;    ///< data: bytes that came
     std::uint8_t uploadCode = 0; ///< data, and the frame behind it: command code of the announcement
 };
 
 /// Follows both directions of one line. No clock: the caller gives the time.
 class LineFollower {
 public:
+    /// Data of uploads may be as large as a file: an item without its bytes has their number only.
+    enum class DataBytes { kept, counted };
+
+    explicit LineFollower(DataBytes dataBytes = DataBytes::kept) : m_dataBytes(dataBytes) {}
+
     /// Items that these bytes complete, in order.
     [[nodiscard]] std::vector<LineItem> receive(Side from, ByteView bytes, Time now);
     /// Items abandoned after a second without bytes.
@@ -44,6 +50,8 @@ public:
 
     /// Bytes that belong to no item yet, without those of an upload's data.
     [[nodiscard]] ByteView waiting(Side from) const { return direction(from).scanner.waiting(); }
+    /// The received part of an upload's data; null while there is none.
+    [[nodiscard]] const LineItem* dataUnderWay() const { return m_data ? &*m_data : nullptr; }
 
 private:
     struct Direction {
@@ -68,6 +76,7 @@ private:
     void noteAnnouncement(const LineItem& frame);
     void answerAnnouncement(LineItem& frame);
 
+    DataBytes m_dataBytes;
     Direction m_tool{FrameScanner(Side::tool)};
     Direction m_camera{FrameScanner(Side::camera)};
     std::optional<Announcement> m_announced;

@@ -328,5 +328,5 @@ TEST_F(MainWindowAtStart, MovesTheFocusInReadingOrder) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         visited.append(QApplication::focusWidget()->objectName());
     }
-    EXPECT_EQ(visited, QStringList({"btn_test", "btn_gyro", "btn_modelupdate", "sel_ports", "sel_baund"}));
+    EXPECT_EQ(visited, QStringList({"btn_test", "btn_gyro", "btn_more", "btn_modelupdate", "sel_ports"}));
 }

@@ -9,7 +9,7 @@ namespace {
 
 class CheckupTest : public testing::Test {
 protected:
-    CheckupTest() { client.setLineObserver(&quality); }
+    CheckupTest() { client.addLineObserver(quality); }
     service::Checkup check() {
         return service::runCheckup(client, protocol::CameraType::ostra, quality,
                                    [this](const service::CheckLine&) { ++told; });

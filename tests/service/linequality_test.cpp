@@ -14,7 +14,7 @@ protected:
     void ask(const char* request) { quality.sending(hex(request), now); }
     void answer(const char* bytes, std::chrono::milliseconds after = 5ms) {
         now += after;
-        quality.received(hex(bytes), now);
+        quality.received(hex(bytes), now, now);
     }
 
     service::LineQuality quality;

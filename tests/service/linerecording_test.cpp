@@ -23,7 +23,7 @@ TEST(LineRecording, HoldsBothSidesWithTheirTimes) {
     {
         service::LineRecording recording("a.rec", head());
         recording.sending(hex(heartbeatRequest), start);
-        recording.received(hex(heartbeatAnswer), start + 12ms);
+        recording.received(hex(heartbeatAnswer), start + 12ms, start + 12ms);
         recording.finish();
         EXPECT_EQ(recording.failure(), "");
     }
