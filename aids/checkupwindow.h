@@ -37,7 +37,7 @@ private:
     void end(const Run& run);
     void showControls();
 
-    void addLine(const service::CheckLine& line);
+    void addLine(const QString& title, const service::ReadValue& value);
     /// Shows a finished check-up.
     void showCheckup(const service::Checkup& checkup);
     void showVerdict(const service::Checkup& checkup);

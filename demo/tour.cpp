@@ -15,10 +15,12 @@ using emulator::VirtualCamera;
 
 void Tour::run() {
     showStart();
+    findCamera();
     connectTo(CameraType::ostra);
     showStatusControls();
     showDoorAndAbout();
     showHeartbeatAfterStaleBytes();
+    checkUp();
     takePicture(CameraType::ostra);
     listPictures(CameraType::ostra);
     setSerialNumber();
