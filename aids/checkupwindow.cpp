@@ -124,7 +124,7 @@ void CheckupWindow::stop() {
 
 void CheckupWindow::yieldToUpload() {
     if (client() != nullptr && client()->lineState().waitingJob == LineUser::upload)
-        stop();
+        client()->endDownload();
 }
 
 void CheckupWindow::end(const Run& run) {

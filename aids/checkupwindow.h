@@ -32,7 +32,7 @@ private:
 
     void start();
     void stop();
-    /// The picture is downloaded as one job, which an upload would wait for.
+    /// Ends the picture, for whose end an upload waits. Readings give way by themselves.
     void yieldToUpload();
     void end(const Run& run);
     void showControls();
