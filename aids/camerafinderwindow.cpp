@@ -97,9 +97,7 @@ void CameraFinderWindow::showChoices() {
     });
     const LinkFacts facts = m_owner.linkFacts();
     m_ui->label_scope->setText(
-        linked ? tr("只发送心跳，列出有应答的摄像头。串口已打开，只查找 %1（波特率 %2）。")
-                     .arg(facts.port)
-                     .arg(facts.baudRate)
+        linked ? tr("串口已打开，只查找 %1（波特率 %2）。").arg(facts.port).arg(facts.baudRate)
                : tr("只发送心跳，列出有应答的摄像头。"));
 }
 

@@ -285,8 +285,7 @@ TEST_F(Finder, WithALinkSearchesItsPortAndRateOnly) {
     CameraFinderWindow& finder = openFinder(*window);
     EXPECT_FALSE(isEnabled(finder, "group_ports"));
     EXPECT_FALSE(isEnabled(finder, "group_rates"));
-    EXPECT_EQ(text(finder, "label_scope"),
-              "只发送心跳，列出有应答的摄像头。串口已打开，只查找 /dev/ttyA（波特率 9600）。");
+    EXPECT_EQ(text(finder, "label_scope"), "串口已打开，只查找 /dev/ttyA（波特率 9600）。");
     click(finder, "btn_start");
     ASSERT_TRUE(hasEnded(finder));
     EXPECT_EQ(callsOf("open").size(), 1U);
