@@ -1,8 +1,10 @@
 #include "aids/camerafinderwindow.h"
 
+#include "linkaccess/focuskeeper.h"
 #include "service/reportwords.h"
 #include "ui_camerafinderwindow.h"
 
+#include <QHeaderView>
 #include <QTime>
 
 #include <algorithm>
@@ -42,6 +44,7 @@ CameraFinderWindow::CameraFinderWindow(LinkOwner& owner, QWidget* parent, Camera
       m_ui(std::make_unique<Ui::CameraFinderWindow>()) {
     m_ui->setupUi(this);
     fillChoices();
+    m_ui->table_found->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     connect(m_ui->btn_start, &QPushButton::clicked, this, &CameraFinderWindow::start);
     connect(m_ui->btn_stop, &QPushButton::clicked, this, &CameraFinderWindow::stop);
     connect(m_ui->btn_use, &QPushButton::clicked, this, &CameraFinderWindow::use);
@@ -84,17 +87,17 @@ void CameraFinderWindow::refreshPorts() {
 void CameraFinderWindow::showChoices() {
     const bool linked = client() != nullptr;
     const bool running = m_search != nullptr;
-    m_ui->group_ports->setEnabled(!linked && !running);
-    m_ui->group_rates->setEnabled(!linked && !running);
-    m_ui->group_addresses->setEnabled(!running);
-    m_ui->btn_start->setEnabled(!running);
-    m_ui->btn_stop->setEnabled(running);
-    m_ui->btn_use->setEnabled(!m_ui->table_found->selectedItems().isEmpty());
+    FocusKeeper::of(this).keep([this, linked, running] {
+        m_ui->group_ports->setEnabled(!linked && !running);
+        m_ui->group_rates->setEnabled(!linked && !running);
+        m_ui->group_addresses->setEnabled(!running);
+        m_ui->btn_start->setEnabled(!running);
+        m_ui->btn_stop->setEnabled(running && !m_search->stopped());
+        m_ui->btn_use->setEnabled(!m_ui->table_found->selectedItems().isEmpty());
+    });
     const LinkFacts facts = m_owner.linkFacts();
     m_ui->label_scope->setText(
-        linked ? tr("只发送心跳，列出有应答的摄像头。串口已打开，只查找 %1（波特率 %2）。")
-                     .arg(facts.port)
-                     .arg(facts.baudRate)
+        linked ? tr("串口已打开，只查找 %1（波特率 %2）。").arg(facts.port).arg(facts.baudRate)
                : tr("只发送心跳，列出有应答的摄像头。"));
 }
 
@@ -203,7 +206,7 @@ void CameraFinderWindow::startOnLink(const service::FindPlan& plan) {
 void CameraFinderWindow::stop() {
     if (m_search)
         m_search->stop();
-    m_ui->btn_stop->setEnabled(false);
+    showChoices();
 }
 
 void CameraFinderWindow::end(const Search& search, const QString& text) {
@@ -261,7 +264,7 @@ void CameraFinderWindow::addFound(const service::FoundCamera& camera) {
     const int row = table->rowCount();
     table->insertRow(row);
     const QStringList cells{QString::fromStdString(camera.port), QString::number(camera.baudRate),
-                            tr("%1（十六进制 %2）").arg(camera.address).arg(hexadecimal(camera.address)),
+                            tr("%1（%2）").arg(camera.address).arg(hexadecimal(camera.address)),
                             QTime::currentTime().toString(QStringLiteral("HH:mm:ss"))};
     for (int column = 0; column < cells.size(); ++column)
         table->setItem(row, column, new QTableWidgetItem(cells[column]));

@@ -1,6 +1,7 @@
 #include "aids/checkupwindow.h"
 
 #include "aids/printing.h"
+#include "linkaccess/focuskeeper.h"
 #include "service/report.h"
 #include "service/reportwords.h"
 #include "ui_checkupwindow.h"
@@ -8,6 +9,7 @@
 #include <QClipboard>
 #include <QFileDialog>
 #include <QGuiApplication>
+#include <QHeaderView>
 #include <QPixmap>
 #include <QStyle>
 
@@ -56,6 +58,10 @@ CheckupWindow::CheckupWindow(LinkOwner& owner, service::Visit& visit, QWidget* p
       m_ui(std::make_unique<Ui::CheckupWindow>()) {
     m_ui->setupUi(this);
     m_ui->btn_print->setVisible(canPrint());
+    QHeaderView* const header = m_ui->table_lines->horizontalHeader();
+    header->setSectionResizeMode(QHeaderView::Stretch);
+    header->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    m_ui->table_visit->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     connect(m_ui->btn_start, &QPushButton::clicked, this, &CheckupWindow::start);
     connect(m_ui->btn_stop, &QPushButton::clicked, this, &CheckupWindow::stop);
     connect(m_ui->btn_copy, &QPushButton::clicked, this, &CheckupWindow::copy);
@@ -90,7 +96,8 @@ void CheckupWindow::start() {
     }
     m_ui->label_verdict->setText(tr("正在检查…"));
     m_stopped = std::make_shared<std::atomic<bool>>(false);
-    const auto read = reporter<service::CheckLine>(this, [this](const auto& line) { addLine(line); });
+    const auto read = reporter<service::CheckLine>(
+        this, [this](const auto& line) { addLine(line.reading->translatedTitle(), line.value); });
     const auto work = [read, stopped = m_stopped, facts = m_owner.linkFacts(),
                        takesPicture = m_ui->cb_picture->isChecked()](CameraSp* camera) {
         service::LineQuality quality;
@@ -117,7 +124,7 @@ void CheckupWindow::stop() {
 
 void CheckupWindow::yieldToUpload() {
     if (client() != nullptr && client()->lineState().waitingJob == LineUser::upload)
-        stop();
+        client()->endDownload();
 }
 
 void CheckupWindow::end(const Run& run) {
@@ -148,33 +155,33 @@ void CheckupWindow::clientChanged() {
 
 void CheckupWindow::showControls() {
     const bool running = m_stopped != nullptr;
-    m_ui->btn_start->setEnabled(!running);
-    m_ui->cb_picture->setEnabled(!running);
-    m_ui->btn_stop->setEnabled(running);
-    m_ui->table_visit->setEnabled(!running);
-    m_ui->btn_copy->setEnabled(m_shown.has_value());
-    m_ui->btn_save->setEnabled(m_shown.has_value());
-    m_ui->btn_print->setEnabled(m_shown.has_value());
-    m_ui->btn_save_visit->setEnabled(!m_visit.checkups().empty());
+    FocusKeeper::of(this).keep([this, running] {
+        m_ui->btn_start->setEnabled(!running);
+        m_ui->cb_picture->setEnabled(!running);
+        m_ui->btn_stop->setEnabled(running);
+        m_ui->table_visit->setEnabled(!running);
+        m_ui->btn_copy->setEnabled(m_shown.has_value());
+        m_ui->btn_save->setEnabled(m_shown.has_value());
+        m_ui->btn_print->setEnabled(m_shown.has_value());
+        m_ui->btn_save_visit->setEnabled(!m_visit.checkups().empty());
+    });
 }
 
 // --- what is shown -----------------------------------------------------------------------------------------
 
-void CheckupWindow::addLine(const service::CheckLine& line) {
-    const service::ReadValue& value = line.value;
-    QString verdict = service::verdictWords(value.verdict);
-    if (!value.reason.isEmpty())
-        verdict += tr("：%1").arg(value.reason);
-    const int row = addRow(m_ui->table_lines, {line.reading->translatedTitle(), value.text, verdict});
-    m_ui->table_lines->item(row, 2)->setIcon(iconOf(value.verdict, style()));
-    m_ui->table_lines->resizeColumnToContents(0);
-    m_ui->table_lines->scrollToBottom();
+void CheckupWindow::addLine(const QString& title, const service::ReadValue& value) {
+    QTableWidget* const table = m_ui->table_lines;
+    const int row = addRow(table, {title, value.text, service::verdictWithReason(value)});
+    table->item(row, 2)->setIcon(iconOf(value.verdict, style()));
+    table->resizeRowToContents(row);
+    table->scrollToBottom();
 }
 
 void CheckupWindow::showCheckup(const service::Checkup& checkup) {
     m_ui->table_lines->setRowCount(0);
     for (const service::CheckLine& line : checkup.lines)
-        addLine(line);
+        addLine(line.reading->translatedTitle(), line.value);
+    addLine(tr("通信"), service::lineValue(checkup.line));
     showVerdict(checkup);
     showPicture(checkup.picture);
     if (!checkup.pictureFailure.isEmpty())
@@ -186,13 +193,7 @@ void CheckupWindow::showCheckup(const service::Checkup& checkup) {
 void CheckupWindow::showVerdict(const service::Checkup& checkup) {
     const int size = style()->pixelMetric(QStyle::PM_LargeIconSize, nullptr, this);
     m_ui->label_icon->setPixmap(iconOf(checkup.verdict(), style()).pixmap(size));
-    QString text = tr("结论：%1").arg(service::verdictWords(checkup.verdict()));
-    if (checkup.line.isOdd())
-        text += tr("（线路有干扰：迟到 %1，损坏 %2，杂散字节 %3）")
-                    .arg(checkup.line.late)
-                    .arg(checkup.line.broken)
-                    .arg(checkup.line.strayBytes);
-    m_ui->label_verdict->setText(text);
+    m_ui->label_verdict->setText(service::verdictLine(checkup));
 }
 
 void CheckupWindow::showPicture(const QByteArray& picture) {
@@ -212,7 +213,6 @@ void CheckupWindow::showVisit() {
                                 service::verdictWords(checkup.verdict())});
         m_ui->table_visit->item(row, 2)->setIcon(iconOf(checkup.verdict(), style()));
     }
-    m_ui->table_visit->resizeColumnsToContents();
     m_ui->label_visit->setText(tr("本次服务：%1 台").arg(m_visit.checkups().size()));
 }
 

@@ -32,12 +32,12 @@ private:
 
     void start();
     void stop();
-    /// The picture is downloaded as one job, which an upload would wait for.
+    /// Ends the picture, for whose end an upload waits. Readings give way by themselves.
     void yieldToUpload();
     void end(const Run& run);
     void showControls();
 
-    void addLine(const service::CheckLine& line);
+    void addLine(const QString& title, const service::ReadValue& value);
     /// Shows a finished check-up.
     void showCheckup(const service::Checkup& checkup);
     void showVerdict(const service::Checkup& checkup);

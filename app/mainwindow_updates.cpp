@@ -4,7 +4,7 @@
 #include "app/mainwindow.h"
 #include "app/statusline.h"
 #include "app/transferdisplay.h"
-#include "dialogs/focuskeeper.h"
+#include "linkaccess/focuskeeper.h"
 #include "service/reportwords.h"
 #include "service/returnwait.h"
 #include "ui_mainwindow.h"

@@ -1,7 +1,7 @@
 #include "app/openwindows.h"
 
-#include "dialogs/focuskeeper.h"
 #include "linkaccess/clientborrower.h"
+#include "linkaccess/focuskeeper.h"
 
 #include <utility>
 

@@ -15,10 +15,12 @@ using emulator::VirtualCamera;
 
 void Tour::run() {
     showStart();
+    findCamera();
     connectTo(CameraType::ostra);
     showStatusControls();
     showDoorAndAbout();
     showHeartbeatAfterStaleBytes();
+    checkUp();
     takePicture(CameraType::ostra);
     showLineRecord();
     listPictures(CameraType::ostra);

@@ -26,6 +26,9 @@ private:
     /// Leaves bytes in the line that nobody reads.
     void leaveStaleBytes();
     void showHeartbeatAfterStaleBytes();
+    // touraids.cpp
+    void findCamera();
+    void checkUp();
     // tourpictures.cpp
     void takePicture(emulator::CameraType type);
     void listPictures(emulator::CameraType type);

@@ -1,7 +1,7 @@
 #include "dialogs/settingwrite.h"
 
-#include "dialogs/focuskeeper.h"
 #include "link/diagnostics.h"
+#include "linkaccess/focuskeeper.h"
 
 #include <QAbstractButton>
 #include <QLabel>

@@ -19,6 +19,8 @@ chosen=(
   "reboot-question reboot-question 1"
   "door door 1"
   "about about 1"
+  "finder finder 1"
+  "checkup checkup 1"
   "list list 1"
   "list-v1 list 2"
   "list-picture-taken list-picture-taken 1"

@@ -45,17 +45,6 @@ QJsonObject lineJson(const LineCounts& line) {
             {"slowestMs", static_cast<qint64>(line.slowest.count())}};
 }
 
-QString lineText(const LineCounts& line) {
-    return pageText("请求 %1，应答 %2，无应答 %3，迟到 %4，损坏 %5，杂散字节 %6，最慢 %7 毫秒")
-        .arg(line.requests)
-        .arg(line.answers)
-        .arg(line.unanswered)
-        .arg(line.late)
-        .arg(line.broken)
-        .arg(line.strayBytes)
-        .arg(line.slowest.count());
-}
-
 QString csvCell(QString text) {
     return '"' + text.replace('"', QLatin1String("\"\"")) + '"';
 }
@@ -72,15 +61,6 @@ QString htmlRow(const QString& title, const QString& value, const QString& verdi
         .arg(title.toHtmlEscaped(), value.toHtmlEscaped(), verdict.toHtmlEscaped());
 }
 
-QString verdictWithReason(const ReadValue& value) {
-    const QString verdict = verdictWords(value.verdict);
-    return value.reason.isEmpty() ? verdict : verdict + pageText("：") + value.reason;
-}
-
-QString verdictLine(const Checkup& checkup) {
-    return pageText("结论：%1").arg(verdictWords(checkup.verdict()));
-}
-
 QString csvLines(const Checkup& checkup) {
     QString text;
     const QStringList head{dateText(checkup), checkup.port, QString::number(checkup.baudRate),
@@ -88,19 +68,21 @@ QString csvLines(const Checkup& checkup) {
     for (const CheckLine& line : checkup.lines)
         text += csvLine(head + QStringList{line.reading->translatedTitle(), line.value.text,
                                            verdictWords(line.value.verdict), line.value.reason});
-    text += csvLine(head + QStringList{pageText("通信"), lineText(checkup.line),
-                                       verdictWords(checkup.line.isOdd() ? Verdict::odd : Verdict::good),
-                                       checkup.pictureFailure});
+    const ReadValue line = lineValue(checkup.line);
+    text += csvLine(
+        head + QStringList{pageText("通信"), line.text, verdictWords(line.verdict), checkup.pictureFailure});
     return text;
 }
 
 /// The readings of which the report shows one line each; the picture list is shown by its count.
 QString tableRows(const Checkup& checkup) {
     QString rows;
+    const auto add = [&rows](const QString& title, const ReadValue& value) {
+        rows += htmlRow(title, value.text, verdictWithReason(value));
+    };
     for (const CheckLine& line : checkup.lines)
-        rows += htmlRow(line.reading->translatedTitle(), line.value.text, verdictWithReason(line.value));
-    rows += htmlRow(pageText("通信"), lineText(checkup.line),
-                    verdictWords(checkup.line.isOdd() ? Verdict::odd : Verdict::good));
+        add(line.reading->translatedTitle(), line.value);
+    add(pageText("通信"), lineValue(checkup.line));
     if (!checkup.pictureFailure.isEmpty())
         rows += htmlRow(pageText("拍照"), {},
                         verdictWords(Verdict::odd) + pageText("：") + checkup.pictureFailure);
@@ -192,6 +174,27 @@ QString verdictWords(Verdict verdict) {
     return names.at(static_cast<std::size_t>(verdict));
 }
 
+QString verdictWithReason(const ReadValue& value) {
+    const QString verdict = verdictWords(value.verdict);
+    return value.reason.isEmpty() ? verdict : verdict + pageText("：") + value.reason;
+}
+
+QString verdictLine(const Checkup& checkup) {
+    return pageText("结论：%1").arg(verdictWords(checkup.verdict()));
+}
+
+ReadValue lineValue(const LineCounts& line) {
+    const QString text = pageText("请求 %1，应答 %2，无应答 %3，迟到 %4，损坏 %5，杂散字节 %6，最慢 %7 毫秒")
+                             .arg(line.requests)
+                             .arg(line.answers)
+                             .arg(line.unanswered)
+                             .arg(line.late)
+                             .arg(line.broken)
+                             .arg(line.strayBytes)
+                             .arg(line.slowest.count());
+    return {line.isOdd() ? Verdict::odd : Verdict::good, {}, text, {}, CommandEnd::done};
+}
+
 QJsonObject checkupJson(const Checkup& checkup) {
     QJsonObject readings;
     for (const CheckLine& line : checkup.lines) {
@@ -255,9 +258,12 @@ void printCheckups(Checkups checkups, QPagedPaintDevice& device) {
 
 QString checkupText(const Checkup& checkup) {
     QString text;
+    const auto add = [&text](const QString& title, const ReadValue& value) {
+        text += QStringLiteral("%1\t%2\t%3\n").arg(title, value.text, verdictWithReason(value));
+    };
     for (const CheckLine& line : checkup.lines)
-        text += QStringLiteral("%1\t%2\t%3\n")
-                    .arg(line.reading->translatedTitle(), line.value.text, verdictWithReason(line.value));
+        add(line.reading->translatedTitle(), line.value);
+    add(pageText("通信"), lineValue(checkup.line));
     return text + verdictLine(checkup) + '\n';
 }
 

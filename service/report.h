@@ -16,6 +16,13 @@ namespace service {
 /// "正常", "异常", "失败".
 [[nodiscard]] QString verdictWords(Verdict verdict);
 
+/// "失败：没有应答".
+[[nodiscard]] QString verdictWithReason(const ReadValue& value);
+/// "结论：正常".
+[[nodiscard]] QString verdictLine(const Checkup& checkup);
+/// The counts of the line in words, judged.
+[[nodiscard]] ReadValue lineValue(const LineCounts& line);
+
 [[nodiscard]] QJsonObject checkupJson(const Checkup& checkup);
 
 /// One check-up, or several in one document.

@@ -1,4 +1,6 @@
 // The flows that use the link.
+#include "aids/camerafinderwindow.h"
+#include "aids/checkupwindow.h"
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcapturedegree.h"
 #include "dialogs/setpicrate.h"
@@ -8,6 +10,7 @@
 #include "pictures/piclistv1.h"
 #include "tests/life/livingwindow.h"
 
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
@@ -41,6 +44,14 @@ Step types(const char* edit, const char* text) {
     return [=](LivingWindow& w) {
         if (const QWidget* const window = w.opened<Window>())
             guitest::find<QLineEdit>(*window, edit)->setText(text);
+    };
+}
+
+template <typename Window>
+Step checks(const char* box) {
+    return [box](LivingWindow& w) {
+        if (const QWidget* const window = w.opened<Window>())
+            guitest::find<QCheckBox>(*window, box)->setChecked(true);
     };
 }
 
@@ -124,6 +135,28 @@ std::vector<Flow> settingFlows() {
     };
 }
 
+std::vector<Flow> aidFlows() {
+    const auto ostra = CameraType::ostra;
+    return {
+        {"Finder",
+         "rb_ost",
+         ostra,
+         1500ms,
+         {chooses("actionFindCamera"), pressesIn<CameraFinderWindow>("btn_start")}},
+        {"Checkup",
+         "rb_ost",
+         ostra,
+         1800ms,
+         {chooses("actionCheckup"), pressesIn<CheckupWindow>("btn_start")}},
+        {"CheckupPicture",
+         "rb_ost",
+         ostra,
+         5500ms,
+         {chooses("actionCheckup"), checks<CheckupWindow>("cb_picture"),
+          pressesIn<CheckupWindow>("btn_start")}},
+    };
+}
+
 std::vector<Flow> uploadFlows() {
     const auto ostra = CameraType::ostra;
     return {
@@ -153,7 +186,7 @@ std::vector<Flow> uploadFlows() {
 const std::vector<Flow>& flows() {
     static const std::vector<Flow> all = [] {
         std::vector<Flow> list = pictureFlows();
-        for (const auto& more : {settingFlows(), uploadFlows()})
+        for (const auto& more : {settingFlows(), uploadFlows(), aidFlows()})
             list.insert(list.end(), more.begin(), more.end());
         return list;
     }();

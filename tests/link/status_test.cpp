@@ -30,6 +30,15 @@ TEST_F(Heartbeat, FailsForEveryOtherAnswer) {
     }
 }
 
+TEST_F(Heartbeat, GoesToAnotherAddressOnRequest) {
+    answer("AA 5A 02 01 01 00 00 00 01 FD 32");
+    EXPECT_TRUE(camera.testHeartBeatAt(2));
+    camera.testHeartBeat();
+    ASSERT_EQ(fake_serial::writes().size(), 2U);
+    EXPECT_EQ(hex(fake_serial::writes()[0]), "AA 5A 02 01 01 00 00 00 00 DC 22");
+    EXPECT_EQ(hex(fake_serial::writes()[1]), "AA 5A 01 01 01 00 00 00 00 5E FA");
+}
+
 TEST_F(Heartbeat, NoAnswerLogsAnEmptyText) {
     EXPECT_FALSE(camera.testHeartBeat());
     EXPECT_EQ(out.lines(), Lines{"hex str:"});

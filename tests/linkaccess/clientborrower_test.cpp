@@ -12,6 +12,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -20,7 +21,14 @@ class Window final : public QWidget, public ClientBorrower {
 public:
     explicit Window(CameraSp* client) : ClientBorrower(this, client) {}
     using ClientBorrower::ask;
+    using ClientBorrower::reporter;
     using ClientBorrower::runOnPool;
+    using ClientBorrower::runWithoutClient;
+
+    int changes = 0;
+
+protected:
+    void clientChanged() override { ++changes; }
 };
 
 /// Polls instead of waiting for events of a window, which may be gone by then.
@@ -242,4 +250,63 @@ TEST(ClientBorrower, IsDisabledWhileTheClientIsBusy) {
     EXPECT_FALSE(window.isEnabled());
     window.setExchangeAllowed(true);
     EXPECT_TRUE(window.isEnabled());
+}
+
+TEST(ClientBorrower, LearnsThatTheLinkChanged) {
+    const auto client = portlessClient();
+    Window window(nullptr);
+    window.attachClient(client.get());
+    window.attachClient(nullptr);
+    EXPECT_EQ(window.changes, 2);
+}
+
+TEST(ClientBorrower, RunsWithoutClientAndReport) {
+    Window window(nullptr);
+    RecordingObserver observer;
+    window.setObserver(&observer);
+    int applied = 0;
+    Window::runWithoutClient(
+        &window, [] { return 7; }, [&applied](int value) { applied = value; });
+    waitForPool();
+    EXPECT_EQ(applied, 7);
+    EXPECT_EQ(observer.missing, 0);
+}
+
+TEST(ClientBorrower, ReportsValuesInOrderBeforeTheResult) {
+    const auto client = portlessClient();
+    Window window(client.get());
+    std::vector<int> shown;
+    const auto report = window.reporter<int>(&window, [&shown](const int& value) { shown.push_back(value); });
+    window.runOnPool(
+        QString(), &window,
+        [report](CameraSp*) {
+            for (int value = 1; value <= 3; ++value)
+                report(value);
+            return 4;
+        },
+        [&shown](int value) { shown.push_back(value); });
+    waitForPool();
+    EXPECT_EQ(shown, (std::vector<int>{1, 2, 3, 4}));
+}
+
+TEST(ClientBorrower, DropsReportsOfAnEarlierLink) {
+    const auto client = portlessClient();
+    Window window(client.get());
+    int shown = 0;
+    const auto report = window.reporter<int>(&window, [&shown](const int&) { ++shown; });
+    report(1);
+    window.attachClient(nullptr);
+    QTest::qWait(10);
+    EXPECT_EQ(shown, 0);
+}
+
+TEST(ClientBorrower, DropsReportsToADeadWindow) {
+    const auto client = portlessClient();
+    int shown = 0;
+    auto window = std::make_unique<Window>(client.get());
+    const auto report = window->reporter<int>(window.get(), [&shown](const int&) { ++shown; });
+    report(1);
+    window.reset();
+    QTest::qWait(10);
+    EXPECT_EQ(shown, 0);
 }

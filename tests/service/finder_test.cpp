@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <thread>
+
 namespace {
 
 using testing::ElementsAre;
@@ -86,6 +88,35 @@ TEST_F(Finder, ThrowsWhenThePortFails) {
 TEST_F(Finder, ThrowsWhenThePortCannotBeOpened) {
     fake_serial::failOpening(2);
     EXPECT_THROW(find({"COM9", {460800}, {1}}), serial::IOException);
+}
+
+TEST_F(Finder, LeavesTheAddressOfAnOpenLink) {
+    CameraSp camera("COM9", 460800);
+    camera.setSlaveAddress(7);
+    const service::FindEnd end =
+        service::findCameras(camera, {"COM9", {460800}, {1, 2}}, {[](std::size_t) {}, {}}, stopped);
+    EXPECT_EQ(end, service::FindEnd::complete);
+    camera.testHeartBeat();
+    EXPECT_EQ(fake_serial::writes().back().at(2), 7);
+}
+
+TEST_F(Finder, EndsOnAnOpenLinkForAWholeJob) {
+    CameraSp camera("COM9", 460800);
+    service::FindEnd end = service::FindEnd::complete;
+    const LineTurn::Hold job = camera.takeLine(LineUser::versions);
+    std::thread other([&] {
+        end = service::findCameras(camera, {"COM9", {460800}, {1}}, {[](std::size_t) {}, {}}, stopped);
+    });
+    other.join();
+    EXPECT_EQ(end, service::FindEnd::lineBusy);
+    EXPECT_TRUE(fake_serial::writes().empty());
+}
+
+TEST_F(Finder, EndsWithTheLink) {
+    CameraSp camera("COM9", 460800);
+    camera.requestStop();
+    EXPECT_EQ(service::findCameras(camera, {"COM9", {460800}, {1}}, {[](std::size_t) {}, {}}, stopped),
+              service::FindEnd::stopped);
 }
 
 TEST(FindPlan, UsualAddressesAreThoseOfTheTypes) {

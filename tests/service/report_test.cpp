@@ -3,7 +3,10 @@
 #include "tests/support/workingdirectory.h"
 
 #include <QBuffer>
+#include <QFile>
 #include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 #include <gmock/gmock.h>
 
@@ -103,6 +106,26 @@ TEST(Report, FileIsWritten) {
 TEST(Report, MissingFolderIsTold) {
     EXPECT_THAT(service::writeReport(checkup(), "no/such/a.csv").toStdString(),
                 HasSubstr("报告没有写入 no/such/a.csv"));
+}
+
+TEST(Report, SeveralAreOneDocument) {
+    std::vector<Checkup> two{checkup(), checkup()};
+    two[1].port = "COM4";
+    const std::string page = service::checkupHtml(two).toStdString();
+    EXPECT_THAT(page, HasSubstr("COM9"));
+    EXPECT_THAT(page, HasSubstr("COM4"));
+    EXPECT_THAT(page, HasSubstr("page-break-before"));
+    EXPECT_EQ(service::checkupCsv(two).count("\"读数\""), 1);
+    EXPECT_EQ(service::writeReport(two, "two.json"), "");
+    QFile file("two.json");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QJsonDocument::fromJson(file.readAll()).array().size(), 2);
+}
+
+TEST(Report, TextHasOneLineAReading) {
+    EXPECT_EQ(service::checkupText(checkup()).toStdString(),
+              "心跳\t有应答\t正常\n序列号\tA\"<1\t正常\n通信\t请求 0，应答 0，无应答 0，迟到 0，损坏 0，"
+              "杂散字节 0，最慢 0 毫秒\t正常\n结论：正常\n");
 }
 
 } // namespace

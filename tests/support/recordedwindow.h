@@ -42,6 +42,6 @@ inline constexpr std::array menuWindows{
     "actionSnSet",         "actionPwmHeatSet",       "actionInstallLocation",
     "actionCaptureDegree", "actionactionPicRateSet", "actionOpenCloseDoor",
     "actionPicInfo",       "actionPicInfoV1",        "actionaddress",
-    "actionAbout"};
+    "actionAbout",         "actionFindCamera",       "actionCheckup"};
 
 } // namespace guitest

@@ -1,4 +1,4 @@
-#include "dialogs/focuskeeper.h"
+#include "linkaccess/focuskeeper.h"
 
 #include <QKeyEvent>
 
