@@ -22,6 +22,26 @@ if(CAMERA_SANITIZE MATCHES "thread")
     "TSAN_OPTIONS=second_deadlock_stack=1:suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endif()
 
+# Two sets of headers for all tests: without windows, and with them. Qt's test library gives each folder macros of its
+# own, so that its include folders alone are named.
+set(camera_test_options "")
+if(camera_precompiled)
+  if(CAMERA_SANITIZE MATCHES "undefined")
+    # Checks of the tests themselves would cost a third of the time.
+    set(camera_test_options -fno-sanitize=undefined)
+  endif()
+  set(headers <gmock/gmock.h> <gtest/gtest.h> <chrono> <functional> <thread>)
+  camera_headers(test_headers HEADERS ${headers} LINK GTest::gmock Qt6::Core)
+  camera_headers(test_window_headers
+    HEADERS ${headers} <QApplication> <QTest> <QtWidgets>
+    LINK GTest::gmock Qt6::Widgets)
+  target_include_directories(test_window_headers SYSTEM PRIVATE
+    $<TARGET_PROPERTY:Qt6::Test,INTERFACE_INCLUDE_DIRECTORIES>)
+  foreach(name IN ITEMS test_headers test_window_headers)
+    target_compile_options(${name} PRIVATE ${camera_test_options})
+  endforeach()
+endif()
+
 # camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [LABELS labels...] [SLOW regexes...]
 #             [TIMEOUT seconds])
 #
@@ -30,7 +50,7 @@ endif()
 #   GUI          main makes a QApplication on the offscreen platform; Qt6::Test and test_windows are linked
 #   APPLICATION  as GUI, with the product's own application object
 #   LABELS       "threads" for tests worth running under the thread sanitizer
-#   SLOW         tests whose names match get the label "slow": some or all of them take more than two seconds
+#   SLOW         tests whose names match get the label "slow", some or all of them take more than two seconds, and start first
 #   TIMEOUT      for one test, 60 s if not given; sanitizers get three times as much
 function(camera_test name)
   cmake_parse_arguments(arg "GUI;APPLICATION" "TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
@@ -47,7 +67,7 @@ function(camera_test name)
   set(environment ${camera_test_environment})
   set(libraries ${arg_LINK} GTest::gmock GTest::gtest)
   set(sources ${arg_SOURCES} "${PROJECT_SOURCE_DIR}/tests/support/testmain.cpp")
-  set(precompiled <gmock/gmock.h> <gtest/gtest.h> <chrono> <functional> <thread>)
+  set(headers test_headers)
   set(application "")
   if(arg_APPLICATION)
     set(application Application)
@@ -57,7 +77,7 @@ function(camera_test name)
     set(header QApplication)
   endif()
   if(application)
-    list(APPEND precompiled <QApplication> <QTest> <QtWidgets>)
+    set(headers test_window_headers)
     list(APPEND libraries test_windows Qt6::Widgets Qt6::Test)
     list(APPEND environment "QT_QPA_PLATFORM=offscreen")
   endif()
@@ -72,15 +92,9 @@ function(camera_test name)
       TEST_APPLICATION=${application}
       TEST_APPLICATION_HEADER="${header}")
   endif()
-  if(CAMERA_FAST_BUILD)
-    list(LENGTH arg_SOURCES source_count)
-    if(source_count GREATER 2)
-      target_precompile_headers(${name} PRIVATE ${precompiled})
-    endif()
-    if(CAMERA_SANITIZE MATCHES "undefined")
-      # Checks of the tests themselves would cost a third of the time.
-      target_compile_options(${name} PRIVATE -fno-sanitize=undefined)
-    endif()
+  if(camera_precompiled)
+    target_precompile_headers(${name} REUSE_FROM ${headers})
+    target_compile_options(${name} PRIVATE ${camera_test_options})
   endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${arg_TIMEOUT})
   # Discovery loses properties that are lists: ctest sets them after it has read the names of the tests.
@@ -95,7 +109,7 @@ endif()
     list(JOIN arg_SLOW "|" slow)
     file(APPEND "${properties_file}" "foreach(test IN LISTS ${name}_TESTS)
   if(test MATCHES [==[${slow}]==])
-    set_tests_properties(\"\${test}\" PROPERTIES LABELS [==[${arg_LABELS};slow]==])
+    set_tests_properties(\"\${test}\" PROPERTIES LABELS [==[${arg_LABELS};slow]==] COST 10)
   endif()
 endforeach()
 ")
