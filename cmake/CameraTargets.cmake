@@ -13,7 +13,7 @@ else()
     # reports overruns of vectors that do not happen. Builds without this option keep the warnings.
     target_compile_options(camera_options INTERFACE
       $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow>
-      -Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread -Wno-restrict)
+      $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread;-Wno-restrict>)
   endif()
 endif()
 
@@ -30,6 +30,23 @@ if(CAMERA_COVERAGE)
   add_link_options(--coverage)
 endif()
 
+# Where nothing is kept between builds, clang compiles what many sources include once, with what it instantiates. What
+# shares it has the same options.
+set(camera_precompiled OFF)
+if(CAMERA_FAST_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  set(camera_precompiled ON)
+endif()
+
+# camera_headers(name HEADERS headers... LINK targets...): compiled once, for target_precompile_headers(REUSE_FROM).
+function(camera_headers name)
+  cmake_parse_arguments(arg "" "" "HEADERS;LINK" ${ARGN})
+  set(source "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
+  file(CONFIGURE OUTPUT "${source}" CONTENT "")
+  add_library(${name} OBJECT "${source}")
+  target_link_libraries(${name} PRIVATE camera_options ${arg_LINK})
+  target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
+endfunction()
+
 # camera_library(name SOURCES... [LINK targets...]): a static library of one folder.
 function(camera_library name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
@@ -37,6 +54,12 @@ function(camera_library name)
   target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE camera_options)
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
   set_target_properties(${name} PROPERTIES UNITY_BUILD ${CAMERA_FAST_BUILD} UNITY_BUILD_BATCH_SIZE 6)
+  if(camera_precompiled AND "Qt6::Widgets" IN_LIST arg_LINK)
+    if(NOT TARGET window_headers)
+      camera_headers(window_headers HEADERS <QtWidgets> <functional> <memory> <string> <vector> LINK Qt6::Widgets)
+    endif()
+    target_precompile_headers(${name} REUSE_FROM window_headers)
+  endif()
 endfunction()
 
 # camera_program(name SOURCES... [LINK targets...])
@@ -44,4 +67,44 @@ function(camera_program name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LINK} camera_options)
+endfunction()
+
+# targets_below(variable folder): the libraries and programs of a folder and of those in it.
+function(targets_below variable folder)
+  get_property(found DIRECTORY "${folder}" PROPERTY BUILDSYSTEM_TARGETS)
+  set(targets "")
+  foreach(target IN LISTS found)
+    get_target_property(type ${target} TYPE)
+    if(NOT type STREQUAL "UTILITY" AND NOT target STREQUAL "window_headers")
+      list(APPEND targets ${target})
+    endif()
+  endforeach()
+  get_property(subfolders DIRECTORY "${folder}" PROPERTY SUBDIRECTORIES)
+  foreach(subfolder IN LISTS subfolders)
+    targets_below(more "${subfolder}")
+    list(APPEND targets ${more})
+  endforeach()
+  set(${variable} ${targets} PARENT_SCOPE)
+endfunction()
+
+# camera_export_product(folders...): describes their targets for a build that tests them, see CAMERA_PRODUCT. That has
+# options of its own.
+function(camera_export_product)
+  set_target_properties(camera_options PROPERTIES EXPORT_NAME camera_product_options)
+  set(all camera_options)
+  foreach(folder IN LISTS ARGN)
+    targets_below(targets "${PROJECT_SOURCE_DIR}/${folder}")
+    list(APPEND all ${targets})
+  endforeach()
+  export(TARGETS ${all} FILE "${PROJECT_BINARY_DIR}/camera-product.cmake")
+endfunction()
+
+# camera_import_product(build): the targets that this build folder exports, under the same names. Warnings in their
+# headers count as if they were built here.
+function(camera_import_product build)
+  get_property(before DIRECTORY PROPERTY IMPORTED_TARGETS)
+  include("${build}/camera-product.cmake")
+  get_property(targets DIRECTORY PROPERTY IMPORTED_TARGETS)
+  list(REMOVE_ITEM targets ${before})
+  set_target_properties(${targets} PROPERTIES IMPORTED_NO_SYSTEM ON)
 endfunction()

@@ -22,6 +22,26 @@ if(CAMERA_SANITIZE MATCHES "thread")
     "TSAN_OPTIONS=second_deadlock_stack=1:suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endif()
 
+# Two sets of headers for all tests: without windows, and with them. Qt's test library gives each folder macros of its
+# own, so that its include folders alone are named.
+set(camera_test_options "")
+if(camera_precompiled)
+  if(CAMERA_SANITIZE MATCHES "undefined")
+    # Checks of the tests themselves would cost a third of the time.
+    set(camera_test_options -fno-sanitize=undefined)
+  endif()
+  set(headers <gmock/gmock.h> <gtest/gtest.h> <chrono> <functional> <thread>)
+  camera_headers(test_headers HEADERS ${headers} LINK GTest::gmock Qt6::Core)
+  camera_headers(test_window_headers
+    HEADERS ${headers} <QApplication> <QTest> <QtWidgets>
+    LINK GTest::gmock Qt6::Widgets)
+  target_include_directories(test_window_headers SYSTEM PRIVATE
+    $<TARGET_PROPERTY:Qt6::Test,INTERFACE_INCLUDE_DIRECTORIES>)
+  foreach(name IN ITEMS test_headers test_window_headers)
+    target_compile_options(${name} PRIVATE ${camera_test_options})
+  endforeach()
+endif()
+
 # camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [VIRTUAL_TIME | REAL_TIME filter]
 #             [LABELS labels...] [SLOW regexes...] [TIMEOUT seconds])
 #
@@ -34,7 +54,7 @@ endif()
 #   REAL_TIME    another program runs these sources in virtual time; this one runs the tests that match the GoogleTest
 #                filter, as "RealTime.<name>"
 #   LABELS       "threads" for tests worth running under the thread sanitizer
-#   SLOW         tests whose names match get the label "slow": some or all of them take more than two seconds
+#   SLOW         tests whose names match get the label "slow", some or all of them take more than two seconds, and start first
 #   TIMEOUT      for one test, 60 s if not given; sanitizers get three times as much
 function(camera_test name)
   cmake_parse_arguments(arg "GUI;APPLICATION;VIRTUAL_TIME" "REAL_TIME;TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
@@ -63,7 +83,7 @@ function(camera_test name)
   endforeach()
   list(APPEND libraries GTest::gmock GTest::gtest)
   set(sources ${arg_SOURCES} "${PROJECT_SOURCE_DIR}/tests/support/testmain.cpp")
-  set(precompiled <gmock/gmock.h> <gtest/gtest.h> <chrono> <functional> <thread>)
+  set(headers test_headers)
   set(application "")
   if(arg_APPLICATION)
     set(application Application)
@@ -73,7 +93,7 @@ function(camera_test name)
     set(header QApplication)
   endif()
   if(application)
-    list(APPEND precompiled <QApplication> <QTest> <QtWidgets>)
+    set(headers test_window_headers)
     list(APPEND libraries test_windows Qt6::Widgets Qt6::Test)
     list(APPEND environment "QT_QPA_PLATFORM=offscreen")
   endif()
@@ -98,15 +118,9 @@ function(camera_test name)
       TEST_APPLICATION=${application}
       TEST_APPLICATION_HEADER="${header}")
   endif()
-  if(CAMERA_FAST_BUILD)
-    list(LENGTH arg_SOURCES source_count)
-    if(source_count GREATER 2)
-      target_precompile_headers(${name} PRIVATE ${precompiled})
-    endif()
-    if(CAMERA_SANITIZE MATCHES "undefined")
-      # Checks of the tests themselves would cost a third of the time.
-      target_compile_options(${name} PRIVATE -fno-sanitize=undefined)
-    endif()
+  if(camera_precompiled)
+    target_precompile_headers(${name} REUSE_FROM ${headers})
+    target_compile_options(${name} PRIVATE ${camera_test_options})
   endif()
   set(selection "")
   if(arg_REAL_TIME)
@@ -126,7 +140,7 @@ endif()
     list(JOIN arg_SLOW "|" slow)
     file(APPEND "${properties_file}" "foreach(test IN LISTS ${name}_TESTS)
   if(test MATCHES [==[${slow}]==])
-    set_tests_properties(\"\${test}\" PROPERTIES LABELS [==[${arg_LABELS};slow]==])
+    set_tests_properties(\"\${test}\" PROPERTIES LABELS [==[${arg_LABELS};slow]==] COST 10)
   endif()
 endforeach()
 ")

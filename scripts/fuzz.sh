@@ -111,7 +111,7 @@ main() {
   if [ ${#fuzzers[@]} -eq 0 ]; then
     fuzzers=("${all_fuzzers[@]}")
   fi
-  ensure_packages "${build_packages[@]}" clang libclang-rt-14-dev
+  ensure_packages "${build_packages[@]}" "${clang_packages[@]}"
   build_fuzzers
   local name limit rows=()
   for name in "${fuzzers[@]}"; do

@@ -9,6 +9,8 @@ test_packages=(libgtest-dev libgmock-dev libbenchmark-dev fonts-noto-cjk qt6-tra
 # What the static checks need, and packing for Debian.
 check_packages=(clang-format clang-tidy)
 package_packages=(dpkg-dev file lintian)
+# What builds the sanitizers, the fuzzers, and a change's tests.
+clang_packages=(clang libclang-rt-14-dev lld)
 # What building the Windows program needs, beside Qt and the serial library for Windows.
 windows_build_packages=(g++-mingw-w64-x86-64-posix cmake ninja-build qt6-base-dev qt6-base-dev-tools libcli11-dev)
 

@@ -14,6 +14,15 @@ export_source_date() {
   export SOURCE_DATE_EPOCH TZ=UTC
 }
 
+# pack PRESET GENERATORS: what cpack's generators make of this build.
+pack() {
+  local build=$project_root/build/$1
+  say "packing: $2"
+  rm -rf "$build"/_CPack_Packages "$build"/shelf-camera-tool[-_]*
+  (cd "$build" && umask 022 && cpack -G "$2" --config CPackConfig.cmake >cpack.log 2>&1) ||
+    { cat "$build/cpack.log" >&2; fail "cpack"; }
+}
+
 package_linux() {
   local folder=$1
   if ! command -v apt-get >/dev/null; then
@@ -25,24 +34,32 @@ package_linux() {
   if [ -n "${CI:-}" ]; then
     preset=$(optimised_preset) # has been built and tested
   fi
-  local build=$project_root/build/$preset
   configure_and_build "$preset"
-  say "packing the Debian package"
-  rm -f "$build"/*.deb
-  (cd "$build" && umask 022 && cpack -G DEB --config CPackConfig.cmake >cpack.log 2>&1) ||
-    { cat "$build/cpack.log" >&2; fail "cpack"; }
+  pack "$preset" DEB
+  local build=$project_root/build/$preset
   lintian --allow-root --fail-on error --tag-display-limit 0 "$build"/*.deb || fail "lintian found errors"
   cp "$build"/*.deb "$folder"
 }
 
 package_windows() {
-  local folder=$1
-  local packages
-  if packages=$("$project_root/packaging/windows/make-packages.sh" --check); then
-    "$project_root/packaging/windows/make-packages.sh" "$folder"
-  else
-    say "skipped: the ZIP and the installer for Windows: $packages"
+  local folder=$1 dependencies
+  dependencies=$(windows_dependencies_folder)
+  if ! has_windows_dependencies "$dependencies"; then
+    say "skipped: the ZIP and the installer for Windows: no Qt for Windows in $dependencies;" \
+      "packaging/windows/build-dependencies.sh gets it"
+    return
   fi
+  ensure_packages "${windows_build_packages[@]}" qt6-translations-l10n zip nsis
+  (
+    export CXXFLAGS="-ffile-prefix-map=$project_root=." CCACHE_BASEDIR=
+    configure_and_build mingw
+  )
+  pack mingw "ZIP;NSIS"
+  local file
+  for file in "$project_root"/build/mingw/shelf-camera-tool-*-windows-x64{.zip,-setup.exe}; do
+    touch "--date=@$SOURCE_DATE_EPOCH" "$file"
+    cp --preserve=timestamps "$file" "$folder"
+  done
 }
 
 main() {

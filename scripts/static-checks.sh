@@ -62,16 +62,47 @@ prepare_commands() {
   find "$commands" -name AutogenInfo.json -exec cmake -E cmake_autogen '{}' Debug ';' >/dev/null
 }
 
-# check_with_tidy SOURCE...
+# Findings in the project's own files count, whichever of them is checked; generated files lie deeper in the build folder.
+project_sources="^$project_root/[a-z]+/([a-z]+/)?[^/]*\\.(h|cpp)\$"
+
+# tidy FOLDER SOURCE...: with the commands in FOLDER. run-clang-tidy takes expressions that a source's path has to match.
+tidy() {
+  local folder=$1
+  shift
+  printf '%s\n' "$@" | sed 's/[.+]/\\&/g; s#.*#^&$#' |
+    xargs -d '\n' run-clang-tidy -p "$folder" -quiet -j "$(nproc)" -header-filter "$project_sources" 2>&1 |
+    sed 's#\x1b\[[0-9;]*m##g'
+}
+
+# without_noise: the tool's list of commands, and its count of warnings that it was told not to show.
+without_noise() {
+  grep -Ev '^(clang-tidy[^ ]* .*|[0-9]+ warnings? generated.*|)$' || true
+}
+
+# suspect_sources: reads what the tool said of units; prints the sources of those with a finding, or all if it names
+# none.
+suspect_sources() {
+  local suspects
+  mapfile -t suspects < <(awk '/^clang-tidy/ { unit = $NF } /: (error|warning): / { print unit }' | sort -u)
+  [ ${#suspects[@]} -gt 0 ] || suspects=("$units"/unit*.cpp)
+  sed -n 's/^#include "\(.*\)" .*/\1/p' "${suspects[@]}"
+}
+
+# check_with_tidy SOURCE...: several sources at once, as reading headers and looking through them takes most of the time.
+# Where that has a finding, it is looked for source by source: local names of two sources may meet in a unit.
+units=$project_root/build/tidy-units
 check_with_tidy() {
-  local start=$SECONDS bad=0
+  local start=$SECONDS bad=0 sources unknown log=$commands/units.log
   say "clang-tidy over $# files"
   [ $# -gt 0 ] || return 0
-  # It takes expressions that a source's path has to match. Its colours, its list of commands and the tool's count of
-  # warnings that it was told not to show are noise.
-  printf '%s\n' "$@" | sed 's/[.+]/\\&/g; s#.*#/&$#' |
-    xargs -d '\n' run-clang-tidy -p "$commands" -quiet -j "$(nproc)" 2>&1 | sed 's#\x1b\[[0-9;]*m##g' |
-    grep -Ev '^(clang-tidy[^ ]* .*|[0-9]+ warnings? generated.*|)$' || [ "${PIPESTATUS[2]}" -eq 0 ] || bad=1
+  mapfile -t sources < <(realpath "$@")
+  unknown=$(printf '%s\n' "${sources[@]}" | python3 scripts/tidy_units.py "$commands" "$units")
+  [ -z "$unknown" ] || fail "not built here: $unknown"
+  if ! tidy "$units" "$units"/unit*.cpp >"$log"; then
+    mapfile -t sources < <(suspect_sources <"$log")
+    say "clang-tidy over ${#sources[@]} of these files, one by one"
+    tidy "$commands" "${sources[@]}" | without_noise || bad=1
+  fi
   say "clang-tidy: $# files checked in $((SECONDS - start)) s"
   return "$bad"
 }

@@ -2,7 +2,8 @@
 # Builds the Windows programs and proves them under Wine, without a display: the tool itself with a virtual camera
 # behind COM5, shelf-camera at the same camera, the tour of all windows and the tests of turns between COM12 and COM6, the virtual camera on COM6. Its
 # log, pictures and files are left in out/windows. Where Qt for Windows is missing it says so and ends well.
-# Usage: packaging/windows/test.sh [--no-build] [--pictures]      --pictures: copies what docs/windows.md shows
+# Usage: packaging/windows/test.sh [--build | --no-build] [--pictures]      --build: runs nothing
+#        --pictures: copies what docs/windows.md shows
 . "$(dirname "$0")/../../scripts/lib.sh"
 
 out=$project_root/out/windows
@@ -159,6 +160,7 @@ main() {
     configure_and_build mingw -DCAMERA_WARNINGS_AS_ERRORS=ON -DCAMERA_WINDOWS_TESTS=ON -DCAMERA_FAST_BUILD=OFF
     configure_and_build "$(optimised_preset)" --target virtual-camera
   fi
+  [[ " $* " != *" --build "* ]] || return 0
   local start=$SECONDS
   lay_out_programs app cli demo emulator tests/windows
   xvfb-run --auto-servernum --server-args='-screen 0 1280x1024x24' "$0" --prove

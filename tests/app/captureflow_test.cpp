@@ -266,7 +266,7 @@ TEST_F(CaptureFlowTest, EndsWhenTheDeviceVanishes) {
     willTakeOrigin({});
     camera.willList(0x07, {bytes(scripted::originRecord)});
     client->setSlaveAddress(1);
-    fake_serial::onWrite([this](const protocol::Bytes& request) {
+    fake_serial::onWrite([](const protocol::Bytes& request) {
         const std::uint8_t code = request.at(3);
         if (code == 0x09)
             fake_serial::willThrowOnRead();
