@@ -99,10 +99,12 @@ void CheckupWindow::start() {
     const auto read = reporter<service::CheckLine>(
         this, [this](const auto& line) { addLine(line.reading->translatedTitle(), line.value); });
     const auto work = [read, stopped = m_stopped, facts = m_owner.linkFacts(),
+                       began = QDateTime::currentDateTime(),
                        takesPicture = m_ui->cb_picture->isChecked()](CameraSp* camera) {
         service::LineQuality quality;
         const LineObservation counted(*camera, quality);
         Run run{service::runCheckup(*camera, facts.type, quality, read, stopped.get())};
+        run.checkup.at = began;
         run.checkup.port = facts.port;
         run.checkup.address = facts.address;
         if (takesPicture && run.checkup.interruption.isEmpty() && !run.checkup.isSilent() && !*stopped)

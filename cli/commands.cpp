@@ -173,6 +173,7 @@ Result runDoor(const CommandContext& context) {
 
 Result runCheck(const CommandContext& context) {
     QStringList lines;
+    const QDateTime began = QDateTime::currentDateTime();
     service::Checkup checkup = service::runCheckup(
         context.camera, context.options.type, context.quality, [&](const service::CheckLine& line) {
             const ReadValue& value = line.value;
@@ -185,6 +186,7 @@ Result runCheck(const CommandContext& context) {
         });
     if (context.camera.stopRequested())
         return failureOf(commandWords("检查"), {CommandEnd::stopped});
+    checkup.at = began;
     checkup.port = QString::fromStdString(context.port);
     checkup.address = context.options.usedAddress();
     if (context.options.command.takesPicture)

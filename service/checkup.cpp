@@ -33,7 +33,6 @@ bool Checkup::isSilent() const {
 Checkup runCheckup(CameraSp& camera, protocol::CameraType type, LineQuality& quality,
                    const std::function<void(const CheckLine& line)>& read, const std::atomic<bool>* stopped) {
     Checkup checkup;
-    checkup.at = QDateTime::currentDateTime();
     checkup.baudRate = camera.baudRate();
     checkup.type = type;
     const LineTurn::Hold order = camera.takeReadings();

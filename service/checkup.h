@@ -40,7 +40,7 @@ struct Checkup {
 
 /// Reads what the type knows, line after line, on the calling thread and tells each. A stopped link, a whole
 /// job that asks for the line, and `stopped` end it early. The observer counts the line from the start of the
-/// check-up. Sequences of background reads wait for it.
+/// check-up. Sequences of background reads wait for it. Time, port and address are left to the caller.
 [[nodiscard]] Checkup runCheckup(CameraSp& camera, protocol::CameraType type, LineQuality& quality,
                                  const std::function<void(const CheckLine& line)>& read,
                                  const std::atomic<bool>* stopped = nullptr);
