@@ -5,7 +5,7 @@ project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 # What building needs, and what building and running the tests needs besides.
 build_packages=(g++ cmake ninja-build qt6-base-dev libcxx-serial-dev libcli11-dev)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev fonts-noto-cjk qt6-translations-l10n python3-jsonschema)
+test_packages=(libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev fonts-noto-cjk qt6-translations-l10n python3-jsonschema)
 # What the static checks need, and packing for Debian.
 check_packages=(clang-format clang-tidy)
 package_packages=(dpkg-dev file lintian)

@@ -46,7 +46,7 @@ TEST_F(MoreMenuTest, ListsItsEntries) {
     QStringList texts;
     for (const QAction* const entry : menu()->actions())
         texts.append(entry->text());
-    EXPECT_EQ(texts, QStringList({"查找摄像头", "一键检查", "使用手册"}));
+    EXPECT_EQ(texts, QStringList({"查找摄像头", "一键检查", "通信记录", "使用手册"}));
 }
 
 TEST_F(MoreMenuTest, OpensAboveTheButton) {
