@@ -292,8 +292,8 @@ void LineRecordWindow::save(const QString& path) {
 }
 
 void LineRecordWindow::chooseRecording() {
-    auto* const dialog =
-        new QFileDialog(this, tr("打开录制"), documentsFolder(), tr("录制文件 (*.rec);;所有文件 (*)"));
+    auto* const dialog = new QFileDialog(this, tr("打开录制"), documentsFolder(),
+                                         tr("录制文件 (*.rec)") + QStringLiteral(";;") + tr("所有文件 (*)"));
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QFileDialog::fileSelected, this, &LineRecordWindow::openRecording);
