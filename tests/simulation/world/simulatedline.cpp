@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::size_t queueSize = 4096; // of a terminal
 constexpr std::size_t pieceSize = 64;   // arrives whole on a line with a rate
-constexpr auto bitsPerByte = 10;
 
 } // namespace
 
