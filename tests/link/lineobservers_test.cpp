@@ -12,7 +12,7 @@ struct Counter final : LineObserver {
     std::atomic<int> got{0};
 
     void sending(protocol::ByteView, Clock::Time) override { ++sent; }
-    void received(protocol::ByteView, Clock::Time) override { ++got; }
+    void received(protocol::ByteView, Clock::Time, Clock::Time) override { ++got; }
 };
 
 class Observers : public LinkTest {};
