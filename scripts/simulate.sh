@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs simulated sessions of the tool; a failure prints its seed, this commit and the shortest scenario found.
-# Usage: scripts/simulate.sh [option]...     e.g. --sessions 1000000, --seed 84 --window; --help lists them
+# Usage: scripts/simulate.sh [option]...     e.g. --sessions 1000000, or --seed 84 --window --pace 2; --help lists them
 . "$(dirname "$0")/lib.sh"
 
 ensure_packages "${build_packages[@]}" "${test_packages[@]}"

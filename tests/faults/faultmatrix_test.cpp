@@ -104,6 +104,7 @@ TEST(FaultMatrixTable, HasARowForEveryCommandOfTheClient) {
     const std::string header{std::istreambuf_iterator<char>(in), {}};
     std::set<std::string> methods =
         methodsBetween(header, "// --- status and properties", "// --- the turn on the line");
+    EXPECT_EQ(methods.erase("testHeartBeatAt"), 1U) << "the exchange of testHeartBeat at another address";
     EXPECT_EQ(methods.erase("checkQuentaData"), 1U) << "reads the answers of the two JSON commands";
     std::set<std::string> rows;
     for (const Command& command : commands())
