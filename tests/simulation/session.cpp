@@ -219,9 +219,8 @@ void warmUp() {
     const Lines lines;
     MainWindow window;
     window.show();
-    for (QAction* const entry : window.findChildren<QAction*>()) {
-        if (entry->objectName().startsWith(QLatin1String("action")) &&
-            entry->objectName() != QLatin1String("actionReboot") &&
+    for (QAction* const entry : menuEntries(window)) {
+        if (entry->objectName() != QLatin1String("actionReboot") &&
             entry->objectName() != QLatin1String("actionResetFactory") &&
             entry->objectName() != QLatin1String("actionOriginCmdExtraAdd"))
             entry->trigger();

@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QSpinBox>
 
@@ -52,6 +53,17 @@ const QString& typedText(std::uint32_t choice) {
 }
 
 } // namespace
+
+QList<QAction*> menuEntries(const QWidget& mainWindow) {
+    QList<QAction*> entries;
+    for (const QMenu* const menu : mainWindow.findChild<QMenuBar*>()->findChildren<QMenu*>()) {
+        for (QAction* const entry : menu->actions()) {
+            if (entry->objectName().startsWith(QLatin1String("action")))
+                entries.append(entry);
+        }
+    }
+    return entries;
+}
 
 Technician::Technician(Workplace& workplace, QWidget* mainWindow, const Scenario& scenario)
     : m_workplace(workplace), m_main(mainWindow), m_front(mainWindow), m_scenario(scenario) {
@@ -210,13 +222,13 @@ QWidget* Technician::frontWindow() const {
 
 void Technician::pressLink() {
     note(QStringLiteral("presses btn_open"));
-    const int openBefore = world::openPorts();
+    const bool openBefore = named(*m_main, "btn_open")->text() == QStringLiteral("关闭串口");
     const qsizetype boxesBefore = m_boxes.size();
     const world::Time before = world::now();
     const QPointer<Technician> self(this);
     named(*m_main, "btn_open")->click();
     const bool asked = self == nullptr || m_boxes.size() != boxesBefore;
-    if (!asked && openBefore > 0 && m_linkHandler)
+    if (!asked && openBefore && m_linkHandler)
         m_linkHandler(world::now() - before);
 }
 
@@ -225,6 +237,7 @@ void Technician::press(const Step& step) {
     QList<QAbstractButton*> buttons = usable<QAbstractButton>(*window);
     buttons.removeIf([](const QAbstractButton* each) {
         return each->objectName() == QLatin1String("btn_open") ||
+               each->objectName() == QLatin1String("btn_more") ||
                each->objectName().startsWith(QLatin1String("qt_"));
     });
     if (QAbstractButton* const button = chosen(buttons, step.choice)) {
@@ -234,11 +247,8 @@ void Technician::press(const Step& step) {
 }
 
 void Technician::chooseMenu(const Step& step) {
-    QList<QAction*> entries;
-    for (QAction* const entry : m_main->findChildren<QAction*>()) {
-        if (entry->objectName().startsWith(QLatin1String("action")) && entry->isEnabled())
-            entries.append(entry);
-    }
+    QList<QAction*> entries = menuEntries(*m_main);
+    entries.removeIf([](const QAction* entry) { return !entry->isEnabled(); });
     constexpr qsizetype mostWindows = 6;
     if (QAction* const entry = chosen(entries, step.choice);
         entry != nullptr && windows().size() <= mostWindows) {

@@ -17,6 +17,9 @@ class QWidget;
 
 namespace simulation {
 
+/// The entries of the menu bar.
+[[nodiscard]] QList<QAction*> menuEntries(const QWidget& mainWindow);
+
 /// Performs the steps one after the other, inside whatever event loop runs: a box or file dialog that is open
 /// is answered by the next step. Steps that do not apply do nothing.
 class Technician final : public QObject {

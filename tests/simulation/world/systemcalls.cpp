@@ -23,6 +23,11 @@
 using namespace std::chrono_literals;
 using world::Time;
 
+/// Clang's address sanitizer is a part of the program; it has to know each thread.
+extern "C" [[gnu::weak]] int __interceptor_pthread_create(pthread_t* name, const pthread_attr_t* attributes,
+                                                          void* (*function)(void*), // NOLINT: its name
+                                                          void* argument);
+
 namespace {
 
 /// The next definition of the function that the caller replaces.
@@ -309,8 +314,9 @@ int pthread_cond_broadcast(pthread_cond_t* condition) noexcept {
 
 int pthread_create(pthread_t* name, const pthread_attr_t* attributes, void* (*function)(void*),
                    void* argument) noexcept {
-    static auto* const call =
-        next<int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)>("pthread_create");
+    using Create = int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+    Create* const sanitizers = &__interceptor_pthread_create;
+    static auto* const call = sanitizers != nullptr ? sanitizers : next<Create>("pthread_create");
     static_cast<void>(world::threadNumber()); // the first thread comes before this one
     world::Thread* const thread = world::newThread();
     auto start = std::make_unique<Start>(Start{function, argument, thread});
