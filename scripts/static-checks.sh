@@ -12,7 +12,7 @@ check_layout() {
 
 # Product sources that are built here; tests are held to the compiler's warnings alone.
 all_sources() {
-  project_files '*.cpp' | grep -Ev '^(tests|bench|fuzz)/|_windows\.cpp$'
+  project_files '*.cpp' | grep -Ev '^(tests|bench|fuzz)/|_(windows|none)\.cpp$'
 }
 
 # Files that the last commits touched, and those that are not committed. Code 1: the history is not all there.
@@ -38,7 +38,7 @@ including_sources() {
         if [ -f "${file%.h}.cpp" ]; then
           printf '%s\n' "${file%.h}.cpp"
         else
-          git grep --files-with-matches --fixed-strings "\"$file\"" -- '*.cpp' | grep -m 1 -Ev '^(tests|bench|fuzz)/|_windows\.cpp$' || true
+          git grep --files-with-matches --fixed-strings "\"$file\"" -- '*.cpp' | grep -m 1 -Ev '^(tests|bench|fuzz)/|_(windows|none)\.cpp$' || true
         fi
         ;;
     esac

@@ -149,9 +149,8 @@ std::optional<Time> SimulatedLine::roomAt() {
 
 std::optional<Time> SimulatedLine::emptyAt() {
     advance();
-    // A camera that does not read delays nobody: what has left the queue of the adapter is sent.
-    const bool sent = m_toCamera.empty() || m_toCamera.back().arrives <= now();
-    return sent ? std::nullopt : std::optional(m_toCamera.back().arrives);
+    // Neither a camera that does not read nor a long way delays anybody: what has left the queue is sent.
+    return m_toCameraFree <= now() ? std::nullopt : std::optional(m_toCameraFree);
 }
 
 std::size_t SimulatedLine::available() {
