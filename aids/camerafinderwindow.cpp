@@ -183,10 +183,11 @@ void CameraFinderWindow::startOnLink(const service::FindPlan& plan) {
     };
     m_jobs = 1;
     m_search = std::make_shared<service::PortSearch>(std::vector<service::FindPlan>());
-    const auto work = [plan, search = m_search, observer = observer()](CameraSp* camera) -> End {
+    const service::PortSearchObserver events = observer();
+    const service::FindObserver found{[events](std::size_t) { events.tried(); }, events.found};
+    const auto work = [plan, search = m_search, found](CameraSp* camera) -> End {
         try {
-            const service::FindEnd end = service::findCameras(
-                *camera, plan, {[&](std::size_t) { observer.tried(); }, observer.found}, search->stopped());
+            const service::FindEnd end = service::findCameras(*camera, plan, found, search->stopped());
             const LineTurn::State line = camera->lineState();
             return {end, line.waitingJob != LineUser::none ? line.waitingJob : line.holder, {}};
         } catch (...) {

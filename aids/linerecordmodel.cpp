@@ -214,7 +214,7 @@ QString LineRecordModel::cell(const Shown& shown, int column) const {
 QString LineRecordModel::words(const Shown& shown) const {
     if (const QString* const known = m_words.object(shown.number))
         return *known;
-    const QString text = QString::fromStdString(
+    QString text = QString::fromStdString(
         service::wordsOf(shown.row, m_log->record, m_log->head.pictureOffset, &chinesePhrase));
     m_words.insert(shown.number, new QString(text));
     return text;

@@ -40,7 +40,7 @@ public:
 private:
     /// The log may drop the row first.
     struct Shown {
-        std::uint64_t number;
+        std::uint64_t number = 0;
         service::LineRow row;
     };
 

@@ -124,7 +124,7 @@ protected:
                                                       std::function<void(const Value& value)> show) const {
         struct Target {
             QPointer<QObject> context;
-            std::uint64_t generation;
+            std::uint64_t generation = 0;
             std::function<void(const Value& value)> show;
         };
         auto target = std::make_shared<Target>(Target{context, m_generation, std::move(show)});

@@ -94,7 +94,7 @@ void LineRecord::copyOut(Position from, void* to, std::size_t count) const {
 }
 
 LineRecord::Head LineRecord::headAt(Position position) const {
-    Head head;
+    Head head{};
     copyOut(position, &head, sizeof head);
     return head;
 }

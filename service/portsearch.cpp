@@ -52,10 +52,11 @@ private:
 } // namespace
 
 void PortSearch::run(const PortSearchObserver& observer) {
+    const FindObserver found{[&observer](std::size_t) { observer.tried(); }, observer.found};
     while (const FindPlan* const plan = takeNext()) {
         const PortUse use(plan->port);
         try {
-            findCameras(*plan, {[&](std::size_t) { observer.tried(); }, observer.found}, m_stopped);
+            findCameras(*plan, found, m_stopped);
         } catch (...) {
             observer.failed(plan->port, failureText(std::current_exception()));
         }
