@@ -148,7 +148,8 @@ void compare(bench::Results& results, const bench::FarEnd& farEnd, const std::st
                  bench::Goal{bench::Goal::Kind::atLeast, 0.99}});
 }
 
-/// What the log costs the thread of the exchange, and the window's thread later, for each chunk of an upload.
+/// Processor time of the log for each chunk of an upload: on the thread of the exchange, and later on the
+/// window's.
 void measureChunks(bench::Results& results) {
     constexpr int chunks = 60000; // twice what the record holds
     constexpr int batch = 1000;

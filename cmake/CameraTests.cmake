@@ -1,6 +1,8 @@
-# The function that makes a test program and registers each of its tests with ctest.
+# The function that makes a test program and registers its tests with ctest.
 
-include(GoogleTest)
+# Tests of a suite that ctest starts as one process: those that wait for nothing, and others.
+set(camera_most_quick_tests 100)
+set(camera_most_waiting_tests 10)
 
 # Builds all programs that hold tests labelled "threads": what a thread-sanitizer run needs.
 add_custom_target(thread_tests)
@@ -42,22 +44,53 @@ if(camera_precompiled)
   endforeach()
 endif()
 
-# camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [VIRTUAL_TIME | REAL_TIME filter]
-#             [LABELS labels...] [SLOW regexes...] [TIMEOUT seconds])
+# camera_list_tests(program MOST number [FILTER filter] [PREFIX prefix] [ALONE regexes...] [LABELS labels...]
+#                   [ENVIRONMENT variables...] [TIMEOUT seconds])
 #
-# A GoogleTest program. ctest runs each of its tests as a process, several at once. A test starts in an empty working
-# directory, which is deleted afterwards: downloads go into the working directory.
+# Registers the tests of a GoogleTest program that match the filter: each suite as "<prefix><suite>", or in parts of at
+# most so many tests; tests whose names match ALONE by themselves, labelled "slow". Later files of TEST_INCLUDE_FILES
+# find the names in ${program}_TESTS.
+function(camera_list_tests program)
+  cmake_parse_arguments(arg "" "MOST;FILTER;PREFIX;TIMEOUT" "ALONE;LABELS;ENVIRONMENT" ${ARGN})
+  if(NOT arg_FILTER)
+    set(arg_FILTER "*")
+  endif()
+  list(JOIN arg_ALONE "|" alone)
+  set(file "${CMAKE_CURRENT_BINARY_DIR}/${program}_tests.cmake")
+  file(GENERATE OUTPUT "${file}" CONTENT "set(test_name ${program})
+set(test_program [==[$<TARGET_FILE:${program}>]==])
+set(test_folder [==[${CMAKE_CURRENT_BINARY_DIR}]==])
+set(test_prefix [==[${arg_PREFIX}]==])
+set(test_filter [==[${arg_FILTER}]==])
+set(test_most ${arg_MOST})
+set(test_alone [==[${alone}]==])
+set(test_labels [==[${arg_LABELS}]==])
+set(test_environment [==[${arg_ENVIRONMENT}]==])
+set(test_timeout ${arg_TIMEOUT})
+set(test_cmake [==[${CMAKE_COMMAND}]==])
+include([==[${PROJECT_SOURCE_DIR}/cmake/ListTests.cmake]==])
+")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${file}")
+endfunction()
+
+# camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [VIRTUAL_TIME | REAL_TIME filter]
+#             [QUICK] [LABELS labels...] [SLOW regexes...] [TIMEOUT seconds])
+#
+# A GoogleTest program. ctest runs its suites as processes, several at once. A test starts in an empty working directory,
+# which is deleted afterwards: downloads go into the working directory.
 #   GUI          main makes a QApplication on the offscreen platform; Qt6::Test and test_windows are linked
 #   APPLICATION  as GUI, with the product's own application object
 #   VIRTUAL_TIME waits take no time; unless fake_serial is linked, TestFront is a camera on a simulated line. Instead of
 #                a linked library X, X_virtual is linked if there is one. No effect under the thread sanitizer
 #   REAL_TIME    another program runs these sources in virtual time; this one runs the tests that match the GoogleTest
 #                filter, as "RealTime.<name>"
+#   QUICK        the tests wait for nothing: a suite is not divided
 #   LABELS       "threads" for tests worth running under the thread sanitizer
-#   SLOW         tests whose names match get the label "slow", some or all of them take more than two seconds, and start first
-#   TIMEOUT      for one test, 60 s if not given; sanitizers get three times as much
+#   SLOW         tests whose names match run by themselves, get the label "slow" and start first: they take more than
+#                two seconds
+#   TIMEOUT      for one process, 60 s if not given; sanitizers get three times as much
 function(camera_test name)
-  cmake_parse_arguments(arg "GUI;APPLICATION;VIRTUAL_TIME" "REAL_TIME;TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
+  cmake_parse_arguments(arg "GUI;APPLICATION;VIRTUAL_TIME;QUICK" "REAL_TIME;TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "camera_test(${name}): what is ${arg_UNPARSED_ARGUMENTS}?")
   endif()
@@ -122,30 +155,22 @@ function(camera_test name)
     target_precompile_headers(${name} REUSE_FROM ${headers})
     target_compile_options(${name} PRIVATE ${camera_test_options})
   endif()
-  set(selection "")
+  set(prefix "")
   if(arg_REAL_TIME)
-    set(selection TEST_FILTER "${arg_REAL_TIME}" TEST_PREFIX RealTime.)
+    set(prefix RealTime.)
   endif()
-  gtest_discover_tests(${name} ${selection}
-    DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${arg_TIMEOUT})
-  # Discovery loses properties that are lists: ctest sets them after it has read the names of the tests.
-  set(properties_file "${CMAKE_CURRENT_BINARY_DIR}/${name}_properties.cmake")
-  file(WRITE "${properties_file}" "if(${name}_TESTS)
-  set_tests_properties(\${${name}_TESTS} PROPERTIES
-    LABELS [==[${arg_LABELS}]==]
-    ENVIRONMENT [==[${environment}]==])
-endif()
-")
-  if(arg_SLOW)
-    list(JOIN arg_SLOW "|" slow)
-    file(APPEND "${properties_file}" "foreach(test IN LISTS ${name}_TESTS)
-  if(test MATCHES [==[${slow}]==])
-    set_tests_properties(\"\${test}\" PROPERTIES LABELS [==[${arg_LABELS};slow]==] COST 10)
+  set(most ${camera_most_waiting_tests})
+  if(virtual_time OR arg_QUICK)
+    set(most ${camera_most_quick_tests})
   endif()
-endforeach()
-")
-  endif()
-  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${properties_file}")
+  camera_list_tests(${name}
+    FILTER "${arg_REAL_TIME}"
+    PREFIX "${prefix}"
+    MOST ${most}
+    ALONE ${arg_SLOW}
+    LABELS ${arg_LABELS}
+    ENVIRONMENT ${environment}
+    TIMEOUT ${arg_TIMEOUT})
   if("threads" IN_LIST arg_LABELS)
     add_dependencies(thread_tests ${name})
   endif()

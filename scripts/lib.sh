@@ -1,17 +1,17 @@
-# What the scripts share. To be sourced: . "$(dirname "$0")/lib.sh"
+# Functions that the scripts share. To be sourced: . "$(dirname "$0")/lib.sh"
 set -euo pipefail
 
 project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-# What building needs, and what building and running the tests needs besides.
+# Packages for building; further ones for building and running the tests.
 build_packages=(g++ cmake ninja-build qt6-base-dev libcxx-serial-dev libcli11-dev)
 test_packages=(libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev fonts-noto-cjk qt6-translations-l10n python3-jsonschema)
-# What the static checks need, and packing for Debian.
+# Packages for the static checks, and for making the Debian package.
 check_packages=(clang-format clang-tidy)
 package_packages=(dpkg-dev file lintian)
-# What builds the sanitizers, the fuzzers, and a change's tests.
+# Clang: compiles the sanitizers' builds, the fuzzers, and the tests of a change.
 clang_packages=(clang libclang-rt-14-dev lld)
-# What building the Windows program needs, beside Qt and the serial library for Windows.
+# Packages for building the Windows program, beside Qt and the serial library for Windows.
 windows_build_packages=(g++-mingw-w64-x86-64-posix cmake ninja-build qt6-base-dev qt6-base-dev-tools libcli11-dev)
 
 say() {
@@ -141,7 +141,7 @@ start_ctest() (
   shift
   cd "$project_root"
   export QT_QPA_PLATFORM=offscreen
-  "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 5))" "$@"
+  "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 8))" "$@"
 )
 
 # list_slow_tests PRESET: tests with the label "slow", one a line. It empties ctest's log of the last run.
@@ -150,12 +150,12 @@ list_slow_tests() (
   ctest --preset "$1" --show-only --label-regex '^slow$' | sed -n 's/^ *Test *#[0-9]*: //p'
 )
 
-# report_unlabelled_tests PRESET: tests of the last run that took more than two seconds; standard input lists those with
-# the label "slow".
+# report_unlabelled_tests PRESET: entries of the last run that took more than ten seconds; standard input lists those
+# with the label "slow".
 report_unlabelled_tests() {
   awk 'NR == FNR { labelled[$0] = 1; next }
     / Test: / { name = substr($0, index($0, " Test: ") + 7) }
-    /^Test time = / && $4 > 2 && !(name in labelled) { printf "not labelled slow: %.1f s  %s\n", $4, name }' \
+    /^Test time = / && $4 > 10 && !(name in labelled) { printf "not labelled slow: %.1f s  %s\n", $4, name }' \
     - "$project_root/build/$1/Testing/Temporary/LastTest.log"
 }
 

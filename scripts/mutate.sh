@@ -68,12 +68,16 @@ show_log() {
   fail "$*"
 }
 
-# noticed_by PROGRAM: the names of its tests that fail, one a line; of the folder's other programs nothing.
+# noticed_by PROGRAM: its tests that fail, and suites that end otherwise, one a line; of the folder's other programs
+# nothing.
 noticed_by() {
   QT_QPA_PLATFORM=offscreen nice ctest --test-dir "$build/tests/$(dirname "$1")" --parallel "$(($(nproc) * 5))" \
     --exclude-regex '_NOT_BUILT$' --output-on-failure --no-tests=error >"$log" 2>&1 && return
   grep -q '^The following tests FAILED:$' "$log" || show_log "the tests did not run"
-  sed -n 's/  # GetParam().*\( (\)/\1/; s/^\t *[0-9]* - \(.*\) (Failed)$/\1/p; s/^\t *[0-9]* - \(.*\) (\(.*\))$/\1 (\2)/p' "$log"
+  {
+    sed -n 's/^\[  FAILED  \] \([^ ,]*[.][^ ,]*\).*/\1/p' "$log"
+    sed -n '/(Failed)$/!s/^\t *[0-9]* - \(.* (.*)\)$/\1/p' "$log"
+  } | sort -u
 }
 
 # attempt NUMBER: prints what noticed mutation NUMBER; nothing if nothing did.

@@ -20,7 +20,7 @@ struct LineCounts {
     bool operator==(const LineCounts&) const = default;
 };
 
-/// What an item is to the exchange under way.
+/// Role of one item of the line in the present exchange.
 struct Judgement {
     enum class Role : std::uint8_t {
         request, ///< begins an exchange

@@ -215,8 +215,9 @@ void Judge::boxShown(const QString& text) {
         checkUploadSuccess();
 }
 
-/// What the protocol cannot see: a system image has no verdict; answers carry no check code that the client
-/// reads; a faulty camera says what it likes.
+/// Compares the camera's image with the file. Left out are the cases that the protocol cannot detect: a
+/// system image has no verdict, the client reads no check code of answers, a faulty camera may report any
+/// verdict.
 void Judge::checkUploadSuccess() {
     const Disturbances& disturbed = m_workplace.disturbances();
     if (disturbed.camera || disturbed.toTool || disturbed.late)

@@ -1,4 +1,4 @@
-// What must hold in every session.
+// The rules O1 to O8, checked in every session.
 #pragma once
 
 #include "tests/simulation/workplace.h"

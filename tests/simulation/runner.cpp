@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <sstream>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -61,7 +62,7 @@ void writeAll(int descriptor, const std::string& text) {
     }
 }
 
-/// What the child writes until it ends; ends it when it is silent for too long.
+/// Output of the child. A child that writes nothing for too long is killed.
 std::string readAll(int descriptor, pid_t child) {
     std::string text;
     std::array<char, 8192> buffer{};
@@ -78,7 +79,7 @@ std::string readAll(int descriptor, pid_t child) {
 
 int resultPipe = -1;
 
-/// What a session that cannot go on leaves: its reason and its timeline.
+/// Ends a session that cannot go on: reports the complaint and the timeline so far.
 [[noreturn]] void giveUp(const std::string& complaint) {
     Outcome outcome;
     outcome.complaints.push_back(complaint);
@@ -121,6 +122,7 @@ Outcome runInChild(const Scenario& scenario, const View& view) {
         throw std::runtime_error("no process for a session");
     if (child == 0) {
         ::close(ends[0]);
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL); // no session outlives the program
         resultPipe = ends[1];
         runChild(scenario, view, folder);
     }

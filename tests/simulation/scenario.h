@@ -1,4 +1,4 @@
-// What happens in a simulated session: the steps of a technician, of the line, the camera and the adapter.
+// The list of steps of a simulated session: by a technician, the line, the camera and the adapter.
 #pragma once
 
 #include "link/protocol/cameratypes.h"

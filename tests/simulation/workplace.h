@@ -11,7 +11,7 @@
 
 namespace simulation {
 
-/// What the protocol cannot see once it has happened. The oracles then ask less.
+/// Events after which some rules no longer apply: the protocol cannot detect their effects.
 struct Disturbances {
     bool toCamera = false;  ///< the line changed bytes that the camera got
     bool toTool = false;    ///< the line changed bytes of answers

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <ctime>
@@ -30,11 +31,27 @@ extern "C" [[gnu::weak]] int __interceptor_pthread_create(pthread_t* name, const
 
 namespace {
 
-/// The next definition of the function that the caller replaces.
+/// The next definition of a function that the program replaces. Threads that do not have their turn look for
+/// it too; a guarded static object would let them wait for each other in virtual time.
 template <typename Function>
-Function* next(const char* name) {
-    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
-}
+class Next {
+public:
+    constexpr explicit Next(const char* name) : m_name(name) {}
+
+    template <typename... Arguments>
+    auto operator()(Arguments... arguments) {
+        Function* function = m_function.load(std::memory_order_relaxed);
+        if (function == nullptr) {
+            function = reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, m_name));
+            m_function.store(function, std::memory_order_relaxed);
+        }
+        return function(arguments...);
+    }
+
+private:
+    const char* m_name;
+    std::atomic<Function*> m_function{nullptr};
+};
 
 // --- clocks ------------------------------------------------------------------------------------------------
 
@@ -89,7 +106,7 @@ int lock(pthread_mutex_t* mutex) {
 }
 
 int unlock(pthread_mutex_t* mutex) {
-    static auto* const call = next<int(pthread_mutex_t*)>("pthread_mutex_unlock");
+    static constinit Next<int(pthread_mutex_t*)> call("pthread_mutex_unlock");
     const int result = call(mutex);
     world::notifyAll(mutex);
     return result;
@@ -110,7 +127,7 @@ struct Start {
     world::Thread* thread;
 };
 
-/// Threads by the system's name, until they are joined.
+/// Threads by the system's name, until they are joined or the system gives the name to another.
 std::map<pthread_t, world::Thread*>& joinable() {
     static auto* const threads = new std::map<pthread_t, world::Thread*>;
     return *threads;
@@ -208,29 +225,36 @@ long changeAndWakeFutex(const int* word, int count, int* second, int secondCount
     return woken;
 }
 
+// --- the end of the program --------------------------------------------------------------------------------
+
+/// Set after main and after the objects that live as long as the program, before the search for leaks: it
+/// yields until the system has stopped the other threads.
+bool programEnds = false;
+
+const struct End {
+    ~End() { programEnds = true; }
+} end;
+
 using SystemCall = long(long, ...);
 
-SystemCall* realSystemCall() {
-    static auto* const call = next<SystemCall>("syscall");
-    return call;
-}
+constinit Next<SystemCall> realSystemCall("syscall");
 
 } // namespace
 
 namespace world::real {
 
 long futex(std::atomic<int>* word, int operation, int value) {
-    return realSystemCall()(SYS_futex, word, operation, value, nullptr, nullptr, 0);
+    return realSystemCall(SYS_futex, word, operation, value, nullptr, nullptr, 0);
 }
 
 void sleep(std::chrono::nanoseconds duration) {
-    static auto* const call = next<int(const timespec*, timespec*)>("nanosleep");
+    static constinit Next<int(const timespec*, timespec*)> call("nanosleep");
     const timespec time = toTimespec(duration);
     call(&time, nullptr);
 }
 
 int poll(pollfd* descriptors, unsigned long count, int timeoutMs) {
-    static auto* const call = next<int(pollfd*, nfds_t, int)>("poll");
+    static constinit Next<int(pollfd*, nfds_t, int)> call("poll");
     return call(descriptors, count, timeoutMs);
 }
 
@@ -241,7 +265,7 @@ extern "C" {
 
 int clock_gettime(clockid_t clock, timespec* time) noexcept {
     if (!isVirtual(clock)) {
-        static auto* const call = next<int(clockid_t, timespec*)>("clock_gettime");
+        static constinit Next<int(clockid_t, timespec*)> call("clock_gettime");
         return call(clock, time);
     }
     *time = toTimespec(world::look() + (isTimeOfDay(clock) ? realTimeOffset : 0s));
@@ -277,6 +301,10 @@ int usleep(useconds_t duration) {
 }
 
 int sched_yield() noexcept {
+    if (programEnds) {
+        static constinit Next<int()> call("sched_yield");
+        return call();
+    }
     world::yield();
     return 0;
 }
@@ -315,31 +343,38 @@ int pthread_cond_broadcast(pthread_cond_t* condition) noexcept {
 int pthread_create(pthread_t* name, const pthread_attr_t* attributes, void* (*function)(void*),
                    void* argument) noexcept {
     using Create = int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+    static constinit Next<Create> systems("pthread_create");
     Create* const sanitizers = &__interceptor_pthread_create;
-    static auto* const call = sanitizers != nullptr ? sanitizers : next<Create>("pthread_create");
     static_cast<void>(world::threadNumber()); // the first thread comes before this one
     world::Thread* const thread = world::newThread();
     auto start = std::make_unique<Start>(Start{function, argument, thread});
-    const int result = call(name, attributes, run, start.get());
+    const int result = sanitizers != nullptr ? sanitizers(name, attributes, run, start.get())
+                                             : systems(name, attributes, run, start.get());
     if (result != 0) {
         world::dropThread(thread);
         return result;
     }
     std::ignore = start.release();
-    joinable()[*name] = thread;
+    world::Thread*& named = joinable()[*name];
+    if (named != nullptr)
+        world::dropThread(named);
+    named = thread;
     world::preempt();
     return 0;
 }
 
 int pthread_join(pthread_t name, void** value) {
-    static auto* const call = next<int(pthread_t, void**)>("pthread_join");
+    static constinit Next<int(pthread_t, void**)> call("pthread_join");
     const auto found = joinable().find(name);
-    if (found != joinable().end()) {
-        while (!world::hasEnded(found->second))
-            world::waitFor(found->second, std::nullopt);
-        joinable().erase(found);
-    }
-    return call(name, value);
+    if (found == joinable().end())
+        return call(name, value);
+    world::Thread* const thread = found->second;
+    joinable().erase(found);
+    while (!world::hasEnded(thread))
+        world::waitFor(thread, std::nullopt);
+    const int result = call(name, value);
+    world::dropThread(thread);
+    return result;
 }
 
 int poll(pollfd* descriptors, nfds_t count, int timeoutMs) {
@@ -398,8 +433,8 @@ long syscall(long number, ...) noexcept {
             break;
         }
     }
-    return realSystemCall()(number, arguments[0], arguments[1], arguments[2], arguments[3], arguments[4],
-                            arguments[5]);
+    return realSystemCall(number, arguments[0], arguments[1], arguments[2], arguments[3], arguments[4],
+                          arguments[5]);
 }
 
 } // extern "C"
