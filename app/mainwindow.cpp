@@ -237,6 +237,14 @@ void MainWindow::showPaths() {
         label->setText(path);
         label->setToolTip(path);
         label->setVisible(!path.isEmpty());
+        if (path.isEmpty())
+            return;
+        runWithoutClient(
+            label, [path] { return imageFacts(path); },
+            [label, path](const QString& facts) {
+                if (label->text() == path)
+                    label->setToolTip(facts);
+            });
     };
     show(m_ui->label_apppath, m_appPath);
     show(m_ui->label_firewarepath, m_firewarePath);

@@ -1,6 +1,7 @@
 // The main window of the tool.
 #pragma once
 
+#include "aids/imagefile.h"
 #include "aids/linkowner.h"
 #include "app/captureflow.h"
 #include "app/openwindows.h"
@@ -141,7 +142,12 @@ private:
 
     // --- uploads (mainwindow_updates.cpp) ---
     struct ReturnWait;
-    void chooseFile(QString& path, const QString& caption, const QString& filter, const char* logTag);
+    struct FileChoice;
+    /// Button, path and texts of one kind of upload.
+    FileChoice fileChoice(ImageKind kind);
+    void chooseFile(ImageKind kind);
+    /// An empty path keeps the file of before.
+    void takeFile(ImageKind kind, const QString& chosen);
     void startAppUpdate();
     void startFirewareUpdate();
     void startModelUpdate();

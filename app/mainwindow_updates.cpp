@@ -1,4 +1,5 @@
 // Uploads: choosing the files, starting the tasks, their results, and the wait for the camera's return.
+#include "aids/filedrop.h"
 #include "app/keepawake.h"
 #include "app/linewait.h"
 #include "app/mainwindow.h"
@@ -36,6 +37,14 @@ bool canUpload(const QString& path) {
 
 } // namespace
 
+struct MainWindow::FileChoice {
+    QPushButton* button;
+    QString& path;
+    QString caption;
+    QString filter;
+    const char* logTag;
+};
+
 struct MainWindow::ReturnWait {
     ReturnAttempts heartbeats;
     const char* logTag;
@@ -46,13 +55,14 @@ void MainWindow::connectUpdates() {
     m_transferDisplay = new TransferDisplay(this, m_clock);
     m_ui->statusbar->insertPermanentWidget(0, m_transferDisplay); // the link keeps its place
     m_lineWait = new LineWait(this);
-    connect(m_ui->btn_apppath, &QPushButton::clicked, this,
-            [this] { chooseFile(m_appPath, tr("打开app固件"), tr("所有文件 (*.*)"), "filepath:"); });
-    connect(m_ui->btn_firewarepath, &QPushButton::clicked, this,
-            [this] { chooseFile(m_firewarePath, tr("打开系统固件"), tr("所有文件 (*.*)"), "filepath:"); });
-    connect(m_ui->btn_modelpath, &QPushButton::clicked, this, [this] {
-        // This filter has no blank before its parenthesis.
-        chooseFile(m_modelPath, tr("打开模型文件"), tr("所有文件(*.*)"), "model path:");
+    for (const ImageKind kind : allImageKinds)
+        connect(fileChoice(kind).button, &QPushButton::clicked, this, [this, kind] { chooseFile(kind); });
+    auto* const drop =
+        new FileDrop(this, [this](ImageKind kind) { return fileChoice(kind).button->isEnabled(); });
+    connect(drop, &FileDrop::chosen, this, &MainWindow::takeFile);
+    connect(m_transferDisplay, &TransferDisplay::stopWanted, this, [this] {
+        if (m_camera != nullptr && confirmInterruption())
+            closeLink();
     });
     connect(m_ui->et_modelname, &QLineEdit::textChanged, this,
             [this](const QString& name) { m_modelName = name; });
@@ -61,15 +71,33 @@ void MainWindow::connectUpdates() {
     connect(m_ui->btn_modelupdate, &QPushButton::clicked, this, &MainWindow::startModelUpdate);
 }
 
-void MainWindow::chooseFile(QString& path, const QString& caption, const QString& filter,
-                            const char* logTag) {
+MainWindow::FileChoice MainWindow::fileChoice(ImageKind kind) {
+    switch (kind) {
+    case ImageKind::app:
+        return {m_ui->btn_apppath, m_appPath, tr("打开app固件"), tr("所有文件 (*.*)"), "filepath:"};
+    case ImageKind::fireware:
+        return {m_ui->btn_firewarepath, m_firewarePath, tr("打开系统固件"), tr("所有文件 (*.*)"),
+                "filepath:"};
+    case ImageKind::model:
+        break;
+    }
+    // This filter has no blank before its parenthesis.
+    return {m_ui->btn_modelpath, m_modelPath, tr("打开模型文件"), tr("所有文件(*.*)"), "model path:"};
+}
+
+void MainWindow::chooseFile(ImageKind kind) {
+    const FileChoice choice = fileChoice(kind);
     const QPointer<MainWindow> self(this);
-    const QString chosen = QFileDialog::getOpenFileName(nullptr, caption, QString(), filter);
-    if (self == nullptr)
-        return;
-    qDebug() << logTag << chosen;
+    const QString chosen = QFileDialog::getOpenFileName(nullptr, choice.caption, QString(), choice.filter);
+    if (self != nullptr)
+        takeFile(kind, chosen);
+}
+
+void MainWindow::takeFile(ImageKind kind, const QString& chosen) {
+    const FileChoice choice = fileChoice(kind);
+    qDebug() << choice.logTag << chosen;
     if (!chosen.isEmpty())
-        path = chosen;
+        choice.path = chosen;
     showPaths();
 }
 

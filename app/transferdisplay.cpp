@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QToolButton>
 
 #include <chrono>
 #include <utility>
@@ -20,7 +21,8 @@ constexpr auto pollInterval = 200ms;
 } // namespace
 
 TransferDisplay::TransferDisplay(QWidget* parent, const Clock& clock)
-    : QWidget(parent), m_clock(clock), m_label(new QLabel(this)), m_bar(new QProgressBar(this)) {
+    : QWidget(parent), m_clock(clock), m_label(new QLabel(this)), m_bar(new QProgressBar(this)),
+      m_stop(new QToolButton(this)) {
     setObjectName(QStringLiteral("transferDisplay"));
     m_label->setObjectName(QStringLiteral("label_transfer"));
     m_bar->setObjectName(QStringLiteral("bar_transfer"));
@@ -31,6 +33,12 @@ TransferDisplay::TransferDisplay(QWidget* parent, const Clock& clock)
     layout->setContentsMargins({});
     layout->addWidget(m_label);
     layout->addWidget(m_bar);
+    m_stop->setObjectName(QStringLiteral("btn_stop_transfer"));
+    m_stop->setText(tr("停止"));
+    m_stop->setToolTip(tr("停止升级并关闭串口，会先询问"));
+    layout->addWidget(m_stop);
+    connect(m_stop, &QToolButton::clicked, this, &TransferDisplay::stopWanted);
+    offerStop(false);
     m_poll.setInterval(pollInterval);
     connect(&m_poll, &QTimer::timeout, this, &TransferDisplay::refresh);
     hide();
@@ -39,6 +47,7 @@ TransferDisplay::TransferDisplay(QWidget* parent, const Clock& clock)
 void TransferDisplay::followUpload(const CameraSp& client) {
     finish();
     m_uploading = &client;
+    offerStop(true);
     follow(&client.progress());
     show();
 }
@@ -51,6 +60,7 @@ void TransferDisplay::followDownload(const TransferProgress& progress) {
 void TransferDisplay::followReturnWait(std::shared_ptr<const ReturnWaitProgress> progress) {
     finish();
     m_returnWait = std::move(progress);
+    offerStop(true);
     refresh();
     m_poll.start();
     show();
@@ -68,7 +78,13 @@ void TransferDisplay::finish() {
     m_transfer = nullptr;
     m_uploading = nullptr;
     m_returnWait.reset();
+    offerStop(false);
     hide();
+}
+
+void TransferDisplay::offerStop(bool offered) {
+    m_stop->setVisible(offered);
+    m_stop->setFocusPolicy(offered ? Qt::TabFocus : Qt::NoFocus); // no hidden tab stop
 }
 
 void TransferDisplay::refresh() {

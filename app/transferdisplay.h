@@ -13,6 +13,7 @@
 class CameraSp;
 class QLabel;
 class QProgressBar;
+class QToolButton;
 
 /// Attempts of a return wait, written by the job that makes them.
 struct ReturnWaitProgress {
@@ -36,8 +37,14 @@ public:
     void followReturnWait(std::shared_ptr<const ReturnWaitProgress> progress);
     void finish();
 
+signals:
+    /// The button beside an upload or return wait was pressed.
+    void stopWanted();
+
 private:
     void follow(const TransferProgress* transfer);
+    /// Of an upload or return wait; a download has none.
+    void offerStop(bool offered);
     void refresh();
     void refreshTransfer();
     void showWait(const QString& text);
@@ -45,6 +52,7 @@ private:
     const Clock& m_clock;
     QLabel* m_label;
     QProgressBar* m_bar;
+    QToolButton* m_stop;
     QTimer m_poll;
     std::optional<Clock::Time> m_sendingSince;
     const TransferProgress* m_transfer = nullptr;

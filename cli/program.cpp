@@ -73,7 +73,8 @@ void confirm(const Options& options, std::size_t ports) {
                      .toStdString()
               << std::flush;
     std::string answer;
-    std::getline(std::cin, answer);
+    if (awaitInput())
+        std::getline(std::cin, answer);
     if (answer != "y" && answer != "Y")
         throw UsageError(programWords("已取消").toStdString());
 }

@@ -10,6 +10,8 @@ void watchForInterrupts();
 /// Standard input and standard error.
 [[nodiscard]] bool inputIsTerminal();
 [[nodiscard]] bool errorIsTerminal();
+/// Waits until standard input, a terminal, can be read. False if an interruption came first.
+[[nodiscard]] bool awaitInput();
 /// Makes the console take UTF-8 and escape sequences, where it does not by itself.
 void prepareConsole();
 /// Makes a QGuiApplication start without a display. Its fonts are those of the system.

@@ -4,6 +4,7 @@
 #include <QByteArray>
 
 #include <csignal>
+#include <poll.h>
 #include <unistd.h>
 
 namespace cli {
@@ -24,7 +25,7 @@ void watchForInterrupts() {
     std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is seen by the write
     std::signal(SIGXFSZ, SIG_IGN); // so is a limit on the size of files
     struct sigaction action {};
-    action.sa_handler = &interrupt; // without SA_RESTART: a question on the terminal ends as well
+    action.sa_handler = &interrupt;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         ::sigaction(signal, &action, nullptr);
 }
@@ -39,6 +40,16 @@ bool inputIsTerminal() {
 
 bool errorIsTerminal() {
     return ::isatty(STDERR_FILENO) != 0;
+}
+
+bool awaitInput() {
+    constexpr int lookMs = 50; // an interruption just before a wait without end would be overlooked
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    while (!interrupted()) {
+        if (::poll(&input, 1, lookMs) > 0)
+            return true;
+    }
+    return false;
 }
 
 void prepareConsole() {}

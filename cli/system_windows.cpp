@@ -36,6 +36,11 @@ bool errorIsTerminal() {
     return ::_isatty(::_fileno(stderr)) != 0;
 }
 
+// The console ends a reading at an interruption.
+bool awaitInput() {
+    return !interrupted();
+}
+
 void prepareConsole() {
     ::SetConsoleOutputCP(CP_UTF8);
     const HANDLE console = ::GetStdHandle(STD_ERROR_HANDLE);

@@ -51,6 +51,16 @@ protected:
         }
         return "(no such row)";
     }
+    /// Chooses an application image; the camera will restart quickly after the upload.
+    void chooseImage() {
+        QFile image("app.bin");
+        ASSERT_TRUE(image.open(QIODevice::WriteOnly) && image.write(QByteArray(3000, 'x')) == 3000);
+        image.close();
+        camera.withCamera([](emulator::VirtualCamera& each) { each.settings().updateRestartTime = 200ms; });
+        const FileChooser chooser(QDir::current().filePath("app.bin"));
+        click(*window, "btn_apppath");
+        ASSERT_TRUE(eventually([&] { return text(*window, "label_apppath").endsWith("app.bin"); }));
+    }
     void nameCamera(const std::string& serial) {
         camera.withCamera([&](emulator::VirtualCamera& each) { each.state().serialNumber = serial; });
     }
@@ -304,15 +314,7 @@ TEST_F(CheckupTest, ClosingItsWindowEndsIt) {
 
 TEST_F(CheckupTest, EndsForAnUpload) {
     fault("delay=100");
-    QFile image("app.bin");
-    ASSERT_TRUE(image.open(QIODevice::WriteOnly) && image.write(QByteArray(3000, 'x')) == 3000);
-    image.close();
-    camera.withCamera([](emulator::VirtualCamera& each) { each.settings().updateRestartTime = 200ms; });
-    {
-        const FileChooser chooser(QDir::current().filePath("app.bin"));
-        click(*window, "btn_apppath");
-        ASSERT_TRUE(eventually([&] { return text(*window, "label_apppath").endsWith("app.bin"); }));
-    }
+    ASSERT_NO_FATAL_FAILURE(chooseImage());
     const CheckupWindow& checkup = openCheckup();
     click(checkup, "btn_start");
     ASSERT_TRUE(eventually([&] { return find<QTableWidget>(checkup, "table_lines")->rowCount() > 0; }));
@@ -327,15 +329,7 @@ TEST_F(CheckupTest, EndsForAnUpload) {
 
 TEST_F(CheckupTest, GivesAnEndlessDownloadUpForAnUpload) {
     fault("picture-size=-100@read");
-    QFile image("app.bin");
-    ASSERT_TRUE(image.open(QIODevice::WriteOnly) && image.write(QByteArray(3000, 'x')) == 3000);
-    image.close();
-    camera.withCamera([](emulator::VirtualCamera& each) { each.settings().updateRestartTime = 200ms; });
-    {
-        const FileChooser chooser(QDir::current().filePath("app.bin"));
-        click(*window, "btn_apppath");
-        ASSERT_TRUE(eventually([&] { return text(*window, "label_apppath").endsWith("app.bin"); }));
-    }
+    ASSERT_NO_FATAL_FAILURE(chooseImage());
     const CheckupWindow& checkup = openCheckup();
     find<QCheckBox>(checkup, "cb_picture")->setChecked(true);
     click(checkup, "btn_start");

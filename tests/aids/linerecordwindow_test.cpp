@@ -39,6 +39,13 @@ protected:
             fake_serial::willRead(fake_serial::bytes(answer));
         click(*window, "btn_heartbeat");
     }
+    /// Opens the link and reads a serial number.
+    void readSerialNumber() {
+        openLink();
+        fake_serial::willRead(fake_serial::bytes("AA 5A 01 02 04 00 00 00 03 00 41 31 8A EF"));
+        trigger(*window, "actionSnSet");
+        click(*openWindows<SetSN>().at(0), "btn_getsn");
+    }
     LineRecordWindow& openWindow() {
         trigger(*window, "actionLineRecord");
         return *openWindows<LineRecordWindow>().at(0);
@@ -211,10 +218,7 @@ TEST_F(LineRecord, ShowsTheBytesOfTheCurrentRow) {
 }
 
 TEST_F(LineRecord, SavesARecordingWithoutSerialNumbers) {
-    openLink();
-    fake_serial::willRead(fake_serial::bytes("AA 5A 01 02 04 00 00 00 03 00 41 31 8A EF"));
-    trigger(*window, "actionSnSet");
-    click(*openWindows<SetSN>().at(0), "btn_getsn");
+    readSerialNumber();
     LineRecordWindow& record = openWindow();
     ASSERT_TRUE(waitForRows(record, 2));
     const QString path = QDir::current().filePath("line.rec");
@@ -231,10 +235,7 @@ TEST_F(LineRecord, SavesARecordingWithoutSerialNumbers) {
 }
 
 TEST_F(LineRecord, SavesSerialNumbersOnRequest) {
-    openLink();
-    fake_serial::willRead(fake_serial::bytes("AA 5A 01 02 04 00 00 00 03 00 41 31 8A EF"));
-    trigger(*window, "actionSnSet");
-    click(*openWindows<SetSN>().at(0), "btn_getsn");
+    readSerialNumber();
     LineRecordWindow& record = openWindow();
     ASSERT_TRUE(waitForRows(record, 2));
     find<QCheckBox>(record, "cb_blank")->click();

@@ -1,4 +1,5 @@
-"""Validates JSON lines against a schema: judge.py SCHEMA LINES. Prints what is wrong; code 1 then."""
+"""Validates JSON lines against a schema: judge.py SCHEMA. Reads names of files; for each it prints the complaints and a
+line with a full stop."""
 import json
 import sys
 
@@ -11,14 +12,13 @@ with open(sys.argv[1], encoding="utf-8") as file:
     schema = json.load(file)
 jsonschema.Draft202012Validator.check_schema(schema)
 validator = jsonschema.Draft202012Validator(schema)
-count = 0
-bad = False
-with open(sys.argv[2], encoding="utf-8") as lines:
-    for line in lines:
-        count += 1
-        for error in validator.iter_errors(json.loads(line)):
-            bad = True
-            print(f"line {count}, {error.json_path}: {error.message}")
-if count == 0:
-    sys.exit("no line to judge")
-sys.exit(1 if bad else 0)
+for name in sys.stdin:
+    count = 0
+    with open(name.rstrip("\n"), encoding="utf-8") as lines:
+        for line in lines:
+            count += 1
+            for error in validator.iter_errors(json.loads(line)):
+                print(f"line {count}, {error.json_path}: {error.message}")
+    if count == 0:
+        print("no line to judge")
+    print(".", flush=True)

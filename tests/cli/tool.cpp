@@ -3,6 +3,15 @@
 #include <QByteArray>
 #include <QJsonDocument>
 
+#include <array>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <spawn.h>
+#include <stdexcept>
+#include <unistd.h>
+#include <utility>
+
 namespace clitest {
 
 Words wordsOf(const std::string& line) {
@@ -27,14 +36,61 @@ std::vector<QJsonObject> objectsOf(const std::string& output) {
     return objects;
 }
 
+namespace {
+
+/// The judge takes long to start: one process for all tests of this one, with which it ends.
+class SchemaJudge {
+public:
+    SchemaJudge() {
+        std::array<int, 2> questions{};
+        std::array<int, 2> answers{};
+        if (::pipe2(questions.data(), O_CLOEXEC) != 0 || ::pipe2(answers.data(), O_CLOEXEC) != 0)
+            throw std::runtime_error("no pipe for the schema judge");
+        posix_spawn_file_actions_t actions;
+        ::posix_spawn_file_actions_init(&actions);
+        ::posix_spawn_file_actions_adddup2(&actions, questions[0], STDIN_FILENO);
+        ::posix_spawn_file_actions_adddup2(&actions, answers[1], STDOUT_FILENO);
+        std::array<std::string, 3> words{"python3", SCHEMA_JUDGE, OUTPUT_SCHEMA};
+        const std::array<char*, 4> arguments{words[0].data(), words[1].data(), words[2].data(), nullptr};
+        pid_t process = -1;
+        const int failed =
+            ::posix_spawnp(&process, words[0].c_str(), &actions, nullptr, arguments.data(), environ);
+        ::posix_spawn_file_actions_destroy(&actions);
+        ::close(questions[0]);
+        ::close(answers[1]);
+        if (failed != 0)
+            throw std::runtime_error("the schema judge does not start");
+        m_questions = ::fdopen(questions[1], "w");
+        m_answers = ::fdopen(answers[0], "r");
+    }
+
+    std::string complaints(const std::string& file) {
+        std::fprintf(m_questions, "%s\n", file.c_str());
+        std::fflush(m_questions);
+        std::string found;
+        std::string line;
+        for (int c = std::fgetc(m_answers); c != EOF; c = std::fgetc(m_answers)) {
+            line += static_cast<char>(c);
+            if (c != '\n')
+                continue;
+            if (line == ".\n")
+                return found;
+            found += std::exchange(line, {});
+        }
+        return found + line + "the schema judge has ended";
+    }
+
+private:
+    std::FILE* m_questions = nullptr;
+    std::FILE* m_answers = nullptr;
+};
+
+} // namespace
+
 std::string schemaComplaints(const std::string& output) {
+    static SchemaJudge judge;
     std::ofstream("printed.jsonl") << output;
-    Process judge("/usr/bin/env", {"python3", SCHEMA_JUDGE, OUTPUT_SCHEMA, "printed.jsonl"},
-                  {"/dev/null", "judgement", "judge-errors"});
-    const int code = judge.wait();
-    const std::string complaints = Process::text("judgement") + Process::text("judge-errors");
-    return code == 0 || !complaints.empty() ? complaints
-                                            : "the schema judge ended with " + std::to_string(code);
+    return judge.complaints(std::filesystem::absolute("printed.jsonl").string());
 }
 
 emulator::CameraSettings quickSettings(emulator::CameraType type) {

@@ -237,10 +237,9 @@ TEST_F(SharedLine, StopEndsTheReadingOfAFile) {
     auto upload = elsewhere([this] { return camera.appUpdate(); });
     while (camera.progress().phase != TransferProgress::Phase::reading || camera.progress().done == 0)
         std::this_thread::sleep_for(1ms);
-    const auto asked = std::chrono::steady_clock::now();
     camera.requestStop();
     EXPECT_FALSE(upload.get());
-    EXPECT_LT(std::chrono::steady_clock::now() - asked, 1s); // giving back what was read takes most of it
+    EXPECT_LT(camera.progress().done, camera.progress().total / 2) << "reading is the first half";
     EXPECT_EQ(fake_serial::count("write"), 0);
 }
 

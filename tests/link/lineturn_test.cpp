@@ -114,13 +114,11 @@ TEST(LineTurn, ServesInTheOrderOfAsking) {
     for (int number = 0; number < 8; ++number) {
         std::atomic<bool> asked{false};
         threads.emplace_back([&, number] {
-            asked = true;
-            const LineTurn::Hold hold = turn.take(LineUser::upload);
+            const LineTurn::Hold hold = turn.take(LineUser::upload, [&asked] { asked = true; });
             const std::lock_guard lock(mutex);
             order.push_back(number);
         });
         ASSERT_TRUE(comesTrue([&] { return asked.load(); }));
-        std::this_thread::sleep_for(5ms); // between asking and standing in the queue
     }
     first.release();
     for (std::thread& thread : threads)

@@ -5,6 +5,7 @@
 #ifdef TEST_APPLICATION
 #include TEST_APPLICATION_HEADER
 #include <QTemporaryDir>
+#include <QThreadPool>
 #endif
 
 #include <gmock/gmock.h>
@@ -25,5 +26,11 @@ int main(int argc, char** argv) {
     const TEST_APPLICATION application(argc, argv);
 #endif
     useFreshDirectories();
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+#ifdef TEST_APPLICATION
+    // Results of jobs that outlived their window.
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::sendPostedEvents();
+#endif
+    return result;
 }

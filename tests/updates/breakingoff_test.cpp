@@ -80,6 +80,15 @@ TEST_P(BreakingOff, ByTheButtonEndsWithinOneTimeout) {
     expectEnded(time, boxes);
 }
 
+TEST_P(BreakingOff, ByTheButtonBesideTheProgressEndsWithinOneTimeout) {
+    reach(GetParam());
+    const BoxAnswerer boxes(QMessageBox::Yes);
+    QElapsedTimer time;
+    time.start();
+    click(*window, "btn_stop_transfer");
+    expectEnded(time, boxes);
+}
+
 TEST_P(BreakingOff, ByClosingTheWindowEndsWithinOneTimeout) {
     reach(GetParam());
     const BoxAnswerer boxes(QMessageBox::Yes);
@@ -101,14 +110,16 @@ TEST_P(BreakingOff, ByDestroyingTheWindowEndsWithinOneTimeout) {
 
 class KeepingOn : public UploadWindow {
 protected:
-    /// Closes by the button and by the window; answers No.
+    /// Closes by the button, by the window and by the button beside the progress; answers No.
     void refuseToClose() {
         const BoxAnswerer boxes(QMessageBox::No);
         click(*window, "btn_open");
         EXPECT_FALSE(window->close());
-        ASSERT_EQ(boxes.seen().size(), 2U);
+        click(*window, "btn_stop_transfer");
+        ASSERT_EQ(boxes.seen().size(), 3U);
         EXPECT_EQ(boxes.seen()[0].text, questionText);
         EXPECT_EQ(boxes.seen()[1].text, questionText);
+        EXPECT_EQ(boxes.seen()[2].text, questionText);
         EXPECT_EQ(text(*window, "btn_open"), "关闭串口");
         EXPECT_TRUE(window->isVisible());
         EXPECT_EQ(enabledExchanges(), QStringList());
