@@ -27,7 +27,7 @@ TransferDisplay::TransferDisplay(QWidget* parent, const Clock& clock)
     m_label->setObjectName(QStringLiteral("label_transfer"));
     m_bar->setObjectName(QStringLiteral("bar_transfer"));
     m_bar->setAccessibleName(tr("传输进度"));
-    constexpr int barWidth = 180;
+    constexpr int barWidth = 120; // leaves room for the message
     m_bar->setFixedWidth(barWidth);
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins({});

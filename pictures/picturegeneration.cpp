@@ -69,6 +69,8 @@ constinit const PictureGeneration originPictures{
     .record = protocol::originRecordForm,
     .capture = &CameraSp::originCapture,
     .catalogue = &CameraSp::getOriginPicInfos,
+    .download = [](CameraSp& client, unsigned id,
+                   std::uint32_t size) { client.getOriginTargetPic(static_cast<std::uint8_t>(id), size); },
 };
 
 constinit const PictureGeneration v1Pictures{
@@ -79,6 +81,8 @@ constinit const PictureGeneration v1Pictures{
     .record = protocol::v1RecordForm,
     .capture = &CameraSp::captureV1,
     .catalogue = &CameraSp::getPicInfosV1,
+    .download = [](CameraSp& client, unsigned id,
+                   std::uint32_t size) { client.getTargetPicV1(static_cast<std::uint16_t>(id), size); },
 };
 
 QString PictureGeneration::translatedTitle() const {

@@ -25,6 +25,8 @@ struct PictureGeneration {
     protocol::RecordForm record;
     bool (CameraSp::*capture)();
     std::vector<protocol::RecordBytes> (CameraSp::*catalogue)();
+    /// Into the client's picture folder.
+    void (*download)(CameraSp& client, unsigned id, std::uint32_t size);
 
     [[nodiscard]] QString translatedTitle() const;
     [[nodiscard]] QStringList columnTitles() const;

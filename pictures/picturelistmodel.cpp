@@ -75,6 +75,10 @@ bool PictureListModel::hasRow(int row) const {
     return row >= 0 && row < rowCount();
 }
 
+QStringList PictureListModel::rowTexts(int row) const {
+    return hasRow(row) ? m_rows[static_cast<std::size_t>(row)] : QStringList();
+}
+
 QString PictureListModel::cell(int row, int column) const {
     return hasRow(row) ? m_rows[static_cast<std::size_t>(row)].value(column) : QString();
 }

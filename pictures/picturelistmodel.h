@@ -22,6 +22,8 @@ public:
     bool removeRows(int row, int count, const QModelIndex& parent = {}) override;
     void clear();
 
+    /// Cells of a row; empty for a row that is not there.
+    [[nodiscard]] QStringList rowTexts(int row) const;
     /// Read back from the row's text; 0 for a row that is not there.
     [[nodiscard]] unsigned pictureId(int row) const;
     /// Bytes, 0 to 0xFFFFFFFF; -1 for a row that is not there.

@@ -35,9 +35,13 @@ PictureListWindow::PictureListWindow(PictureListModel* model, PictureListDelegat
     connect(m_ui->btn_delete_all, &QPushButton::clicked, this, &PictureListWindow::deleteAll);
     connect(m_ui->btn_takepic, &QPushButton::clicked, this, &PictureListWindow::takePicture);
     connect(m_ui->listview, &QListView::customContextMenuRequested, this, &PictureListWindow::showMenu);
+    connectAll();
 }
 
-PictureListWindow::~PictureListWindow() = default;
+PictureListWindow::~PictureListWindow() {
+    if (m_downloadStopped != nullptr)
+        *m_downloadStopped = true;
+}
 
 void PictureListWindow::reload() {
     m_model->clear();

@@ -7,6 +7,7 @@
 #include <QPersistentModelIndex>
 #include <QWidget>
 
+#include <atomic>
 #include <memory>
 
 class PictureListDelegate;
@@ -33,6 +34,8 @@ protected:
     PictureListWindow(PictureListModel* model, PictureListDelegate* delegate, QWidget* parent,
                       CameraSp* client);
 
+    void clientChanged() override;
+
     virtual bool deleteAllPictures() = 0;
     virtual bool deletePicture(int row) = 0;
     /// Into the working directory.
@@ -46,6 +49,15 @@ private:
     void deleteRow(const QPersistentModelIndex& index);
     void viewRow(const QPersistentModelIndex& index);
 
+    // --- all pictures (picturelistwindow_all.cpp) ---
+    void connectAll();
+    void copyList() const;
+    /// Asks for the folder, and before files are replaced. While pictures come, the button stops them.
+    void downloadAll();
+    void downloadInto(const QString& folder);
+    void showDownloading(bool downloading);
+    void showDownload(int count, int total, const QString& text);
+
     void reload();
     /// Runs the action later, if the window is then still visible and free to use the client.
     template <typename Action>
@@ -53,4 +65,5 @@ private:
 
     std::unique_ptr<Ui::PictureListWindow> m_ui;
     PictureListModel* m_model;
+    std::shared_ptr<std::atomic<bool>> m_downloadStopped; ///< non-null while pictures come
 };

@@ -6,17 +6,22 @@
 #include "pictures/picturelistmodel.h"
 #include "tests/support/cameratype.h"
 #include "tests/support/debuglog.h"
+#include "tests/support/guitest.h"
 #include "tests/support/stdoutcapture.h"
 #include "tests/support/testfront.h"
 #include "tests/support/workingdirectory.h"
 
+#include <QClipboard>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QListView>
 #include <QMenu>
 #include <QMessageBox>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
+#include <QToolButton>
 
 #include <gtest/gtest.h>
 
@@ -105,7 +110,13 @@ public:
         window.show();
     }
 
-    void press(const char* name) { window.template findChild<QPushButton*>(name)->click(); }
+    [[nodiscard]] QString download() const {
+        return guitest::find<QProgressBar>(window, "bar_download")->text();
+    }
+    [[nodiscard]] QString downloadButton() const {
+        return guitest::find<QToolButton>(window, "btn_download_all")->text();
+    }
+    void press(const char* name) { window.template findChild<QAbstractButton*>(name)->click(); }
     void choose(int row, const QString& entry) {
         auto* list = window.template findChild<QListView*>("listview");
         list->setCurrentIndex(model()->index(row, 0));
@@ -256,6 +267,137 @@ TEST_F(EmulatedPictures, ASecondGenerationListUsesTheWholeId) {
     ASSERT_EQ(heldCount(), 1U);
     EXPECT_EQ(list.model()->pictureId(0), 2U);
     expectCleanLine();
+}
+
+TEST_F(EmulatedPictures, AllPicturesComeIntoTheChosenFolder) {
+    plug(CameraType::ostra);
+    hold(40, drawn());
+    hold(41, drawn());
+    QDir().mkdir("kept");
+    EmulatedList<PicList> list(client.get());
+    list.press("btn_refresh");
+    {
+        const guitest::FileChooser chooser(QDir::current().filePath("kept"));
+        list.press("btn_download_all");
+        ASSERT_EQ(chooser.seen().size(), 1U);
+        EXPECT_EQ(chooser.seen()[0].title, "选择保存图片的文件夹");
+    }
+    EXPECT_EQ(list.downloadButton(), "停止下载");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.download() == "已下载 2 张，共 2 张"; }, enoughMs))
+        << list.download().toStdString();
+    EXPECT_EQ(list.downloadButton(), "下载全部");
+    EXPECT_EQ(files::read("kept/40.jpg"), held(0));
+    EXPECT_EQ(files::read("kept/41.jpg"), held(1));
+    EXPECT_FALSE(QFile::exists("40.jpg"));
+    list.choose(0, "查看");
+    EXPECT_TRUE(QFile::exists("40.jpg")) << "the tool's own folder is as before";
+    expectCleanLine();
+}
+
+TEST_F(EmulatedPictures, FilesAreReplacedAfterAQuestionOnly) {
+    plug(CameraType::ostra);
+    hold(40, drawn());
+    files::write("40.jpg", {1});
+    EmulatedList<PicList> list(client.get());
+    list.press("btn_refresh");
+    for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        guitest::BoxAnswerer boxes(answer);
+        const guitest::FileChooser chooser(QDir::currentPath());
+        list.press("btn_download_all");
+        ASSERT_TRUE(boxes.waitFor(1));
+        EXPECT_EQ(boxes.seen()[0].text, "文件夹里已有 1 张同名图片，要替换吗？");
+        if (answer == QMessageBox::No) {
+            EXPECT_EQ(files::read("40.jpg"), Bytes{1});
+        }
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.download() == "已下载 1 张，共 1 张"; }, enoughMs));
+    EXPECT_EQ(files::read("40.jpg"), held(0));
+}
+
+TEST_F(EmulatedPictures, DownloadOfAllStopsAfterThePictureUnderWay) {
+    plug(CameraType::ostra);
+    for (std::uint16_t id = 40; id < 43; ++id)
+        hold(id, drawn());
+    QDir().mkdir("kept");
+    EmulatedList<PicList> list(client.get());
+    list.press("btn_refresh");
+    const guitest::FileChooser chooser(QDir::current().filePath("kept"));
+    list.press("btn_download_all");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.download().startsWith("正在下载第 1 张"); }, enoughMs));
+    list.press("btn_download_all");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.download().startsWith("已停止"); }, enoughMs));
+    EXPECT_FALSE(QFile::exists("kept/42.jpg"));
+    EXPECT_EQ(list.downloadButton(), "下载全部");
+}
+
+TEST_F(EmulatedPictures, DownloadOfAllStopsInAPictureWithoutEnd) {
+    plug(CameraType::ostra);
+    hold(40, drawn());
+    QDir().mkdir("kept");
+    EmulatedList<PicList> list(client.get());
+    addFault("picture-size=-1@read");
+    list.press("btn_refresh");
+    const guitest::FileChooser chooser(QDir::current().filePath("kept"));
+    list.press("btn_download_all");
+    QTest::qWait(3000);
+    EXPECT_EQ(list.downloadButton(), "停止下载");
+    list.press("btn_download_all");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.download() == "已停止：已下载 0 张，共 1 张"; }, enoughMs))
+        << list.download().toStdString();
+    EXPECT_TRUE(QDir("kept").isEmpty());
+}
+
+TEST_F(EmulatedPictures, DownloadOfAllTellsThePictureThatFails) {
+    plug(CameraType::ostra);
+    hold(40, drawn());
+    hold(41, drawn());
+    QDir().mkdir("kept");
+    EmulatedList<PicList> list(client.get());
+    list.press("btn_refresh");
+    const guitest::FileChooser chooser(QDir::current().filePath("kept"));
+    list.press("btn_download_all");
+    front->vanish();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.download() == "图片 40 没有下载：已下载 0 张，共 2 张"; },
+                                enoughMs))
+        << list.download().toStdString();
+    EXPECT_TRUE(QDir("kept").isEmpty());
+    EXPECT_EQ(list.downloadButton(), "下载全部");
+}
+
+TEST_F(EmulatedPictures, EndOfTheLinkEndsTheDownloadOfAll) {
+    plug(CameraType::ostra);
+    hold(40, drawn());
+    EmulatedList<PicList> list(client.get());
+    addFault("picture-size=-1@read");
+    list.press("btn_refresh");
+    QDir().mkdir("kept");
+    const guitest::FileChooser chooser(QDir::current().filePath("kept"));
+    list.press("btn_download_all");
+    list.window.attachClient(nullptr);
+    EXPECT_EQ(list.downloadButton(), "下载全部");
+    EXPECT_FALSE(guitest::find<QProgressBar>(list.window, "bar_download")->isVisible());
+    unplug();
+    EXPECT_TRUE(QDir("kept").isEmpty());
+}
+
+TEST_F(EmulatedPictures, EmptyListAsksForARefresh) {
+    plug(CameraType::ostra);
+    EmulatedList<PicList> list(client.get());
+    list.press("btn_download_all");
+    EXPECT_EQ(list.download(), "列表是空的，请先刷新列表");
+}
+
+TEST_F(EmulatedPictures, ListIsCopiedAsATable) {
+    plug(CameraType::salesDynamic);
+    hold(300, drawn());
+    EmulatedList<PicListV1> list(client.get());
+    list.press("btn_refresh");
+    list.press("btn_copy_list");
+    const QStringList lines = QGuiApplication::clipboard()->text().split('\n');
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_TRUE(lines[0].startsWith("图片id\tactionid\t"));
+    EXPECT_EQ(lines[1].split('\t').size(), 7);
+    EXPECT_TRUE(lines[1].startsWith("300\t"));
 }
 
 TEST_F(EmulatedPictures, ListsTheLargestCatalogueForAnyCountByte) {

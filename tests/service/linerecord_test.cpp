@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <new>
 #include <thread>
 
 namespace {
@@ -15,29 +13,6 @@ using namespace linetest;
 using namespace std::chrono_literals;
 using service::LineRecord;
 using trace::Side;
-
-thread_local std::size_t allocations = 0;
-
-} // namespace
-
-// Count the allocations of each thread. Both forms are replaced: a sanitizer's own would not fit the delete below.
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    ++allocations;
-    return std::malloc(size);
-}
-void* operator new(std::size_t size) {
-    if (void* const memory = operator new(size, std::nothrow))
-        return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-
-namespace {
 
 constexpr std::size_t smallCapacity = 16 << 10;
 
@@ -111,26 +86,6 @@ TEST(LineRecord, LongChunkBecomesSeveral) {
     for (const Bytes& bytes : contentOf(record).bytes)
         protocol::append(joined, bytes);
     EXPECT_EQ(joined, chunk);
-}
-
-TEST(LineRecord, AddingAllocatesNothing) {
-    LineRecord record(Clock::Time{0s}, smallCapacity);
-    const Bytes chunk = countingBytes(512);
-    const std::size_t before = allocations;
-    for (int i = 0; i < 1000; ++i)
-        record.sending(chunk, Clock::Time{1s});
-    EXPECT_EQ(allocations, before);
-}
-
-TEST(LineRecord, ReadingAgainAllocatesNothing) {
-    LineRecord record(Clock::Time{0s}, smallCapacity);
-    LineRecord::Batch batch;
-    for (int i = 0; i < 100; ++i)
-        record.add(Side::tool, countingBytes(512), trace::Time{0});
-    record.read(0, batch);
-    const std::size_t before = allocations;
-    record.read(0, batch);
-    EXPECT_EQ(allocations, before);
 }
 
 TEST(LineRecord, ReadsWhileAnotherThreadAdds) {
