@@ -61,17 +61,23 @@ std::optional<ImageKind> imageKindOf(const QString& path) {
     return found;
 }
 
-QString imageFacts(const QString& path) {
+QString md5Of(const QString& path) {
     QFile file(path);
     QCryptographicHash md5(QCryptographicHash::Md5);
     if (!file.open(QIODevice::ReadOnly) || !md5.addData(&file))
+        return {};
+    return QString::fromLatin1(md5.result().toHex());
+}
+
+QString imageFacts(const QString& path, const QString& md5) {
+    if (md5.isEmpty())
         return path + QLatin1Char('\n') + translated("文件无法读取，请重新选择");
+    const QFileInfo file(path);
     return QStringList{
         path,
         translated("大小：%1 字节").arg(file.size()),
-        translated("修改时间：%1")
-            .arg(QFileInfo(file).lastModified().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))),
-        QStringLiteral("MD5：%1").arg(QString::fromLatin1(md5.result().toHex())),
+        translated("修改时间：%1").arg(file.lastModified().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))),
+        QStringLiteral("MD5：%1").arg(md5),
     }
         .join(QLatin1Char('\n'));
 }

@@ -17,6 +17,8 @@ inline constexpr std::array allImageKinds{ImageKind::app, ImageKind::fireware, I
 /// The kind that the file's name tells; none if it tells no kind or several.
 [[nodiscard]] std::optional<ImageKind> imageKindOf(const QString& path);
 
-/// Path, size, time and MD5 of a file, a line each; path and reason if it cannot be read. Reads the whole
-/// file. Any thread.
-[[nodiscard]] QString imageFacts(const QString& path);
+/// MD5 of a file in hexadecimal; empty if it cannot be read. Reads the whole file. Any thread.
+[[nodiscard]] QString md5Of(const QString& path);
+
+/// Path, size, time and MD5 of a file, a line each; path and reason without an MD5. User-interface thread.
+[[nodiscard]] QString imageFacts(const QString& path, const QString& md5);

@@ -240,10 +240,10 @@ void MainWindow::showPaths() {
         if (path.isEmpty())
             return;
         runWithoutClient(
-            label, [path] { return imageFacts(path); },
-            [label, path](const QString& facts) {
+            label, [path] { return md5Of(path); },
+            [label, path](const QString& md5) {
                 if (label->text() == path)
-                    label->setToolTip(facts);
+                    label->setToolTip(imageFacts(path, md5));
             });
     };
     show(m_ui->label_apppath, m_appPath);

@@ -59,13 +59,13 @@ TEST(ImageFile, KindIsThatOfTheName) {
 
 TEST(ImageFile, FactsAreSizeTimeAndMd5) {
     const QString path = makeFile("app.bin");
-    const QStringList facts = imageFacts(path).split('\n');
+    const QStringList facts = imageFacts(path, md5Of(path)).split('\n');
     ASSERT_EQ(facts.size(), 4);
     EXPECT_EQ(facts[0], path);
     EXPECT_EQ(facts[1], "大小：3 字节");
     EXPECT_TRUE(facts[2].startsWith("修改时间：20"));
     EXPECT_EQ(facts[3], "MD5：900150983cd24fb0d6963f7d28e17f72");
-    EXPECT_EQ(imageFacts("missing"), "missing\n文件无法读取，请重新选择");
+    EXPECT_EQ(imageFacts("missing", md5Of("missing")), "missing\n文件无法读取，请重新选择");
 }
 
 TEST_F(FileDropTest, TellsTheKindAndTakesTheFile) {
@@ -75,8 +75,8 @@ TEST_F(FileDropTest, TellsTheKindAndTakesTheFile) {
     EXPECT_EQ(QToolTip::text(), "松开后选为app固件");
     EXPECT_TRUE(drop({path}));
     EXPECT_EQ(text(*window, "label_apppath"), path);
-    EXPECT_TRUE(
-        eventually([&] { return find<QLabel>(*window, "label_apppath")->toolTip() == imageFacts(path); }));
+    EXPECT_TRUE(eventually(
+        [&] { return find<QLabel>(*window, "label_apppath")->toolTip() == imageFacts(path, md5Of(path)); }));
     EXPECT_EQ(text(*window, "label_modelpath"), "");
 }
 
