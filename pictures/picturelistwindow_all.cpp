@@ -11,6 +11,7 @@
 #include <QMessageBox>
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -24,6 +25,13 @@ struct Downloaded {
     bool stopped = false;
     unsigned failedId = 0; ///< unless all came or the technician stopped
 
+    [[nodiscard]] QString words(int total) const {
+        QString counts = PictureListWindow::tr("已下载 %1 张，共 %2 张").arg(count).arg(total);
+        if (count == total)
+            return counts;
+        return stopped ? PictureListWindow::tr("已停止：%1").arg(counts)
+                       : PictureListWindow::tr("图片 %1 没有下载：%2").arg(failedId).arg(counts);
+    }
     [[nodiscard]] QString outcomeText(const CommandReport&) const {
         return stopped ? PictureListWindow::tr("已停止") : QString();
     }
@@ -48,6 +56,23 @@ bool downloadOne(CameraSp& client, const PictureGeneration& generation, const Li
     generation.download(client, picture.id, picture.size);
     client.setPictureFolder(folderBefore);
     return scope.report().end == CommandEnd::done;
+}
+
+/// Until one fails or the technician stops. tell gets the number of each, from 1.
+Downloaded downloadPictures(CameraSp& client, const PictureGeneration& generation,
+                            const std::vector<ListedPicture>& pictures, const std::string& folder,
+                            const std::atomic<bool>& stopped, const std::function<void(int)>& tell) {
+    Downloaded result;
+    for (const ListedPicture& picture : pictures) {
+        tell(result.count + 1);
+        if (stopped || !downloadOne(client, generation, picture, folder)) {
+            result.stopped = stopped;
+            result.failedId = picture.id;
+            break;
+        }
+        ++result.count;
+    }
+    return result;
 }
 
 } // namespace
@@ -123,6 +148,8 @@ void PictureListWindow::clientChanged() {
 
 void PictureListWindow::downloadInto(const QString& folder) {
     const std::vector<ListedPicture> pictures = picturesOf(*m_model);
+    if (pictures.empty() || m_downloadStopped != nullptr)
+        return; // the list or the button was used beside the question
     const auto total = static_cast<int>(pictures.size());
     showDownloading(true);
     const auto tell = reporter<int>(this, [this, total](int number) {
@@ -130,28 +157,12 @@ void PictureListWindow::downloadInto(const QString& folder) {
     });
     const auto download = [pictures, tell, folder = folder.toStdString(), stopped = m_downloadStopped,
                            generation = &m_model->generation()](CameraSp* client) {
-        Downloaded result;
-        for (const ListedPicture& picture : pictures) {
-            tell(result.count + 1);
-            if (*stopped || client == nullptr || !downloadOne(*client, *generation, picture, folder)) {
-                result.stopped = *stopped;
-                result.failedId = picture.id;
-                return result;
-            }
-            ++result.count;
-        }
-        return result;
+        return client != nullptr ? downloadPictures(*client, *generation, pictures, folder, *stopped, tell)
+                                 : Downloaded{0, false, pictures.front().id};
     };
     const auto show = [this, total](const Downloaded& result) {
         showDownloading(false);
-        const QString counts = tr("已下载 %1 张，共 %2 张").arg(result.count).arg(total);
-        const auto words = [&] {
-            if (result.count == total)
-                return counts;
-            return result.stopped ? tr("已停止：%1").arg(counts)
-                                  : tr("图片 %1 没有下载：%2").arg(result.failedId).arg(counts);
-        };
-        showDownload(result.count, total, words());
+        showDownload(result.count, total, result.words(total));
     };
     runOnPool(tr("下载全部图片"), this, download, show);
 }
