@@ -126,6 +126,13 @@ public:
                 action->trigger();
         }
     }
+    /// Reads the list and starts the download of all pictures into a new folder.
+    void downloadAllInto(const QString& folder) {
+        QDir().mkdir(folder);
+        press("btn_refresh");
+        const guitest::FileChooser chooser(QDir::current().filePath(folder));
+        press("btn_download_all");
+    }
     [[nodiscard]] PictureListModel* model() const { return window.template findChild<PictureListModel*>(); }
     [[nodiscard]] QLabel* shown() const {
         const auto viewers = window.template findChildren<ImgDialog*>();
@@ -314,15 +321,12 @@ TEST_F(EmulatedPictures, FilesAreReplacedAfterAQuestionOnly) {
     EXPECT_EQ(files::read("40.jpg"), held(0));
 }
 
-TEST_F(EmulatedPictures, DownloadOfAllStopsAfterThePictureUnderWay) {
+TEST_F(EmulatedPictures, DownloadOfAllStopsOnRequest) {
     plug(CameraType::ostra);
     for (std::uint16_t id = 40; id < 43; ++id)
         hold(id, drawn());
-    QDir().mkdir("kept");
     EmulatedList<PicList> list(client.get());
-    list.press("btn_refresh");
-    const guitest::FileChooser chooser(QDir::current().filePath("kept"));
-    list.press("btn_download_all");
+    list.downloadAllInto("kept");
     ASSERT_TRUE(QTest::qWaitFor([&] { return list.download().startsWith("正在下载第 1 张"); }, enoughMs));
     list.press("btn_download_all");
     ASSERT_TRUE(QTest::qWaitFor([&] { return list.download().startsWith("已停止"); }, enoughMs));
@@ -333,12 +337,9 @@ TEST_F(EmulatedPictures, DownloadOfAllStopsAfterThePictureUnderWay) {
 TEST_F(EmulatedPictures, DownloadOfAllStopsInAPictureWithoutEnd) {
     plug(CameraType::ostra);
     hold(40, drawn());
-    QDir().mkdir("kept");
     EmulatedList<PicList> list(client.get());
     addFault("picture-size=-1@read");
-    list.press("btn_refresh");
-    const guitest::FileChooser chooser(QDir::current().filePath("kept"));
-    list.press("btn_download_all");
+    list.downloadAllInto("kept");
     QTest::qWait(3000);
     EXPECT_EQ(list.downloadButton(), "停止下载");
     list.press("btn_download_all");
@@ -351,11 +352,8 @@ TEST_F(EmulatedPictures, DownloadOfAllTellsThePictureThatFails) {
     plug(CameraType::ostra);
     hold(40, drawn());
     hold(41, drawn());
-    QDir().mkdir("kept");
     EmulatedList<PicList> list(client.get());
-    list.press("btn_refresh");
-    const guitest::FileChooser chooser(QDir::current().filePath("kept"));
-    list.press("btn_download_all");
+    list.downloadAllInto("kept");
     front->vanish();
     ASSERT_TRUE(QTest::qWaitFor([&] { return list.download() == "图片 40 没有下载：已下载 0 张，共 2 张"; },
                                 enoughMs))
@@ -369,10 +367,7 @@ TEST_F(EmulatedPictures, EndOfTheLinkEndsTheDownloadOfAll) {
     hold(40, drawn());
     EmulatedList<PicList> list(client.get());
     addFault("picture-size=-1@read");
-    list.press("btn_refresh");
-    QDir().mkdir("kept");
-    const guitest::FileChooser chooser(QDir::current().filePath("kept"));
-    list.press("btn_download_all");
+    list.downloadAllInto("kept");
     list.window.attachClient(nullptr);
     EXPECT_EQ(list.downloadButton(), "下载全部");
     EXPECT_FALSE(guitest::find<QProgressBar>(list.window, "bar_download")->isVisible());
