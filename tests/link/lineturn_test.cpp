@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -111,14 +112,15 @@ TEST(LineTurn, ServesInTheOrderOfAsking) {
     std::mutex mutex;
     std::vector<int> order;
     std::vector<std::thread> threads;
+    std::atomic<int> newest{-1}; // of those that stand in the queue
     for (int number = 0; number < 8; ++number) {
-        std::atomic<bool> asked{false};
         threads.emplace_back([&, number] {
-            const LineTurn::Hold hold = turn.take(LineUser::upload, [&asked] { asked = true; });
+            const auto waits = [&newest, number] { newest = std::max(newest.load(), number); };
+            const LineTurn::Hold hold = turn.take(LineUser::upload, waits);
             const std::lock_guard lock(mutex);
             order.push_back(number);
         });
-        ASSERT_TRUE(comesTrue([&] { return asked.load(); }));
+        ASSERT_TRUE(comesTrue([&] { return newest.load() == number; }));
     }
     first.release();
     for (std::thread& thread : threads)
