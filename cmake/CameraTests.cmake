@@ -47,8 +47,8 @@ endif()
 # camera_list_tests(program MOST number [FILTER filter] [PREFIX prefix] [ALONE regexes...] [LABELS labels...]
 #                   [ENVIRONMENT variables...] [TIMEOUT seconds])
 #
-# Registers the tests of a GoogleTest program that match the filter: each suite as "<prefix><suite>", or in parts of at
-# most so many tests; tests whose names match ALONE by themselves, labelled "slow". Later files of TEST_INCLUDE_FILES
+# Registers the tests of a GoogleTest program that match the filter: each suite as "<prefix><suite>", or
+# "<prefix><suite>.1" and so on of at most so many tests; tests whose names match ALONE by themselves, labelled "slow". Later files of TEST_INCLUDE_FILES
 # find the names in ${program}_TESTS.
 function(camera_list_tests program)
   cmake_parse_arguments(arg "" "MOST;FILTER;PREFIX;TIMEOUT" "ALONE;LABELS;ENVIRONMENT" ${ARGN})

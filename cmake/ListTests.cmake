@@ -10,7 +10,9 @@ if(NOT EXISTS "${test_program}")
   return()
 endif()
 
-if(NOT EXISTS "${list_file}" OR "${test_program}" IS_NEWER_THAN "${list_file}")
+# A file that is not there counts as older.
+set(settings_file "${test_folder}/${test_name}_tests.cmake")
+if("${test_program}" IS_NEWER_THAN "${list_file}" OR "${settings_file}" IS_NEWER_THAN "${list_file}")
   execute_process(
     COMMAND "${test_cmake}" -E env ${test_environment}
             "${test_program}" --gtest_list_tests "--gtest_filter=${test_filter}"
@@ -64,12 +66,12 @@ if(NOT EXISTS "${list_file}" OR "${test_program}" IS_NEWER_THAN "${list_file}")
       add_entry("${name}")
       continue()
     endif()
-    set(part 0)
+    set(number 0)
     set(at 0)
     while(at LESS count)
-      math(EXPR part "${part} + 1")
+      math(EXPR number "${number} + 1")
       list(SUBLIST rest ${at} ${test_most} tests)
-      add_entry("${name}.part${part}")
+      add_entry("${name}.${number}")
       math(EXPR at "${at} + ${test_most}")
     endwhile()
   endforeach()

@@ -39,8 +39,7 @@ PictureListWindow::PictureListWindow(PictureListModel* model, PictureListDelegat
 }
 
 PictureListWindow::~PictureListWindow() {
-    if (m_downloadStopped != nullptr)
-        *m_downloadStopped = true;
+    stopDownload();
 }
 
 void PictureListWindow::reload() {

@@ -50,10 +50,18 @@ private:
     void viewRow(const QPersistentModelIndex& index);
 
     // --- all pictures (picturelistwindow_all.cpp) ---
+    /// Shared by the window and the job that downloads.
+    struct DownloadControl {
+        std::atomic<bool> stopped{false};
+        std::atomic<bool> hasLine{false};
+    };
     void connectAll();
+    /// The picture under way ends as well.
+    void stopDownload();
     void copyList() const;
     /// Asks for the folder, and before files are replaced. While pictures come, the button stops them.
     void downloadAll();
+    void askToReplace(const QString& folder);
     void downloadInto(const QString& folder);
     void showDownloading(bool downloading);
     void showDownload(int count, int total, const QString& text);
@@ -65,5 +73,5 @@ private:
 
     std::unique_ptr<Ui::PictureListWindow> m_ui;
     PictureListModel* m_model;
-    std::shared_ptr<std::atomic<bool>> m_downloadStopped; ///< non-null while pictures come
+    std::shared_ptr<DownloadControl> m_download; ///< non-null while pictures come
 };

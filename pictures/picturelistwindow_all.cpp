@@ -23,7 +23,8 @@ struct ListedPicture {
 struct Downloaded {
     int count = 0;
     bool stopped = false;
-    unsigned failedId = 0; ///< unless all came or the technician stopped
+    bool lineRefused = false; ///< no exchange took place, which would have a report
+    unsigned failedId = 0;    ///< unless all came or the technician stopped
 
     [[nodiscard]] QString words(int total) const {
         QString counts = PictureListWindow::tr("已下载 %1 张，共 %2 张").arg(count).arg(total);
@@ -32,8 +33,10 @@ struct Downloaded {
         return stopped ? PictureListWindow::tr("已停止：%1").arg(counts)
                        : PictureListWindow::tr("图片 %1 没有下载：%2").arg(failedId).arg(counts);
     }
-    [[nodiscard]] QString outcomeText(const CommandReport&) const {
-        return stopped ? PictureListWindow::tr("已停止") : QString();
+    [[nodiscard]] QString outcomeText(const CommandReport& report) const {
+        if (stopped)
+            return PictureListWindow::tr("已停止");
+        return lineRefused && report.succeeded() ? PictureListWindow::tr("线路正忙，请稍后再试") : QString();
     }
 };
 
@@ -47,10 +50,6 @@ std::vector<ListedPicture> picturesOf(const PictureListModel& model) {
 /// True if the picture is in the folder now.
 bool downloadOne(CameraSp& client, const PictureGeneration& generation, const ListedPicture& picture,
                  const std::string& folder) {
-    // Other downloads wait: the folder is the client's.
-    const LineTurn::Hold turn = client.takeLine(LineUser::download);
-    if (!turn)
-        return false;
     const ReportScope scope;
     const std::string folderBefore = client.setPictureFolder(folder);
     generation.download(client, picture.id, picture.size);
@@ -59,14 +58,21 @@ bool downloadOne(CameraSp& client, const PictureGeneration& generation, const Li
 }
 
 /// Until one fails or the technician stops. tell gets the number of each, from 1.
+template <typename Control>
 Downloaded downloadPictures(CameraSp& client, const PictureGeneration& generation,
                             const std::vector<ListedPicture>& pictures, const std::string& folder,
-                            const std::atomic<bool>& stopped, const std::function<void(int)>& tell) {
+                            Control& control, const std::function<void(int)>& tell) {
     Downloaded result;
     for (const ListedPicture& picture : pictures) {
         tell(result.count + 1);
-        if (stopped || !downloadOne(client, generation, picture, folder)) {
-            result.stopped = stopped;
+        // Other downloads wait: the folder is the client's.
+        const LineTurn::Hold turn = client.takeLine(LineUser::download);
+        control.hasLine = static_cast<bool>(turn);
+        const bool done = turn && !control.stopped && downloadOne(client, generation, picture, folder);
+        control.hasLine = false;
+        if (!done) {
+            result.stopped = control.stopped;
+            result.lineRefused = !turn;
             result.failedId = picture.id;
             break;
         }
@@ -80,14 +86,19 @@ Downloaded downloadPictures(CameraSp& client, const PictureGeneration& generatio
 void PictureListWindow::connectAll() {
     connect(m_ui->btn_copy_list, &QToolButton::clicked, this, &PictureListWindow::copyList);
     connect(m_ui->btn_download_all, &QToolButton::clicked, this, [this] {
-        if (m_downloadStopped == nullptr) {
+        if (m_download == nullptr)
             downloadAll();
-            return;
-        }
-        *m_downloadStopped = true;
-        if (client() != nullptr)
-            client()->endDownload(); // a picture may have no end
+        else
+            stopDownload();
     });
+}
+
+void PictureListWindow::stopDownload() {
+    if (m_download == nullptr)
+        return;
+    m_download->stopped = true;
+    if (m_download->hasLine && client() != nullptr)
+        client()->endDownload(); // a picture may have no end
 }
 
 void PictureListWindow::copyList() const {
@@ -102,10 +113,15 @@ void PictureListWindow::downloadAll() {
         showDownload(0, 1, tr("列表是空的，请先刷新列表"));
         return;
     }
-    const QPointer<PictureListWindow> self(this);
-    const QString folder = QFileDialog::getExistingDirectory(this, tr("选择保存图片的文件夹"));
-    if (self == nullptr || folder.isEmpty())
-        return;
+    auto* const dialog = new QFileDialog(this, tr("选择保存图片的文件夹"));
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setOption(QFileDialog::ShowDirsOnly);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QFileDialog::fileSelected, this, &PictureListWindow::askToReplace);
+    dialog->open();
+}
+
+void PictureListWindow::askToReplace(const QString& folder) {
     const std::vector<ListedPicture> pictures = picturesOf(*m_model);
     const auto present = std::count_if(pictures.begin(), pictures.end(), [&](const ListedPicture& picture) {
         return QFile::exists(QDir(folder).filePath(localPictureName(picture.id)));
@@ -126,7 +142,7 @@ void PictureListWindow::downloadAll() {
 }
 
 void PictureListWindow::showDownloading(bool downloading) {
-    m_downloadStopped = downloading ? std::make_shared<std::atomic<bool>>(false) : nullptr;
+    m_download = downloading ? std::make_shared<DownloadControl>() : nullptr;
     m_ui->btn_download_all->setText(downloading ? tr("停止下载") : tr("下载全部"));
 }
 
@@ -139,26 +155,26 @@ void PictureListWindow::showDownload(int count, int total, const QString& text) 
 
 /// Results of an earlier link do not come.
 void PictureListWindow::clientChanged() {
-    if (m_downloadStopped == nullptr)
+    if (m_download == nullptr)
         return;
-    *m_downloadStopped = true;
+    stopDownload();
     showDownloading(false);
     m_ui->bar_download->hide();
 }
 
 void PictureListWindow::downloadInto(const QString& folder) {
     const std::vector<ListedPicture> pictures = picturesOf(*m_model);
-    if (pictures.empty() || m_downloadStopped != nullptr)
+    if (pictures.empty() || m_download != nullptr)
         return; // the list or the button was used beside the question
     const auto total = static_cast<int>(pictures.size());
     showDownloading(true);
     const auto tell = reporter<int>(this, [this, total](int number) {
         showDownload(number - 1, total, tr("正在下载第 %1 张，共 %2 张").arg(number).arg(total));
     });
-    const auto download = [pictures, tell, folder = folder.toStdString(), stopped = m_downloadStopped,
+    const auto download = [pictures, tell, folder = folder.toStdString(), control = m_download,
                            generation = &m_model->generation()](CameraSp* client) {
-        return client != nullptr ? downloadPictures(*client, *generation, pictures, folder, *stopped, tell)
-                                 : Downloaded{0, false, pictures.front().id};
+        return client != nullptr ? downloadPictures(*client, *generation, pictures, folder, *control, tell)
+                                 : Downloaded{0, false, false, pictures.front().id};
     };
     const auto show = [this, total](const Downloaded& result) {
         showDownloading(false);

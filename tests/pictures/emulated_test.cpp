@@ -128,10 +128,15 @@ public:
     }
     /// Reads the list and starts the download of all pictures into a new folder.
     void downloadAllInto(const QString& folder) {
-        QDir().mkdir(folder);
         press("btn_refresh");
+        chooseFolderForAll(folder);
+    }
+    void chooseFolderForAll(const QString& folder) {
+        QDir().mkdir(folder);
         const guitest::FileChooser chooser(QDir::current().filePath(folder));
         press("btn_download_all");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !chooser.seen().empty(); }, enoughMs));
+        EXPECT_EQ(chooser.seen().at(0).title, "选择保存图片的文件夹");
     }
     [[nodiscard]] PictureListModel* model() const { return window.template findChild<PictureListModel*>(); }
     [[nodiscard]] QLabel* shown() const {
@@ -280,15 +285,8 @@ TEST_F(EmulatedPictures, AllPicturesComeIntoTheChosenFolder) {
     plug(CameraType::ostra);
     hold(40, drawn());
     hold(41, drawn());
-    QDir().mkdir("kept");
     EmulatedList<PicList> list(client.get());
-    list.press("btn_refresh");
-    {
-        const guitest::FileChooser chooser(QDir::current().filePath("kept"));
-        list.press("btn_download_all");
-        ASSERT_EQ(chooser.seen().size(), 1U);
-        EXPECT_EQ(chooser.seen()[0].title, "选择保存图片的文件夹");
-    }
+    list.downloadAllInto("kept");
     EXPECT_EQ(list.downloadButton(), "停止下载");
     ASSERT_TRUE(QTest::qWaitFor([&] { return list.download() == "已下载 2 张，共 2 张"; }, enoughMs))
         << list.download().toStdString();
@@ -360,6 +358,19 @@ TEST_F(EmulatedPictures, DownloadOfAllTellsThePictureThatFails) {
         << list.download().toStdString();
     EXPECT_TRUE(QDir("kept").isEmpty());
     EXPECT_EQ(list.downloadButton(), "下载全部");
+}
+
+TEST_F(EmulatedPictures, DownloadOfAllIsRefusedWhileTheLineIsTaken) {
+    plug(CameraType::ostra);
+    hold(40, drawn());
+    EmulatedList<PicList> list(client.get());
+    list.press("btn_refresh");
+    const LineTurn::Hold other = client->takeLine(LineUser::download);
+    list.chooseFolderForAll("kept");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.download() == "图片 40 没有下载：已下载 0 张，共 1 张"; },
+                                enoughMs))
+        << list.download().toStdString();
+    EXPECT_TRUE(QDir("kept").isEmpty());
 }
 
 TEST_F(EmulatedPictures, EndOfTheLinkEndsTheDownloadOfAll) {
