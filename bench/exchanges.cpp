@@ -2,6 +2,7 @@
 
 #include "bench/farend.h"
 #include "bench/measure.h"
+#include "bench/plaincopy.h"
 #include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
 #include "link/protocol/exchangetable.h"
@@ -23,7 +24,6 @@ using emulator::CameraType;
 using protocol::ExchangeRule;
 namespace rules = protocol::rules;
 
-constexpr std::uint32_t baudRate = 460800;
 constexpr double keptMs = 50; ///< timeout of a fresh link
 constexpr double slowMs = 900;
 constexpr double longMs = 1600;

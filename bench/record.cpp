@@ -5,6 +5,7 @@
 #include "bench/farend.h"
 #include "bench/lognowhere.h"
 #include "bench/measure.h"
+#include "bench/plaincopy.h"
 #include "bench/randomfile.h"
 #include "bench/results.h"
 #include "emulator/line/ptyfront.h"
@@ -32,7 +33,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::uint32_t baudRate = 460800;
 constexpr std::uint32_t linePace = 46080; // bytes per second at that rate
 constexpr std::uint32_t uploadSize = 512 << 10;
 constexpr double megabyte = 1 << 20;
@@ -188,7 +188,7 @@ void followFrames(bench::Results& results) {
     const auto perStep = static_cast<int>(linePace / 200 / (request.size() + answer.size()));
     QualityMark mark;
     LineWatch watch(Clock::system(), &mark, nullptr);
-    CameraSp camera(std::string(), baudRate);
+    CameraSp camera(std::string(), bench::baudRate);
     watch.linkOpened(camera, QStringLiteral("line"));
     LineRecordWindow window(nullptr, &watch);
     window.show();

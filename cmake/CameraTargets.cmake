@@ -38,10 +38,10 @@ if(CAMERA_COVERAGE)
   add_link_options(--coverage)
 endif()
 
-# Where nothing is kept between builds, clang compiles what many sources include once, with what it instantiates. What
-# shares it has the same options.
+# Where nothing is kept between builds, the compiler reads what many sources include once; clang also what it
+# instantiates. What shares it has the same options.
 set(camera_precompiled OFF)
-if(CAMERA_FAST_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+if(CAMERA_FAST_BUILD AND CMAKE_CXX_COMPILER_ID MATCHES "Clang|GNU")
   set(camera_precompiled ON)
 endif()
 
@@ -55,26 +55,44 @@ function(camera_headers name)
   target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
 endfunction()
 
+# camera_fast_build(name headers links...): what CAMERA_FAST_BUILD means for a library or program. HEADERS: a target of
+# camera_headers; "" stands for those of windows if Qt6::Widgets is linked.
+function(camera_fast_build name headers)
+  if(NOT CAMERA_FAST_BUILD)
+    return()
+  endif()
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
+  if(NOT camera_precompiled)
+    return()
+  endif()
+  if(NOT headers AND "Qt6::Widgets" IN_LIST ARGN)
+    set(headers window_headers)
+    if(NOT TARGET window_headers)
+      camera_headers(window_headers HEADERS <QtWidgets> <functional> <memory> <string> <vector> LINK Qt6::Widgets)
+    endif()
+  endif()
+  if(headers)
+    target_precompile_headers(${name} REUSE_FROM ${headers})
+  endif()
+endfunction()
+
 # camera_library(name SOURCES... [LINK targets...]): a static library of one folder.
 function(camera_library name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})
   target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE camera_options)
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
-  set_target_properties(${name} PROPERTIES UNITY_BUILD ${CAMERA_FAST_BUILD} UNITY_BUILD_BATCH_SIZE 6)
-  if(camera_precompiled AND "Qt6::Widgets" IN_LIST arg_LINK)
-    if(NOT TARGET window_headers)
-      camera_headers(window_headers HEADERS <QtWidgets> <functional> <memory> <string> <vector> LINK Qt6::Widgets)
-    endif()
-    target_precompile_headers(${name} REUSE_FROM window_headers)
+  if(NOT CAMERA_LIBRARIES_BY_SOURCE)
+    camera_fast_build(${name} "" ${arg_LINK})
   endif()
 endfunction()
 
-# camera_program(name SOURCES... [LINK targets...])
+# camera_program(name SOURCES... [LINK targets...] [HEADERS target]): see camera_fast_build.
 function(camera_program name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(arg "" "HEADERS" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LINK} camera_options)
+  camera_fast_build(${name} "${arg_HEADERS}" ${arg_LINK})
 endfunction()
 
 # targets_below(variable folder): the libraries and programs of a folder and of those in it.

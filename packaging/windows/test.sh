@@ -156,8 +156,7 @@ main() {
     imagemagick fonts-noto-cjk python3
   use_utf8_locale
   if [[ " $* " != *" --no-build "* ]]; then
-    # Each source by itself, its own includes alone: no other build of continuous integration is one.
-    configure_and_build mingw -DCAMERA_WARNINGS_AS_ERRORS=ON -DCAMERA_WINDOWS_TESTS=ON -DCAMERA_FAST_BUILD=OFF
+    configure_and_build mingw -DCAMERA_WARNINGS_AS_ERRORS=ON -DCAMERA_WINDOWS_TESTS=ON
     configure_and_build "$(optimised_preset)" --target virtual-camera
   fi
   [[ " $* " != *" --build "* ]] || return 0

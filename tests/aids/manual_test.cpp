@@ -29,7 +29,7 @@ public slots:
     void show(const QUrl& url) { shown.append(url.toLocalFile()); }
 };
 
-void makeFile(const QString& path) {
+void touchFile(const QString& path) {
     QDir().mkpath(QFileInfo(path).path());
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -50,14 +50,14 @@ TEST(Manual, IsInTheDocumentsOfThePackage) {
 
 TEST(Manual, OfTheSourcesIsFoundFromABuildFolder) {
     const QString folder = QDir::currentPath();
-    makeFile(folder + "/docs/user-guide.zh-CN.md");
+    touchFile(folder + "/docs/user-guide.zh-CN.md");
     EXPECT_EQ(firstFile(manualPlaces(folder + "/build/dev/app")), folder + "/docs/user-guide.zh-CN.md");
 }
 
 TEST(Manual, TakesThePageBeforeTheSource) {
     const QString folder = QDir::currentPath() + "/program";
-    makeFile(QDir::currentPath() + "/docs/user-guide.zh-CN.md");
-    makeFile(folder + "/用户手册.html");
+    touchFile(QDir::currentPath() + "/docs/user-guide.zh-CN.md");
+    touchFile(folder + "/用户手册.html");
     EXPECT_EQ(firstFile(manualPlaces(folder)), folder + "/用户手册.html");
 }
 

@@ -11,7 +11,6 @@ namespace {
 using enum Ending;
 using emulator::CameraType;
 
-constexpr const char* family = "Pictures";
 const std::vector<std::string> stopped{"command failed:link is closing"};
 const std::vector<std::string> lost{"command failed:*"};
 
@@ -20,7 +19,7 @@ Command row(const std::string& method, const std::string& request, CameraType ty
             const Column& changed) {
     Command command;
     command.method = method;
-    command.family = family;
+    command.family = "Pictures";
     command.request = request + "#1";
     command.type = type;
     command.run = std::move(run);

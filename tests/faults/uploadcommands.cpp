@@ -12,7 +12,6 @@ namespace {
 using enum Ending;
 using emulator::CameraType;
 
-constexpr const char* family = "Uploads";
 constexpr milliseconds announcementTries = 10s;
 /// Announcement, the pause of two seconds, the data with three writes that time out, ten reads for a verdict.
 constexpr milliseconds throughVerdict = 17s;
@@ -37,7 +36,7 @@ Command row(const char* method, const char* part, const char* request, CameraTyp
     Command command;
     command.method = method;
     command.part = part;
-    command.family = family;
+    command.family = "Uploads";
     command.request = request;
     command.type = type;
     command.run = std::move(run);

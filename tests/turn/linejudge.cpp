@@ -54,7 +54,7 @@ Time leastGap(const ReceivedFrame& frame, const LineRules& rules) {
     return answered ? std::min(rules.answerDelay, patience) : patience;
 }
 
-QString milliseconds(Time time) {
+QString inMilliseconds(Time time) {
     return QString::number(static_cast<double>(time.count()) / 1000, 'f', 1) + " ms";
 }
 
@@ -93,7 +93,7 @@ QStringList overlaps(const CameraRecord& record, const LineRules& rules) {
         const ReceivedFrame& before = record.frames[i - 1];
         const ReceivedFrame& frame = record.frames[i];
         if (frame.at - before.at < leastGap(before, rules))
-            found += describe(frame) + " came " + milliseconds(frame.at - before.at) + " after " +
+            found += describe(frame) + " came " + inMilliseconds(frame.at - before.at) + " after " +
                      describe(before) + ", which was not over";
     }
     if (record.badFrames > 0)

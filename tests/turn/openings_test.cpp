@@ -10,7 +10,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr int endLimitMs = 20000;
+constexpr int openingLimitMs = 20000;
 
 /// Answers of the camera to reads of properties; it always answers uploads.
 struct Reads {
@@ -52,7 +52,7 @@ protected:
 };
 
 void expectUndisturbed(TurnWindow& bench, const std::set<std::uint8_t>& silentCodes) {
-    EXPECT_TRUE(eventually([&bench] { return bench.isIdle(); }, endLimitMs)) << "a job still runs";
+    EXPECT_TRUE(eventually([&bench] { return bench.isIdle(); }, openingLimitMs)) << "a job still runs";
     LineRules rules = bench.lineRules();
     rules.silentCodes = silentCodes;
     const emulator::CameraRecord record = bench.record();
@@ -88,12 +88,13 @@ void Openings::uploadAfter(milliseconds lead, bool closesAgain, TurnWindow& used
         closeOwnWindow(reading);
     ASSERT_TRUE(uploader.canStart(upload));
     uploader.start(upload);
-    EXPECT_TRUE(eventually([&] { return uploader.ended(upload); }, endLimitMs))
+    EXPECT_TRUE(eventually([&] { return uploader.ended(upload); }, openingLimitMs))
         << "the upload shows no result";
     expectOwnValues(uploader, upload, false);
     if (closesAgain)
         return;
-    EXPECT_TRUE(eventually([&] { return reader.ended(reading); }, endLimitMs)) << "the window shows nothing";
+    EXPECT_TRUE(eventually([&] { return reader.ended(reading); }, openingLimitMs))
+        << "the window shows nothing";
     expectOwnValues(reader, reading, false);
     EXPECT_TRUE(reading.window->isEnabled());
     closeOwnWindow(reading);
@@ -106,7 +107,7 @@ TEST_P(Openings, DoNotDisturbTheUpload) {
         open(lead, true);
 }
 
-std::string nameOf(const testing::TestParamInfo<Opening>& test) {
+std::string openingName(const testing::TestParamInfo<Opening>& test) {
     const auto& [reader, uploader, reads] = test.param;
     return reader + uploader + reads.name;
 }
@@ -117,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(
                      testing::Values(std::string("AppUpload"), std::string("AppUploadV1"),
                                      std::string("SystemUpload"), std::string("ModelUpload")),
                      testing::ValuesIn(readsOf())),
-    nameOf);
+    openingName);
 
 TEST(OpeningsWithADeadCamera, LetTheUploadFail) {
     const User& reader = userCalled("Location");
@@ -129,7 +130,7 @@ TEST(OpeningsWithADeadCamera, LetTheUploadFail) {
     reader.start(reading);
     QTest::qWait(100);
     uploader.start(upload);
-    EXPECT_TRUE(eventually([&] { return uploader.ended(upload) && reader.ended(reading); }, endLimitMs));
+    EXPECT_TRUE(eventually([&] { return uploader.ended(upload) && reader.ended(reading); }, openingLimitMs));
     const auto code = protocol::code(protocol::Command::firewareAnnounce);
     expectUndisturbed(bench, {protocol::code(protocol::Command::getProperty), code});
     EXPECT_EQ(bench.record().count(code), 1U);

@@ -21,7 +21,7 @@ constexpr std::array sampleDelays{60ms};
 constexpr auto quickAnswer = 30ms;
 constexpr auto quickSlack = 50ms;
 constexpr int attempts = 3;
-constexpr int endLimitMs = 15000;
+constexpr int pairLimitMs = 15000;
 /// Number of failures after which a test stops.
 constexpr int testLimitMs = 90000;
 
@@ -99,14 +99,14 @@ void Pairs::useBench(std::uint32_t cameraType) {
 
 void Pairs::awaitEnd(const User& user, const Work& work, const QElapsedTimer& time) {
     const bool ended = eventually([&] { return user.ended(work); },
-                                  std::max(0, endLimitMs - static_cast<int>(time.elapsed())));
-    EXPECT_TRUE(ended && time.elapsed() < endLimitMs)
+                                  std::max(0, pairLimitMs - static_cast<int>(time.elapsed())));
+    EXPECT_TRUE(ended && time.elapsed() < pairLimitMs)
         << user.name << " has not ended in time, " << time.elapsed() << " ms after the start of "
         << first.name;
 }
 
 void Pairs::expectCleanEnd(const Partners& partners, bool misled) {
-    EXPECT_TRUE(eventually([this] { return bench->isIdle(); }, endLimitMs))
+    EXPECT_TRUE(eventually([this] { return bench->isIdle(); }, pairLimitMs))
         << "a job or an upload still runs";
     const emulator::CameraRecord record = bench->record();
     const LineRules rules = bench->lineRules();

@@ -38,7 +38,7 @@ void PrintTo(const Generation& generation, std::ostream* out) {
     *out << generation.user;
 }
 
-std::string nameOf(const testing::TestParamInfo<Case>& test) {
+std::string caseName(const testing::TestParamInfo<Case>& test) {
     const auto& [generation, user] = test.param;
     return generation.user + ("Then" + user);
 }
@@ -91,13 +91,13 @@ INSTANTIATE_TEST_SUITE_P(First, RefusedCapture,
                                           testing::Values(std::string("AppUpload"),
                                                           std::string("SystemUpload"),
                                                           std::string("ModelUpload"))),
-                         nameOf);
+                         caseName);
 INSTANTIATE_TEST_SUITE_P(V1, RefusedCapture,
                          testing::Combine(testing::Values(second),
                                           testing::Values(std::string("AppUploadV1"),
                                                           std::string("SystemUpload"),
                                                           std::string("ModelUpload"))),
-                         nameOf);
+                         caseName);
 
 /// The download of the older picture never ends.
 class EndlessDownload : public RefusedCapture {
@@ -138,11 +138,11 @@ INSTANTIATE_TEST_SUITE_P(First, EndlessDownload,
                          testing::Combine(testing::Values(first),
                                           testing::Values(std::string("Heartbeat"), std::string("ModelInfo"),
                                                           std::string("Gyro"), std::string("List"))),
-                         nameOf);
+                         caseName);
 INSTANTIATE_TEST_SUITE_P(V1, EndlessDownload,
                          testing::Combine(testing::Values(second),
                                           testing::Values(std::string("Heartbeat"), std::string("ModelInfo"),
                                                           std::string("Gyro"), std::string("ListV1"))),
-                         nameOf);
+                         caseName);
 
 } // namespace

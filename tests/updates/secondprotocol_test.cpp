@@ -8,14 +8,14 @@ using emulator::VirtualCamera;
 
 namespace {
 
-struct Cell {
+struct ImageCell {
     std::vector<std::string> faults{};
     bool result = false;
     std::uint32_t closingPackets = 0;
     bool holdsImage = true;
 };
 
-Complaints runCell(const Cell& cell) {
+Complaints runImageCell(const ImageCell& cell) {
     std::string name = cell.holdsImage ? "held image" : "image not held";
     for (const std::string& fault : cell.faults)
         name += " " + fault;
@@ -50,7 +50,7 @@ protected:
 
 TEST_F(SecondProtocolUploads, TakeTheLastOfElevenPackageResults) {
     storeFile(2000);
-    runSideBySide<Cell>(
+    runSideBySide<ImageCell>(
         {
             {{}, true, 11},
             {{"result=1@packetV1"}, true, 11},
@@ -63,7 +63,7 @@ TEST_F(SecondProtocolUploads, TakeTheLastOfElevenPackageResults) {
              true,
              11},
         },
-        &runCell);
+        &runImageCell);
     EXPECT_TRUE(out.has("continue last cmd"));
     EXPECT_TRUE(out.has("now packageResult:2"));
     EXPECT_TRUE(out.has("packageResult:1"));
@@ -71,7 +71,7 @@ TEST_F(SecondProtocolUploads, TakeTheLastOfElevenPackageResults) {
 
 TEST_F(SecondProtocolUploads, CountTheFifthAnnouncementAnswerOnly) {
     storeFile(2000);
-    runSideBySide<Cell>(
+    runSideBySide<ImageCell>(
         {
             {{"result=1@appUpdateV1#1-4"}, true, 11},
             {{"offset=0@appUpdateV1#1-4"}, true, 11},
@@ -81,28 +81,28 @@ TEST_F(SecondProtocolUploads, CountTheFifthAnnouncementAnswerOnly) {
             {{"payload=3@appUpdateV1#5"}, false, 0},
             {{"bad-check@appUpdateV1", "before=33@appUpdateV1"}, true, 11},
         },
-        &runCell);
+        &runImageCell);
     EXPECT_TRUE(out.has("cant update"));
     EXPECT_TRUE(out.has("appupdateV1 queryCanUpdate checkfailed"));
 }
 
 TEST_F(SecondProtocolUploads, SendNoPacketUnlessTheCameraHoldsTheFile) {
     storeFile(2000);
-    std::vector<Cell> cells{{{}, false, 0, false}};
+    std::vector<ImageCell> cells{{{}, false, 0, false}};
     for (const char* const offset : {"size-1", "size+1", "0x7FFFFFFF", "0x80000000", "0xFFFFFFFF"})
         cells.push_back({{std::string("offset=") + offset + "@appUpdateV1"}, false, 0});
-    runSideBySide(cells, &runCell);
+    runSideBySide(cells, &runImageCell);
 }
 
 TEST_F(SecondProtocolUploads, TakeAnEmptyFile) {
     storeFile(0);
-    runSideBySide<Cell>({{{}, true, 11, false}}, &runCell);
+    runSideBySide<ImageCell>({{{}, true, 11, false}}, &runImageCell);
 }
 
 TEST_F(SecondProtocolUploads, FailWhenTheDeviceVanishes) {
     storeFile(2000);
-    runSideBySide<Cell>({{{"hang-up=0@packetV1#11"}, false, 11}, {{"hang-up=0@appUpdateV1#5"}, false, 0}},
-                        &runCell);
+    runSideBySide<ImageCell>(
+        {{{"hang-up=0@packetV1#11"}, false, 11}, {{"hang-up=0@appUpdateV1#5"}, false, 0}}, &runImageCell);
 }
 
 TEST_F(SecondProtocolUploads, FailOnAFileThatCannotBeOpened) {
