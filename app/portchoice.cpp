@@ -37,7 +37,7 @@ bool portNameLess(const QString& left, const QString& right) {
     return left.size() - l < right.size() - r;
 }
 
-void PortChoice::setSource(std::function<std::vector<PortEntry>()> ports) {
+void PortChoice::setSource(Source ports) {
     m_source = std::move(ports);
 }
 
@@ -66,6 +66,12 @@ void PortChoice::refill() {
     }
     if (currentText() != chosen)
         emit currentTextChanged(currentText());
+}
+
+void PortChoice::choose(const QString& port) {
+    if (findText(port) < 0)
+        addItem(port);
+    setCurrentText(port);
 }
 
 void PortChoice::showPopup() {

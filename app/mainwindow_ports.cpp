@@ -1,0 +1,100 @@
+// The button "重新打开": a lost adapter that was plugged in again.
+#include "app/mainwindow.h"
+#include "app/statusline.h"
+#include "linkaccess/focuskeeper.h"
+#include "ui_mainwindow.h"
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto listInterval = 1s;
+
+} // namespace
+
+void MainWindow::connectReopening() {
+    m_portTimer.setSingleShot(true);
+    connect(&m_portTimer, &QTimer::timeout, this, &MainWindow::listPorts);
+    connect(m_statusLine.get(), &StatusLine::adapterMissed, this, &MainWindow::beginLoss);
+    connect(m_statusLine.get(), &StatusLine::reopeningWanted, this, &MainWindow::reopenLink);
+    connect(m_ui->sel_ports, &QComboBox::textActivated, this, &MainWindow::endLossByChoice);
+}
+
+void MainWindow::beginLoss() {
+    if (m_adapterLost)
+        return;
+    m_adapterLost = true;
+    listPortsLater();
+}
+
+void MainWindow::endLoss() {
+    m_adapterLost = false;
+    m_lostSeenAt.clear();
+    m_portTimer.stop();
+    withdrawReopening();
+}
+
+void MainWindow::endLossByChoice(const QString& port) {
+    if (port != (m_reopenable.isEmpty() ? m_adapter.port() : m_reopenable))
+        endLoss();
+}
+
+void MainWindow::listPortsLater() {
+    m_portTimer.start(m_clock.timerInterval(listInterval));
+}
+
+void MainWindow::listPorts() {
+    runWithoutClient(this, m_ui->sel_ports->source(), [this](const std::vector<PortEntry>& ports) {
+        if (!m_adapterLost || m_portTimer.isActive()) // listed for an earlier loss
+            return;
+        lookForLostAdapter(ports);
+        listPortsLater();
+    });
+}
+
+void MainWindow::lookForLostAdapter(const std::vector<PortEntry>& ports) {
+    const QStringList found = m_adapter.candidates(ports);
+    if (found == m_lostSeenAt) {
+        // Hidden by an opening that failed.
+        if (found.size() == 1)
+            offerReopening(found.front());
+        return;
+    }
+    m_lostSeenAt = found;
+    if (found.size() == 1) {
+        offerReopening(found.front());
+        m_statusLine->showState(tr("转接器已插好（%1），请点击“重新打开”").arg(found.front()));
+        return;
+    }
+    withdrawReopening();
+    m_statusLine->showState(found.isEmpty() ? tr("转接器又断开了，请重新插好")
+                                            : tr("有几个相同的转接器，请关闭串口，选择串口后再打开"));
+}
+
+void MainWindow::offerReopening(const QString& port) {
+    m_reopenable = port;
+    m_statusLine->offerReopening(true);
+}
+
+void MainWindow::withdrawReopening() {
+    m_reopenable.clear();
+    if (m_statusLine->isReopeningFocused()) {
+        // Qt would move the focus to the next control, which a second key press would press.
+        m_ui->btn_open->setFocus();
+        FocusKeeper::of(this).rest();
+    }
+    m_statusLine->offerReopening(false);
+}
+
+void MainWindow::reopenLink() {
+    if (!confirmInterruption() || m_reopenable.isEmpty())
+        return;
+    const QString port = m_reopenable;
+    withdrawReopening();
+    closeLink();
+    m_ui->sel_ports->refill();
+    m_ui->sel_ports->choose(port);
+    openLink();
+}
