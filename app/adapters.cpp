@@ -3,6 +3,8 @@
 #include "link/camerasp.h"
 #include "service/systemtext.h"
 
+#include <QObject>
+
 namespace {
 
 constexpr const char* nothing = "n/a"; // the library's word
@@ -14,9 +16,11 @@ bool isGiven(const std::string& text) {
 QString toolTipOf(const serial::PortInfo& port) {
     QStringList lines;
     for (const std::string& text : {port.description, port.hardware_id}) {
-        if (text != nothing)
+        if (isGiven(text))
             lines.append(systemText(text));
     }
+    if (!isGiven(port.hardware_id))
+        lines.append(QObject::tr("没有转接器信息，通常不是 USB 转接器"));
     return lines.join(QLatin1Char('\n'));
 }
 
@@ -38,7 +42,8 @@ std::vector<PortEntry> presentPorts() {
     return ports;
 }
 
-AdapterTrack::AdapterTrack(const QString& port, const std::vector<PortEntry>& ports) : m_port(port) {
+void AdapterTrack::confirm(const QString& port, const std::vector<PortEntry>& ports) {
+    m_port = port;
     for (const PortEntry& entry : ports) {
         if (entry.name == port)
             m_adapter = entry.adapter;
@@ -54,11 +59,12 @@ QStringList AdapterTrack::candidates(const std::vector<PortEntry>& ports) {
     return found;
 }
 
-QStringList AdapterTrack::alikeIn(const std::vector<PortEntry>& ports) const {
+QStringList AdapterTrack::alikeIn(const std::vector<PortEntry>& ports) {
     QStringList alike;
     for (const PortEntry& entry : ports) {
         if (m_adapter.isEmpty() ? entry.name == m_port : entry.adapter == m_adapter)
             alike.append(entry.name);
     }
+    m_hasAlike = m_hasAlike || alike.size() > 1;
     return alike;
 }

@@ -23,20 +23,24 @@ class AdapterTrack {
 public:
     AdapterTrack() = default;
     /// The adapter that has this name in the list.
-    AdapterTrack(const QString& port, const std::vector<PortEntry>& ports);
+    AdapterTrack(const QString& port, const std::vector<PortEntry>& ports) { confirm(port, ports); }
 
-    /// Name of the adapter's port when the track began.
+    /// The adapter has this name in the list; alike adapters there are others.
+    void confirm(const QString& port, const std::vector<PortEntry>& ports);
+    /// Name of the adapter's port when it was last confirmed.
     [[nodiscard]] const QString& port() const { return m_port; }
 
-    /// Names of the ports that may be the adapter; several: alike adapters that cannot be told apart. An
-    /// alike adapter that was there from the beginning is none of them until it is gone. Call for each new
-    /// list.
+    /// Names of the ports that may be the adapter; several: alike adapters that cannot be told apart. Another
+    /// alike adapter is none of them until it is gone. Call for each new list.
     [[nodiscard]] QStringList candidates(const std::vector<PortEntry>& ports);
+    /// True if an alike adapter was ever in a list: a candidate with another name may be that one.
+    [[nodiscard]] bool hasAlike() const { return m_hasAlike; }
 
 private:
-    [[nodiscard]] QStringList alikeIn(const std::vector<PortEntry>& ports) const;
+    [[nodiscard]] QStringList alikeIn(const std::vector<PortEntry>& ports);
 
     QString m_port;
     QString m_adapter;
     QStringList m_others; ///< ports of alike adapters
+    bool m_hasAlike = false;
 };

@@ -61,7 +61,7 @@ MainWindow::MainWindow(QWidget* parent, Clock& clock)
     connectUpdates();
     connectPictures();
     connectAids();
-    connectReopening();
+    connectPorts();
     if (const auto* const application = qobject_cast<Application*>(QCoreApplication::instance()))
         connect(application, &Application::failureReported, m_statusLine.get(), &StatusLine::showOutcome);
 
@@ -96,6 +96,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     }
     m_windows.closeAll();
     closeLink();
+    m_portTimer.stop();
     endLoss();
     event->accept();
 }
@@ -275,6 +276,8 @@ void MainWindow::openLink() {
     m_lineWatch->linkOpened(*camera, port);
     m_camera = std::move(camera);
     m_opened = {port, m_baudRate};
+    m_ui->sel_ports->keepChoice();
+    m_portTimer.stop();
     endLoss();
     m_adapter = AdapterTrack(port, m_ui->sel_ports->ports());
     lendClient(m_camera.get());
@@ -297,6 +300,7 @@ void MainWindow::closeLink() {
     endInterruptible();
     m_lineWatch->linkClosed();
     m_camera.reset();
+    listPortsLater();
     freeExchange();
     showLink();
     m_statusLine->showOutcome(tr("串口已关闭"));

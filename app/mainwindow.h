@@ -66,7 +66,7 @@ private:
     void connectUpdates();
     void connectPictures();
     void connectAids();
-    void connectReopening();
+    void connectPorts();
     void finishStart();
 
     // --- the controls ---
@@ -97,12 +97,13 @@ private:
     /// Applies the slave address to the link and shows it.
     void applyAddress();
 
-    // --- reopening (mainwindow_ports.cpp) ---
-    /// From here until endLoss() the ports are listed once a second on the pool.
-    void beginLoss();
-    void endLoss();
+    // --- adapters (mainwindow_ports.cpp) ---
+    /// The ports are listed once a second on the pool while no link is open or its adapter is lost.
     void listPortsLater();
     void listPorts();
+    /// Takes back what the camera told and looks for the adapter until endLoss(), also after closing.
+    void beginLoss();
+    void endLoss();
     /// Offers to reopen if the list has the lost adapter, exactly once.
     void lookForLostAdapter(const std::vector<PortEntry>& ports);
     void offerReopening(const QString& port);

@@ -1,6 +1,7 @@
-// The button "重新打开": a lost adapter that was plugged in again.
+// Adapters that are plugged in or lost: the list of ports and the button "重新打开".
 #include "app/mainwindow.h"
 #include "app/statusline.h"
+#include "linkaccess/cameratext.h"
 #include "linkaccess/focuskeeper.h"
 #include "ui_mainwindow.h"
 
@@ -14,31 +15,14 @@ constexpr auto listInterval = 1s;
 
 } // namespace
 
-void MainWindow::connectReopening() {
+void MainWindow::connectPorts() {
     m_portTimer.setSingleShot(true);
     connect(&m_portTimer, &QTimer::timeout, this, &MainWindow::listPorts);
+    connect(m_ui->sel_ports, &PortChoice::noticed, m_statusLine.get(), &StatusLine::showState);
+    connect(m_ui->sel_ports, &QComboBox::textActivated, this, &MainWindow::endLossByChoice);
     connect(m_statusLine.get(), &StatusLine::adapterMissed, this, &MainWindow::beginLoss);
     connect(m_statusLine.get(), &StatusLine::reopeningWanted, this, &MainWindow::reopenLink);
-    connect(m_ui->sel_ports, &QComboBox::textActivated, this, &MainWindow::endLossByChoice);
-}
-
-void MainWindow::beginLoss() {
-    if (m_adapterLost)
-        return;
-    m_adapterLost = true;
     listPortsLater();
-}
-
-void MainWindow::endLoss() {
-    m_adapterLost = false;
-    m_lostSeenAt.clear();
-    m_portTimer.stop();
-    withdrawReopening();
-}
-
-void MainWindow::endLossByChoice(const QString& port) {
-    if (port != (m_reopenable.isEmpty() ? m_adapter.port() : m_reopenable))
-        endLoss();
 }
 
 void MainWindow::listPortsLater() {
@@ -47,11 +31,36 @@ void MainWindow::listPortsLater() {
 
 void MainWindow::listPorts() {
     runWithoutClient(this, m_ui->sel_ports->source(), [this](const std::vector<PortEntry>& ports) {
-        if (!m_adapterLost || m_portTimer.isActive()) // listed for an earlier loss
+        const bool isWatching = m_camera == nullptr || m_adapterLost;
+        if (!isWatching || m_portTimer.isActive()) // listed before the link changed
             return;
-        lookForLostAdapter(ports);
+        if (m_camera == nullptr)
+            m_ui->sel_ports->update(ports);
+        if (m_adapterLost)
+            lookForLostAdapter(ports);
         listPortsLater();
     });
+}
+
+void MainWindow::beginLoss() {
+    if (m_adapterLost)
+        return;
+    m_adapterLost = true;
+    m_ui->rb_heartbeat->setChecked(false);
+    showCameraText(m_ui->tv_appversion, {});
+    showCameraText(m_ui->label_modelinfo, {});
+    listPortsLater();
+}
+
+void MainWindow::endLoss() {
+    m_adapterLost = false;
+    m_lostSeenAt.clear();
+    withdrawReopening();
+}
+
+void MainWindow::endLossByChoice(const QString& port) {
+    if (port != (m_reopenable.isEmpty() ? m_adapter.port() : m_reopenable))
+        endLoss();
 }
 
 void MainWindow::lookForLostAdapter(const std::vector<PortEntry>& ports) {

@@ -72,6 +72,23 @@ TEST_F(ReopeningCamera, ReachesTheCameraAgain) {
     EXPECT_TRUE(heartbeat());
 }
 
+TEST_F(ReopeningCamera, TakesBackWhatTheLostCameraTold) {
+    ASSERT_TRUE(heartbeat());
+    click(*window, "btn_modelinfo");
+    click(*window, "btn_appversion");
+    ASSERT_TRUE(eventually([this] { return text(*window, "tv_appversion").startsWith("SDK版本:"); }));
+    ASSERT_TRUE(eventually([this] { return isEnabled(*window, "btn_gyro"); }));
+    ASSERT_TRUE(text(*window, "label_modelinfo").startsWith("模型信息:"));
+    unplug();
+    BoxAnswerer boxes;
+    click(*window, "btn_gyro");
+    EXPECT_FALSE(find<QRadioButton>(*window, "rb_heartbeat")->isChecked());
+    EXPECT_EQ(text(*window, "tv_appversion"), "");
+    EXPECT_EQ(text(*window, "label_modelinfo"), "");
+    click(*window, "btn_modelinfo");
+    EXPECT_EQ(text(*window, "label_modelinfo"), "模型信息:") << "the answer of this command";
+}
+
 TEST_F(ReopeningCamera, WaitsForTheEndOfAnUpload) {
     camera.setPace(46080);
     start(systemUpload, 100000);
