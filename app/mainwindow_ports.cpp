@@ -35,7 +35,7 @@ void MainWindow::listPorts() {
         if (!isWatching || m_portTimer.isActive()) // listed before the link changed
             return;
         if (m_camera == nullptr)
-            m_ui->sel_ports->update(ports);
+            m_ui->sel_ports->refillWith(ports);
         if (m_adapterLost)
             lookForLostAdapter(ports);
         listPortsLater();
@@ -78,8 +78,9 @@ void MainWindow::lookForLostAdapter(const std::vector<PortEntry>& ports) {
         return;
     }
     withdrawReopening();
-    m_statusLine->showState(found.isEmpty() ? tr("转接器又断开了，请重新插好")
-                                            : tr("有几个相同的转接器，请关闭串口，选择串口后再打开"));
+    if (m_camera != nullptr) // else the list tells its choice
+        m_statusLine->showState(found.isEmpty() ? tr("转接器又断开了，请重新插好")
+                                                : tr("有几个相同的转接器，请关闭串口，选择串口后再打开"));
 }
 
 void MainWindow::offerReopening(const QString& port) {

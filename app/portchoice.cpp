@@ -78,8 +78,8 @@ void PortChoice::refill() {
     replaceEntries(m_source(), false);
 }
 
-void PortChoice::update(std::vector<PortEntry> present) {
-    if (!view()->isVisible()) // the user is choosing
+void PortChoice::refillWith(std::vector<PortEntry> present) {
+    if (!view()->isVisible())
         replaceEntries(std::move(present), true);
 }
 

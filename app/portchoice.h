@@ -30,9 +30,9 @@ public:
     void fill();
     /// If the ports changed: sorts them by name, those without a hardware id last, and keeps the choice.
     void refill();
-    /// The same with ports that the source gave. A new port is chosen unless the user's choice is still
-    /// there.
-    void update(std::vector<PortEntry> present);
+    /// The same with ports that the source gave, unless the user is choosing. A new port is chosen unless
+    /// the user's choice is still there.
+    void refillWith(std::vector<PortEntry> present);
     /// Chooses the port for the user; adds it if it is not in the list.
     void choose(const QString& port);
     /// The user uses the current port.

@@ -209,6 +209,17 @@ TEST_F(Reopening, IsWithdrawnWhenTheAdapterIsGoneAgain) {
     EXPECT_TRUE(waitForOffer());
 }
 
+TEST_F(Reopening, TellsTheChoiceWhenTheAdapterIsGoneAgain) {
+    open({port("COM3"), port("COM4", "n/a")});
+    unplug({port("COM4", "n/a")});
+    click(*window, "btn_open");
+    plug({port("COM3"), port("COM4", "n/a")});
+    ASSERT_TRUE(waitForOffer());
+    fake_serial::setPorts({port("COM4", "n/a")});
+    EXPECT_TRUE(waitForOffer(false));
+    EXPECT_EQ(statusText(*window), "所选转接器不在，改选 COM4，请核对");
+}
+
 TEST_F(Reopening, LeavesTheFocusAtTheOpenButtonWhenWithdrawn) {
     open({port("COM3")});
     unplug();
