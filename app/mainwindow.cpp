@@ -86,6 +86,8 @@ bool MainWindow::event(QEvent* event) {
         return true;
     if (event->type() == QEvent::WindowDeactivate)
         leaveCloseButton();
+    if (event->type() == QEvent::Show)
+        listPortsLater();
     return QMainWindow::event(event);
 }
 

@@ -98,7 +98,9 @@ private:
     void applyAddress();
 
     // --- adapters (mainwindow_ports.cpp) ---
-    /// The ports are listed once a second on the pool while no link is open or its adapter is lost.
+    /// The ports are listed once a second on the pool while the window is open and no link is, or its
+    /// adapter is lost.
+    [[nodiscard]] bool isWatchingPorts() const;
     void listPortsLater();
     void listPorts();
     /// Takes back what the camera told and looks for the adapter until endLoss(), also after closing.

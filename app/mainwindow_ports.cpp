@@ -22,17 +22,20 @@ void MainWindow::connectPorts() {
     connect(m_ui->sel_ports, &QComboBox::textActivated, this, &MainWindow::endLossByChoice);
     connect(m_statusLine.get(), &StatusLine::adapterMissed, this, &MainWindow::beginLoss);
     connect(m_statusLine.get(), &StatusLine::reopeningWanted, this, &MainWindow::reopenLink);
-    listPortsLater();
+}
+
+bool MainWindow::isWatchingPorts() const {
+    return isVisible() && (m_camera == nullptr || m_adapterLost);
 }
 
 void MainWindow::listPortsLater() {
-    m_portTimer.start(m_clock.timerInterval(listInterval));
+    if (isWatchingPorts())
+        m_portTimer.start(m_clock.timerInterval(listInterval));
 }
 
 void MainWindow::listPorts() {
     runWithoutClient(this, m_ui->sel_ports->source(), [this](const std::vector<PortEntry>& ports) {
-        const bool isWatching = m_camera == nullptr || m_adapterLost;
-        if (!isWatching || m_portTimer.isActive()) // listed before the link changed
+        if (!isWatchingPorts() || m_portTimer.isActive()) // listed before the link changed
             return;
         if (m_camera == nullptr)
             m_ui->sel_ports->refillWith(ports);

@@ -154,6 +154,15 @@ TEST_F(PluggedPorts, WaitUntilTheOpenListIsClosed) {
     EXPECT_TRUE(eventually([this] { return choice->count() == 2; }));
 }
 
+TEST_F(PluggedPorts, AreNotListedAfterTheWindowIsClosed) {
+    start({port("COM3", "A")});
+    plug({port("COM3", "A"), port("COM5", "B")});
+    window->close();
+    const std::size_t before = clock.timers().size();
+    QTest::qWait(500);
+    EXPECT_EQ(clock.timers().size(), before);
+}
+
 TEST_F(PluggedPorts, TheChoiceFollowsAHundredRenumberings) {
     Renumbering system({"A", "B", "C"});
     start(system.next());
