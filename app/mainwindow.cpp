@@ -19,7 +19,6 @@
 #include "linkaccess/focuskeeper.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
-#include "service/systemtext.h"
 #include "ui_mainwindow.h"
 
 #include <QCloseEvent>
@@ -40,19 +39,6 @@ constexpr const char* exchangesProperty = "exchanges";
 // Jobs mostly wait: each open window may read while another job has the line.
 constexpr int poolThreads = 16;
 const QString toolVersion = QStringLiteral(CAMERA_TOOL_VERSION);
-
-std::vector<PortEntry> presentPorts() {
-    std::vector<PortEntry> ports;
-    for (const serial::PortInfo& port : CameraSp::describePorts()) {
-        QStringList toolTip;
-        for (const std::string& text : {port.description, port.hardware_id}) {
-            if (text != "n/a") // the library's word for nothing
-                toolTip.append(systemText(text));
-        }
-        ports.push_back({QString::fromStdString(port.port), toolTip.join(QLatin1Char('\n'))});
-    }
-    return ports;
-}
 
 } // namespace
 
@@ -75,6 +61,7 @@ MainWindow::MainWindow(QWidget* parent, Clock& clock)
     connectUpdates();
     connectPictures();
     connectAids();
+    connectPorts();
     if (const auto* const application = qobject_cast<Application*>(QCoreApplication::instance()))
         connect(application, &Application::failureReported, m_statusLine.get(), &StatusLine::showOutcome);
 
@@ -99,6 +86,8 @@ bool MainWindow::event(QEvent* event) {
         return true;
     if (event->type() == QEvent::WindowDeactivate)
         leaveCloseButton();
+    if (event->type() == QEvent::Show)
+        listPortsLater();
     return QMainWindow::event(event);
 }
 
@@ -109,6 +98,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     }
     m_windows.closeAll();
     closeLink();
+    m_portTimer.stop();
+    endLoss();
     event->accept();
 }
 
@@ -287,6 +278,10 @@ void MainWindow::openLink() {
     m_lineWatch->linkOpened(*camera, port);
     m_camera = std::move(camera);
     m_opened = {port, m_baudRate};
+    m_ui->sel_ports->keepChoice();
+    m_portTimer.stop();
+    endLoss();
+    m_adapter = AdapterTrack(port, m_ui->sel_ports->ports());
     lendClient(m_camera.get());
     m_ui->btn_open->setText(tr("关闭串口"));
     freeExchange();
@@ -307,6 +302,7 @@ void MainWindow::closeLink() {
     endInterruptible();
     m_lineWatch->linkClosed();
     m_camera.reset();
+    listPortsLater();
     freeExchange();
     showLink();
     m_statusLine->showOutcome(tr("串口已关闭"));

@@ -3,6 +3,7 @@
 
 #include "aids/imagefile.h"
 #include "aids/linkowner.h"
+#include "app/adapters.h"
 #include "app/captureflow.h"
 #include "app/openwindows.h"
 #include "app/windowkeys.h"
@@ -12,6 +13,7 @@
 #include "service/visit.h"
 
 #include <QMainWindow>
+#include <QTimer>
 
 #include <cstdint>
 #include <memory>
@@ -64,6 +66,7 @@ private:
     void connectUpdates();
     void connectPictures();
     void connectAids();
+    void connectPorts();
     void finishStart();
 
     // --- the controls ---
@@ -93,6 +96,24 @@ private:
     void applyCameraProtocol();
     /// Applies the slave address to the link and shows it.
     void applyAddress();
+
+    // --- adapters (mainwindow_ports.cpp) ---
+    /// The ports are listed once a second on the pool while the window is open and no link is, or its
+    /// adapter is lost.
+    [[nodiscard]] bool isWatchingPorts() const;
+    void listPortsLater();
+    void listPorts();
+    /// Takes back what the camera told and looks for the adapter until endLoss(), also after closing.
+    void beginLoss();
+    void endLoss();
+    /// Offers to reopen if the list has the lost adapter, exactly once.
+    void lookForLostAdapter(const std::vector<PortEntry>& ports);
+    void offerReopening(const QString& port);
+    void withdrawReopening();
+    /// Closes the lost link and opens the port as the open button does.
+    void reopenLink();
+    /// The user chose another port in the list.
+    void endLossByChoice(const QString& port);
 
     // --- windows ---
     /// Opens a non-modal window that is deleted when it is closed. A ClientBorrower has the client while the
@@ -180,6 +201,11 @@ private:
     std::unique_ptr<Ui::MainWindow> m_ui;
     std::unique_ptr<CameraSp> m_camera; ///< non-null while a link is open
     OpenedPort m_opened;                ///< of the open link
+    AdapterTrack m_adapter;             ///< of the open or lost link
+    bool m_adapterLost = false;         ///< no reopening since; the link may be closed
+    QString m_reopenable;               ///< port that the button "重新打开" opens; empty: not offered
+    QStringList m_lostSeenAt;           ///< candidates of the last list
+    QTimer m_portTimer;                 ///< to the next list of ports
     std::uint32_t m_baudRate = protocol::baudRates.front();
     std::string m_portName;
     QString m_appPath;

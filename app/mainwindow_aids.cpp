@@ -57,9 +57,7 @@ void MainWindow::useCamera(const service::FoundCamera& camera) {
     applyAddress();
     if (isOpen)
         return;
-    if (m_ui->sel_ports->findText(port) < 0)
-        m_ui->sel_ports->addItem(port);
-    m_ui->sel_ports->setCurrentText(port);
+    m_ui->sel_ports->choose(port);
     m_ui->sel_baund->setCurrentText(QString::number(camera.baudRate));
     openLink();
 }

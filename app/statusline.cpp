@@ -21,31 +21,38 @@ constexpr auto tickInterval = 250ms;
 } // namespace
 
 StatusLine::StatusLine(QStatusBar* bar, const Clock& clock)
-    : m_clock(clock), m_bar(bar), m_link(new QLabel(bar)), m_searchLink(new QPushButton(bar)) {
+    : m_clock(clock), m_bar(bar), m_link(new QLabel(bar)),
+      m_searchLink(addLink("link_search", tr("查找摄像头"))),
+      m_reopenLink(addLink("btn_reopen", tr("重新打开"))) {
     m_link->setObjectName(QStringLiteral("label_link"));
     m_link->setAccessibleName(tr("连接"));
-    addSearchLink();
     m_bar->addPermanentWidget(m_link);
+    connect(m_searchLink, &QPushButton::clicked, this, &StatusLine::searchWanted);
+    connect(m_reopenLink, &QPushButton::clicked, this, &StatusLine::reopeningWanted);
     m_tick.setInterval(tickInterval);
     connect(&m_tick, &QTimer::timeout, this, &StatusLine::tick);
 }
 
-void StatusLine::addSearchLink() {
-    m_searchLink->setObjectName(QStringLiteral("link_search"));
-    m_searchLink->setText(tr("查找摄像头"));
-    m_searchLink->setFlat(true);
-    m_searchLink->setCursor(Qt::PointingHandCursor);
-    m_searchLink->setStyleSheet(QStringLiteral(
+QPushButton* StatusLine::addLink(const char* name, const QString& text) {
+    auto* const link = new QPushButton(text, m_bar);
+    link->setObjectName(QLatin1String(name));
+    link->setFlat(true);
+    link->setCursor(Qt::PointingHandCursor);
+    link->setStyleSheet(QStringLiteral(
         "QPushButton { color: palette(link); text-decoration: underline; border: none; padding: 0 4px; }"
         "QPushButton:focus { border: 1px dotted palette(link); }"));
-    m_bar->addPermanentWidget(m_searchLink);
-    offerSearch(false);
-    connect(m_searchLink, &QPushButton::clicked, this, &StatusLine::searchWanted);
+    m_bar->addPermanentWidget(link);
+    offer(link, false);
+    return link;
 }
 
-void StatusLine::offerSearch(bool offered) {
-    m_searchLink->setVisible(offered);
-    m_searchLink->setFocusPolicy(offered ? Qt::StrongFocus : Qt::NoFocus);
+void StatusLine::offer(QPushButton* link, bool offered) {
+    link->setVisible(offered);
+    link->setFocusPolicy(offered ? Qt::StrongFocus : Qt::NoFocus);
+}
+
+bool StatusLine::isReopeningFocused() const {
+    return m_reopenLink->hasFocus();
 }
 
 void StatusLine::setClient(const CameraSp* client) {
@@ -61,7 +68,7 @@ void StatusLine::setLinkText(const QString& text) {
 void StatusLine::showState(const QString& text) {
     if (m_held)
         return;
-    offerSearch(false);
+    offer(m_searchLink, false);
     m_bar->showMessage(text);
 }
 
@@ -75,6 +82,8 @@ void StatusLine::showOutcome(const QString& text) {
     const bool adapterGone = m_client != nullptr && m_client->portFailed();
     showState(QTime::currentTime().toString(QStringLiteral("HH:mm:ss  ")) +
               (adapterGone ? tr("串口转接器已断开，请插好后关闭并重新打开串口") : text));
+    if (adapterGone && !m_held)
+        emit adapterMissed();
 }
 
 bool StatusLine::isSilent() const {
@@ -110,7 +119,7 @@ void StatusLine::useEnded(const LinkUse& use, const UseOutcome& outcome) {
         text += tr("（用时 %1 秒）").arg(std::chrono::duration<double>(age).count(), 0, 'f', 1);
     showOutcome(text);
     const bool silent = outcome.report.end == CommandEnd::noAnswer && !outcome.partly;
-    offerSearch(silent && !m_held && m_client != nullptr && !m_client->portFailed());
+    offer(m_searchLink, silent && !m_held && m_client != nullptr && !m_client->portFailed());
 }
 
 std::shared_ptr<const LinkUse> StatusLine::latestUse() {

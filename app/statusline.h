@@ -16,8 +16,8 @@ class QPushButton;
 class QStatusBar;
 
 /// Writes the status bar: left a state, the current action, or an outcome with the time of day; right the
-/// link. After an action without a usable answer the message ends with a link to the search for cameras.
-/// User-interface thread.
+/// link. After an action without a usable answer the message ends with a link to the search for cameras,
+/// after a lost adapter is back with one that reopens the link. User-interface thread.
 class StatusLine final : public QObject, public LinkUseObserver {
     Q_OBJECT
 
@@ -39,6 +39,9 @@ public:
     void showOutcome(const QString& text);
     /// True if the bar shows no message.
     [[nodiscard]] bool isSilent() const;
+    /// Shows the button "重新打开", or hides it. Move the focus away before.
+    void offerReopening(bool offered) { offer(m_reopenLink, offered); }
+    [[nodiscard]] bool isReopeningFocused() const;
 
     void clientMissing() override;
     void useBegan(const std::shared_ptr<const LinkUse>& use) override;
@@ -50,11 +53,15 @@ public:
 
 signals:
     void searchWanted();
+    void reopeningWanted();
+    /// An outcome was shown after the open link's port had failed.
+    void adapterMissed();
 
 private:
-    void addSearchLink();
+    /// Adds a hidden button that looks like a link.
+    QPushButton* addLink(const char* name, const QString& text);
     /// Also decides about the tab stop: a hidden control must be none.
-    void offerSearch(bool offered);
+    static void offer(QPushButton* link, bool offered);
     /// The newest running action with a name.
     [[nodiscard]] std::shared_ptr<const LinkUse> latestUse();
     /// True if the message changed.
@@ -67,6 +74,7 @@ private:
     QStatusBar* m_bar;
     QLabel* m_link;
     QPushButton* m_searchLink;
+    QPushButton* m_reopenLink;
     const CameraSp* m_client = nullptr;
     std::vector<std::weak_ptr<const LinkUse>> m_uses;
     QString m_runningText; ///< last text of showRunning

@@ -99,6 +99,57 @@ TEST_F(PortList, ChoosesAnotherPortWhenTheChosenOneIsGone) {
     EXPECT_EQ(statusText(*window), "已打开 COM3");
 }
 
+TEST_F(PortList, TellsThatAnotherPortIsChosen) {
+    start({port("COM10"), port("COM3")});
+    fake_serial::setPorts({port("COM3")});
+    look();
+    EXPECT_EQ(choice->currentText(), "COM3");
+    EXPECT_EQ(statusText(*window), "所选转接器不在，改选 COM3，请核对");
+}
+
+TEST_F(PortList, TellsThatAlikeAdaptersAreUnclear) {
+    start({port("COM10"), port("COM3")});
+    fake_serial::setPorts({port("COM4"), port("COM3")});
+    look();
+    EXPECT_EQ(choice->currentText(), "COM3");
+    EXPECT_EQ(statusText(*window), "有几个相同的转接器，现选 COM3，请核对");
+}
+
+TEST_F(PortList, FollowsTheChosenAdapterToAnotherName) {
+    start({port("COM3", "甲"), port("COM4", "乙")});
+    fake_serial::setPorts({port("COM4", "乙"), port("COM7", "甲")});
+    look();
+    EXPECT_EQ(choice->currentText(), "COM7");
+    click(*window, "btn_open");
+    EXPECT_EQ(statusText(*window), "已打开 COM7");
+}
+
+TEST_F(PortList, DoesNotTakeAnotherAdapterOfTheSameName) {
+    start({port("COM3", "甲"), port("COM2", "乙")});
+    fake_serial::setPorts({port("COM2", "乙"), port("COM3", "丙")});
+    look();
+    EXPECT_EQ(choice->currentText(), "COM2");
+    EXPECT_EQ(statusText(*window), "所选转接器不在，改选 COM2，请核对");
+}
+
+TEST_F(PortList, IgnoresThePortNameInTheDescription) {
+    start({port("COM3", "USB-SERIAL (COM3)"), port("COM4", "乙")});
+    fake_serial::setPorts({port("COM4", "乙"), port("COM7", "USB-SERIAL (COM7)")});
+    look();
+    EXPECT_EQ(choice->currentText(), "COM7");
+}
+
+TEST_F(PortList, ListsPortsWithoutAdapterLastAfterARefresh) {
+    serial::PortInfo plain{"/dev/ttyS1", "ttyS1", "n/a"};
+    start({plain, port("/dev/ttyUSB1")});
+    EXPECT_EQ(names(*choice), QStringList({"/dev/ttyS1", "/dev/ttyUSB1"}));
+    fake_serial::setPorts({plain, port("/dev/ttyUSB1"), port("/dev/ttyUSB0")});
+    look();
+    EXPECT_EQ(names(*choice), QStringList({"/dev/ttyUSB0", "/dev/ttyUSB1", "/dev/ttyS1"}));
+    EXPECT_EQ(choice->currentText(), "/dev/ttyS1");
+    EXPECT_EQ(choice->itemData(2, Qt::ToolTipRole).toString(), "ttyS1\n没有转接器信息，通常不是 USB 转接器");
+}
+
 TEST_F(PortList, MayBecomeEmptyAndFillAgain) {
     start({port("COM3")});
     fake_serial::setPorts({});

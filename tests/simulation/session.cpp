@@ -229,6 +229,7 @@ void warmUp() {
     box.show();
     QTimer::singleShot(1s, &window, [] { QApplication::activeModalWidget()->close(); });
     std::ignore = QFileDialog::getOpenFileName(&window);
+    window.close();   // an open one lists the ports again and again
     wait(poolExpiry); // the windows have started jobs
 }
 
