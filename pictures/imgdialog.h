@@ -60,7 +60,7 @@ private:
     void zoom(int steps, QPointF anchor = {});
     void fit();
     /// Moves the section over the picture.
-    void move(QPointF by);
+    void pan(double x, double y);
     void showSection();
 
     void saveAs();

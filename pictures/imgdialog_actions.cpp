@@ -15,8 +15,7 @@
 
 namespace {
 
-constexpr double keyMove = 40; // device-independent pixels
-constexpr int barOpacity = 225;
+constexpr double keyPan = 40; // device-independent pixels
 
 } // namespace
 
@@ -53,21 +52,13 @@ std::span<const ImgDialog::Command> ImgDialog::commands() {
          QT_TRANSLATE_NOOP("ImgDialog", "复制整张图片，可以粘贴到文档"), "Ctrl+C", Need::picture, false,
          [](ImgDialog& dialog) { dialog.copy(); }},
         {nullptr, nullptr, nullptr, "Left", Need::zoomed, true,
-         [](ImgDialog& dialog) {
-             dialog.move({-keyMove, 0});
-         }},
+         [](ImgDialog& dialog) { dialog.pan(-keyPan, 0); }},
         {nullptr, nullptr, nullptr, "Right", Need::zoomed, true,
-         [](ImgDialog& dialog) {
-             dialog.move({keyMove, 0});
-         }},
+         [](ImgDialog& dialog) { dialog.pan(keyPan, 0); }},
         {nullptr, nullptr, nullptr, "Up", Need::zoomed, true,
-         [](ImgDialog& dialog) {
-             dialog.move({0, -keyMove});
-         }},
+         [](ImgDialog& dialog) { dialog.pan(0, -keyPan); }},
         {nullptr, nullptr, nullptr, "Down", Need::zoomed, true,
-         [](ImgDialog& dialog) {
-             dialog.move({0, keyMove});
-         }},
+         [](ImgDialog& dialog) { dialog.pan(0, keyPan); }},
     });
     return all;
 }
@@ -86,11 +77,6 @@ void ImgDialog::addActions() {
         if (command.button != nullptr)
             row->addWidget(addButton(command, action));
     }
-    QPalette palette = m_bar->palette();
-    QColor ground = palette.color(QPalette::Window);
-    ground.setAlpha(barOpacity);
-    palette.setColor(QPalette::Window, ground);
-    m_bar->setPalette(palette);
     m_bar->setAutoFillBackground(true);
     setMinimumWidth(m_bar->sizeHint().width());
     enableActions();
@@ -154,8 +140,8 @@ void ImgDialog::fit() {
     showSection();
 }
 
-void ImgDialog::move(QPointF by) {
-    m_zoom.move(by, m_ui->label->size());
+void ImgDialog::pan(double x, double y) {
+    m_zoom.pan({x, y}, m_ui->label->size());
     showSection();
 }
 
@@ -185,7 +171,8 @@ void ImgDialog::mouseMoveEvent(QMouseEvent* event) {
     if (!m_dragged)
         return;
     const QPointF place = event->globalPosition();
-    move(*std::exchange(m_dragged, place) - place);
+    const QPointF by = *std::exchange(m_dragged, place) - place;
+    pan(by.x(), by.y());
 }
 
 void ImgDialog::mouseReleaseEvent(QMouseEvent* event) {

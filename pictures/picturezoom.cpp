@@ -46,7 +46,7 @@ void PictureZoom::fit() {
     m_middle = pictureMiddle;
 }
 
-void PictureZoom::move(QPointF by, QSizeF view) {
+void PictureZoom::pan(QPointF by, QSizeF view) {
     if (!isZoomed())
         return;
     m_middle = clamped(m_middle + QPointF(by.x() / size().width(), by.y() / size().height()), view);

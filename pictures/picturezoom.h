@@ -19,7 +19,7 @@ public:
     void zoom(int steps, QPointF anchor, QSizeF view);
     void fit();
     /// Moves the section over the picture.
-    void move(QPointF by, QSizeF view);
+    void pan(QPointF by, QSizeF view);
 
     /// At most as large as the view.
     [[nodiscard]] QPixmap visible(QSizeF view, double devicePixelRatio) const;
