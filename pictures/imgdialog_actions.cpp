@@ -78,6 +78,7 @@ void ImgDialog::addActions() {
             row->addWidget(addButton(command, action));
     }
     m_bar->setAutoFillBackground(true);
+    m_bar->raise();
     setMinimumWidth(m_bar->sizeHint().width());
     enableActions();
 }
