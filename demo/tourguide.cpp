@@ -34,7 +34,7 @@ QString textOf(const QWidget& window, const char* name) {
 
 /// The window and the tool tip over it, which is a window of its own and may reach beyond.
 QPixmap pictureOf(QWidget& window) {
-    const QPixmap picture = window.grab();
+    QPixmap picture = window.grab();
     const QWidgetList windows = QApplication::topLevelWidgets();
     const auto tip = std::find_if(windows.begin(), windows.end(), [](const QWidget* each) {
         return each->isVisible() && each->windowType() == Qt::ToolTip;
