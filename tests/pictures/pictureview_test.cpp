@@ -227,7 +227,9 @@ TEST_F(PictureView, DragMovesThePictureUpToTheEdges) {
     QTest::mouseMove(label(), {2000, 2000});
     expectSection({0, 0, 500, 500});
     QTest::mouseRelease(label(), Qt::LeftButton, {}, {2000, 2000});
+    QTest::mousePress(label(), Qt::MiddleButton, {}, {300, 200});
     QTest::mouseMove(label(), {100, 100});
+    QTest::mouseRelease(label(), Qt::MiddleButton, {}, {100, 100});
     expectSection({0, 0, 500, 500});
 }
 

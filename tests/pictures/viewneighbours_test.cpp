@@ -133,6 +133,13 @@ TEST_P(ViewNeighbours, EndWhenTheListLosesThePicture) {
     EXPECT_FALSE(shown()->pixmap().isNull());
 }
 
+TEST_P(ViewNeighbours, EndWhenTheListCannotBeRead) {
+    fillAndView({9, 5, 7}, 1);
+    button("btn_refresh")->click();
+    EXPECT_FALSE(enabled("btn_previous"));
+    EXPECT_FALSE(enabled("btn_next"));
+}
+
 TEST_P(ViewNeighbours, FollowDeletions) {
     fillAndView({9, 5, 7}, 1);
     for (const int row : {0, 0}) {
