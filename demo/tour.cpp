@@ -32,7 +32,7 @@ void Tour::run() {
     uploadAppImage();
     uploadSystemImage();
     uploadModel();
-    disconnect();
+    stopUpload();
 
     connectTo(CameraType::quenta);
     showJsonVersion();
@@ -90,6 +90,10 @@ void Tour::connectTo(CameraType type) {
 
 void Tour::disconnect() {
     TourGuide::press(m_window, "btn_open");
+    expectClosed();
+}
+
+void Tour::expectClosed() {
     TourGuide::expectText(m_window, "btn_open", QStringLiteral("打开串口"));
     TourGuide::expectText(m_window, "tv_appversion", QString());
     TourGuide::expect(camera([](VirtualCamera& c) { return c.record().badFrames; }) == 0,

@@ -5,6 +5,10 @@
 #include "demo/democameras.h"
 #include "demo/tourguide.h"
 
+class QListView;
+
+inline constexpr std::uint32_t pacedBytesPerSecond = 46080; ///< 460800 baud
+
 /// One run of all stations. User-interface thread; the event loop runs meanwhile.
 class Tour {
 public:
@@ -20,6 +24,8 @@ private:
     /// Chooses type and address in the dialog and opens the port of that camera.
     void connectTo(emulator::CameraType type);
     void disconnect();
+    /// The port is closed and the camera got no bad frame.
+    void expectClosed();
     void showStatusControls();
     void showJsonVersion();
     void showDoorAndAbout();
@@ -32,10 +38,15 @@ private:
     // tourpictures.cpp
     void takePicture(emulator::CameraType type);
     void listPictures(emulator::CameraType type);
+    /// Views the first two pictures of the list.
+    void viewPictures(QListView& list);
+    void downloadAll(QWidget& listWindow);
     // touruploads.cpp
     void uploadAppImage();
     void uploadSystemImage();
     void uploadModel();
+    /// Closes the port.
+    void stopUpload();
     void uploadAppImageV1();
     // tourrecord.cpp
     void showLineRecord();

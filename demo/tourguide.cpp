@@ -5,15 +5,22 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QDropEvent>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMimeData>
+#include <QPainter>
 #include <QPixmap>
 #include <QScreen>
+#include <QToolTip>
+#include <QUrl>
 
+#include <algorithm>
 #include <iostream>
 
 namespace {
@@ -23,6 +30,26 @@ constexpr int stepMs = 20;
 QString textOf(const QWidget& window, const char* name) {
     const auto* const object = window.findChild<QObject*>(QString::fromUtf8(name));
     return object != nullptr ? object->property("text").toString() : QString();
+}
+
+/// The window and the tool tip over it, which is a window of its own and may reach beyond.
+QPixmap pictureOf(QWidget& window) {
+    QPixmap picture = window.grab();
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto tip = std::find_if(windows.begin(), windows.end(), [](const QWidget* each) {
+        return each->isVisible() && each->windowType() == Qt::ToolTip;
+    });
+    if (tip == windows.end())
+        return picture;
+    const QRect tipPlace(window.mapFromGlobal((*tip)->pos()), (*tip)->size());
+    const QRect whole = window.rect().united(tipPlace);
+    QPixmap both(whole.size() * picture.devicePixelRatio());
+    both.setDevicePixelRatio(picture.devicePixelRatio());
+    both.fill(Qt::white);
+    QPainter painter(&both);
+    painter.drawPixmap(-whole.topLeft(), picture);
+    painter.drawPixmap(tipPlace.topLeft() - whole.topLeft(), (*tip)->grab());
+    return both;
 }
 
 /// Looks for a modal dialog of one kind until it is there, then hands it over once.
@@ -58,7 +85,7 @@ void TourGuide::say(const QString& text) const {
 
 void TourGuide::screenshot(QWidget& window, const QString& name) {
     pause(150); // the last change is painted
-    const QPixmap picture = window.grab();
+    const QPixmap picture = pictureOf(window);
     const QString file = QStringLiteral("%1-%2.png").arg(++m_screenshots, 2, 10, QLatin1Char('0')).arg(name);
     expect(picture.save(QDir(m_folder).filePath(file)), QStringLiteral("cannot save ") + file);
 }
@@ -79,6 +106,25 @@ void TourGuide::press(const QWidget& window, const char* name) {
 
 void TourGuide::enter(const QWidget& window, const char* name, const QString& text) {
     find<QLineEdit>(window, name).setText(text);
+}
+
+void TourGuide::hover(QWidget& widget) {
+    const QPoint place(0, widget.height() / 2);
+    QHelpEvent event(QEvent::ToolTip, place, widget.mapToGlobal(place));
+    QApplication::sendEvent(&widget, &event);
+    waitUntil([] { return QToolTip::isVisible(); }, "the tool tip comes");
+}
+
+void TourGuide::dropFile(QWidget& window, const QString& path, const QString& screenshotName) {
+    QMimeData file;
+    file.setUrls({QUrl::fromLocalFile(path)});
+    const QPoint middle = window.rect().center();
+    QDragEnterEvent enter(middle, Qt::CopyAction, &file, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &enter);
+    expect(enter.isAccepted(), QStringLiteral("the window takes no file"));
+    screenshot(window, screenshotName);
+    QDropEvent drop(middle, Qt::CopyAction, &file, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &drop);
 }
 
 void TourGuide::choose(const QWidget& window, const char* name, const QString& item) {

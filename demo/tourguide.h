@@ -23,7 +23,7 @@ public:
 
     /// Prints the next station.
     void say(const QString& text) const;
-    /// Saves a picture of the window, numbered in order of the calls.
+    /// Saves a picture of the window and the tool tip over it, numbered in order of the calls.
     void screenshot(QWidget& window, const QString& name);
 
     /// The descendant of this kind and name.
@@ -46,6 +46,10 @@ public:
     static void press(const QWidget& window, const char* name);
     /// Enters a text.
     static void enter(const QWidget& window, const char* name, const QString& text);
+    /// Holds the mouse over the widget until its tool tip comes.
+    static void hover(QWidget& widget);
+    /// Holds a file over the window, takes a screenshot and drops it.
+    void dropFile(QWidget& window, const QString& path, const QString& screenshotName);
     static void choose(const QWidget& window, const char* name, const QString& item);
 
     /// Runs the event loop until the condition holds; throws after the time.

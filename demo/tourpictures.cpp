@@ -5,12 +5,14 @@
 #include "pictures/piclistv1.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListView>
 #include <QMenu>
 #include <QMessageBox>
+#include <QProgressBar>
 
 using emulator::CameraType;
 using emulator::VirtualCamera;
@@ -88,14 +90,11 @@ void Tour::listPictures(CameraType type) {
                              "the list is read with other bytes waiting before");
     }
 
-    const emulator::Picture first = camera([](VirtualCamera& c) { return c.state().pictures.at(0); });
-    chooseForFirstRow(list, QStringLiteral("查看"));
-    auto& viewer = TourGuide::open<ImgDialog>();
-    m_guide.screenshot(viewer, QStringLiteral("list-view"));
-    viewer.close();
-    TourGuide::expect(fileContent(QStringLiteral("%1.jpg").arg(first.info.id)) == first.jpeg,
-                      QStringLiteral("the viewed picture's bytes"));
+    viewPictures(list);
+    if (!v1)
+        downloadAll(window);
 
+    const emulator::Picture first = camera([](VirtualCamera& c) { return c.state().pictures.at(0); });
     chooseForFirstRow(list, QStringLiteral("删除"));
     TourGuide::waitUntil([&] { return list.model()->rowCount() == 1; }, "the row is gone");
     TourGuide::expect(camera([&](VirtualCamera& c) {
@@ -105,4 +104,42 @@ void Tour::listPictures(CameraType type) {
                       QStringLiteral("the deleted picture"));
     m_guide.screenshot(window, QStringLiteral("list-deleted"));
     window.close();
+}
+
+void Tour::viewPictures(QListView& list) {
+    const std::vector<emulator::Picture> held = camera([](VirtualCamera& c) { return c.state().pictures; });
+    const auto expectFile = [](const emulator::Picture& picture) {
+        TourGuide::expect(fileContent(QStringLiteral("%1.jpg").arg(picture.info.id)) == picture.jpeg,
+                          QStringLiteral("the viewed picture's bytes"));
+    };
+    chooseForFirstRow(list, QStringLiteral("查看"));
+    auto& viewer = TourGuide::open<ImgDialog>();
+    m_guide.screenshot(viewer, QStringLiteral("list-view"));
+    expectFile(held.at(0));
+    TourGuide::press(viewer, "btn_zoom_in");
+    TourGuide::press(viewer, "btn_zoom_in");
+    m_guide.screenshot(viewer, QStringLiteral("list-view-zoomed"));
+    TourGuide::press(viewer, "btn_next");
+    m_guide.screenshot(viewer, QStringLiteral("list-view-next"));
+    expectFile(held.at(1));
+    viewer.close();
+}
+
+void Tour::downloadAll(QWidget& listWindow) {
+    const QDir folder(m_guide.folder() + QStringLiteral("/pictures"));
+    TourGuide::expect(folder.mkpath(QStringLiteral(".")), folder.path());
+    front().setPace(pacedBytesPerSecond);
+    TourGuide::giveFile([&] { TourGuide::press(listWindow, "btn_download_all"); }, folder.path());
+    const auto& bar = TourGuide::find<QProgressBar>(listWindow, "bar_download");
+    TourGuide::waitUntil([&] { return bar.text() == QStringLiteral("正在下载第 2 张，共 2 张"); },
+                         "the second picture comes");
+    m_guide.screenshot(listWindow, QStringLiteral("list-downloading"));
+    TourGuide::waitUntil([&] { return bar.text() == QStringLiteral("已下载 2 张，共 2 张"); },
+                         "all pictures are there");
+    front().setPace(0);
+    for (const emulator::Picture& held : camera([](VirtualCamera& c) { return c.state().pictures; })) {
+        TourGuide::expect(fileContent(folder.filePath(QStringLiteral("%1.jpg").arg(held.info.id))) ==
+                              held.jpeg,
+                          QStringLiteral("the downloaded picture's bytes"));
+    }
 }

@@ -3,13 +3,15 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QMessageBox>
+#include <QToolButton>
+#include <QToolTip>
 
 using emulator::VirtualCamera;
 
 namespace {
 
-constexpr std::uint32_t pacedBytesPerSecond = 46080; // 460800 baud
 constexpr int returnTimeoutMs = 60000;
 
 /// Writes a file of this size into the folder and gives its path.
@@ -63,7 +65,14 @@ void Tour::uploadAppImage() {
 void Tour::uploadSystemImage() {
     m_guide.say(QStringLiteral("a system image"));
     const QString path = makeFile(m_guide.folder(), QStringLiteral("system.img"), 70000);
-    TourGuide::giveFile([&] { TourGuide::press(m_window, "btn_firewarepath"); }, path);
+    m_guide.dropFile(m_window, path, QStringLiteral("file-drop"));
+    TourGuide::expectText(m_window, "label_firewarepath", path);
+    auto& shownPath = TourGuide::find<QLabel>(m_window, "label_firewarepath");
+    TourGuide::waitUntil([&] { return shownPath.toolTip().contains(QStringLiteral("MD5：")); },
+                         "the file's digest is known");
+    TourGuide::hover(shownPath);
+    m_guide.screenshot(m_window, QStringLiteral("file-facts"));
+    QToolTip::hideText();
     m_guide.meetBox(
         [&] {
             TourGuide::press(m_window, "btn_firewareupdate");
@@ -86,6 +95,24 @@ void Tour::uploadModel() {
     const emulator::UploadRecord upload = camera(&lastUpload);
     TourGuide::expect(upload.digestRight && upload.name == "model_v1",
                       QStringLiteral("the model as the camera got it"));
+}
+
+void Tour::stopUpload() {
+    m_guide.say(QStringLiteral("an upload that is stopped"));
+    camera([](VirtualCamera& c) { c.state().heldUpload.clear(); });
+    front().setPace(pacedBytesPerSecond);
+    TourGuide::press(m_window, "btn_appupdate");
+    const auto& progress = TourGuide::find<QLabel>(m_window, "label_transfer");
+    TourGuide::waitUntil([&] { return progress.text().startsWith(QStringLiteral("已发送")); },
+                         "the upload is under way");
+    m_guide.meetBox([&] { TourGuide::press(m_window, "btn_stop_transfer"); },
+                    QStringLiteral("现在关闭会中断升级，摄像头可能要重新升级后才能使用。确定要关闭吗？"),
+                    QMessageBox::Yes, QStringLiteral("upload-stop-question"));
+    front().setPace(0);
+    expectClosed();
+    constexpr int drainMs = 300; // what was sent reaches this camera, not the next one on the same line
+    TourGuide::pause(drainMs);
+    m_guide.screenshot(m_window, QStringLiteral("upload-stopped"));
 }
 
 void Tour::uploadAppImageV1() {

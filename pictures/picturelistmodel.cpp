@@ -67,6 +67,13 @@ unsigned PictureListModel::pictureId(int row) const {
     return cell(row, 0).toUInt();
 }
 
+int PictureListModel::rowOfPicture(unsigned id) const {
+    int row = 0;
+    while (hasRow(row) && pictureId(row) != id)
+        ++row;
+    return hasRow(row) ? row : -1;
+}
+
 qint64 PictureListModel::pictureSize(int row) const {
     return hasRow(row) ? qint64{cell(row, m_generation.sizeColumn).toUInt()} : -1;
 }

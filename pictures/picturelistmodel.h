@@ -26,10 +26,14 @@ public:
     [[nodiscard]] QStringList rowTexts(int row) const;
     /// Read back from the row's text; 0 for a row that is not there.
     [[nodiscard]] unsigned pictureId(int row) const;
+    /// The first row of this picture; -1 if there is none.
+    [[nodiscard]] int rowOfPicture(unsigned id) const;
     /// Bytes, 0 to 0xFFFFFFFF; -1 for a row that is not there.
     [[nodiscard]] qint64 pictureSize(int row) const;
 
     [[nodiscard]] const PictureGeneration& generation() const { return m_generation; }
+
+    [[nodiscard]] bool hasRow(int row) const;
 
 protected:
     PictureListModel(const PictureGeneration& generation, QObject* parent);
@@ -38,8 +42,6 @@ protected:
     [[nodiscard]] QString cell(int row, int column) const;
 
 private:
-    [[nodiscard]] bool hasRow(int row) const;
-
     const PictureGeneration& m_generation;
     std::vector<QStringList> m_rows;
 };

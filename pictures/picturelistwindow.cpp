@@ -96,9 +96,15 @@ void PictureListWindow::deleteRow(const QPersistentModelIndex& index) {
 }
 
 void PictureListWindow::viewRow(const QPersistentModelIndex& index) {
-    if (!index.isValid() || !isEnabled())
+    if (index.isValid())
+        viewIn(index.row(), std::make_shared<View>());
+}
+
+// --- views -------------------------------------------------------------------------------------------------
+
+void PictureListWindow::viewIn(int row, const std::shared_ptr<View>& view) {
+    if (!isEnabled())
         return;
-    const int row = index.row();
     const unsigned id = m_model->pictureId(row);
     removeLocalPicture(id);
     qDebug() << "get picture:" << row << "  size:" << m_model->pictureSize(row);
@@ -106,8 +112,37 @@ void PictureListWindow::viewRow(const QPersistentModelIndex& index) {
     downloadPicture(row);
     qDebug() << "get picture end";
     const bool written = client() != nullptr && download.report().end == CommandEnd::done;
-    auto* dialog = new ImgDialog(this);
+    if (view->dialog == nullptr)
+        openViewer(view);
+    view->index = m_model->index(row, 0);
+    view->id = id;
     qDebug() << id;
     // An old file that could not be deleted is no picture of this download.
-    dialog->showPicture(written ? QString::number(id) : QString());
+    view->dialog->showPicture(written ? QString::number(id) : QString());
+    enableNeighbours(*view);
+}
+
+void PictureListWindow::openViewer(const std::shared_ptr<View>& view) {
+    view->dialog = new ImgDialog(this);
+    connect(view->dialog, &ImgDialog::neighbourWanted, this,
+            [this, view](int step) { viewNeighbour(step, view); });
+    const auto enable = [this, view] { enableNeighbours(*view); };
+    connect(m_model, &QAbstractItemModel::rowsInserted, view->dialog, enable);
+    connect(m_model, &QAbstractItemModel::rowsRemoved, view->dialog, enable);
+    connect(m_model, &QAbstractItemModel::modelReset, view->dialog, enable);
+}
+
+int PictureListWindow::rowOf(const View& view) const {
+    return view.index.isValid() ? view.index.row() : m_model->rowOfPicture(view.id);
+}
+
+void PictureListWindow::viewNeighbour(int step, const std::shared_ptr<View>& view) {
+    const int row = rowOf(*view);
+    if (row >= 0 && m_model->hasRow(row + step))
+        viewIn(row + step, view);
+}
+
+void PictureListWindow::enableNeighbours(const View& view) const {
+    const int row = rowOf(view);
+    view.dialog->setNeighbours(row > 0, row >= 0 && m_model->hasRow(row + 1));
 }

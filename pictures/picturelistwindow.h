@@ -5,11 +5,13 @@
 #include "pictures/picturegeneration.h"
 
 #include <QPersistentModelIndex>
+#include <QPointer>
 #include <QWidget>
 
 #include <atomic>
 #include <memory>
 
+class ImgDialog;
 class PictureListDelegate;
 class PictureListModel;
 
@@ -48,6 +50,20 @@ private:
     void showMenu(const QPoint& position);
     void deleteRow(const QPersistentModelIndex& index);
     void viewRow(const QPersistentModelIndex& index);
+
+    /// A viewer and the picture that it shows.
+    struct View {
+        QPointer<ImgDialog> dialog;
+        QPersistentModelIndex index; ///< invalid once the list is read again
+        unsigned id = 0;
+    };
+    /// Downloads the picture and shows it in the view's dialog, or in a new one if there is none.
+    void viewIn(int row, const std::shared_ptr<View>& view);
+    void openViewer(const std::shared_ptr<View>& view);
+    /// -1: the picture is not in the list any more.
+    [[nodiscard]] int rowOf(const View& view) const;
+    void viewNeighbour(int step, const std::shared_ptr<View>& view);
+    void enableNeighbours(const View& view) const;
 
     // --- all pictures (picturelistwindow_all.cpp) ---
     /// Shared by the window and the job that downloads.

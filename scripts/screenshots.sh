@@ -21,10 +21,13 @@ chosen=(
   "about about 1"
   "finder finder 1"
   "checkup checkup 1"
+  "line-record line-record 1"
   "list list 1"
   "list-v1 list 2"
   "list-picture-taken list-picture-taken 1"
+  "list-downloading list-downloading 1"
   "viewer list-view 1"
+  "viewer-zoomed list-view-zoomed 1"
   "sn-idle sn-idle 1"
   "sn-counting sn-counting 1"
   "sn-success sn-success 1"
@@ -37,6 +40,9 @@ chosen=(
   "upload-sending upload-sending 1"
   "upload-awaiting-return upload-awaiting-return 1"
   "upload-result upload-result 1"
+  "upload-stop-question upload-stop-question 1"
+  "file-drop file-drop 1"
+  "file-facts file-facts 1"
 )
 
 # tour_picture NAME NUMBER: the file of the tour's NUMBERth screenshot of this name.

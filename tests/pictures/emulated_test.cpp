@@ -139,9 +139,12 @@ public:
         EXPECT_EQ(chooser.seen().at(0).title, "选择保存图片的文件夹");
     }
     [[nodiscard]] PictureListModel* model() const { return window.template findChild<PictureListModel*>(); }
-    [[nodiscard]] QLabel* shown() const {
+    [[nodiscard]] ImgDialog* viewer() const {
         const auto viewers = window.template findChildren<ImgDialog*>();
-        return viewers.isEmpty() ? nullptr : viewers.back()->template findChild<QLabel*>();
+        return viewers.isEmpty() ? nullptr : viewers.back();
+    }
+    [[nodiscard]] QLabel* shown() const {
+        return viewer() != nullptr ? viewer()->template findChild<QLabel*>() : nullptr;
     }
 
     Window window;
@@ -279,6 +282,60 @@ TEST_F(EmulatedPictures, ASecondGenerationListUsesTheWholeId) {
     ASSERT_EQ(heldCount(), 1U);
     EXPECT_EQ(list.model()->pictureId(0), 2U);
     expectCleanLine();
+}
+
+TEST_F(EmulatedPictures, ViewGoesThroughTheList) {
+    plug(CameraType::salesDynamic);
+    for (std::uint16_t id = 258; id < 261; ++id)
+        hold(id, drawn());
+    EmulatedList<PicListV1> list(client.get());
+    list.press("btn_refresh");
+    list.choose(0, "查看");
+    guitest::click(*list.viewer(), "btn_zoom_in");
+    guitest::click(*list.viewer(), "btn_next");
+    EXPECT_EQ(files::read("259.jpg"), held(1));
+    guitest::click(*list.viewer(), "btn_next");
+    EXPECT_EQ(files::read("260.jpg"), held(2));
+    EXPECT_EQ(list.shown()->pixmap().height(), 400);
+    EXPECT_FALSE(guitest::isEnabled(*list.viewer(), "btn_next"));
+    EXPECT_EQ(list.window.findChildren<ImgDialog*>().size(), 1);
+    expectCleanLine();
+}
+
+TEST_F(EmulatedPictures, ViewGoesOnAfterAPictureThatVanished) {
+    plug(CameraType::ostra);
+    for (std::uint16_t id = 40; id < 43; ++id)
+        hold(id, drawn());
+    EmulatedList<PicList> list(client.get());
+    list.press("btn_refresh");
+    list.choose(0, "查看");
+    addFault("result=1@read#1");
+    guitest::click(*list.viewer(), "btn_next");
+    EXPECT_EQ(list.shown()->text(), "图片不存在或者图片数据错误");
+    EXPECT_FALSE(QFile::exists("41.jpg"));
+    guitest::click(*list.viewer(), "btn_next");
+    EXPECT_FALSE(list.shown()->pixmap().isNull());
+    EXPECT_EQ(files::read("42.jpg"), held(2));
+}
+
+TEST_F(EmulatedPictures, ViewIsRefusedWhileAllPicturesCome) {
+    plug(CameraType::ostra);
+    hold(40, drawn());
+    hold(41, drawn());
+    EmulatedList<PicList> list(client.get());
+    list.press("btn_refresh");
+    list.choose(0, "查看");
+    list.chooseFolderForAll("kept");
+    const auto reads = [this] {
+        return front->withCamera([](VirtualCamera& camera) { return camera.record().count(0x09); });
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reads() == 2; }, enoughMs));
+    guitest::click(*list.viewer(), "btn_next");
+    EXPECT_EQ(reads(), 2U);
+    EXPECT_EQ(list.shown()->text(), "图片不存在或者图片数据错误");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.download() == "已下载 2 张，共 2 张"; }, enoughMs));
+    guitest::click(*list.viewer(), "btn_previous");
+    EXPECT_FALSE(list.shown()->pixmap().isNull());
 }
 
 TEST_F(EmulatedPictures, AllPicturesComeIntoTheChosenFolder) {
