@@ -17,7 +17,7 @@ namespace {
 
 using Ports = std::vector<serial::PortInfo>;
 
-serial::PortInfo port(const std::string& name, const std::string& id) {
+serial::PortInfo pluggedPort(const std::string& name, const std::string& id) {
     return {name, "适配器 (" + name + ")", id};
 }
 
@@ -63,9 +63,9 @@ public:
     /// Ports in the order of the adapters, and one that keeps its name.
     Ports next() {
         std::shuffle(m_numbers.begin(), m_numbers.end(), m_random);
-        Ports ports{port("/dev/ttyS0", "n/a")};
+        Ports ports{pluggedPort("/dev/ttyS0", "n/a")};
         for (std::size_t adapter = 0; adapter < m_ids.size(); ++adapter)
-            ports.push_back(port("/dev/ttyUSB" + std::to_string(m_numbers[adapter]), m_ids[adapter]));
+            ports.push_back(pluggedPort("/dev/ttyUSB" + std::to_string(m_numbers[adapter]), m_ids[adapter]));
         return ports;
     }
 
@@ -80,8 +80,8 @@ constexpr int renumberings = 100;
 } // namespace
 
 TEST_F(PluggedPorts, ANewAdapterIsChosen) {
-    start({port("COM1", "n/a")});
-    plug({port("COM1", "n/a"), port("COM5", "A")});
+    start({pluggedPort("COM1", "n/a")});
+    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM5", "A")});
     EXPECT_EQ(chosen(), "COM5");
     EXPECT_EQ(statusText(*window), "发现新串口 COM5，已选好");
     click(*window, "btn_open");
@@ -89,74 +89,74 @@ TEST_F(PluggedPorts, ANewAdapterIsChosen) {
 }
 
 TEST_F(PluggedPorts, ANewAdapterLeavesAChoiceByHand) {
-    start({port("COM1", "n/a"), port("COM3", "A")});
+    start({pluggedPort("COM1", "n/a"), pluggedPort("COM3", "A")});
     chooseNext();
     ASSERT_EQ(chosen(), "COM3");
-    plug({port("COM1", "n/a"), port("COM3", "A"), port("COM5", "B")});
+    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM3", "A"), pluggedPort("COM5", "B")});
     EXPECT_EQ(chosen(), "COM3");
     EXPECT_EQ(statusText(*window), "发现新串口 COM5，仍选 COM3");
 }
 
 TEST_F(PluggedPorts, ANewAdapterLeavesAPortThatWasOpened) {
-    start({port("COM3", "A")});
+    start({pluggedPort("COM3", "A")});
     click(*window, "btn_open");
-    fake_serial::setPorts({port("COM3", "A"), port("COM5", "B")});
+    fake_serial::setPorts({pluggedPort("COM3", "A"), pluggedPort("COM5", "B")});
     click(*window, "btn_open");
     EXPECT_TRUE(eventually([this] { return statusText(*window) == "发现新串口 COM5，仍选 COM3"; }));
     EXPECT_EQ(chosen(), "COM3");
 }
 
 TEST_F(PluggedPorts, ANewAdapterReplacesAChoiceThatIsGone) {
-    start({port("COM3", "A")});
+    start({pluggedPort("COM3", "A")});
     chooseNext();
     plug({});
     EXPECT_EQ(chosen(), "");
     EXPECT_EQ(statusText(*window), "没有发现串口，请插入转接器后点开串口列表");
-    plug({port("COM5", "B")});
+    plug({pluggedPort("COM5", "B")});
     EXPECT_EQ(chosen(), "COM5");
 }
 
 TEST_F(PluggedPorts, AChoiceByHandComesBackUnderAnotherName) {
-    start({port("COM1", "n/a"), port("COM3", "A")});
+    start({pluggedPort("COM1", "n/a"), pluggedPort("COM3", "A")});
     chooseNext();
-    plug({port("COM1", "n/a")});
+    plug({pluggedPort("COM1", "n/a")});
     EXPECT_EQ(statusText(*window), "所选转接器不在，改选 COM1，请核对");
-    plug({port("COM1", "n/a"), port("COM6", "A")});
+    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM6", "A")});
     EXPECT_EQ(chosen(), "COM6");
 }
 
 TEST_F(PluggedPorts, AnAlikeAdapterIsNotTakenForTheChosenOne) {
-    start({port("COM1", "n/a"), port("COM3", "A"), port("COM4", "A")});
+    start({pluggedPort("COM1", "n/a"), pluggedPort("COM3", "A"), pluggedPort("COM4", "A")});
     chooseNext();
     ASSERT_EQ(chosen(), "COM3");
-    plug({port("COM1", "n/a"), port("COM4", "A")});
+    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM4", "A")});
     EXPECT_EQ(statusText(*window), "所选转接器不在，改选 COM4，请核对");
-    plug({port("COM1", "n/a"), port("COM4", "A"), port("COM5", "A")});
+    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM4", "A"), pluggedPort("COM5", "A")});
     EXPECT_EQ(chosen(), "COM4");
     EXPECT_EQ(statusText(*window), "发现新串口 COM5，仍选 COM4");
-    plug({port("COM1", "n/a"), port("COM4", "A"), port("COM3", "A")});
+    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM4", "A"), pluggedPort("COM3", "A")});
     EXPECT_EQ(chosen(), "COM3") << "the old name decides";
 }
 
 TEST_F(PluggedPorts, SeveralNewAdaptersAreOnlyTold) {
-    start({port("COM3", "A")});
-    plug({port("COM3", "A"), port("COM5", "B"), port("COM4", "C")});
+    start({pluggedPort("COM3", "A")});
+    plug({pluggedPort("COM3", "A"), pluggedPort("COM5", "B"), pluggedPort("COM4", "C")});
     EXPECT_EQ(chosen(), "COM3");
     EXPECT_EQ(statusText(*window), "发现新串口 COM4、COM5，仍选 COM3");
 }
 
 TEST_F(PluggedPorts, WaitUntilTheOpenListIsClosed) {
-    start({port("COM3", "A")});
+    start({pluggedPort("COM3", "A")});
     choice->showPopup();
-    plug({port("COM3", "A"), port("COM5", "B")});
+    plug({pluggedPort("COM3", "A"), pluggedPort("COM5", "B")});
     EXPECT_EQ(choice->count(), 1);
     choice->hidePopup();
     EXPECT_TRUE(eventually([this] { return choice->count() == 2; }));
 }
 
 TEST_F(PluggedPorts, AreNotListedAfterTheWindowIsClosed) {
-    start({port("COM3", "A")});
-    plug({port("COM3", "A"), port("COM5", "B")});
+    start({pluggedPort("COM3", "A")});
+    plug({pluggedPort("COM3", "A"), pluggedPort("COM5", "B")});
     window->close();
     const std::size_t before = clock.timers().size();
     QTest::qWait(500);

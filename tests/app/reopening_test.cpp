@@ -20,7 +20,7 @@ namespace {
 constexpr const char* ownId = "USB VID:PID=0403:6001 SNR=A1";
 constexpr const char* idWithoutSerial = "USB VID:PID=1a86:7523";
 
-serial::PortInfo port(const std::string& name, const std::string& id = ownId) {
+serial::PortInfo adapterPort(const std::string& name, const std::string& id = ownId) {
     serial::PortInfo info;
     info.port = name;
     info.description = "USB-SERIAL (" + name + ")";
@@ -103,7 +103,7 @@ protected:
 } // namespace
 
 TEST_F(Reopening, IsNotOfferedBeforeTheAdapterIsBack) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     EXPECT_FALSE(isOffered());
     unplug();
     waitForLists();
@@ -111,10 +111,10 @@ TEST_F(Reopening, IsNotOfferedBeforeTheAdapterIsBack) {
 }
 
 TEST_F(Reopening, IsOfferedWhenTheAdapterIsBack) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     unplug();
     waitForLists();
-    plug({port("COM3")});
+    plug({adapterPort("COM3")});
     EXPECT_TRUE(waitForOffer());
     EXPECT_EQ(statusText(*window), "转接器已插好（COM3），请点击“重新打开”");
     EXPECT_EQ(text(*window, "btn_open"), "关闭串口") << "nothing opens by itself";
@@ -122,10 +122,10 @@ TEST_F(Reopening, IsOfferedWhenTheAdapterIsBack) {
 }
 
 TEST_F(Reopening, OpensLikeTheOpenButton) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     find<QComboBox>(*window, "sel_baund")->setCurrentText("115200");
     unplug();
-    plug({port("COM3")});
+    plug({adapterPort("COM3")});
     ASSERT_TRUE(waitForOffer());
     const DebugLog log;
     click(*window, "btn_reopen");
@@ -140,9 +140,9 @@ TEST_F(Reopening, OpensLikeTheOpenButton) {
 }
 
 TEST_F(Reopening, FindsTheAdapterUnderAnotherName) {
-    open({port("COM3"), port("COM4", "n/a")});
-    unplug({port("COM4", "n/a")});
-    plug({port("COM4", "n/a"), port("COM7")});
+    open({adapterPort("COM3"), adapterPort("COM4", "n/a")});
+    unplug({adapterPort("COM4", "n/a")});
+    plug({adapterPort("COM4", "n/a"), adapterPort("COM7")});
     ASSERT_TRUE(waitForOffer());
     click(*window, "btn_reopen");
     EXPECT_EQ(chosen(), "COM7");
@@ -150,80 +150,80 @@ TEST_F(Reopening, FindsTheAdapterUnderAnotherName) {
 }
 
 TEST_F(Reopening, IsOfferedAfterTheLinkWasClosed) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     unplug();
     click(*window, "btn_open");
     ASSERT_EQ(text(*window, "btn_open"), "打开串口");
-    plug({port("COM7")});
+    plug({adapterPort("COM7")});
     ASSERT_TRUE(waitForOffer());
     click(*window, "btn_reopen");
     EXPECT_EQ(statusText(*window), "已打开 COM7");
 }
 
 TEST_F(Reopening, IsNotOfferedForAnotherAdapterOfTheSameName) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     unplug();
-    plug({port("COM3", "USB VID:PID=0403:6001 SNR=B2")});
+    plug({adapterPort("COM3", "USB VID:PID=0403:6001 SNR=B2")});
     waitForLists();
     EXPECT_FALSE(isOffered());
 }
 
 TEST_F(Reopening, GoesByTheNameWithoutAHardwareId) {
-    open({port("COM3", "n/a"), port("COM4", "n/a")});
-    unplug({port("COM4", "n/a")});
+    open({adapterPort("COM3", "n/a"), adapterPort("COM4", "n/a")});
+    unplug({adapterPort("COM4", "n/a")});
     waitForLists();
     EXPECT_FALSE(isOffered());
-    plug({port("COM3", "n/a"), port("COM4", "n/a")});
+    plug({adapterPort("COM3", "n/a"), adapterPort("COM4", "n/a")});
     EXPECT_TRUE(waitForOffer());
     EXPECT_EQ(statusText(*window), "转接器已插好（COM3），请点击“重新打开”");
 }
 
 TEST_F(Reopening, TakesTheOneOfTwoAlikeThatIsNew) {
-    open({port("COM3", idWithoutSerial), port("COM4", idWithoutSerial)});
-    unplug({port("COM4", idWithoutSerial)});
+    open({adapterPort("COM3", idWithoutSerial), adapterPort("COM4", idWithoutSerial)});
+    unplug({adapterPort("COM4", idWithoutSerial)});
     waitForLists();
     EXPECT_FALSE(isOffered());
-    plug({port("COM4", idWithoutSerial), port("COM5", idWithoutSerial)});
+    plug({adapterPort("COM4", idWithoutSerial), adapterPort("COM5", idWithoutSerial)});
     ASSERT_TRUE(waitForOffer());
     click(*window, "btn_reopen");
     EXPECT_EQ(statusText(*window), "已打开 COM5");
 }
 
 TEST_F(Reopening, RefusesToGuessBetweenTwoAlike) {
-    open({port("COM3", idWithoutSerial)});
+    open({adapterPort("COM3", idWithoutSerial)});
     unplug();
-    plug({port("COM5", idWithoutSerial), port("COM6", idWithoutSerial)});
+    plug({adapterPort("COM5", idWithoutSerial), adapterPort("COM6", idWithoutSerial)});
     EXPECT_TRUE(waitForText("有几个相同的转接器，请关闭串口，选择串口后再打开"));
     EXPECT_FALSE(isOffered());
 }
 
 TEST_F(Reopening, IsWithdrawnWhenTheAdapterIsGoneAgain) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     unplug();
-    plug({port("COM3")});
+    plug({adapterPort("COM3")});
     ASSERT_TRUE(waitForOffer());
     fake_serial::setPorts({});
     EXPECT_TRUE(waitForOffer(false));
     EXPECT_EQ(statusText(*window), "转接器又断开了，请重新插好");
-    plug({port("COM3")});
+    plug({adapterPort("COM3")});
     EXPECT_TRUE(waitForOffer());
 }
 
 TEST_F(Reopening, TellsTheChoiceWhenTheAdapterIsGoneAgain) {
-    open({port("COM3"), port("COM4", "n/a")});
-    unplug({port("COM4", "n/a")});
+    open({adapterPort("COM3"), adapterPort("COM4", "n/a")});
+    unplug({adapterPort("COM4", "n/a")});
     click(*window, "btn_open");
-    plug({port("COM3"), port("COM4", "n/a")});
+    plug({adapterPort("COM3"), adapterPort("COM4", "n/a")});
     ASSERT_TRUE(waitForOffer());
-    fake_serial::setPorts({port("COM4", "n/a")});
+    fake_serial::setPorts({adapterPort("COM4", "n/a")});
     EXPECT_TRUE(waitForOffer(false));
     EXPECT_EQ(statusText(*window), "所选转接器不在，改选 COM4，请核对");
 }
 
 TEST_F(Reopening, LeavesTheFocusAtTheOpenButtonWhenWithdrawn) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     unplug();
-    plug({port("COM3")});
+    plug({adapterPort("COM3")});
     ASSERT_TRUE(waitForOffer());
     window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
@@ -236,10 +236,10 @@ TEST_F(Reopening, LeavesTheFocusAtTheOpenButtonWhenWithdrawn) {
 }
 
 TEST_F(Reopening, IsWithdrawnWhenTheUserPicksAnotherPort) {
-    open({port("COM3"), port("COM4", "n/a")});
-    unplug({port("COM4", "n/a")});
+    open({adapterPort("COM3"), adapterPort("COM4", "n/a")});
+    unplug({adapterPort("COM4", "n/a")});
     click(*window, "btn_open");
-    plug({port("COM3"), port("COM4", "n/a")});
+    plug({adapterPort("COM3"), adapterPort("COM4", "n/a")});
     ASSERT_TRUE(waitForOffer());
     QTest::keyClick(find<QComboBox>(*window, "sel_ports"), Qt::Key_Down);
     EXPECT_EQ(chosen(), "COM4");
@@ -249,10 +249,10 @@ TEST_F(Reopening, IsWithdrawnWhenTheUserPicksAnotherPort) {
 }
 
 TEST_F(Reopening, IsWithdrawnWhenTheLinkIsOpenedOtherwise) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     unplug();
     click(*window, "btn_open");
-    plug({port("COM3")});
+    plug({adapterPort("COM3")});
     ASSERT_TRUE(waitForOffer());
     click(*window, "btn_open");
     EXPECT_EQ(statusText(*window), "已打开 COM3");
@@ -261,9 +261,9 @@ TEST_F(Reopening, IsWithdrawnWhenTheLinkIsOpenedOtherwise) {
 }
 
 TEST_F(Reopening, StaysOfferedWhenOpeningFails) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     unplug();
-    plug({port("COM3")});
+    plug({adapterPort("COM3")});
     ASSERT_TRUE(waitForOffer());
     fake_serial::failOpening(EBUSY);
     BoxAnswerer boxes;
@@ -278,17 +278,17 @@ TEST_F(Reopening, StaysOfferedWhenOpeningFails) {
 }
 
 TEST_F(Reopening, ListsNoPortsWhileALinkIsOpen) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     EXPECT_TRUE(listsNothing());
     unplug();
     waitForLists();
 }
 
 TEST_F(Reopening, MayBeClosedWhileAnAdapterIsLost) {
-    open({port("COM3")});
+    open({adapterPort("COM3")});
     unplug();
     window->close();
-    plug({port("COM3")});
+    plug({adapterPort("COM3")});
     EXPECT_TRUE(listsNothing());
     EXPECT_TRUE(find<QPushButton>(*window, "btn_reopen")->isHidden());
 }

@@ -54,6 +54,27 @@ private:
     QRunnable* m_work;
 };
 
+/// A function posted to another thread: that of the two threads which drops the last reference deletes it.
+class TakenOverSlot final : public QtPrivate::QSlotObjectBase {
+public:
+    explicit TakenOverSlot(QSlotObjectBase* slot) : QSlotObjectBase(&act), m_slot(slot) {}
+
+private:
+    static void act(int which, QSlotObjectBase* self, QObject* receiver, void** arguments, bool* /*equal*/) {
+        auto* const taken = static_cast<TakenOverSlot*>(self);
+        if (which == Call) {
+            taken->m_slot->call(receiver, arguments);
+            handOver();
+        } else if (which == Destroy) {
+            takeOver();
+            taken->m_slot->destroyIfLastRef();
+            delete taken;
+        }
+    }
+
+    QSlotObjectBase* m_slot;
+};
+
 /// Sees every event of the user-interface thread before its receiver.
 class TakeOverFilter final : public QObject {
 public:
@@ -119,7 +140,7 @@ bool QMetaObject::invokeMethodImpl(QObject* object, QtPrivate::QSlotObjectBase* 
     static const auto qt = original<bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*)>(
         "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv");
     handOver();
-    return qt(object, slot, type, result);
+    return qt(object, new TakenOverSlot(slot), type, result);
 }
 
 void QCoreApplication::postEvent(QObject* receiver, QEvent* event, int priority) {
