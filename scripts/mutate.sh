@@ -12,7 +12,7 @@ log=$project_root/out/mutations/log
 page=$project_root/out/mutations/mutations.md
 
 # Programs of tests, by their folder; asked in this order, the later ones only if none before noticed.
-test_programs=(link/link_tests faults/fault_tests updates/update_link_tests pictures/pictures_emulated_tests)
+test_programs=(link/link_tests faults/virtual_fault_tests updates/update_link_tests pictures/pictures_emulated_tests)
 
 words=() files=() expressions=()
 
