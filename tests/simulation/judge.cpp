@@ -1,17 +1,18 @@
 #include "tests/simulation/judge.h"
 
+#include "aids/camerafinderwindow.h"
+#include "aids/checkupwindow.h"
 #include "link/protocol/exchangetable.h"
 #include "link/protocol/frame.h"
+#include "pictures/picturelistwindow.h"
 #include "tests/support/windowactions.h"
 
 #include <QComboBox>
-#include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
 #include <QLabel>
 #include <QMainWindow>
 #include <QRegularExpression>
 #include <QStatusBar>
+#include <QTableWidget>
 
 #include <algorithm>
 #include <filesystem>
@@ -104,7 +105,7 @@ QString labelText(const QWidget& window, const char* name) {
 Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources()) {
     world::setCallObserver([this](const std::string& port, const std::string& call) {
         world::note([&] { return port + ' ' + call; });
-        libraryCalled(call);
+        libraryCalled(port, call);
     });
     world::onStandstill([this](world::Time duration) {
         const world::Time limit = m_ownRequests + othersTime;
@@ -136,8 +137,10 @@ void Judge::watch(QWidget* mainWindow) {
 
 // --- the line ----------------------------------------------------------------------------------------------
 
-void Judge::libraryCalled(const std::string& call) {
+void Judge::libraryCalled(const std::string& port, const std::string& call) {
+    Exchange& exchange = m_exchanges[port];
     if (call.starts_with("write ")) {
+        require(!m_silent || world::threadNumber() != 0, "O2: an action sends that should not");
         const Bytes head = bytesOfHex(call.substr(call.find(':') + 1));
         const ByteView view(head);
         const bool frame =
@@ -145,24 +148,24 @@ void Judge::libraryCalled(const std::string& call) {
         const bool json = !frame && m_workplace.camera().settings().type == emulator::CameraType::quenta;
         if (!frame && !json)
             return; // data of an upload
-        m_exchange = {};
-        m_exchange.code = frame ? view.get(protocol::frame_layout::command) : std::uint8_t{0};
-        const Limits limits = limitsOf(m_exchange.code, json);
-        m_exchange.mostReads =
-            limits.reads + (isUpload(m_exchange.code) ? protocol::rules::modelVerdictTries : 0);
+        exchange = {};
+        exchange.code = frame ? view.get(protocol::frame_layout::command) : std::uint8_t{0};
+        const Limits limits = limitsOf(exchange.code, json);
+        exchange.mostReads =
+            limits.reads + (isUpload(exchange.code) ? protocol::rules::modelVerdictTries : 0);
         if (limits.reads < 0)
-            m_exchange.mostReads = -1;
+            exchange.mostReads = -1;
         if (world::threadNumber() == 0) // JSON pictures are never read there
             m_ownRequests += json ? limitsOf(code(Command::getProperty), false).time : limits.time;
     } else if (call.starts_with("read ")) {
-        ++m_exchange.reads;
+        ++exchange.reads;
         // The window that views a picture waits for all of its bytes.
-        if (m_exchange.mostReads < 0 && m_exchange.reads == endlessReads && world::threadNumber() == 0) {
+        if (exchange.mostReads < 0 && exchange.reads == endlessReads && world::threadNumber() == 0) {
             lostPatience();
             m_workplace.perform({StepKind::pull, 0, 0, 0});
         }
-        require(m_exchange.mostReads < 0 || m_exchange.reads <= m_exchange.mostReads,
-                "O3: more reads than tries for command " + std::to_string(m_exchange.code));
+        require(exchange.mostReads < 0 || exchange.reads <= exchange.mostReads,
+                "O3: more reads than tries for command " + std::to_string(exchange.code));
     }
 }
 
@@ -256,7 +259,7 @@ void Judge::checkLinkText() {
 
 void Judge::linkClosed(world::Time duration) {
     require(duration <= longestClosing, "O3: closing took " + std::to_string(duration / 1ms) + " ms");
-    require(world::openPorts() == 0, "O4: a port is open after closing");
+    require(world::openPortsOfFirstThread() == 0, "O4: a port is open after closing");
 }
 
 /// A download reads until all its bytes have come, which a good line and a camera that does not restart send.
@@ -316,56 +319,44 @@ void Judge::checkValues() {
     }
 }
 
-/// Nothing but the file is inside an upload, and nothing but whole requests outside.
-void Judge::checkUploadedBytes() {
-    const Disturbances& disturbed = m_workplace.disturbances();
-    const emulator::CameraRecord& record = m_workplace.camera().record();
-    if (!disturbed.toCamera && !disturbed.camera) {
-        for (const emulator::UploadRecord& upload : record.uploads) {
-            if (!upload.complete)
-                continue; // interrupted: until its silence the camera takes the next requests for data
-            bool known = false;
-            for (int file = 0; file < m_workplace.files().size(); ++file) {
-                const Bytes content = Workplace::contentOf(static_cast<std::size_t>(file));
-                const auto digest =
-                    QCryptographicHash::hash(QByteArray(reinterpret_cast<const char*>(content.data()),
-                                                        static_cast<qsizetype>(content.size())),
-                                             QCryptographicHash::Md5);
-                if (Bytes(digest.begin(), digest.end()) != upload.digest)
-                    continue;
-                known = true;
-                const Bytes sent =
-                    ByteView(content).range(upload.offset, upload.offset + upload.received.size()).toBytes();
-                require(sent == upload.received, "O2: foreign bytes inside an upload");
-            }
-            require(known, "O1: an upload of no chosen file");
-        }
-    }
-    if (!disturbed.any()) {
-        require(record.badFrames == 0, "O2: damaged requests on the line");
-        require(record.garbageBytes == 0, "O2: bytes outside any request on the line");
-    }
-    require(record.appV1.dataPackets == 0, "O2: a data packet of the second protocol");
+// --- aids --------------------------------------------------------------------------------------------------
+
+void Judge::cameraUsed(const QStringList& camera) {
+    if (m_workplace.disturbances().adapter)
+        return; // its port may be gone
+    const QString text = labelText(*m_window, "label_link");
+    require(text == QStringLiteral("%1，%2，从机地址 %3").arg(camera.at(0), camera.at(1), camera.at(2)),
+            "O6: after the choice of a found camera the link is " + text.toStdString());
 }
 
-void Judge::checkFiles() {
-    static const QRegularExpression pictureName(QStringLiteral("^(\\d+)\\.jpg$"));
-    const Disturbances& disturbed = m_workplace.disturbances();
-    for (const QString& name : QDir::current().entryList(QDir::Files)) {
-        const auto match = pictureName.match(name);
-        require(match.hasMatch(), "O7: the file " + name.toStdString());
-        if (!match.hasMatch() || disturbed.toTool || disturbed.late || disturbed.camera)
-            continue;
-        QFile file(name);
-        require(file.open(QIODevice::ReadOnly), "O7: unreadable file");
-        const QByteArray bytes = file.readAll();
-        const auto id = match.captured(1).toUInt();
-        const auto& pictures = m_workplace.pictures();
-        const bool whole = std::any_of(pictures.begin(), pictures.end(), [&](const TakenPicture& picture) {
-            return (picture.id & 0xFFU) == id && Bytes(bytes.begin(), bytes.end()) == picture.jpeg;
-        });
-        require(whole, "O7: " + name.toStdString() + " is no picture of the camera with this id");
+void Judge::checkAids() {
+    const auto enabled = [](const QWidget* window, const char* name) {
+        return window->findChild<QWidget*>(QLatin1String(name))->isEnabled();
+    };
+    const auto atRest = [&](const QWidget* window, const std::string& what) {
+        require(enabled(window, "btn_start"), "O5: " + what + " cannot begin");
+        require(!enabled(window, "btn_stop"), "O5: " + what + " can be stopped, but none runs");
+    };
+    for (const CameraFinderWindow* const finder : m_window->findChildren<CameraFinderWindow*>()) {
+        atRest(finder, "a search");
+        require(!labelText(*finder, "label_state").startsWith(QStringLiteral("已试")),
+                "O6: an endless search");
+        const auto* const table = finder->findChild<QTableWidget*>(QStringLiteral("table_found"));
+        const auto& ports = m_workplace.portNames();
+        for (int row = 0; row < table->rowCount(); ++row) {
+            const std::string port = table->item(row, 0)->text().toStdString();
+            require(std::find(ports.begin(), ports.end(), port) != ports.end(),
+                    "O6: a camera was found at " + port);
+        }
     }
+    for (const CheckupWindow* const checkup : m_window->findChildren<CheckupWindow*>()) {
+        atRest(checkup, "a check-up");
+        require(labelText(*checkup, "label_verdict") != QStringLiteral("正在检查…"),
+                "O6: an endless check-up");
+    }
+    for (const PictureListWindow* const list : m_window->findChildren<PictureListWindow*>())
+        require(guitest::text(*list, "btn_download_all") == QStringLiteral("下载全部"),
+                "O6: a list downloads, but no job runs");
 }
 
 // --- quiet and end -----------------------------------------------------------------------------------------
@@ -375,6 +366,7 @@ void Judge::checkQuiet() {
         checkLinkText();
         checkControls();
         checkValues();
+        checkAids();
     }
     checkUploadedBytes();
     checkFiles();

@@ -39,10 +39,11 @@ namespace simulation {
 
 namespace {
 
-constexpr auto quietTime = 3s;          // in which a result that is on its way is shown
-constexpr auto longestSettling = 10min; // uploads of the second protocol, return waits
-constexpr auto poolExpiry = 40s;        // idle pool threads end after 30 s
-constexpr world::Time patience = 150s;  // then the technician closes the link
+constexpr auto quietTime = 3s;             // in which a result that is on its way is shown
+constexpr auto longestSettling = 10min;    // uploads of the second protocol, return waits
+constexpr auto poolExpiry = 40s;           // idle pool threads end after 30 s
+constexpr world::Time longestSearch = 60s; // then the technician stops it
+constexpr world::Time patience = 150s;     // then the technician closes the link
 
 /// Pauses wait in place of polling the clock.
 class SimulatedClock final : public Clock {
@@ -122,11 +123,13 @@ public:
             technician.onStep([this] { m_judge.checkStep(); });
             technician.onBox([this](const QString& text) { m_judge.boxShown(text); });
             technician.onLinkClosed([this](world::Time duration) { m_judge.linkClosed(duration); });
+            technician.onSilence([this](bool silent) { m_judge.expectSilence(silent); });
+            technician.onCameraUsed([this](const QStringList& camera) { m_judge.cameraUsed(camera); });
             QEventLoop loop;
             QObject::connect(&technician, &Technician::done, &loop, &QEventLoop::quit);
             technician.start();
             loop.exec();
-            settle();
+            settle(technician);
             m_judge.checkQuiet();
             m_window->close(); // the technician answers the question
         }
@@ -150,7 +153,7 @@ private:
     }
 
     /// Until nothing runs. A download that never ends is ended as a technician would.
-    void settle() {
+    void settle(Technician& technician) {
         const world::Time start = world::now();
         world::Time quietSince = start;
         bool patient = true;
@@ -158,11 +161,14 @@ private:
             wait(200ms);
             if (isBusy())
                 quietSince = world::now();
+            if (world::now() - start > longestSearch)
+                technician.stopSearch();
             if (patient && world::now() - start > patience) {
                 patient = false;
                 m_judge.lostPatience();
-                if (world::openPorts() > 0)
-                    m_window->findChild<QPushButton*>(QStringLiteral("btn_open"))->click();
+                auto* const link = m_window->findChild<QPushButton*>(QStringLiteral("btn_open"));
+                if (link->text() == QStringLiteral("关闭串口"))
+                    link->click();
             }
         }
     }
@@ -225,6 +231,8 @@ void warmUp() {
             entry->objectName() != QLatin1String("actionOriginCmdExtraAdd"))
             entry->trigger();
     }
+    for (QAction* const entry : aidEntries(window))
+        entry->trigger();
     QMessageBox box(QMessageBox::Information, QString(), QStringLiteral("升级"));
     box.show();
     QTimer::singleShot(1s, &window, [] { QApplication::activeModalWidget()->close(); });
