@@ -4,6 +4,7 @@
 #include "dialogs/setcameraprotocol.h"
 #include "link/diagnostics.h"
 #include "pictures/piclist.h"
+#include "service/report.h"
 #include "tests/simulation/judge.h"
 #include "tests/simulation/technician.h"
 #include "tests/support/windowactions.h"
@@ -16,6 +17,7 @@
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QSettings>
+#include <QTemporaryDir>
 #include <QThreadPool>
 
 #include <iostream>
@@ -218,6 +220,16 @@ void prepareProcess(char** arguments, bool spectator) {
     ::execv("/proc/self/exe", arguments);
 }
 
+/// Qt keeps fonts and codecs of the first one.
+void writeSomeReports() {
+    const QTemporaryDir folder;
+    service::Checkup checkup;
+    checkup.at = QDateTime::currentDateTime();
+    for (const char* const suffix : {"pdf", "html", "csv"})
+        std::ignore =
+            service::writeReport(checkup, folder.filePath(QStringLiteral("report.") + QLatin1String(suffix)));
+}
+
 void warmUp() {
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     // Nothing of the user's is read or written.
@@ -235,6 +247,7 @@ void warmUp() {
         entry->trigger();
     QMessageBox box(QMessageBox::Information, QString(), QStringLiteral("升级"));
     box.show();
+    writeSomeReports();
     QTimer::singleShot(1s, &window, [] { QApplication::activeModalWidget()->close(); });
     std::ignore = QFileDialog::getOpenFileName(&window);
     window.close();   // an open one lists the ports again and again

@@ -21,7 +21,8 @@ namespace simulation {
 
 namespace {
 
-constexpr int afterwardsMs = 200; // between answers to dialogs when all steps are done
+constexpr int afterwardsMs = 200;   // between answers to dialogs when all steps are done
+constexpr std::uint32_t noFile = 4; // a refused replacement would lead to the same question again
 
 /// Texts that a technician types, good and bad ones.
 const QString& typedText(std::uint32_t choice) {
@@ -83,7 +84,7 @@ void Technician::next() {
         m_check();
     const bool last = m_next >= m_scenario.steps.size();
     if (last) {
-        if (answerDialog({StepKind::press, 0, 0, 0}) || QApplication::activeModalWidget() != nullptr ||
+        if (answerDialog({StepKind::press, 0, 0, noFile}) || QApplication::activeModalWidget() != nullptr ||
             m_reopeningTries > 0) {
             m_timer.start(afterwardsMs);
             return;
