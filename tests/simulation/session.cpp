@@ -245,6 +245,10 @@ void warmUp() {
     }
     for (QAction* const entry : aidEntries(window))
         entry->trigger();
+    for (QWidget* const each : window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+        if (each->isWindow())
+            std::ignore = each->grab(); // Qt keeps the glyphs
+    }
     QMessageBox box(QMessageBox::Information, QString(), QStringLiteral("升级"));
     box.show();
     writeSomeReports();
