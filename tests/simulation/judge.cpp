@@ -188,6 +188,9 @@ void Judge::statusShown(const QString& text) {
     world::note([&text] { return "status: " + text.toStdString(); });
     if (text.contains(QStringLiteral("没有可升级的文件")))
         m_pressedWithoutFile = true;
+    if (text.startsWith(QStringLiteral("图片命令附加值：")) ||
+        text.contains(QStringLiteral("  图片命令附加值：")))
+        m_pictureOffset = true;
     static const QRegularExpression outcome(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d  (.+)：完成"));
     if (const auto match = outcome.match(text); match.hasMatch())
         checkOutcome(match.captured(1));
@@ -265,11 +268,12 @@ void Judge::linkClosed(world::Time duration) {
     require(world::openPortsOfFirstThread() == 0, "O4: a port is open after closing");
 }
 
-/// A download reads until all its bytes have come, which a good line and a camera that does not restart send.
+/// A download reads until all its bytes have come, which a good line and a camera that does not restart send
+/// after a picture command that it knows.
 void Judge::lostPatience() {
     const bool restarts = heard(code(Command::reboot)) + heard(code(Command::resetToFactory)) > 0 ||
                           !m_workplace.camera().record().uploads.empty();
-    require(restarts || m_workplace.disturbances().any(), "O3: a job never ends");
+    require(restarts || m_pictureOffset || m_workplace.disturbances().any(), "O3: a job never ends");
 }
 
 void Judge::checkStep() {

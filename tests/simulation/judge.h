@@ -81,6 +81,7 @@ private:
     world::Time m_ownRequests{0}; ///< what the first thread's requests of this standstill may take
     std::map<QString, std::size_t> m_heardBefore;
     bool m_pressedWithoutFile = false;
+    bool m_pictureOffset = false; ///< one was entered in this session
     Resources m_before;
 };
 

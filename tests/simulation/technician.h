@@ -72,6 +72,7 @@ private:
     void choosePort(const Step& step);
     void chooseAid(const Step& step);
     void use(const Step& step);
+    void openOneMore(std::uint32_t choice);
     void useFinder(QWidget& finder, std::uint32_t action);
     void startSearch(const QWidget& finder, std::uint32_t choice);
     void useFound(QWidget& finder, std::uint32_t choice);

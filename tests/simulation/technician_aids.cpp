@@ -12,6 +12,7 @@
 #include <QCheckBox>
 #include <QDragEnterEvent>
 #include <QLineEdit>
+#include <QListView>
 #include <QListWidget>
 #include <QMainWindow>
 #include <QMenu>
@@ -77,7 +78,7 @@ void Technician::chooseAid(const Step& step) {
     triggerAndFollow(*entry);
 }
 
-/// Opens an aid if there is no such window.
+/// Sometimes opens one more, or the first.
 void Technician::use(const Step& step) {
     using Use = void (Technician::*)(QWidget&, std::uint32_t);
     std::vector<std::pair<QWidget*, Use>> found;
@@ -95,13 +96,24 @@ void Technician::use(const Step& step) {
         else if (qobject_cast<ImgDialog*>(window) != nullptr)
             found.emplace_back(window, &Technician::usePictureView);
     }
-    if (found.empty()) {
-        chooseAid(step);
+    const std::size_t place = step.choice % (found.size() + 1);
+    if (place == found.size()) {
+        openOneMore(step.detail);
         return;
     }
-    const auto [window, action] = found.at(step.choice % found.size());
+    const auto [window, action] = found.at(place);
     m_front = window;
     (this->*action)(*window, step.detail);
+}
+
+/// An aid, or one list of pictures.
+void Technician::openOneMore(std::uint32_t choice) {
+    const bool listOpen = m_main->findChild<PictureListWindow*>() != nullptr;
+    auto* const list = named<QAction>(*m_main, choice % 4 < 2 ? "actionPicInfo" : "actionPicInfoV1");
+    if (choice % 2 == 0 && !listOpen && list->isEnabled())
+        triggerAndFollow(*list);
+    else
+        chooseAid({StepKind::aid, 0, choice / 4, 0});
 }
 
 // --- search ------------------------------------------------------------------------------------------------
@@ -201,9 +213,22 @@ void Technician::useLineRecord(QWidget& record, std::uint32_t action) {
 // --- pictures ----------------------------------------------------------------------------------------------
 
 void Technician::useList(QWidget& list, std::uint32_t action) {
-    static constexpr std::array<const char*, 4> buttons{"btn_download_all", "btn_download_all", "btn_refresh",
-                                                        "btn_copy_list"};
-    pressNamed(list, buttons.at(action % buttons.size()));
+    if (named<QListView>(list, "listview")->model()->rowCount() == 0) {
+        pressNamed(list, "btn_refresh");
+        return;
+    }
+    constexpr std::uint32_t view = 1; // entry of the menu of a row
+    switch (action % 4) {
+    case 0:
+        pressNamed(list, "btn_copy_list");
+        break;
+    case 1:
+        chooseRow({StepKind::row, 0, action / 4, view});
+        break;
+    default:
+        pressNamed(list, "btn_download_all");
+        break;
+    }
 }
 
 void Technician::usePictureView(QWidget& view, std::uint32_t action) {
