@@ -164,7 +164,7 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
         // The window that views a picture waits for all of its bytes.
         if (exchange.mostReads < 0 && exchange.reads == endlessReads && world::threadNumber() == 0) {
             lostPatience();
-            m_workplace.perform({StepKind::pull, 0, 0, 0});
+            m_workplace.pull(port);
         }
         require(exchange.mostReads < 0 || exchange.reads <= exchange.mostReads,
                 "O3: more reads than tries for command " + std::to_string(exchange.code));
@@ -235,7 +235,7 @@ void Judge::checkUploadSuccess() {
         // The line may have swallowed some: only the last announcement's answer counts, and the closing
         // packets'.
         const bool all = record.appV1.announcements >= 5 && record.appV1.closingPackets >= 11;
-        require(all || disturbed.toCamera || disturbed.restarted,
+        require(all || disturbed.toCamera || disturbed.restarted || restartsByCommand(),
                 "O1: success without the whole second protocol");
         const bool nothingToHold = QFileInfo(labelText(*m_window, "label_apppath")).size() == 0;
         require(nothingToHold || m_workplace.camera().settings().holdsAnnouncedImage,
@@ -271,9 +271,23 @@ void Judge::linkClosed(world::Time duration) {
 /// A download reads until all its bytes have come, which a good line and a camera that does not restart send
 /// after a picture command that it knows.
 void Judge::lostPatience() {
-    const bool restarts = heard(code(Command::reboot)) + heard(code(Command::resetToFactory)) > 0 ||
-                          !m_workplace.camera().record().uploads.empty();
-    require(restarts || m_pictureOffset || m_workplace.disturbances().any(), "O3: a job never ends");
+    require(restartsByCommand() || !isCameraLinked() || m_pictureOffset ||
+                !m_workplace.camera().record().uploads.empty() || m_workplace.disturbances().any(),
+            "O3: a job never ends");
+}
+
+bool Judge::restartsByCommand() {
+    return heard(code(Command::reboot)) + heard(code(Command::resetToFactory)) > 0;
+}
+
+/// By port and rate.
+bool Judge::isCameraLinked() const {
+    const QStringList link = labelText(*m_window, "label_link").split(QChar(u'，'));
+    const auto& ports = m_workplace.portNames();
+    const auto rate = protocol::infoOf(m_workplace.camera().settings().type).baudRate;
+    return link.size() > 1 &&
+           std::find(ports.begin(), ports.end(), link.at(0).toStdString()) != ports.end() &&
+           link.at(1) == QString::number(rate);
 }
 
 void Judge::checkStep() {

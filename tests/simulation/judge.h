@@ -70,6 +70,8 @@ private:
     void checkFiles();
     void checkSavedFiles();
     void checkPicture(const QString& path, std::optional<unsigned int> id);
+    [[nodiscard]] bool restartsByCommand();
+    [[nodiscard]] bool isCameraLinked() const;
     [[nodiscard]] std::size_t heard(std::uint8_t code, bool json = false);
     [[nodiscard]] static Resources resources();
 

@@ -167,6 +167,15 @@ void Workplace::perform(const Step& step) {
     }
 }
 
+void Workplace::pull(const std::string& port) {
+    if (port != emptyPort) {
+        perform({StepKind::pull, 0, 0, 0});
+        return;
+    }
+    m_disturbances.adapter = true;
+    world::removePort(emptyPort);
+}
+
 void Workplace::interfere(Direction direction, Bytes& bytes) {
     for (Interference& each : m_pending) {
         if (each.direction != direction)

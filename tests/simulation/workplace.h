@@ -40,6 +40,8 @@ public:
 
     /// A step of the line, the camera or the adapter.
     void perform(const Step& step);
+    /// The adapter with this port, the camera's or the other.
+    void pull(const std::string& port);
 
     [[nodiscard]] world::SimulatedLine& line() { return m_line; }
     [[nodiscard]] emulator::VirtualCamera& camera() { return m_line.camera(); }
