@@ -213,16 +213,18 @@ void Technician::useLineRecord(QWidget& record, std::uint32_t action) {
 // --- pictures ----------------------------------------------------------------------------------------------
 
 void Technician::useList(QWidget& list, std::uint32_t action) {
-    if (named<QListView>(list, "listview")->model()->rowCount() == 0) {
-        pressNamed(list, "btn_refresh");
+    const auto* const pictures = named<QListView>(list, "listview")->model();
+    if (pictures->rowCount() == 0)
+        pressNamed(list, "btn_refresh"); // answers at once
+    if (pictures->rowCount() == 0)
         return;
-    }
     constexpr std::uint32_t view = 1; // entry of the menu of a row
     switch (action % 4) {
     case 0:
         pressNamed(list, "btn_copy_list");
         break;
     case 1:
+    case 2:
         chooseRow({StepKind::row, 0, action / 4, view});
         break;
     default:
