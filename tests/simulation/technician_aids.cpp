@@ -106,14 +106,18 @@ void Technician::use(const Step& step) {
     (this->*action)(*window, step.detail);
 }
 
-/// An aid, or one list of pictures.
+/// An aid, or one list of pictures, mostly that of the camera's type.
 void Technician::openOneMore(std::uint32_t choice) {
     const bool listOpen = m_main->findChild<PictureListWindow*>() != nullptr;
-    auto* const list = named<QAction>(*m_main, choice % 4 < 2 ? "actionPicInfo" : "actionPicInfoV1");
-    if (choice % 2 == 0 && !listOpen && list->isEnabled())
+    const bool v1 = protocol::infoOf(m_scenario.type).pictures == protocol::PictureCommands::v1;
+    const bool other = choice / 2 % 8 == 0;
+    auto* const list = named<QAction>(*m_main, v1 != other ? "actionPicInfoV1" : "actionPicInfo");
+    if (choice % 2 == 0 && !listOpen && list->isEnabled()) {
+        note(QStringLiteral("chooses ") + list->objectName());
         triggerAndFollow(*list);
-    else
-        chooseAid({StepKind::aid, 0, choice / 4, 0});
+    } else {
+        chooseAid({StepKind::aid, 0, choice / 2, 0});
+    }
 }
 
 // --- search ------------------------------------------------------------------------------------------------
