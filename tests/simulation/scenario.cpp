@@ -13,7 +13,7 @@ const std::vector<StepKindInfo>& stepKinds() {
         {StepKind::row, "row", 10, false},     {StepKind::front, "front", 8, false},
         {StepKind::close, "close", 4, false},  {StepKind::upload, "upload", 8, false},
         {StepKind::port, "port", 2, false},    {StepKind::aid, "aid", 8, false},
-        {StepKind::use, "use", 20, false},     {StepKind::status, "status", 4, false},
+        {StepKind::use, "use", 36, false},     {StepKind::status, "status", 4, false},
         {StepKind::drag, "drag", 4, false},    {StepKind::replug, "replug", 2, true},
         {StepKind::wait, "wait", 8, false},    {StepKind::closeProgram, "close-program", 1, false},
         {StepKind::flip, "flip", 3, true},     {StepKind::drop, "drop", 3, true},

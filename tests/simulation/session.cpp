@@ -14,6 +14,7 @@
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QMimeDatabase>
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QSettings>
@@ -252,6 +253,8 @@ void warmUp() {
     QMessageBox box(QMessageBox::Information, QString(), QStringLiteral("升级"));
     box.show();
     writeSomeReports();
+    // The dialog asks for the types of files, of which the folder may have none.
+    std::ignore = QMimeDatabase().mimeTypeForFile(QStringLiteral("image.bin"));
     QTimer::singleShot(1s, &window, [] { QApplication::activeModalWidget()->close(); });
     std::ignore = QFileDialog::getOpenFileName(&window);
     window.close();   // an open one lists the ports again and again
