@@ -43,6 +43,8 @@ struct Limits {
     world::Time time{0};
 };
 
+constexpr Limits shifted{-1, 60s}; // a picture command with the technician's offset, which may be any code
+
 /// Codes that the callers of the general property commands give.
 bool isCallersCode(std::uint8_t requestCode) {
     return requestCode == code(Command::getProperty) || requestCode == code(Command::setProperty) ||
@@ -52,7 +54,6 @@ bool isCallersCode(std::uint8_t requestCode) {
 /// Of the slowest row with this code.
 Limits limitsOf(std::uint8_t requestCode, bool json) {
     constexpr std::uint32_t keptTimeoutMs = 1000;
-    constexpr Limits shifted{-1, 60s}; // a picture command with the technician's offset
     Limits limits;
     bool known = false;
     for (const protocol::ExchangeRule* const row : protocol::rules::all) {
@@ -152,7 +153,7 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
             return; // data of an upload
         exchange = {};
         exchange.code = frame ? view.get(protocol::frame_layout::command) : std::uint8_t{0};
-        const Limits limits = limitsOf(exchange.code, json);
+        const Limits limits = m_pictureOffset ? shifted : limitsOf(exchange.code, json);
         exchange.mostReads =
             limits.reads + (isUpload(exchange.code) ? protocol::rules::modelVerdictTries : 0);
         if (limits.reads < 0)
