@@ -1,17 +1,20 @@
 #include "tests/simulation/judge.h"
 
+#include "aids/camerafinderwindow.h"
+#include "aids/checkupwindow.h"
 #include "link/protocol/exchangetable.h"
 #include "link/protocol/frame.h"
+#include "pictures/picturelistwindow.h"
 #include "tests/support/windowactions.h"
 
 #include <QComboBox>
-#include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMainWindow>
+#include <QPixmapCache>
 #include <QRegularExpression>
 #include <QStatusBar>
+#include <QTableWidget>
 
 #include <algorithm>
 #include <filesystem>
@@ -40,6 +43,8 @@ struct Limits {
     world::Time time{0};
 };
 
+constexpr Limits shifted{-1, 60s}; // a picture command with the technician's offset, which may be any code
+
 /// Codes that the callers of the general property commands give.
 bool isCallersCode(std::uint8_t requestCode) {
     return requestCode == code(Command::getProperty) || requestCode == code(Command::setProperty) ||
@@ -49,7 +54,6 @@ bool isCallersCode(std::uint8_t requestCode) {
 /// Of the slowest row with this code.
 Limits limitsOf(std::uint8_t requestCode, bool json) {
     constexpr std::uint32_t keptTimeoutMs = 1000;
-    constexpr Limits shifted{-1, 60s}; // a picture command with the technician's offset
     Limits limits;
     bool known = false;
     for (const protocol::ExchangeRule* const row : protocol::rules::all) {
@@ -104,7 +108,7 @@ QString labelText(const QWidget& window, const char* name) {
 Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources()) {
     world::setCallObserver([this](const std::string& port, const std::string& call) {
         world::note([&] { return port + ' ' + call; });
-        libraryCalled(call);
+        libraryCalled(port, call);
     });
     world::onStandstill([this](world::Time duration) {
         const world::Time limit = m_ownRequests + othersTime;
@@ -136,8 +140,10 @@ void Judge::watch(QWidget* mainWindow) {
 
 // --- the line ----------------------------------------------------------------------------------------------
 
-void Judge::libraryCalled(const std::string& call) {
+void Judge::libraryCalled(const std::string& port, const std::string& call) {
+    Exchange& exchange = m_exchanges[port];
     if (call.starts_with("write ")) {
+        require(!m_silent || world::threadNumber() != 0, "O2: an action sends that should not");
         const Bytes head = bytesOfHex(call.substr(call.find(':') + 1));
         const ByteView view(head);
         const bool frame =
@@ -145,24 +151,24 @@ void Judge::libraryCalled(const std::string& call) {
         const bool json = !frame && m_workplace.camera().settings().type == emulator::CameraType::quenta;
         if (!frame && !json)
             return; // data of an upload
-        m_exchange = {};
-        m_exchange.code = frame ? view.get(protocol::frame_layout::command) : std::uint8_t{0};
-        const Limits limits = limitsOf(m_exchange.code, json);
-        m_exchange.mostReads =
-            limits.reads + (isUpload(m_exchange.code) ? protocol::rules::modelVerdictTries : 0);
+        exchange = {};
+        exchange.code = frame ? view.get(protocol::frame_layout::command) : std::uint8_t{0};
+        const Limits limits = m_pictureOffset ? shifted : limitsOf(exchange.code, json);
+        exchange.mostReads =
+            limits.reads + (isUpload(exchange.code) ? protocol::rules::modelVerdictTries : 0);
         if (limits.reads < 0)
-            m_exchange.mostReads = -1;
+            exchange.mostReads = -1;
         if (world::threadNumber() == 0) // JSON pictures are never read there
             m_ownRequests += json ? limitsOf(code(Command::getProperty), false).time : limits.time;
     } else if (call.starts_with("read ")) {
-        ++m_exchange.reads;
+        ++exchange.reads;
         // The window that views a picture waits for all of its bytes.
-        if (m_exchange.mostReads < 0 && m_exchange.reads == endlessReads && world::threadNumber() == 0) {
+        if (exchange.mostReads < 0 && exchange.reads == endlessReads && world::threadNumber() == 0) {
             lostPatience();
-            m_workplace.perform({StepKind::pull, 0, 0, 0});
+            m_workplace.pull(port);
         }
-        require(m_exchange.mostReads < 0 || m_exchange.reads <= m_exchange.mostReads,
-                "O3: more reads than tries for command " + std::to_string(m_exchange.code));
+        require(exchange.mostReads < 0 || exchange.reads <= exchange.mostReads,
+                "O3: more reads than tries for command " + std::to_string(exchange.code));
     }
 }
 
@@ -183,6 +189,9 @@ void Judge::statusShown(const QString& text) {
     world::note([&text] { return "status: " + text.toStdString(); });
     if (text.contains(QStringLiteral("没有可升级的文件")))
         m_pressedWithoutFile = true;
+    if (text.startsWith(QStringLiteral("图片命令附加值：")) ||
+        text.contains(QStringLiteral("  图片命令附加值：")))
+        m_pictureOffset = true;
     static const QRegularExpression outcome(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d  (.+)：完成"));
     if (const auto match = outcome.match(text); match.hasMatch())
         checkOutcome(match.captured(1));
@@ -227,9 +236,10 @@ void Judge::checkUploadSuccess() {
         // The line may have swallowed some: only the last announcement's answer counts, and the closing
         // packets'.
         const bool all = record.appV1.announcements >= 5 && record.appV1.closingPackets >= 11;
-        require(all || disturbed.toCamera || disturbed.restarted,
+        require(all || disturbed.toCamera || disturbed.restarted || restartsByCommand(),
                 "O1: success without the whole second protocol");
-        require(m_workplace.camera().settings().holdsAnnouncedImage,
+        const bool nothingToHold = QFileInfo(labelText(*m_window, "label_apppath")).size() == 0;
+        require(nothingToHold || m_workplace.camera().settings().holdsAnnouncedImage,
                 "O1: success, but the camera has no such image");
         return;
     }
@@ -256,14 +266,29 @@ void Judge::checkLinkText() {
 
 void Judge::linkClosed(world::Time duration) {
     require(duration <= longestClosing, "O3: closing took " + std::to_string(duration / 1ms) + " ms");
-    require(world::openPorts() == 0, "O4: a port is open after closing");
+    require(world::openPortsOfFirstThread() == 0, "O4: a port is open after closing");
 }
 
-/// A download reads until all its bytes have come, which a good line and a camera that does not restart send.
+/// A download reads until all its bytes have come, which a good line and a camera that does not restart send
+/// after a picture command that it knows.
 void Judge::lostPatience() {
-    const bool restarts = heard(code(Command::reboot)) + heard(code(Command::resetToFactory)) > 0 ||
-                          !m_workplace.camera().record().uploads.empty();
-    require(restarts || m_workplace.disturbances().any(), "O3: a job never ends");
+    require(restartsByCommand() || !isCameraLinked() || m_pictureOffset ||
+                !m_workplace.camera().record().uploads.empty() || m_workplace.disturbances().any(),
+            "O3: a job never ends");
+}
+
+bool Judge::restartsByCommand() {
+    return heard(code(Command::reboot)) + heard(code(Command::resetToFactory)) > 0;
+}
+
+/// By port and rate.
+bool Judge::isCameraLinked() const {
+    const QStringList link = labelText(*m_window, "label_link").split(QChar(u'，'));
+    const auto& ports = m_workplace.portNames();
+    const auto rate = protocol::infoOf(m_workplace.camera().settings().type).baudRate;
+    return link.size() > 1 &&
+           std::find(ports.begin(), ports.end(), link.at(0).toStdString()) != ports.end() &&
+           link.at(1) == QString::number(rate);
 }
 
 void Judge::checkStep() {
@@ -316,56 +341,44 @@ void Judge::checkValues() {
     }
 }
 
-/// Nothing but the file is inside an upload, and nothing but whole requests outside.
-void Judge::checkUploadedBytes() {
-    const Disturbances& disturbed = m_workplace.disturbances();
-    const emulator::CameraRecord& record = m_workplace.camera().record();
-    if (!disturbed.toCamera && !disturbed.camera) {
-        for (const emulator::UploadRecord& upload : record.uploads) {
-            if (!upload.complete)
-                continue; // interrupted: until its silence the camera takes the next requests for data
-            bool known = false;
-            for (int file = 0; file < m_workplace.files().size(); ++file) {
-                const Bytes content = Workplace::contentOf(static_cast<std::size_t>(file));
-                const auto digest =
-                    QCryptographicHash::hash(QByteArray(reinterpret_cast<const char*>(content.data()),
-                                                        static_cast<qsizetype>(content.size())),
-                                             QCryptographicHash::Md5);
-                if (Bytes(digest.begin(), digest.end()) != upload.digest)
-                    continue;
-                known = true;
-                const Bytes sent =
-                    ByteView(content).range(upload.offset, upload.offset + upload.received.size()).toBytes();
-                require(sent == upload.received, "O2: foreign bytes inside an upload");
-            }
-            require(known, "O1: an upload of no chosen file");
-        }
-    }
-    if (!disturbed.any()) {
-        require(record.badFrames == 0, "O2: damaged requests on the line");
-        require(record.garbageBytes == 0, "O2: bytes outside any request on the line");
-    }
-    require(record.appV1.dataPackets == 0, "O2: a data packet of the second protocol");
+// --- aids --------------------------------------------------------------------------------------------------
+
+void Judge::cameraUsed(const QStringList& camera) {
+    if (m_workplace.disturbances().adapter)
+        return; // its port may be gone
+    const QString text = labelText(*m_window, "label_link");
+    require(text == QStringLiteral("%1，%2，从机地址 %3").arg(camera.at(0), camera.at(1), camera.at(2)),
+            "O6: after the choice of a found camera the link is " + text.toStdString());
 }
 
-void Judge::checkFiles() {
-    static const QRegularExpression pictureName(QStringLiteral("^(\\d+)\\.jpg$"));
-    const Disturbances& disturbed = m_workplace.disturbances();
-    for (const QString& name : QDir::current().entryList(QDir::Files)) {
-        const auto match = pictureName.match(name);
-        require(match.hasMatch(), "O7: the file " + name.toStdString());
-        if (!match.hasMatch() || disturbed.toTool || disturbed.late || disturbed.camera)
-            continue;
-        QFile file(name);
-        require(file.open(QIODevice::ReadOnly), "O7: unreadable file");
-        const QByteArray bytes = file.readAll();
-        const auto id = match.captured(1).toUInt();
-        const auto& pictures = m_workplace.pictures();
-        const bool whole = std::any_of(pictures.begin(), pictures.end(), [&](const TakenPicture& picture) {
-            return (picture.id & 0xFFU) == id && Bytes(bytes.begin(), bytes.end()) == picture.jpeg;
-        });
-        require(whole, "O7: " + name.toStdString() + " is no picture of the camera with this id");
+void Judge::checkAids() {
+    const auto enabled = [](const QWidget* window, const char* name) {
+        return window->findChild<QWidget*>(QLatin1String(name))->isEnabled();
+    };
+    const auto atRest = [&](const QWidget* window, const std::string& what) {
+        require(enabled(window, "btn_start"), "O5: " + what + " cannot begin");
+        require(!enabled(window, "btn_stop"), "O5: " + what + " can be stopped, but none runs");
+    };
+    for (const CameraFinderWindow* const finder : m_window->findChildren<CameraFinderWindow*>()) {
+        atRest(finder, "a search");
+        require(!labelText(*finder, "label_state").startsWith(QStringLiteral("已试")),
+                "O6: an endless search");
+        const auto* const table = finder->findChild<QTableWidget*>(QStringLiteral("table_found"));
+        const auto& ports = m_workplace.portNames();
+        for (int row = 0; row < table->rowCount(); ++row) {
+            const std::string port = table->item(row, 0)->text().toStdString();
+            require(std::find(ports.begin(), ports.end(), port) != ports.end(),
+                    "O6: a camera was found at " + port);
+        }
     }
+    for (const CheckupWindow* const checkup : m_window->findChildren<CheckupWindow*>()) {
+        atRest(checkup, "a check-up");
+        require(labelText(*checkup, "label_verdict") != QStringLiteral("正在检查…"),
+                "O6: an endless check-up");
+    }
+    for (const PictureListWindow* const list : m_window->findChildren<PictureListWindow*>())
+        require(guitest::text(*list, "btn_download_all") == QStringLiteral("下载全部"),
+                "O6: a list downloads, but no job runs");
 }
 
 // --- quiet and end -----------------------------------------------------------------------------------------
@@ -375,6 +388,7 @@ void Judge::checkQuiet() {
         checkLinkText();
         checkControls();
         checkValues();
+        checkAids();
     }
     checkUploadedBytes();
     checkFiles();
@@ -393,6 +407,7 @@ void Judge::checkEnd() {
 }
 
 Judge::Resources Judge::resources() {
+    QPixmapCache::clear(); // it has a limit of its own
     return {openDescriptors(), ::mallinfo2().uordblks};
 }
 

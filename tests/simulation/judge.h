@@ -4,8 +4,10 @@
 #include "tests/simulation/workplace.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -31,6 +33,10 @@ public:
     void checkStep();
     void boxShown(const QString& text);
     void linkClosed(world::Time duration);
+    /// From now on, or no longer, the first thread sends nothing.
+    void expectSilence(bool silent) { m_silent = silent; }
+    /// A found camera was taken: port, rate, address.
+    void cameraUsed(const QStringList& camera);
     /// A job lasted so long that the technician ended it.
     void lostPatience();
     /// All is quiet: no job runs, no dialog is open.
@@ -52,7 +58,7 @@ private:
     };
 
     void require(bool holds, const std::string& complaint);
-    void libraryCalled(const std::string& call);
+    void libraryCalled(const std::string& port, const std::string& call);
     void statusShown(const QString& text);
     void checkOutcome(const QString& name);
     void checkUploadSuccess();
@@ -60,17 +66,24 @@ private:
     void checkControls();
     void checkValues();
     void checkUploadedBytes();
+    void checkAids();
     void checkFiles();
+    void checkSavedFiles();
+    void checkPicture(const QString& path, std::optional<unsigned int> id);
+    [[nodiscard]] bool restartsByCommand();
+    [[nodiscard]] bool isCameraLinked() const;
     [[nodiscard]] std::size_t heard(std::uint8_t code, bool json = false);
     [[nodiscard]] static Resources resources();
 
     Workplace& m_workplace;
     QWidget* m_window = nullptr;
     std::vector<std::string> m_complaints;
-    Exchange m_exchange;
+    std::map<std::string, Exchange> m_exchanges; ///< by port: a search has several
+    bool m_silent = false;
     world::Time m_ownRequests{0}; ///< what the first thread's requests of this standstill may take
     std::map<QString, std::size_t> m_heardBefore;
     bool m_pressedWithoutFile = false;
+    bool m_pictureOffset = false; ///< one was entered in this session
     Resources m_before;
 };
 

@@ -23,6 +23,11 @@ enum class StepKind : std::uint8_t {
     close,        ///< closes the window in front
     upload,       ///< chooses a file and presses the button of an upload
     port,         ///< chooses another port or rate
+    aid,          ///< chooses an entry of the button "更多"
+    use,          ///< works in one of the windows of aids, lists and pictures
+    status,       ///< presses a button of the status bar
+    drag,         ///< drags a file over the main window, and drops it
+    replug,       ///< pulls the adapter, plugs it in and presses "重新打开"
     wait,         ///< looks on
     closeProgram, ///< closes the main window
     // the line

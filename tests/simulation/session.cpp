@@ -4,6 +4,7 @@
 #include "dialogs/setcameraprotocol.h"
 #include "link/diagnostics.h"
 #include "pictures/piclist.h"
+#include "service/report.h"
 #include "tests/simulation/judge.h"
 #include "tests/simulation/technician.h"
 #include "tests/support/windowactions.h"
@@ -13,9 +14,11 @@
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QMimeDatabase>
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QSettings>
+#include <QTemporaryDir>
 #include <QThreadPool>
 
 #include <iostream>
@@ -39,10 +42,11 @@ namespace simulation {
 
 namespace {
 
-constexpr auto quietTime = 3s;          // in which a result that is on its way is shown
-constexpr auto longestSettling = 10min; // uploads of the second protocol, return waits
-constexpr auto poolExpiry = 40s;        // idle pool threads end after 30 s
-constexpr world::Time patience = 150s;  // then the technician closes the link
+constexpr auto quietTime = 3s;             // in which a result that is on its way is shown
+constexpr auto longestSettling = 10min;    // uploads of the second protocol, return waits
+constexpr auto poolExpiry = 40s;           // idle pool threads end after 30 s
+constexpr world::Time longestSearch = 60s; // then the technician stops it
+constexpr world::Time patience = 150s;     // then the technician closes the link
 
 /// Pauses wait in place of polling the clock.
 class SimulatedClock final : public Clock {
@@ -122,11 +126,13 @@ public:
             technician.onStep([this] { m_judge.checkStep(); });
             technician.onBox([this](const QString& text) { m_judge.boxShown(text); });
             technician.onLinkClosed([this](world::Time duration) { m_judge.linkClosed(duration); });
+            technician.onSilence([this](bool silent) { m_judge.expectSilence(silent); });
+            technician.onCameraUsed([this](const QStringList& camera) { m_judge.cameraUsed(camera); });
             QEventLoop loop;
             QObject::connect(&technician, &Technician::done, &loop, &QEventLoop::quit);
             technician.start();
             loop.exec();
-            settle();
+            settle(technician);
             m_judge.checkQuiet();
             m_window->close(); // the technician answers the question
         }
@@ -150,7 +156,7 @@ private:
     }
 
     /// Until nothing runs. A download that never ends is ended as a technician would.
-    void settle() {
+    void settle(Technician& technician) {
         const world::Time start = world::now();
         world::Time quietSince = start;
         bool patient = true;
@@ -158,11 +164,14 @@ private:
             wait(200ms);
             if (isBusy())
                 quietSince = world::now();
+            if (world::now() - start > longestSearch)
+                technician.stopSearch();
             if (patient && world::now() - start > patience) {
                 patient = false;
                 m_judge.lostPatience();
-                if (world::openPorts() > 0)
-                    m_window->findChild<QPushButton*>(QStringLiteral("btn_open"))->click();
+                auto* const link = m_window->findChild<QPushButton*>(QStringLiteral("btn_open"));
+                if (link->text() == QStringLiteral("关闭串口"))
+                    link->click();
             }
         }
     }
@@ -212,6 +221,16 @@ void prepareProcess(char** arguments, bool spectator) {
     ::execv("/proc/self/exe", arguments);
 }
 
+/// Qt keeps fonts and codecs of the first one.
+void writeSomeReports() {
+    const QTemporaryDir folder;
+    service::Checkup checkup;
+    checkup.at = QDateTime::currentDateTime();
+    for (const char* const suffix : {"pdf", "html", "csv"})
+        std::ignore =
+            service::writeReport(checkup, folder.filePath(QStringLiteral("report.") + QLatin1String(suffix)));
+}
+
 void warmUp() {
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     // Nothing of the user's is read or written.
@@ -225,8 +244,17 @@ void warmUp() {
             entry->objectName() != QLatin1String("actionOriginCmdExtraAdd"))
             entry->trigger();
     }
+    for (QAction* const entry : aidEntries(window))
+        entry->trigger();
+    for (QWidget* const each : window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+        if (each->isWindow())
+            std::ignore = each->grab(); // Qt keeps the glyphs
+    }
     QMessageBox box(QMessageBox::Information, QString(), QStringLiteral("升级"));
     box.show();
+    writeSomeReports();
+    // The dialog asks for the types of files, of which the folder may have none.
+    std::ignore = QMimeDatabase().mimeTypeForFile(QStringLiteral("image.bin"));
     QTimer::singleShot(1s, &window, [] { QApplication::activeModalWidget()->close(); });
     std::ignore = QFileDialog::getOpenFileName(&window);
     window.close();   // an open one lists the ports again and again

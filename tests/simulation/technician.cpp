@@ -1,11 +1,11 @@
 #include "tests/simulation/technician.h"
 
-#include <QAbstractButton>
+#include "pictures/imgdialog.h"
+#include "tests/simulation/choice.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
-#include <QFileDialog>
-#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -21,27 +21,8 @@ namespace simulation {
 
 namespace {
 
-constexpr int afterwardsMs = 200; // between answers to dialogs when all steps are done
-
-/// One of the list, by a number of any size; null if it is empty.
-template <typename List>
-auto* chosen(const List& list, std::uint32_t choice) {
-    using Item = std::remove_pointer_t<typename List::value_type>;
-    return list.empty() ? static_cast<Item*>(nullptr)
-                        : list.at(static_cast<typename List::size_type>(choice) % list.size());
-}
-
-template <typename Widget>
-QList<Widget*> usable(const QWidget& window) {
-    QList<Widget*> found = window.findChildren<Widget*>();
-    found.removeIf([](const Widget* each) { return !each->isVisible() || !each->isEnabled(); });
-    return found;
-}
-
-template <typename Widget = QAbstractButton>
-Widget* named(const QWidget& window, const char* name) {
-    return window.findChild<Widget*>(QLatin1String(name));
-}
+constexpr int afterwardsMs = 200;   // between answers to dialogs when all steps are done
+constexpr std::uint32_t noFile = 4; // a refused replacement would lead to the same question again
 
 /// Texts that a technician types, good and bad ones.
 const QString& typedText(std::uint32_t choice) {
@@ -103,7 +84,8 @@ void Technician::next() {
         m_check();
     const bool last = m_next >= m_scenario.steps.size();
     if (last) {
-        if (answerDialog({StepKind::press, 0, 0, 0}) || QApplication::activeModalWidget() != nullptr) {
+        if (answerDialog({StepKind::press, 0, 0, noFile}) || QApplication::activeModalWidget() != nullptr ||
+            m_reopeningTries > 0) {
             m_timer.start(afterwardsMs);
             return;
         }
@@ -123,7 +105,7 @@ void Technician::next() {
 }
 
 void Technician::perform(const Step& step) {
-    if (infoOf(step.kind).fault || step.kind == StepKind::plug) {
+    if ((infoOf(step.kind).fault && step.kind != StepKind::replug) || step.kind == StepKind::plug) {
         m_workplace.perform(step);
         return;
     }
@@ -159,6 +141,21 @@ void Technician::perform(const Step& step) {
     case StepKind::port:
         choosePort(step);
         break;
+    case StepKind::aid:
+        chooseAid(step);
+        break;
+    case StepKind::use:
+        use(step);
+        break;
+    case StepKind::status:
+        pressInStatusBar(step);
+        break;
+    case StepKind::drag:
+        drag(step);
+        break;
+    case StepKind::replug:
+        replug(step);
+        break;
     case StepKind::closeProgram:
         note(QStringLiteral("closes the main window"));
         m_main->close();
@@ -166,40 +163,6 @@ void Technician::perform(const Step& step) {
     default:
         break;
     }
-}
-
-// --- dialogs -----------------------------------------------------------------------------------------------
-
-bool Technician::answerDialog(const Step& step) {
-    QWidget* const modal = QApplication::activeModalWidget();
-    if (auto* const files = qobject_cast<QFileDialog*>(modal)) {
-        const QString& path = m_workplace.files().at(step.choice % m_workplace.files().size());
-        if (step.detail % 5 == 4) {
-            note(QStringLiteral("chooses no file"));
-            files->reject();
-        } else if (auto* const name = named<QLineEdit>(*files, "fileNameEdit")) {
-            note(QStringLiteral("chooses a file"));
-            name->setText(path);
-            QMetaObject::invokeMethod(files, "accept");
-        }
-        return true;
-    }
-    if (auto* const input = qobject_cast<QInputDialog*>(modal)) {
-        note(QStringLiteral("enters a number"));
-        input->setIntValue(static_cast<int>(step.choice % 300));
-        input->done(static_cast<int>(step.detail % 2));
-        return true;
-    }
-    if (auto* const box = qobject_cast<QMessageBox*>(modal)) {
-        QAbstractButton* const button = chosen(box->buttons(), step.choice);
-        note(QStringLiteral("answers with ") + (button == nullptr ? QString() : button->text()));
-        if (button != nullptr)
-            button->click();
-        else
-            box->close();
-        return true;
-    }
-    return false;
 }
 
 // --- windows -----------------------------------------------------------------------------------------------
@@ -212,6 +175,10 @@ QList<QWidget*> Technician::windows() const {
         if (window != nullptr && window->isWindow() && window->isVisible() &&
             window->windowType() == Qt::Window)
             open.append(window);
+    }
+    for (ImgDialog* const view : m_main->findChildren<ImgDialog*>()) {
+        if (view->isVisible())
+            open.append(view);
     }
     return open;
 }
@@ -238,6 +205,7 @@ void Technician::press(const Step& step) {
     buttons.removeIf([](const QAbstractButton* each) {
         return each->objectName() == QLatin1String("btn_open") ||
                each->objectName() == QLatin1String("btn_more") ||
+               each->objectName() == QLatin1String("btn_print") || // asks the system for its printers
                each->objectName().startsWith(QLatin1String("qt_"));
     });
     if (QAbstractButton* const button = chosen(buttons, step.choice)) {
@@ -253,15 +221,19 @@ void Technician::chooseMenu(const Step& step) {
     if (QAction* const entry = chosen(entries, step.choice);
         entry != nullptr && windows().size() <= mostWindows) {
         note(QStringLiteral("chooses ") + entry->objectName());
-        const QList<QWidget*> before = windows();
-        const QPointer<Technician> self(this);
-        entry->trigger();
-        if (self == nullptr || m_main == nullptr)
-            return;
-        for (QWidget* const window : windows()) {
-            if (!before.contains(window))
-                m_front = window;
-        }
+        triggerAndFollow(*entry);
+    }
+}
+
+void Technician::triggerAndFollow(QAction& entry) {
+    const QList<QWidget*> before = windows();
+    const QPointer<Technician> self(this);
+    entry.trigger();
+    if (self == nullptr || m_main == nullptr)
+        return;
+    for (QWidget* const window : windows()) {
+        if (!before.contains(window))
+            m_front = window;
     }
 }
 

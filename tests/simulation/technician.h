@@ -13,12 +13,15 @@
 
 class QAction;
 class QDialog;
+class QFileDialog;
 class QWidget;
 
 namespace simulation {
 
 /// The entries of the menu bar.
 [[nodiscard]] QList<QAction*> menuEntries(const QWidget& mainWindow);
+/// The entries of the button "更多" that open a window of the tool.
+[[nodiscard]] QList<QAction*> aidEntries(const QWidget& mainWindow);
 
 /// Performs the steps one after the other, inside whatever event loop runs: a box or file dialog that is open
 /// is answered by the next step. Steps that do not apply do nothing.
@@ -39,6 +42,14 @@ public:
 
     /// Called with the time that the button needed to close the link.
     void onLinkClosed(std::function<void(world::Time)> handler) { m_linkHandler = std::move(handler); }
+    /// Called before (true) and after actions that send nothing.
+    void onSilence(std::function<void(bool)> handler) { m_silenceHandler = std::move(handler); }
+    /// Called with port, rate and address after a found camera was taken and no box came.
+    void onCameraUsed(std::function<void(const QStringList& camera)> handler) {
+        m_usedHandler = std::move(handler);
+    }
+    /// Ends what may last for many minutes.
+    void stopSearch();
 
     bool eventFilter(QObject* object, QEvent* event) override;
 
@@ -59,6 +70,25 @@ private:
     void closeFront();
     void upload(const Step& step);
     void choosePort(const Step& step);
+    void chooseAid(const Step& step);
+    void use(const Step& step);
+    void openOneMore(std::uint32_t choice);
+    void useFinder(QWidget& finder, std::uint32_t action);
+    void startSearch(const QWidget& finder, std::uint32_t choice);
+    void useFound(QWidget& finder, std::uint32_t choice);
+    void useCheckup(QWidget& checkup, std::uint32_t action);
+    void useLineRecord(QWidget& record, std::uint32_t action);
+    void useList(QWidget& list, std::uint32_t action);
+    void usePictureView(QWidget& view, std::uint32_t action);
+    void pressInStatusBar(const Step& step);
+    void drag(const Step& step);
+    void replug(const Step& step);
+    void reopen();
+    void pressNamed(const QWidget& window, const char* name);
+    void silently(const std::function<void()>& action);
+    void chooseFile(QFileDialog& dialog, const Step& step);
+    [[nodiscard]] QString pathFor(const QFileDialog& dialog, const Step& step);
+    void triggerAndFollow(QAction& entry);
     [[nodiscard]] QList<QWidget*> windows() const;
     [[nodiscard]] QWidget* frontWindow() const;
     void note(const QString& text) const;
@@ -74,6 +104,9 @@ private:
     std::function<void()> m_check;
     std::function<void(const QString&)> m_boxHandler;
     std::function<void(world::Time)> m_linkHandler;
+    std::function<void(bool)> m_silenceHandler;
+    std::function<void(const QStringList&)> m_usedHandler;
+    int m_reopeningTries = 0; ///< that are left after an adapter was pulled
 };
 
 } // namespace simulation

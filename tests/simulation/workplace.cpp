@@ -20,6 +20,7 @@ namespace simulation {
 namespace {
 
 constexpr std::array<std::size_t, 4> fileSizes{700, 1300, 0, 9000};
+constexpr std::array<const char*, 4> fileNames{"app.bin", "image.bin", "system.bin", "model.bin"};
 constexpr std::uint32_t bitsPerByte = 10;
 
 /// A picture that decodes; the comment makes each another one.
@@ -89,8 +90,10 @@ Workplace::Workplace(const Scenario& scenario)
         m_pictures.push_back({id, smallPicture(id, 1000U + id)});
         state.pictures.push_back(emulator::makePicture(id, m_pictures.back().jpeg));
     }
+    for (const char* const folder : {savedFolder, pictureFolder})
+        QDir().mkdir(QLatin1String(folder));
     for (std::size_t i = 0; i < fileSizes.size(); ++i) {
-        const QString name = QDir(QStringLiteral("..")).filePath(QStringLiteral("image%1.bin").arg(i));
+        const QString name = QDir(QStringLiteral("..")).filePath(QLatin1String(fileNames.at(i)));
         QFile file(name);
         if (file.open(QIODevice::WriteOnly)) {
             const Bytes content = contentOf(i);
@@ -162,6 +165,15 @@ void Workplace::perform(const Step& step) {
     default:
         break;
     }
+}
+
+void Workplace::pull(const std::string& port) {
+    if (port != emptyPort) {
+        perform({StepKind::pull, 0, 0, 0});
+        return;
+    }
+    m_disturbances.adapter = true;
+    world::removePort(emptyPort);
 }
 
 void Workplace::interfere(Direction direction, Bytes& bytes) {

@@ -6,6 +6,7 @@
 
 #include <QStringList>
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -39,12 +40,20 @@ public:
 
     /// A step of the line, the camera or the adapter.
     void perform(const Step& step);
+    /// The adapter with this port, the camera's or the other.
+    void pull(const std::string& port);
 
     [[nodiscard]] world::SimulatedLine& line() { return m_line; }
     [[nodiscard]] emulator::VirtualCamera& camera() { return m_line.camera(); }
     [[nodiscard]] const Disturbances& disturbances() const { return m_disturbances; }
     /// Files to upload, small ones first.
     [[nodiscard]] const QStringList& files() const { return m_files; }
+    /// The technician chose this file, or this folder for pictures, to be written.
+    void choose(const QString& path) { m_chosen.insert(path); }
+    [[nodiscard]] const std::set<QString>& chosen() const { return m_chosen; }
+    /// Folders beside the working directory, for what is saved.
+    static constexpr const char* savedFolder = "../saved";
+    static constexpr const char* pictureFolder = "../pictures";
     /// Content of the file.
     [[nodiscard]] static protocol::Bytes contentOf(std::size_t file);
     /// Names of the camera's port so far.
@@ -70,6 +79,7 @@ private:
     std::vector<Interference> m_pending;
     Disturbances m_disturbances;
     QStringList m_files;
+    std::set<QString> m_chosen;
 };
 
 } // namespace simulation

@@ -17,6 +17,7 @@ namespace {
 struct Registry {
     std::map<std::string, SimulatedPort> ports;
     int open = 0;
+    int openByFirstThread = 0;
     std::function<void(const std::string&, const std::string&)> observer;
 };
 
@@ -70,6 +71,10 @@ int openPorts() {
     return registry().open;
 }
 
+int openPortsOfFirstThread() {
+    return registry().openByFirstThread;
+}
+
 void setCallObserver(std::function<void(const std::string&, const std::string&)> observer) {
     registry().observer = std::move(observer);
 }
@@ -90,11 +95,9 @@ const SerialException
 
 class Serial::SerialImpl {
 public:
-    SerialImpl(std::string name, Timeout limits) : port(std::move(name)), timeout(limits) {
-        world::registry().open += port.empty() ? 0 : 1;
-    }
+    SerialImpl(std::string name, Timeout limits) : port(std::move(name)), timeout(limits) { count(1); }
     ~SerialImpl() {
-        world::registry().open -= port.empty() ? 0 : 1;
+        count(-1);
         if (SimulatedLine* const line = currentLine())
             line->closeToolEnd();
     }
@@ -122,6 +125,16 @@ public:
 
     const std::string port;
     Timeout timeout;
+
+private:
+    void count(int change) const {
+        if (port.empty())
+            return;
+        world::registry().open += change;
+        world::registry().openByFirstThread += m_byFirstThread ? change : 0;
+    }
+
+    const bool m_byFirstThread = world::threadNumber() == 0;
 };
 
 Serial::Serial(const std::string& port, uint32_t baudrate, Timeout timeout, bytesize_t, parity_t, stopbits_t,

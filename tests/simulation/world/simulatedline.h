@@ -102,6 +102,8 @@ void removePort(const std::string& name);
 [[nodiscard]] SimulatedPort* findPort(const std::string& name);
 /// Number of ports that are open.
 [[nodiscard]] int openPorts();
+/// Of these, the ones that the process's first thread opened.
+[[nodiscard]] int openPortsOfFirstThread();
 /// Called with each call of the library, as fake_serial writes it.
 void setCallObserver(std::function<void(const std::string& port, const std::string& call)> observer);
 
