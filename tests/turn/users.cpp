@@ -184,16 +184,20 @@ User aidUser(const char* name, const char* entry, std::function<std::vector<Show
 }
 
 User checkupUser() {
-    return aidUser<CheckupWindow>("Checkup", "actionCheckup",
-                                  [](const QWidget& window) -> std::vector<Shown> {
-                                      const auto* const table = find<QTableWidget>(window, "table_lines");
-                                      QString serialNumber;
-                                      for (int row = 0; row < table->rowCount(); ++row) {
-                                          if (table->item(row, 0)->text() == "序列号")
-                                              serialNumber = table->item(row, 1)->text();
-                                      }
-                                      return {{"table_lines", serialNumber, held::serialNumber, {""}, {}}};
-                                  });
+    User user = aidUser<CheckupWindow>("Checkup", "actionCheckup", [](const QWidget& window) {
+        std::vector<Shown> all{{"模型信息", "", held::modelInfo, {""}, {}},
+                               {"序列号", "", held::serialNumber, {""}, {}}};
+        const auto* const table = find<QTableWidget>(window, "table_lines");
+        for (Shown& each : all) {
+            for (int row = 0; row < table->rowCount(); ++row) {
+                if (table->item(row, 0)->text() == each.where)
+                    each.text = table->item(row, 1)->text();
+            }
+        }
+        return all;
+    });
+    user.cameraTypes = frameTypes; // of others neither is read
+    return user;
 }
 
 /// On the open link; the camera answers every address.
