@@ -25,6 +25,7 @@ namespace {
 
 constexpr auto refreshInterval = 200ms;
 constexpr auto filterDelay = 250ms; // typing filters once
+constexpr auto savedNoticeTime = 5s;
 constexpr std::size_t shownBytes = 4096;
 constexpr int bytesOfLine = 16;
 constexpr int rowMargin = 6; // pixels
@@ -95,6 +96,9 @@ void LineRecordWindow::connectControls() {
     m_filterPause.setSingleShot(true);
     m_filterPause.setInterval(filterDelay);
     connect(&m_filterPause, &QTimer::timeout, this, &LineRecordWindow::applyFilter);
+    m_savedNotice.setSingleShot(true);
+    m_savedNotice.setInterval(savedNoticeTime);
+    connect(&m_savedNotice, &QTimer::timeout, this, &LineRecordWindow::showSummary);
     connect(m_ui->et_filter, &QLineEdit::textChanged, this, [this] { m_filterPause.start(); });
     connect(m_ui->cb_odd, &QCheckBox::toggled, this, &LineRecordWindow::applyFilter);
     connect(m_ui->cb_follow, &QCheckBox::toggled, this, &LineRecordWindow::setFollowing);
@@ -151,14 +155,15 @@ void LineRecordWindow::refresh() {
             scrollToNewest();
         enableButtons();
     }
-    showSummary();
+    if (!m_savedNotice.isActive())
+        showSummary();
 }
 
 void LineRecordWindow::setFollowing(bool following) {
-    if (!following)
-        return;
+    m_savedNotice.stop();
     refresh();
-    scrollToNewest();
+    if (following)
+        scrollToNewest();
 }
 
 void LineRecordWindow::scrollToNewest() {
@@ -191,6 +196,7 @@ void LineRecordWindow::showTitle() {
 }
 
 void LineRecordWindow::showSummary() {
+    m_savedNotice.stop();
     const auto& log = m_file.isEmpty() ? m_watch->log() : m_model->log();
     if (log == nullptr) {
         m_ui->label_summary->setText(tr("还没有记录，请打开串口"));
@@ -288,7 +294,12 @@ void LineRecordWindow::save(const QString& path) {
     if (!opened || !file.commit())
         tell(tr("没有保存，请换一个文件夹：%1").arg(file.errorString()));
     else
-        m_ui->label_summary->setText(tr("已保存 %1").arg(path));
+        showSaved(path);
+}
+
+void LineRecordWindow::showSaved(const QString& path) {
+    m_ui->label_summary->setText(tr("已保存 %1").arg(path));
+    m_savedNotice.start();
 }
 
 void LineRecordWindow::chooseRecording() {

@@ -42,6 +42,7 @@ private:
     void copyHex();
     void chooseSaveFile();
     void save(const QString& path);
+    void showSaved(const QString& path);
     void chooseRecording();
     void openRecording(const QString& path);
     void showLive();
@@ -53,4 +54,5 @@ private:
     QString m_file; ///< of the recording that is shown; empty: the line
     QTimer m_timer;
     QTimer m_filterPause;
+    QTimer m_savedNotice; ///< active: the summary's label tells where the recording was saved
 };

@@ -18,6 +18,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QStatusBar>
 
 #include <chrono>
 
@@ -54,6 +55,7 @@ struct MainWindow::ReturnWait {
 void MainWindow::connectUpdates() {
     m_transferDisplay = new TransferDisplay(this, m_clock);
     m_ui->statusbar->insertPermanentWidget(0, m_transferDisplay); // the link keeps its place
+    connect(m_ui->statusbar, &QStatusBar::messageChanged, m_transferDisplay, &TransferDisplay::fit);
     m_lineWait = new LineWait(this);
     for (const ImageKind kind : allImageKinds)
         connect(fileChoice(kind).button, &QPushButton::clicked, this, [this, kind] { chooseFile(kind); });

@@ -5,9 +5,13 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QProgressBar>
+#include <QStatusBar>
+#include <QStyle>
 #include <QToolButton>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -17,17 +21,34 @@ using Phase = TransferProgress::Phase;
 namespace {
 
 constexpr auto pollInterval = 200ms;
+constexpr int barWidth = 120;
+constexpr int narrowBarWidth = 48;
+constexpr int messageMargin = 20; // of the status bar around its message, and a gap
+
+/// A line of text; without room for all of it, the line ends with an ellipsis.
+class ElidedLabel final : public QLabel {
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+        style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(), isEnabled(),
+                              shown, foregroundRole());
+    }
+};
 
 } // namespace
 
 TransferDisplay::TransferDisplay(QWidget* parent, const Clock& clock)
-    : QWidget(parent), m_clock(clock), m_label(new QLabel(this)), m_bar(new QProgressBar(this)),
+    : QWidget(parent), m_clock(clock), m_label(new ElidedLabel(this)), m_bar(new QProgressBar(this)),
       m_stop(new QToolButton(this)) {
     setObjectName(QStringLiteral("transferDisplay"));
     m_label->setObjectName(QStringLiteral("label_transfer"));
     m_bar->setObjectName(QStringLiteral("bar_transfer"));
     m_bar->setAccessibleName(tr("传输进度"));
-    constexpr int barWidth = 120; // leaves room for the message
+    m_label->setMinimumWidth(1); // the text does not widen the window
     m_bar->setFixedWidth(barWidth);
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins({});
@@ -108,7 +129,38 @@ void TransferDisplay::refresh() {
 
 void TransferDisplay::showWait(const QString& text) {
     m_bar->setRange(0, 0); // an empty range is the busy indicator
+    showText(text);
+}
+
+void TransferDisplay::showText(const QString& text) {
     m_label->setText(text);
+    m_label->setToolTip(text);
+    fit();
+}
+
+/// The right end of this widget does not depend on its width.
+void TransferDisplay::fit() {
+    const auto* const status = qobject_cast<const QStatusBar*>(parentWidget());
+    if (status == nullptr || isHidden())
+        return;
+    const int message = status->fontMetrics().horizontalAdvance(status->currentMessage());
+    int room = geometry().right() + 1 - message - messageMargin - layout()->spacing();
+    if (!m_stop->isHidden())
+        room -= m_stop->sizeHint().width() + layout()->spacing();
+    const int wanted = m_label->fontMetrics().horizontalAdvance(m_label->text());
+    const int bar = std::clamp(room - wanted, narrowBarWidth, barWidth);
+    m_bar->setFixedWidth(bar);
+    m_label->setMaximumWidth(std::max(1, room - bar));
+}
+
+void TransferDisplay::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    fit();
+}
+
+void TransferDisplay::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    fit();
 }
 
 void TransferDisplay::refreshTransfer() {
@@ -124,5 +176,5 @@ void TransferDisplay::refreshTransfer() {
     m_bar->setRange(0, counted ? 100 : 0);
     if (counted)
         m_bar->setValue(transferPercent(snapshot));
-    m_label->setText(transferText(snapshot));
+    showText(transferText(snapshot));
 }

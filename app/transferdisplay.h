@@ -21,7 +21,8 @@ struct ReturnWaitProgress {
     int attempts = 0;
 };
 
-/// A bar and a line of text, hidden without a transfer. Polls the link's progress. User-interface thread.
+/// A bar and a line of text, hidden without a transfer. Polls the link's progress. In a status bar it is the
+/// first permanent widget and leaves room for the message. User-interface thread.
 class TransferDisplay final : public QWidget {
     Q_OBJECT
 
@@ -36,10 +37,16 @@ public:
     /// Shows the wait for the camera's return instead.
     void followReturnWait(std::shared_ptr<const ReturnWaitProgress> progress);
     void finish();
+    /// Call it when the message of the status bar changed.
+    void fit();
 
 signals:
     /// The button beside an upload or return wait was pressed.
     void stopWanted();
+
+protected:
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void follow(const TransferProgress* transfer);
@@ -48,6 +55,7 @@ private:
     void refresh();
     void refreshTransfer();
     void showWait(const QString& text);
+    void showText(const QString& text);
 
     const Clock& m_clock;
     QLabel* m_label;

@@ -55,6 +55,15 @@ protected:
     static QString cell(const QWidget& record, int row, int column) {
         return table(record).model()->index(row, column).data().toString();
     }
+    /// Saves the shown record and returns the message.
+    static QString saveTo(const QWidget& record, const char* name) {
+        const QString path = QDir::current().filePath(name);
+        const FileChooser chooser(path);
+        click(record, "btn_save");
+        const QString message = "已保存 " + path;
+        EXPECT_TRUE(eventually([&] { return text(record, "label_summary") == message; }));
+        return message;
+    }
     static bool waitForRows(const QWidget& record, int count) {
         return eventually([&] { return rows(record) == count; });
     }
@@ -246,6 +255,44 @@ TEST_F(LineRecord, SavesSerialNumbersOnRequest) {
     const trace::Recording saved = trace::loadRecording(path.toStdString());
     EXPECT_FALSE(saved.head.serialsBlanked);
     EXPECT_EQ(saved.entries[1].bytes[10], 'A');
+}
+
+TEST_F(LineRecord, NewRowsLeaveTheSavedMessage) {
+    openLink();
+    heartbeat();
+    LineRecordWindow& record = openWindow();
+    const QString message = saveTo(record, "line.rec");
+    heartbeat();
+    ASSERT_TRUE(waitForRows(record, 4));
+    QTest::qWait(1000);
+    EXPECT_EQ(text(record, "label_summary"), message);
+}
+
+TEST_F(LineRecord, SavedMessageEndsAfterAWhile) {
+    openLink();
+    heartbeat();
+    LineRecordWindow& record = openWindow();
+    saveTo(record, "line.rec");
+    EXPECT_TRUE(eventually(
+        [&] { return text(record, "label_summary") == "COM3，460800：共 2 条，显示 2 条"; }, 20000));
+}
+
+TEST_F(LineRecord, HoldingReplacesTheSavedMessage) {
+    openLink();
+    heartbeat();
+    LineRecordWindow& record = openWindow();
+    saveTo(record, "line.rec");
+    click(record, "cb_follow");
+    EXPECT_TRUE(text(record, "label_summary").endsWith("画面已停住，勾选“跟随”看最新"));
+}
+
+TEST_F(LineRecord, FilteringReplacesTheSavedMessage) {
+    openLink();
+    heartbeat();
+    LineRecordWindow& record = openWindow();
+    saveTo(record, "line.rec");
+    click(record, "cb_odd");
+    EXPECT_EQ(text(record, "label_summary"), "COM3，460800：共 2 条，显示 0 条");
 }
 
 TEST_F(LineRecord, TellsThatItCannotSave) {

@@ -4,6 +4,8 @@
 
 #include <QLabel>
 #include <QProgressBar>
+#include <QStatusBar>
+#include <QToolButton>
 
 using namespace guitest;
 using namespace std::chrono_literals;
@@ -150,6 +152,77 @@ TEST_F(LiveProgress, NeverShowsMoreThanTheFileHas) {
     for (const QString& line : textsWith("已发送 "))
         EXPECT_FALSE(line.contains("2147483647")) << line.toStdString();
     EXPECT_EQ(textsWith("文件已发送，等待摄像头确认…").size(), 1);
+}
+
+class NarrowProgress : public LiveProgress {
+protected:
+    /// The longest text: a resumed upload with its rate.
+    void resumeUpload() {
+        realPauses();
+        camera.setPace(60000);
+        open();
+        choose(appUpload, writeFile("image.bin", 1200000));
+        QFile file("image.bin");
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray prefix = file.read(1000000);
+        camera.withCamera([&](emulator::VirtualCamera& each) {
+            each.state().heldUpload.assign(prefix.begin(), prefix.end());
+        });
+        click(*window, "btn_appupdate");
+        ASSERT_TRUE(eventually([this] { return progress().text().contains("KB/s"); }));
+        ASSERT_TRUE(progress().text().endsWith("（从第 1000000 字节继续）"));
+    }
+    void resizeTo(int width) {
+        window->resize(width, window->height());
+        QTest::qWait(300); // a refresh
+        EXPECT_EQ(window->width(), width);
+        EXPECT_EQ(statusText(*window), "正在升级，请勿断电、勿拔线");
+    }
+    [[nodiscard]] QLabel& progress() const { return *find<QLabel>(*window, "label_transfer"); }
+    /// Pixels between the message's end and the progress.
+    [[nodiscard]] int gap() const {
+        const auto* const bar = window->findChild<QStatusBar*>();
+        const int begin = 6; // of a message in a status bar
+        return find<QWidget>(*window, "transferDisplay")->x() - begin -
+               bar->fontMetrics().horizontalAdvance(statusText(*window));
+    }
+    void expectRoomForAll() const {
+        EXPECT_GT(gap(), 0) << "the message is cut";
+        const auto* const display = find<QWidget>(*window, "transferDisplay");
+        for (const char* const name : {"btn_stop_transfer", "bar_transfer"}) {
+            const auto* const part = find<QWidget>(*window, name);
+            EXPECT_TRUE(part->isVisible()) << name;
+            EXPECT_TRUE(display->rect().contains(part->geometry())) << name << " is cut";
+        }
+        const auto* const stop = find<QToolButton>(*window, "btn_stop_transfer");
+        EXPECT_GE(stop->width(), stop->sizeHint().width());
+        EXPECT_LE(display->geometry().right(), find<QWidget>(*window, "label_link")->x());
+    }
+};
+
+TEST_F(NarrowProgress, LeavesRoomForTheMessage) {
+    resumeUpload();
+    resizeTo(1120);
+    expectRoomForAll();
+    const int atFirst = progress().width();
+    resizeTo(window->minimumSizeHint().width());
+    expectRoomForAll();
+    EXPECT_LT(progress().width(), atFirst);
+}
+
+TEST_F(NarrowProgress, ShowsItsWholeTextInAWideWindow) {
+    resumeUpload();
+    resizeTo(1120);
+    resizeTo(1800);
+    EXPECT_GE(progress().width(), progress().fontMetrics().horizontalAdvance(progress().text()));
+    EXPECT_EQ(find<QWidget>(*window, "bar_transfer")->width(), 120);
+    expectRoomForAll();
+}
+
+TEST_F(NarrowProgress, ToolTipHoldsTheWholeText) {
+    resumeUpload();
+    resizeTo(1120);
+    EXPECT_EQ(progress().toolTip(), progress().text());
 }
 
 } // namespace

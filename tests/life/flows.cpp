@@ -1,16 +1,20 @@
 // The flows that use the link.
 #include "aids/camerafinderwindow.h"
 #include "aids/checkupwindow.h"
+#include "aids/linerecordwindow.h"
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcapturedegree.h"
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
+#include "pictures/imgdialog.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
 #include "tests/life/livingwindow.h"
 
 #include <QCheckBox>
+#include <QDir>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
@@ -74,6 +78,19 @@ Step choosesForFirstRow(const char* entry) {
     };
 }
 
+/// Answers the dialog that asks for a folder.
+template <typename Window>
+Step choosesFolder() {
+    return [](LivingWindow& w) {
+        const QWidget* const window = w.opened<Window>();
+        auto* const dialog = window == nullptr ? nullptr : window->findChild<QFileDialog*>();
+        if (dialog == nullptr)
+            return;
+        guitest::find<QLineEdit>(*dialog, "fileNameEdit")->setText(QDir::currentPath());
+        QMetaObject::invokeMethod(dialog, "accept");
+    };
+}
+
 /// Takes a picture in the list window, lists, views and deletes it.
 template <typename Window>
 std::vector<Step> listSteps(const char* menuEntry, const char* captureButton) {
@@ -99,6 +116,31 @@ std::vector<Flow> pictureFlows() {
         {"List", "rb_ost", CameraType::ostra, 3000ms, listSteps<PicList>("actionPicInfo", "btn_takepic")},
         {"ListV1", "rb_dx_dt", CameraType::salesDynamic, 4500ms,
          listSteps<PicListV1>("actionPicInfoV1", "btn_capture")},
+    };
+}
+
+/// Takes two pictures in the list window and lists them, then the steps.
+template <typename Window>
+std::vector<Step> twoPicturesThen(const char* menuEntry, const char* captureButton,
+                                  const std::vector<Step>& steps) {
+    std::vector<Step> all{chooses(menuEntry), pressesIn<Window>(captureButton),
+                          pressesIn<Window>(captureButton), pressesIn<Window>("btn_refresh")};
+    all.insert(all.end(), steps.begin(), steps.end());
+    return all;
+}
+
+std::vector<Flow> severalPicturesFlows() {
+    return {
+        {"DownloadAll", "rb_ost", CameraType::ostra, 5500ms,
+         twoPicturesThen<PicList>("actionPicInfo", "btn_takepic",
+                                  {pressesIn<PicList>("btn_download_all"), choosesFolder<PicList>()})},
+        {"DownloadAllV1", "rb_dx_dt", CameraType::salesDynamic, 7500ms,
+         twoPicturesThen<PicListV1>("actionPicInfoV1", "btn_capture",
+                                    {pressesIn<PicListV1>("btn_download_all"), choosesFolder<PicListV1>()})},
+        {"ViewNeighbours", "rb_ost", CameraType::ostra, 6500ms,
+         twoPicturesThen<PicList>("actionPicInfo", "btn_takepic",
+                                  {choosesForFirstRow<PicList>("查看"), pressesIn<ImgDialog>("btn_next"),
+                                   pressesIn<ImgDialog>("btn_previous")})},
     };
 }
 
@@ -154,6 +196,12 @@ std::vector<Flow> aidFlows() {
          5500ms,
          {chooses("actionCheckup"), checks<CheckupWindow>("cb_picture"),
           pressesIn<CheckupWindow>("btn_start")}},
+        {"LineRecord",
+         "rb_ost",
+         ostra,
+         1500ms,
+         {chooses("actionLineRecord"), presses("btn_heartbeat"), checks<LineRecordWindow>("cb_odd"),
+          presses("btn_modelinfo"), presses("btn_takepic")}},
     };
 }
 
@@ -186,7 +234,7 @@ std::vector<Flow> uploadFlows() {
 const std::vector<Flow>& flows() {
     static const std::vector<Flow> all = [] {
         std::vector<Flow> list = pictureFlows();
-        for (const auto& more : {settingFlows(), uploadFlows(), aidFlows()})
+        for (const auto& more : {severalPicturesFlows(), settingFlows(), uploadFlows(), aidFlows()})
             list.insert(list.end(), more.begin(), more.end());
         return list;
     }();

@@ -3,6 +3,7 @@
 #include "tests/support/printing.h"
 #include "tests/support/windowactions.h"
 
+#include <QAbstractButton>
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLabel>
@@ -79,7 +80,7 @@ void LivingWindow::open() {
 
 void LivingWindow::press(const QWidget* window, const char* button) {
     if (window != nullptr && window->isEnabled())
-        find<QPushButton>(*window, button)->click(); // does nothing when the button itself is disabled
+        find<QAbstractButton>(*window, button)->click(); // does nothing when the button itself is disabled
 }
 
 void LivingWindow::choose(const char* menuEntry) const {

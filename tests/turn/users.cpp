@@ -1,5 +1,7 @@
 #include "tests/turn/users.h"
 
+#include "aids/camerafinderwindow.h"
+#include "aids/checkupwindow.h"
 #include "dialogs/setcameralocation.h"
 #include "dialogs/setcapturedegree.h"
 #include "dialogs/setpicrate.h"
@@ -7,12 +9,14 @@
 #include "dialogs/setsn.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
+#include "service/finder.h"
 #include "tests/support/cameratype.h"
 
 #include <QFile>
 #include <QLabel>
 #include <QListView>
 #include <QRadioButton>
+#include <QTableWidget>
 
 using namespace guitest;
 using namespace std::chrono_literals;
@@ -161,6 +165,55 @@ User v1ListUser() {
     User user = listUser<PicListV1>("ListV1", "actionPicInfoV1");
     user.readsOnWhenMisled = true;
     return user;
+}
+
+// --- aids --------------------------------------------------------------------------------------------------
+
+/// Works on the pool; its start button is disabled meanwhile.
+template <typename Window>
+User aidUser(const char* name, const char* entry, std::function<std::vector<Shown>(const QWidget&)> shown) {
+    User user = buttonUser<Window>(name, entry, "btn_start",
+                                   [shown = std::move(shown)](const Work& work) -> std::vector<Shown> {
+                                       return work.window ? shown(*work.window) : std::vector<Shown>();
+                                   });
+    user.ended = [](const Work& work) { return !work.window || isEnabled(*work.window, "btn_start"); };
+    user.isLong = true;
+    user.answerLimit = 200ms;
+    user.lateAnswerMisleads = true;
+    return user;
+}
+
+User checkupUser() {
+    User user = aidUser<CheckupWindow>("Checkup", "actionCheckup", [](const QWidget& window) {
+        std::vector<Shown> all{{"模型信息", "", held::modelInfo, {""}, {}},
+                               {"序列号", "", held::serialNumber, {""}, {}}};
+        const auto* const table = find<QTableWidget>(window, "table_lines");
+        for (Shown& each : all) {
+            for (int row = 0; row < table->rowCount(); ++row) {
+                if (table->item(row, 0)->text() == each.where)
+                    each.text = table->item(row, 1)->text();
+            }
+        }
+        return all;
+    });
+    user.cameraTypes = frameTypes; // of others neither is read
+    return user;
+}
+
+/// On the open link; the camera answers every address.
+User finderUser() {
+    return aidUser<CameraFinderWindow>(
+        "Finder", "actionFindCamera", [](const QWidget& window) -> std::vector<Shown> {
+            const auto wanted = static_cast<int>(service::usualAddresses().size());
+            Shown found{"table_found",
+                        QString::number(find<QTableWidget>(window, "table_found")->rowCount()),
+                        QString::number(wanted),
+                        {},
+                        {}};
+            for (int fewer = 0; fewer < wanted; ++fewer)
+                found.failures.append(QString::number(fewer));
+            return {found};
+        });
 }
 
 // --- the main window ---------------------------------------------------------------------------------------
@@ -366,6 +419,8 @@ std::vector<User> everybody() {
         heartbeatUser(),
         modelInfoUser(),
         gyroUser(),
+        checkupUser(),
+        finderUser(),
     };
 }
 
