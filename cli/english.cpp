@@ -1,17 +1,13 @@
 #include "cli/english.h"
 
-#include <QHash>
-#include <QLocale>
-
 #include <array>
-#include <cstdlib>
 
 namespace cli {
 
 namespace {
 
 // clang-format off
-constexpr auto texts = std::to_array<EnglishText>({
+constexpr auto texts = std::to_array<language::Text>({
     {"任务文件不能读取：%1", "The job file cannot be read: %1"},
     {"任务文件第 %1 行：%2", "Job file, line %1: %2"},
     {"任务文件里没有任务", "The job file holds no jobs"},
@@ -242,40 +238,10 @@ constexpr auto texts = std::to_array<EnglishText>({
 });
 // clang-format on
 
-#ifndef Q_OS_WIN
-/// The first language that the environment names.
-QString environmentLanguage() {
-    for (const char* const name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const QString value = qEnvironmentVariable(name);
-        if (!value.isEmpty())
-            return value.section(QLatin1Char(':'), 0, 0);
-    }
-    return {};
-}
-#endif
-
 } // namespace
 
-std::span<const EnglishText> englishTexts() {
+std::span<const language::Text> englishTexts() {
     return texts;
-}
-
-QString EnglishTexts::translate(const char*, const char* source, const char*, int) const {
-    static const QHash<QString, QString> table = [] {
-        QHash<QString, QString> all;
-        for (const EnglishText& text : texts)
-            all.insert(QString::fromUtf8(text.chinese), QString::fromUtf8(text.english));
-        return all;
-    }();
-    return table.value(QString::fromUtf8(source));
-}
-
-bool speaksChinese() {
-#ifdef Q_OS_WIN
-    return QLocale::system().language() == QLocale::Chinese;
-#else
-    return environmentLanguage().startsWith(QLatin1String("zh"));
-#endif
 }
 
 } // namespace cli

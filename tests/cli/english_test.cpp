@@ -109,8 +109,8 @@ const std::map<std::string, std::string>& chineseTexts() {
 const std::map<std::string, std::string>& englishByChinese() {
     static const std::map<std::string, std::string> all = [] {
         std::map<std::string, std::string> texts;
-        for (const cli::EnglishText& text : cli::englishTexts())
-            texts[text.chinese] = text.english;
+        for (const language::Text& text : cli::englishTexts())
+            texts[text.source] = text.translation;
         return texts;
     }();
     return all;
