@@ -32,6 +32,7 @@ constexpr auto texts = std::to_array<language::Text>({
     {"结论：%1", "Verdict: %1"},
     {"重启摄像头", "Reboot"},
     {"恢复出厂设置", "Factory reset"},
+    {"没有命令", "No command"},
     {"没有命令，可用：%1", "No command; known: %1"},
     {"没有命令“%1”，可用：%2", "There is no command \"%1\"; known: %2"},
     {"%1 对 %2 没有意义，请去掉", "%1 means nothing with %2; leave it out"},

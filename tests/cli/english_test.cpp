@@ -167,7 +167,8 @@ const std::map<std::string, std::string>& englishLiterals() {
         std::map<std::string, std::string> texts;
         for (const char* const folder : {"language", "trace", "emulator/line", "emulator/program"}) {
             for (const auto& entry : fs::directory_iterator(fs::path(CAMERA_SOURCE_DIR) / folder)) {
-                if (entry.path().extension() != ".cpp" || entry.path().filename() == "chinese.cpp")
+                if (entry.path().extension() != ".cpp" || entry.path().filename() == "chinese.cpp" ||
+                    entry.path().filename() == "framewords.cpp") // has phrasebooks of its own
                     continue;
                 std::ostringstream source;
                 source << std::ifstream(entry.path()).rdbuf();
