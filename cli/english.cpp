@@ -1,17 +1,13 @@
 #include "cli/english.h"
 
-#include <QHash>
-#include <QLocale>
-
 #include <array>
-#include <cstdlib>
 
 namespace cli {
 
 namespace {
 
 // clang-format off
-constexpr auto texts = std::to_array<EnglishText>({
+constexpr auto texts = std::to_array<language::Text>({
     {"任务文件不能读取：%1", "The job file cannot be read: %1"},
     {"任务文件第 %1 行：%2", "Job file, line %1: %2"},
     {"任务文件里没有任务", "The job file holds no jobs"},
@@ -37,7 +33,14 @@ constexpr auto texts = std::to_array<EnglishText>({
     {"重启摄像头", "Reboot"},
     {"恢复出厂设置", "Factory reset"},
     {"没有命令", "No command"},
-    {"没有命令“%1”", "There is no command \"%1\""},
+    {"没有命令，可用：%1", "No command; known: %1"},
+    {"没有命令“%1”，可用：%2", "There is no command \"%1\"; known: %2"},
+    {"%1 对 %2 没有意义，请去掉", "%1 means nothing with %2; leave it out"},
+    {"没有选项“%1”", "There is no option \"%1\""},
+    {"多余的参数“%1”", "There is no place for \"%1\""},
+    {"值太少或太多，需要：%1", "Too few or too many values: %1"},
+    {"%1 不带值", "%1 takes no value"},
+    {"%1 需要值：%2", "%1 needs a value: %2"},
     {"%1：“%2”不是 %3 到 %4 之间的数", "%1: \"%2\" is not a number from %3 to %4"},
     {"没有类型“%1”，可用：%2", "There is no type \"%1\"; known: %2"},
     {"波特率", "baud rate"},
@@ -110,7 +113,7 @@ constexpr auto texts = std::to_array<EnglishText>({
     {"在标准错误输出显示客户端的诊断行", "Print the client's diagnostic lines on standard error"},
     {"类型：%1\n退出码：0 完成，1 摄像头拒绝或结果不对，2 用法，3 串口打不开，4 没有应答，5 文件，130 中断", "Types: %1\nExit codes: 0 done, 1 camera refused or result bad, 2 usage, 3 port cannot be opened, 4 no answer, 5 file, 130 interrupted"},
     {"；用 --help 查看用法", "; see --help"},
-    {"命令行不对：%1", "Wrong command line: %1"},
+    {"命令行不对", "The command line is wrong"},
     {"货架摄像头的命令行工具", "Command-line tool for shelf cameras"},
     {"每行需要：串口 从机地址 类型 命令", "a line needs: port address type command"},
     {"“%1”不能用在任务文件里", "\"%1\" cannot be a job"},
@@ -242,40 +245,10 @@ constexpr auto texts = std::to_array<EnglishText>({
 });
 // clang-format on
 
-#ifndef Q_OS_WIN
-/// The first language that the environment names.
-QString environmentLanguage() {
-    for (const char* const name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const QString value = qEnvironmentVariable(name);
-        if (!value.isEmpty())
-            return value.section(QLatin1Char(':'), 0, 0);
-    }
-    return {};
-}
-#endif
-
 } // namespace
 
-std::span<const EnglishText> englishTexts() {
+std::span<const language::Text> englishTexts() {
     return texts;
-}
-
-QString EnglishTexts::translate(const char*, const char* source, const char*, int) const {
-    static const QHash<QString, QString> table = [] {
-        QHash<QString, QString> all;
-        for (const EnglishText& text : texts)
-            all.insert(QString::fromUtf8(text.chinese), QString::fromUtf8(text.english));
-        return all;
-    }();
-    return table.value(QString::fromUtf8(source));
-}
-
-bool speaksChinese() {
-#ifdef Q_OS_WIN
-    return QLocale::system().language() == QLocale::Chinese;
-#else
-    return environmentLanguage().startsWith(QLatin1String("zh"));
-#endif
 }
 
 } // namespace cli

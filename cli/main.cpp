@@ -2,6 +2,7 @@
 #include "cli/english.h"
 #include "cli/program.h"
 #include "cli/system.h"
+#include "language/language.h"
 #include "link/diagnostics.h"
 
 #include <QGuiApplication>
@@ -64,8 +65,10 @@ int main(int count, char** arguments) {
     cli::watchForInterrupts();
     qInstallMessageHandler(&ignoreMessage);
     const auto application = makeApplication(count, arguments);
-    cli::EnglishTexts english;
-    if (!cli::speaksChinese())
+    language::Texts english(cli::englishTexts());
+    if (language::speaksChinese())
+        language::chooseChinese();
+    else
         QCoreApplication::installTranslator(&english);
     try {
         const cli::Options options = cli::parseOptions(argumentsOf(QCoreApplication::arguments()));

@@ -70,7 +70,7 @@ int usage() {
 
 int main(int count, char** arguments) {
     const QCoreApplication application(count, arguments);
-    cli::EnglishTexts english;
+    language::Texts english(cli::englishTexts());
     QCoreApplication::installTranslator(&english);
     cli::Options options;
     CLI::App app;

@@ -1,5 +1,6 @@
 #include "cli/options.h"
 
+#include "cli/parsefailure.h"
 #include "service/finder.h"
 #include "service/report.h"
 
@@ -87,6 +88,10 @@ CLI::Option* addText(CLI::App& app, const std::string& names, const std::string&
     return app.add_option_function<std::string>(names, set, help(text))->type_name(parameter)->take_last();
 }
 
+void addFlag(CLI::App& app, const char* names, bool& field, const char* text) {
+    app.add_flag(names, field, help(text))->disable_flag_override();
+}
+
 /// The commands share the table's one Command.
 class CommandTable {
 public:
@@ -120,7 +125,7 @@ private:
         });
         addText(*find, "--addresses", "A,..|all", "要试的从机地址，默认各类型的常用地址；all：0 到 255",
                 [this](const std::string& text) { setAddresses(text); });
-        find->add_flag("--first", m_command.firstOnly, help("找到第一台就结束"));
+        addFlag(*find, "--first", m_command.firstOnly, "找到第一台就结束");
     }
 
     void setAddresses(const std::string& text) {
@@ -203,8 +208,10 @@ private:
             ->required();
         addFile(*upload, "FILE", "固件或模型文件", true);
         upload->add_option("--name", m_command.name, help("模型名称，默认文件名"))->type_name("NAME");
-        upload->add_flag_callback(
-            "--no-wait", [this] { m_command.waits = false; }, help("不等待摄像头重新启动"));
+        upload
+            ->add_flag_callback(
+                "--no-wait", [this] { m_command.waits = false; }, help("不等待摄像头重新启动"))
+            ->disable_flag_override();
         add("reboot", "重启摄像头", Verb::reboot);
         add("factory-reset", "恢复出厂设置", Verb::factoryReset);
         add("door", "模拟开关门", Verb::door)
@@ -234,11 +241,11 @@ private:
     void addWorkshop() {
         CLI::App* const check = add("check", "读取全部可读的内容并判断，一份报告", Verb::check);
         addFile(*check, "-o,--output", "报告文件：.html、.pdf、.json 或 .csv", false);
-        check->add_flag("--picture", m_command.takesPicture, help("同时拍一张照片"));
+        addFlag(*check, "--picture", m_command.takesPicture, "同时拍一张照片");
         CLI::App* const batch =
             add("batch", "执行文件里的任务，每行“PORT ADDRESS TYPE COMMAND...”，各串口并行", Verb::batch);
         addFile(*batch, "JOBS", "任务文件", true);
-        batch->add_flag("--keep-going", m_command.keepsGoing, help("任务失败后继续该串口的其余任务"));
+        addFlag(*batch, "--keep-going", m_command.keepsGoing, "任务失败后继续该串口的其余任务");
         batch->add_option("--resume", m_command.stateFile, help("记录已完成的任务，中断后接着做"))
             ->type_name("STATE");
         addText(*add("watch", "不断测试心跳和线路质量，直到 Ctrl+C", Verb::watch), "--interval", "S",
@@ -315,30 +322,20 @@ void addGeneral(CLI::App& app, Options& options) {
             [&options](const std::string& text) { options.rate = rateIn(text); });
     addText(app, "-a,--address", "ADDRESS", "从机地址 0 到 255，可用 0x；默认类型的常用值",
             [&options](const std::string& text) { options.address = addressIn(text); });
-    addText(app, "-t,--type", "TYPE", "摄像头类型，编号或名称，默认 0",
-            [&options](const std::string& text) { options.type = typeIn(text); });
-    app.add_flag("--json", options.json, help("每个串口输出一行 JSON"));
+    addText(app, "-t,--type", "TYPE", "摄像头类型，编号或名称，默认 0", [&options](const std::string& text) {
+        options.type = typeIn(text);
+        options.typeGiven = true;
+    });
+    addFlag(app, "--json", options.json, "每个串口输出一行 JSON");
     app.add_option("--record", options.recordFile, help("把线路上的字节录到新文件"))->type_name("FILE");
-    app.add_flag("-y,--yes", options.confirmed, help("不询问，直接执行会改变摄像头的命令"));
-    app.add_flag("-q,--quiet", options.quiet, help("不显示进度"));
-    app.add_flag("-v,--verbose", options.verbose, help("在标准错误输出显示客户端的诊断行"));
+    addFlag(app, "-y,--yes", options.confirmed, "不询问，直接执行会改变摄像头的命令");
+    addFlag(app, "-q,--quiet", options.quiet, "不显示进度");
+    addFlag(app, "-v,--verbose", options.verbose, "在标准错误输出显示客户端的诊断行");
     app.footer(
         tr("类型：%1\n退出码：0 完成，1 摄像头拒绝或结果不对，2 用法，3 串口打不开，4 没有应答，5 文件，"
            "130 中断")
             .arg(QString::fromStdString(typeNames()))
             .toStdString());
-}
-
-/// A parser's error in the words of this program.
-QString parseFailure(const CLI::App& app, const CLI::ParseError& error) {
-    const QString usage = tr("；用 --help 查看用法");
-    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && app.get_subcommands().empty()) {
-        const std::vector<std::string> words = app.remaining();
-        return (words.empty() ? tr("没有命令")
-                              : tr("没有命令“%1”").arg(QString::fromStdString(words.front()))) +
-               usage;
-    }
-    return tr("命令行不对：%1").arg(QString::fromUtf8(error.what())) + usage;
 }
 
 /// The command with its own arguments: what follows its name, without the general options.
@@ -404,6 +401,7 @@ Options parseOptions(const std::vector<std::string>& arguments) {
     Options options;
     CLI::App app;
     describeOptions(app, options);
+    refuseEmptyValues(app, arguments);
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend())); // from the back
     } catch (const CLI::CallForHelp&) {

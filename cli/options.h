@@ -83,6 +83,7 @@ struct Options {
     std::optional<std::uint32_t> rate;
     std::optional<std::uint8_t> address;
     protocol::CameraType type = protocol::CameraType::ostra;
+    bool typeGiven = false;
     bool json = false;
     bool quiet = false;
     bool verbose = false;

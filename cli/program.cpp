@@ -79,7 +79,42 @@ void confirm(const Options& options, std::size_t ports) {
         throw UsageError(programWords("已取消").toStdString());
 }
 
+/// Options that the command does not use.
+void checkUses(const Options& options) {
+    struct Pair {
+        bool given;
+        const char* option;
+        const char* with;
+    };
+    const Command& command = options.command;
+    const bool ports = command.verb == Verb::ports;
+    const bool batch = command.verb == Verb::batch;
+    const bool named = !command.name.empty();
+    const auto uploads = [&command](UploadKind kind) {
+        return command.verb == Verb::upload && command.kind == kind;
+    };
+    const bool secondProtocol = protocol::infoOf(options.type).pictures == protocol::PictureCommands::v1;
+    for (const Pair& pair :
+         {Pair{ports && !options.ports.empty(), "--port", "ports"},
+          Pair{ports && options.rate, "--baud", "ports"},
+          Pair{ports && options.address, "--address", "ports"},
+          Pair{ports && options.typeGiven, "--type", "ports"},
+          Pair{batch && options.address, "--address", "batch"},
+          Pair{batch && options.typeGiven, "--type", "batch"},
+          Pair{!command.rates.empty() && options.rate, "--baud", "--rates"},
+          Pair{!command.addresses.empty() && options.address, "--address", "--addresses"},
+          Pair{uploads(UploadKind::app) && !secondProtocol && named, "--name", "upload app"},
+          Pair{uploads(UploadKind::system) && named, "--name", "upload system"},
+          Pair{uploads(UploadKind::model) && !command.waits, "--no-wait", "upload model"}}) {
+        if (pair.given)
+            throw UsageError(programWords("%1 对 %2 没有意义，请去掉")
+                                 .arg(QLatin1String(pair.option), QLatin1String(pair.with))
+                                 .toStdString());
+    }
+}
+
 void checkTogether(const Options& options) {
+    checkUses(options);
     if (std::set(options.ports.begin(), options.ports.end()).size() != options.ports.size())
         throw UsageError(programWords("同一个串口给了两次").toStdString());
     if (!options.recordFile.empty() &&

@@ -1,5 +1,7 @@
 #include "trace/recording.h"
 
+#include "language/language.h"
+
 #include <array>
 #include <charconv>
 #include <istream>
@@ -65,7 +67,7 @@ public:
     Recording read() {
         Recording recording;
         if (!nextLine() || m_line != title)
-            fail("the first line of a recording is \"" + std::string(title) + '"');
+            fail("the first line of a recording is \"%1\"", {std::string(title)});
         readHead(recording.head);
         while (nextLine()) {
             if (!isRemark())
@@ -75,8 +77,9 @@ public:
     }
 
 private:
-    [[noreturn]] void fail(const std::string& what) const {
-        throw RecordingError("line " + std::to_string(m_number) + ": " + what);
+    [[noreturn]] void fail(const char* what, std::initializer_list<std::string> arguments = {}) const {
+        throw RecordingError(language::sentence(
+            "line %1: %2", {std::to_string(m_number), language::sentence(what, arguments)}));
     }
 
     bool nextLine() {
@@ -97,7 +100,7 @@ private:
 
     std::string value(std::string_view name) {
         if (!nextLine() || m_line.rfind(std::string(name) + ' ', 0) != 0 || m_line.size() < name.size() + 2)
-            fail('"' + std::string(name) + "\" and its value are missing here");
+            fail("\"%1\" and its value are missing here", {std::string(name)});
         return m_line.substr(name.size() + 1);
     }
 
@@ -106,7 +109,7 @@ private:
         const std::string text = value(name);
         const auto found = numberIn<Number>(text);
         if (!found)
-            fail('"' + text + "\" is no value for \"" + std::string(name) + '"');
+            fail("\"%1\" is no value for \"%2\"", {text, std::string(name)});
         return *found;
     }
 
@@ -117,7 +120,7 @@ private:
         head.pictureOffset = number<std::uint8_t>("offset");
         const std::string serials = value("serials");
         if (serials != "kept" && serials != "blanked")
-            fail("\"serials\" is \"kept\" or \"blanked\", not \"" + serials + '"');
+            fail("\"serials\" is \"kept\" or \"blanked\", not \"%1\"", {serials});
         head.serialsBlanked = serials == "blanked";
     }
 
@@ -127,18 +130,18 @@ private:
         const std::string_view time = takeWord(rest);
         const auto at = timeIn(time);
         if (!at)
-            fail('"' + std::string(time) + "\" is no time in ms with three places");
+            fail("\"%1\" is no time in ms with three places", {std::string(time)});
         if (*at < m_lastAt)
             fail("the time runs back");
         entry.at = m_lastAt = *at;
         const std::string_view from = takeWord(rest);
         if (from != toolName && from != cameraName)
-            fail("the bytes are from \"tool\" or \"camera\", not \"" + std::string(from) + '"');
+            fail("the bytes are from \"tool\" or \"camera\", not \"%1\"", {std::string(from)});
         entry.from = from == toolName ? Side::tool : Side::camera;
         for (std::string_view word = takeWord(rest); !word.empty(); word = takeWord(rest)) {
             const auto byte = numberIn<std::uint8_t>(word, 16);
             if (!byte || word.size() != 2)
-                fail('"' + std::string(word) + "\" is no byte of two hexadecimal digits");
+                fail("\"%1\" is no byte of two hexadecimal digits", {std::string(word)});
             entry.bytes.push_back(*byte);
         }
         if (entry.bytes.empty())

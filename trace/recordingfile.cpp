@@ -1,8 +1,9 @@
 #include "trace/recordingfile.h"
 
+#include "language/language.h"
+
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <ctime>
 #include <fstream>
 
@@ -10,6 +11,7 @@ namespace trace {
 
 namespace {
 
+using language::sentence;
 using Clock = std::chrono::system_clock;
 
 std::string formatted(Clock::time_point when, const char* format) {
@@ -26,25 +28,26 @@ RecordingFile::RecordingFile(const std::string& path)
     if (m_file)
         return;
     if (errno == EEXIST)
-        throw std::runtime_error(path + " is there already; choose another name with --record");
-    throw std::runtime_error("cannot write the recording " + path + ": " + std::strerror(errno));
+        throw std::runtime_error(sentence("%1 is there already; choose another name with --record", {path}));
+    throw std::runtime_error(
+        sentence("cannot write the recording %1: %2", {path, language::reasonOf(errno)}));
 }
 
 void RecordingFile::append(const std::string& lines) {
     const std::size_t written = std::fwrite(lines.data(), 1, lines.size(), m_file.get());
     if (written != lines.size() || std::fflush(m_file.get()) != 0)
-        throw std::runtime_error("cannot write the recording " + m_path +
-                                 " any more: " + std::strerror(errno));
+        throw std::runtime_error(
+            sentence("cannot write the recording %1 any more: %2", {m_path, language::reasonOf(errno)}));
 }
 
 Recording loadRecording(const std::string& path) {
     std::ifstream text(path, std::ios::binary);
     if (!text)
-        throw RecordingError("cannot read " + path + ": " + std::strerror(errno));
+        throw RecordingError(sentence("cannot read %1: %2", {path, language::reasonOf(errno)}));
     try {
         return readRecording(text);
     } catch (const RecordingError& error) {
-        throw RecordingError(path + ", " + error.what());
+        throw RecordingError(sentence("%1, %2", {path, error.what()}));
     }
 }
 

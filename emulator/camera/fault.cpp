@@ -170,6 +170,14 @@ std::optional<std::string_view> cutAtLast(std::string_view& text, char mark) {
     return behind;
 }
 
+template <typename Names>
+std::string listed(const Names& rows) {
+    std::string names;
+    for (const auto& row : rows)
+        names.append(names.empty() ? "" : ", ").append(row.name);
+    return names;
+}
+
 } // namespace
 
 std::span<const FaultKindInfo> faultKinds() {
@@ -188,7 +196,8 @@ Fault parseFault(std::string_view text) {
     if (const auto request = cutAtLast(rest, '@')) {
         const auto selector = parseSelector(*request);
         if (!selector)
-            fail(text, "\"" + std::string(*request) + "\" is no request; see --list-faults");
+            fail(text, "\"" + std::string(*request) + "\" is no request; known: any, a code (0x02), " +
+                           listed(protocol::requestNames()));
         fault.selector = *selector;
     }
     const std::size_t equals = rest.find('=');
@@ -196,7 +205,7 @@ Fault parseFault(std::string_view text) {
     const auto* const info =
         std::find_if(kinds.begin(), kinds.end(), [name](const auto& row) { return row.name == name; });
     if (info == kinds.end())
-        fail(text, "there is no kind \"" + std::string(name) + "\"; see --list-faults");
+        fail(text, "there is no kind \"" + std::string(name) + "\"; known: " + listed(kinds));
     fault.kind = info->kind;
     readParameter(fault, *info, text,
                   equals == std::string_view::npos ? std::string_view() : rest.substr(equals + 1));

@@ -26,7 +26,7 @@ public:
         bool writes = false;
     };
 
-    /// Throws std::system_error when the system has no pipe or event left.
+    /// Throws std::runtime_error when the system has no pipe or event left.
     LineIo();
     ~LineIo();
     LineIo(const LineIo&) = delete;

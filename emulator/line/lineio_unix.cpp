@@ -1,10 +1,11 @@
 #include "emulator/line/lineio.h"
+#include "language/language.h"
 
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
-#include <system_error>
+#include <stdexcept>
 #include <unistd.h>
 
 namespace emulator {
@@ -24,7 +25,8 @@ bool wouldBlock(int error) {
 LineIo::LineIo() {
     int ends[2] = {-1, -1};
     if (::pipe2(ends, O_NONBLOCK | O_CLOEXEC) != 0)
-        throw std::system_error(errno, std::generic_category(), "pipe");
+        throw std::runtime_error(
+            language::sentence("the system gives no pipe: %1", {language::reasonOf(errno)}));
     m_waker[0] = ends[0];
     m_waker[1] = ends[1];
 }

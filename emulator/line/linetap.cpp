@@ -1,5 +1,7 @@
 #include "emulator/line/linetap.h"
 
+#include "language/language.h"
+
 namespace emulator {
 
 namespace {
@@ -26,9 +28,9 @@ void LineTap::stop() {
     try {
         m_recorder.finish();
         if (!m_failure.empty())
-            m_recorder.note(now(), m_failure);
+            m_recorder.note(now(), m_note);
     } catch (const std::exception& error) {
-        fail(error.what());
+        fail(error.what(), error.what());
     }
 }
 
@@ -37,11 +39,18 @@ std::string LineTap::failure() const {
     return m_failure;
 }
 
-void LineTap::fail(const std::string& sentence) {
+void LineTap::fail(const std::string& sentence, const std::string& note) {
     const std::lock_guard lock(m_mutex);
-    if (m_failure.empty())
+    if (m_failure.empty()) {
         m_failure = sentence;
+        m_note = note;
+    }
     m_stopping = true;
+}
+
+void LineTap::failGone(const ByteLine& line) {
+    constexpr const char* text = "the line is gone: %1";
+    fail(language::sentence(text, {line.name()}), language::filled(text, {line.name()}));
 }
 
 void LineTap::carry(trace::Side from, ByteLine& source, ByteLine& target) {
@@ -52,13 +61,13 @@ void LineTap::carry(trace::Side from, ByteLine& source, ByteLine& target) {
             bytes.clear();
         }
     } catch (const std::exception& error) {
-        fail(error.what());
+        fail(error.what(), error.what());
     }
 }
 
 void LineTap::carryChunk(trace::Side from, Bytes& bytes, ByteLine& source, ByteLine& target) {
     if (!source.read(bytes, pollInterval))
-        fail("the line is gone: " + source.name());
+        failGone(source);
     else if (bytes.empty())
         passTime(from);
     else
@@ -83,7 +92,7 @@ void LineTap::pass(trace::Side from, ByteView bytes, ByteLine& target) {
     while (!bytes.empty() && !m_stopping) {
         const auto written = target.write(bytes, pollInterval);
         if (!written) {
-            fail("the line is gone: " + target.name());
+            failGone(target);
             return;
         }
         bytes = bytes.range(*written, bytes.size());

@@ -33,7 +33,8 @@ private:
     void carryChunk(trace::Side from, Bytes& bytes, ByteLine& source, ByteLine& target);
     void pass(trace::Side from, ByteView bytes, ByteLine& target);
     void passTime(trace::Side from);
-    void fail(const std::string& sentence);
+    void fail(const std::string& sentence, const std::string& note);
+    void failGone(const ByteLine& line);
     void noteRate();
     [[nodiscard]] Time now() const { return m_clock.now(); }
 
@@ -41,9 +42,10 @@ private:
     ByteLine& m_cameraLine;
     LineClock m_clock;
 
-    mutable std::mutex m_mutex; // guards the three below
+    mutable std::mutex m_mutex; // guards the four below
     trace::Recorder m_recorder;
-    std::string m_failure;
+    std::string m_failure; ///< in the chosen language
+    std::string m_note;    ///< the same in English, for the recording
     std::optional<std::uint32_t> m_toolRate;
 
     std::atomic<bool> m_stopping{false};

@@ -15,7 +15,7 @@ public:
     Pty(const Pty&) = delete;
     Pty& operator=(const Pty&) = delete;
 
-    /// Opens a new pair in raw mode and makes the link. Throws std::system_error when the system has none
+    /// Opens a new pair in raw mode and makes the link. Throws std::runtime_error when the system has none
     /// left, and is closed then.
     void open();
     /// Removes the link too.

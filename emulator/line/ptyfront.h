@@ -16,7 +16,7 @@ namespace emulator {
 ///     CameraSp client(front.portName(), 460800);
 class PtyFront final : public CameraFront {
 public:
-    /// Throw std::system_error when the system has no pseudo-terminal left.
+    /// Throw std::runtime_error when the system has no pseudo-terminal left.
     explicit PtyFront(CameraType type = CameraType::ostra) : PtyFront(VirtualCamera(type)) {}
     explicit PtyFront(CameraSettings settings) : PtyFront(VirtualCamera(std::move(settings))) {}
     explicit PtyFront(VirtualCamera camera);

@@ -1,8 +1,8 @@
 #include "emulator/line/serialdevice.h"
 #include "emulator/line/terminal.h"
+#include "language/language.h"
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <stdexcept>
 #include <unistd.h>
@@ -12,10 +12,11 @@ namespace emulator {
 LineIo::Line openSerialDevice(const std::string& path, std::uint32_t baudRate) {
     const int device = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (device < 0)
-        throw std::runtime_error(path + ": " + std::strerror(errno));
+        throw std::runtime_error(
+            language::sentence("cannot open the device %1: %2", {path, language::reasonOf(errno)}));
     if (!makeRaw(device, baudRate)) {
         ::close(device);
-        throw std::runtime_error(path + " is not a serial device");
+        throw std::runtime_error(language::sentence("%1 is not a serial device; choose another", {path}));
     }
     return device;
 }

@@ -1,15 +1,24 @@
 #include "emulator/line/handle_windows.h"
 #include "emulator/line/serialdevice.h"
+#include "language/language.h"
 
+#include <cerrno>
 #include <stdexcept>
-#include <system_error>
 
 namespace emulator {
 
 namespace {
 
-std::string lastErrorText() {
-    return std::system_category().message(static_cast<int>(::GetLastError()));
+std::string lastReason() {
+    switch (const DWORD error = ::GetLastError()) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+        return language::reasonOf(ENOENT);
+    case ERROR_ACCESS_DENIED: // a port that another program has opened
+        return language::reasonOf(EBUSY);
+    default:
+        return language::sentence("the system's error %1", {std::to_string(error)});
+    }
 }
 
 /// Raw, 8 data bits, no parity; a read returns at once with the received bytes, a write has a timeout.
@@ -41,10 +50,10 @@ LineIo::Line openSerialDevice(const std::string& path, std::uint32_t baudRate) {
     const HANDLE port =
         ::CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     if (port == INVALID_HANDLE_VALUE)
-        throw std::runtime_error(path + ": " + lastErrorText());
+        throw std::runtime_error(language::sentence("cannot open the device %1: %2", {path, lastReason()}));
     if (!prepare(port, baudRate)) {
         ::CloseHandle(port);
-        throw std::runtime_error(path + " is not a serial device");
+        throw std::runtime_error(language::sentence("%1 is not a serial device; choose another", {path}));
     }
     return reinterpret_cast<LineIo::Line>(port);
 }

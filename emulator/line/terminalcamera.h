@@ -18,7 +18,7 @@ struct TerminalCamera {
 };
 
 /// Serves the camera on a new pseudo-terminal, with a symbolic link at the path unless that is empty. Throws
-/// std::runtime_error or std::system_error on failure, and always on Windows, which has no pseudo-terminals.
+/// std::runtime_error on failure, and always on Windows, which has no pseudo-terminals.
 [[nodiscard]] TerminalCamera serveOnNewTerminal(VirtualCamera camera, const std::string& link = {});
 
 } // namespace emulator

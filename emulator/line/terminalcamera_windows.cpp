@@ -1,11 +1,13 @@
 #include "emulator/line/terminalcamera.h"
+#include "language/language.h"
 
 #include <stdexcept>
 
 namespace emulator {
 
 TerminalCamera serveOnNewTerminal(VirtualCamera, const std::string&) {
-    throw std::runtime_error("Windows has no pseudo-terminals; name a serial port, one of a pair");
+    throw std::runtime_error(
+        language::sentence("Windows has no pseudo-terminals; name one port of a pair with --device"));
 }
 
 } // namespace emulator

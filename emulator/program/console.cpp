@@ -1,5 +1,8 @@
 #include "emulator/program/console.h"
 
+#include "emulator/line/terminalowner.h"
+#include "language/language.h"
+
 #include <array>
 #include <csignal>
 #include <iomanip>
@@ -30,6 +33,12 @@ void printEvent(const Event& event) {
 
 void printFailure(const std::string& sentence) {
     std::cerr << "virtual-camera: " << sentence << std::endl;
+}
+
+void sayWhoOpens(const std::string& port) {
+    if (onlyRootOpensTerminals())
+        std::cout << language::sentence("only root can open it; for another user: sudo chown USER %1", {port})
+                  << std::endl;
 }
 
 void watchForStop() {

@@ -18,6 +18,9 @@ void printEvent(const Event& event);
 /// The program's name and a sentence on standard error.
 void printFailure(const std::string& sentence);
 
+/// For root without sudo, one line: how another user gets the pseudo-terminal.
+void sayWhoOpens(const std::string& port);
+
 /// Makes an interrupt or a termination signal a stop request.
 void watchForStop();
 /// Waits while the condition, asked several times a second, is true. True when a stop was requested.

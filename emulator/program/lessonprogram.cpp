@@ -3,6 +3,7 @@
 #include "emulator/line/terminalcamera.h"
 #include "emulator/program/console.h"
 #include "emulator/program/lessonrun.h"
+#include "language/language.h"
 
 #include <iostream>
 
@@ -23,7 +24,7 @@ int teach(LessonRun& run, CameraFront& front) {
     });
     if (stopped)
         return done;
-    printFailure("the line is gone");
+    printFailure(language::sentence("the line is gone"));
     return lineLost;
 }
 
@@ -31,10 +32,7 @@ int teach(LessonRun& run, CameraFront& front) {
 
 int runLesson(const Options& options) {
     const Lesson* lesson = findLesson(options.lesson);
-    if (lesson == nullptr) {
-        std::cout << lessonListText();
-        throw OptionError("--lesson: there is no lesson \"" + options.lesson + '"');
-    }
+    language::chooseChinese();
     watchForStop();
     const std::string title = "第 " + options.lesson + " 课：" + lesson->title;
     if (!options.device.empty()) {
@@ -48,6 +46,11 @@ int runLesson(const Options& options) {
     LessonRun run(*lesson, *terminal.front, &say, terminal.plug);
     say(title);
     say("串口：" + (options.link.empty() ? terminal.portName : options.link));
+    if (options.link.empty())
+        say("工具的串口列表里没有这个名字：请用 sudo virtual-camera --lesson " + options.lesson +
+            " --link /dev/ttyUSB9 重新开始，再在工具里选择 /dev/ttyUSB9。命令行用 shelf-camera -p " +
+            terminal.portName + "。");
+    sayWhoOpens(options.link.empty() ? terminal.portName : options.link);
     return teach(run, *terminal.front);
 }
 

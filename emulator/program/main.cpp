@@ -3,6 +3,7 @@
 #include "emulator/line/devicefront.h"
 #include "emulator/line/terminalcamera.h"
 #include "emulator/program/console.h"
+#include "language/language.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -25,7 +26,8 @@ bool isJpeg(const fs::path& path) {
 Bytes readFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file)
-        throw OptionError("cannot read " + path.string());
+        throw OptionError(
+            language::sentence("cannot read %1: %2", {path.string(), language::reasonOf(errno)}));
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
@@ -37,7 +39,8 @@ void loadPictures(VirtualCamera& camera, const std::string& folder) {
             paths.push_back(entry.path());
     }
     if (error)
-        throw OptionError("--pictures: cannot read the folder " + folder);
+        throw OptionError(language::sentence("--pictures: cannot read the folder %1: %2",
+                                             {folder, language::reasonOf(error.value())}));
     std::sort(paths.begin(), paths.end());
     CameraState& state = camera.state();
     for (const fs::path& path : paths) {
@@ -66,7 +69,7 @@ int serveUntilStop(CameraFront& front, const Options& options, const std::string
               << std::endl;
     if (waitWhile([&front] { return front.lineOpen(); }))
         return done;
-    printFailure("the line is gone");
+    printFailure(language::sentence("the line is gone"));
     return lineLost;
 }
 
@@ -78,17 +81,23 @@ int serve(const Options& options) {
     }
     const TerminalCamera terminal = serveOnNewTerminal(makeCamera(options), options.link);
     const std::string link = options.link.empty() ? std::string() : " (" + options.link + ")";
+    sayWhoOpens(options.link.empty() ? terminal.portName : options.link);
     return serveUntilStop(*terminal.front, options, terminal.portName + link);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    if (language::speaksChinese())
+        language::chooseChinese();
     try {
         const Options options = parseOptions(std::vector<std::string>(argv + 1, argv + argc));
         switch (options.action) {
         case Options::Action::help:
             std::cout << helpText();
+            return done;
+        case Options::Action::version:
+            std::cout << "virtual-camera " CAMERA_TOOL_VERSION << std::endl;
             return done;
         case Options::Action::listFaults:
             std::cout << faultListText();

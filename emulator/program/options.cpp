@@ -1,5 +1,8 @@
 #include "emulator/program/options.h"
 
+#include "emulator/lessons/lessons.h"
+#include "language/language.h"
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
@@ -11,6 +14,10 @@ namespace emulator {
 namespace {
 
 using Action = Options::Action;
+using language::sentence;
+
+/// Modes; an option is for some of them.
+enum Mode : unsigned { serving = 1, tapping = 2, replaying = 4, teaching = 8, listing = 16 };
 
 /// "0 ostra, 1 dorvel, ..."
 std::string knownTypes() {
@@ -27,15 +34,24 @@ CameraType typeIn(const std::string& text) {
         if (text == type.optionName || number == static_cast<std::int64_t>(type.type))
             return type.type;
     }
-    throw OptionError("--type: there is no type \"" + text + "\"; known: " + knownTypes());
+    throw OptionError(sentence("--type: there is no type \"%1\"; known: %2", {text, knownTypes()}));
+}
+
+std::string lessonIn(const std::string& text) {
+    std::string known;
+    for (std::size_t number = 1; number <= lessons().size(); ++number)
+        known += (known.empty() ? "" : ", ") + std::to_string(number);
+    if (!text.empty() && findLesson(text) == nullptr)
+        throw OptionError(sentence("--lesson: there is no lesson \"%1\"; known: %2", {text, known}));
+    return text;
 }
 
 std::int64_t numberIn(const std::string& option, const std::string& text, std::int64_t least,
                       std::int64_t most) {
     const auto number = parseNumber(text);
     if (!number || *number < least || *number > most)
-        throw OptionError(option + ": \"" + text + "\" is not a number from " + std::to_string(least) +
-                          " to " + std::to_string(most));
+        throw OptionError(sentence("%1: \"%2\" is not a number from %3 to %4",
+                                   {option, text, std::to_string(least), std::to_string(most)}));
     return *number;
 }
 
@@ -44,46 +60,49 @@ bool isFlag(const CLI::Option& option) {
 }
 
 OptionError wrongValue(const CLI::Option& option) {
-    return OptionError(isFlag(option) ? option.get_name() + " takes no value"
-                                      : option.get_name() + " needs a value: " + option.get_type_name());
+    return OptionError(isFlag(option)
+                           ? sentence("%1 takes no value", {option.get_name()})
+                           : sentence("%1 needs a value: %2", {option.get_name(), option.get_type_name()}));
 }
 
 using SetText = std::function<void(const std::string& text)>;
 
 /// The last value of a repeated option counts.
-CLI::Option* addText(CLI::App& app, const std::string& name, const std::string& parameter,
-                     const std::string& help, const SetText& set) {
+CLI::Option* addText(CLI::App& app, const std::string& name, const std::string& parameter, const char* help,
+                     const SetText& set) {
     const auto setIt = [&app, name, set](const std::string& text) {
         const CLI::Option& option = *app.get_option(name);
         if (text.empty() && option.get_expected_min() > 0)
             throw wrongValue(option);
         set(text);
     };
-    return app.add_option_function<std::string>(name, setIt, help)->type_name(parameter)->take_last();
+    return app.add_option_function<std::string>(name, setIt, sentence(help))
+        ->type_name(parameter)
+        ->take_last();
 }
 
-void addText(CLI::App& app, const std::string& name, const std::string& parameter, const std::string& help,
+void addText(CLI::App& app, const std::string& name, const std::string& parameter, const char* help,
              std::string& field) {
     addText(app, name, parameter, help, [&field](const std::string& text) { field = text; });
 }
 
 template <typename Number>
-void addNumber(CLI::App& app, const std::string& name, const std::string& help, Number& field,
-               std::int64_t least, std::int64_t most) {
+void addNumber(CLI::App& app, const std::string& name, const char* help, Number& field, std::int64_t least,
+               std::int64_t most) {
     addText(app, name, "N", help, [&field, name, least, most](const std::string& text) {
         field = static_cast<Number>(numberIn(name, text, least, most));
     });
 }
 
-void addFlag(CLI::App& app, const std::string& name, const std::string& help,
-             const std::function<void()>& set) {
-    app.add_flag_callback(name, set, help)->disable_flag_override();
+void addFlag(CLI::App& app, const std::string& name, const char* help, const std::function<void()>& set) {
+    app.add_flag_callback(name, set, sentence(help))->disable_flag_override();
 }
 
 /// Options of the camera and its line. --type comes first: the others change its settings.
 void addCamera(CLI::App& app, Options& o) {
-    addText(app, "--type", "TYPE", knownTypes() + "; a number or a name (0)",
-            [&o](const std::string& text) { o.settings = settingsForType(typeIn(text)); });
+    addText(app, "--type", "TYPE", "%1; a number or a name (0)", [&o](const std::string& text) {
+        o.settings = settingsForType(typeIn(text));
+    })->description(sentence("%1; a number or a name (0)", {knownTypes()}));
     addNumber(app, "--address", "slave address, 0 to 255; 0x for hexadecimal (as the type has it)",
               o.settings.address, 0, 255);
     addNumber(app, "--baud", "rate of --device, and the one that --check-baud expects (as the type has it)",
@@ -106,7 +125,7 @@ void addCamera(CLI::App& app, Options& o) {
                for (const std::string& text : texts)
                    o.faults.push_back(parseFault(text));
            },
-           "kind[=parameter][@request][#occurrence]; may be repeated")
+           sentence("kind[=parameter][@request][#occurrence]; may be repeated"))
         ->type_name("FAULT")
         ->allow_extra_args(false);
 }
@@ -129,13 +148,14 @@ void addModes(CLI::App& app, Options& o) {
     addFlag(app, "--at-once", "--replay without the recorded delays", [&o] { o.atOnce = true; });
     addText(app, "--lesson", "[N]", "training, lesson N; without a number: print the lessons (in Chinese)",
             [&o](const std::string& text) {
-                o.lesson = text;
+                o.lesson = lessonIn(text);
                 o.action = text.empty() ? Action::listLessons : Action::lesson;
             })
         ->expected(0, 1);
     addFlag(app, "--list-faults", "print the kinds of faults and the names of the requests",
             [&o] { o.action = Action::listFaults; });
-    addFlag(app, "--help", "print this", [&o] { o.action = Action::help; });
+    addFlag(app, "--version", "print the version", [&o] { o.action = Action::version; });
+    addFlag(app, "-h,--help", "print this", [&o] { o.action = Action::help; });
 }
 
 /// Options take effect and are listed in this order; the fields outlive the app.
@@ -160,27 +180,88 @@ void refuseEmptyValues(const CLI::App& app, const std::vector<std::string>& argu
 
 /// The parser's sentence begins with the option's name; a flag's name has no dashes there.
 OptionError described(const CLI::App& app, const CLI::ParseError& error) {
-    const std::string sentence = error.what();
-    const std::string name = sentence.substr(0, sentence.find_first_of(": "));
+    const std::string words = error.what();
+    const std::string name = words.substr(0, words.find_first_of(": "));
     for (const std::string& spelled : {name, "--" + name}) {
         if (const CLI::Option* option = app.get_option_no_throw(spelled))
             return wrongValue(*option);
     }
-    return OptionError(sentence);
+    return OptionError(language::sentence("the command line cannot be read; see --help"));
+}
+
+struct ModeOption {
+    const char* name;
+    Mode mode;
+};
+
+constexpr std::array modeOptions = {ModeOption{"--tap", tapping}, ModeOption{"--replay", replaying},
+                                    ModeOption{"--lesson", teaching}, ModeOption{"--list-faults", listing}};
+
+struct Use {
+    const char* option;
+    unsigned modes;
+};
+
+/// Where each other option means something.
+constexpr std::array uses = {
+    Use{"--type", serving | tapping},
+    Use{"--address", serving},
+    Use{"--baud", serving | tapping | replaying},
+    Use{"--check-baud", serving},
+    Use{"--device", serving | tapping | replaying | teaching},
+    Use{"--link", serving | tapping | replaying | teaching},
+    Use{"--pace", serving},
+    Use{"--offset", serving | tapping},
+    Use{"--pictures", serving},
+    Use{"--holds-image", serving},
+    Use{"--fault", serving},
+    Use{"--record", tapping},
+    Use{"--blank-serials", tapping},
+    Use{"--at-once", replaying},
+};
+
+/// The option that chooses the mode; null: serving.
+const ModeOption* chosenMode(const CLI::App& app) {
+    const ModeOption* chosen = nullptr;
+    for (const ModeOption& option : modeOptions) {
+        if (app.count(option.name) == 0)
+            continue;
+        if (chosen != nullptr)
+            throw OptionError(sentence("%1 and %2 exclude each other", {chosen->name, option.name}));
+        chosen = &option;
+    }
+    return chosen;
+}
+
+void checkUses(const CLI::App& app, const Options& options) {
+    const ModeOption* const chosen = chosenMode(app);
+    const unsigned mode = options.action == Action::listLessons ? listing
+                          : chosen == nullptr                   ? serving
+                                                                : chosen->mode;
+    for (const Use& use : uses) {
+        if (app.count(use.option) == 0 || (use.modes & mode) != 0)
+            continue;
+        if (chosen != nullptr)
+            throw OptionError(sentence("%1 means nothing with %2; leave it out", {use.option, chosen->name}));
+        const auto owner =
+            std::find_if(modeOptions.begin(), modeOptions.end(),
+                         [&use](const ModeOption& option) { return option.mode == use.modes; });
+        throw OptionError(sentence("%1 belongs to %2", {use.option, owner->name}));
+    }
 }
 
 /// Combinations that are refused.
-void checkTogether(const Options& options) {
+void checkTogether(const CLI::App& app, const Options& options) {
+    checkUses(app, options);
     if (!options.device.empty() && !options.link.empty())
-        throw OptionError("--link belongs to a new pseudo-terminal; leave it out with --device");
-    const int modes = (options.tapDevice.empty() ? 0 : 1) + (options.replayFile.empty() ? 0 : 1) +
-                      (options.lesson.empty() ? 0 : 1);
-    if (modes > 1)
-        throw OptionError("--tap, --replay and --lesson exclude each other");
-    if (options.tapDevice.empty() && (options.blankSerials || !options.recordFile.empty()))
-        throw OptionError("--record and --blank-serials belong to --tap");
-    if (options.replayFile.empty() && options.atOnce)
-        throw OptionError("--at-once belongs to --replay");
+        throw OptionError(sentence("--link belongs to a new pseudo-terminal; leave it out with --device"));
+    if (!options.tapDevice.empty() &&
+        (options.tapDevice == options.device || options.tapDevice == options.link))
+        throw OptionError(sentence("--tap stands between two lines; name another one for the tool"));
+    if (options.settings.holdsAnnouncedImage && options.settings.type != CameraType::salesDynamic)
+        throw OptionError(sentence("--holds-image belongs to --type sales-dynamic"));
+    if (!options.replayFile.empty() && options.device.empty() && app.count("--baud") != 0)
+        throw OptionError(sentence("--baud with --replay belongs to --device"));
 }
 
 std::string padded(std::string text, std::size_t width) {
@@ -202,23 +283,26 @@ Options parseOptions(const std::vector<std::string>& arguments) {
     } catch (const CLI::ParseError& error) {
         throw described(app, error);
     }
+    if (options.action == Action::help || options.action == Action::version)
+        return options;
     if (const std::vector<std::string> unknown = app.remaining(); !unknown.empty())
-        throw OptionError("unknown option \"" + unknown.front() + "\"; see --help");
-    checkTogether(options);
+        throw OptionError(sentence("unknown option \"%1\"; see --help", {unknown.front()}));
+    checkTogether(app, options);
+    options.baudGiven = app.count("--baud") != 0;
     return options;
 }
 
 std::string helpText() {
-    std::string text = "virtual-camera: a shelf camera without hardware, on a serial device.\n\n"
-                       "usage: virtual-camera [options]\n\n";
+    std::string text = sentence("virtual-camera: a shelf camera without hardware, on a serial device") +
+                       "\n\n" + sentence("usage: virtual-camera [options]") + "\n\n";
     Options unused;
     CLI::App app;
     addOptions(app, unused);
     for (const CLI::Option* option : std::as_const(app).get_options())
-        text += "  " + padded(option->get_name() + ' ' + option->get_type_name(), 20) +
+        text += "  " + padded(option->get_name(false, true) + ' ' + option->get_type_name(), 20) +
                 option->get_description() + "\n";
-    text += "\nIt prints a line for everything it receives and answers. Ctrl+C ends it.\n";
-    return text;
+    return text + "\n" +
+           sentence("It prints a line for everything it receives and answers. Ctrl+C ends it.") + "\n";
 }
 
 std::string faultListText() {

@@ -11,11 +11,12 @@
 namespace emulator {
 
 struct Options {
-    enum class Action { serve, help, listFaults, tap, replay, lesson, listLessons };
+    enum class Action { serve, help, version, listFaults, tap, replay, lesson, listLessons };
 
     Action action = Action::serve;
     CameraSettings settings;
-    std::string device; ///< empty: a new pseudo-terminal
+    std::string device;     ///< empty: a new pseudo-terminal
+    bool baudGiven = false; ///< settings.baudRate is not the type's
     std::string link;
     std::string pictureFolder;
     std::uint32_t bytesPerSecond = 0;

@@ -1,5 +1,6 @@
-// The English of the program against the Chinese texts in its sources.
+// The tables of translations against the texts in the sources.
 #include "cli/english.h"
+#include "language/language.h"
 
 #include <gmock/gmock.h>
 
@@ -109,8 +110,8 @@ const std::map<std::string, std::string>& chineseTexts() {
 const std::map<std::string, std::string>& englishByChinese() {
     static const std::map<std::string, std::string> all = [] {
         std::map<std::string, std::string> texts;
-        for (const cli::EnglishText& text : cli::englishTexts())
-            texts[text.chinese] = text.english;
+        for (const language::Text& text : cli::englishTexts())
+            texts[text.source] = text.translation;
         return texts;
     }();
     return all;
@@ -155,6 +156,61 @@ TEST(English, IsNeitherEmptyNorChinese) {
         EXPECT_FALSE(english.empty()) << chinese;
         EXPECT_FALSE(isChinese(english)) << english;
     }
+}
+
+// --- the sentences that are written in English
+// ---------------------------------------------------------------
+
+/// Of the sources that call sentence(), with a source of each.
+const std::map<std::string, std::string>& englishLiterals() {
+    static const std::map<std::string, std::string> all = [] {
+        std::map<std::string, std::string> texts;
+        for (const char* const folder : {"language", "trace", "emulator/line", "emulator/program"}) {
+            for (const auto& entry : fs::directory_iterator(fs::path(CAMERA_SOURCE_DIR) / folder)) {
+                if (entry.path().extension() != ".cpp" || entry.path().filename() == "chinese.cpp" ||
+                    entry.path().filename() == "framewords.cpp") // has phrasebooks of its own
+                    continue;
+                std::ostringstream source;
+                source << std::ifstream(entry.path()).rdbuf();
+                const Literals literals(source.str());
+                for (const std::string& text : literals.all())
+                    texts[text] = entry.path().filename();
+            }
+        }
+        return texts;
+    }();
+    return all;
+}
+
+TEST(Chinese, HasEverySentence) {
+    for (const auto& [text, source] : englishLiterals()) {
+        if (markersIn(text).empty() || text.find(' ') == std::string::npos)
+            continue; // may be no sentence
+        const auto table = language::chineseTexts();
+        EXPECT_TRUE(std::any_of(table.begin(), table.end(),
+                                [&](const language::Text& row) { return row.source == text; }))
+            << source << ": " << text;
+    }
+}
+
+TEST(Chinese, HasNoTextThatNobodyUses) {
+    for (const language::Text& text : language::chineseTexts())
+        EXPECT_TRUE(englishLiterals().contains(text.source)) << text.source;
+}
+
+TEST(Chinese, HasEachTextOnce) {
+    std::set<std::string> sources;
+    for (const language::Text& text : language::chineseTexts())
+        EXPECT_TRUE(sources.insert(text.source).second) << text.source;
+}
+
+TEST(Chinese, HasTheSamePlaceMarkers) {
+    for (const language::Text& text : language::chineseTexts())
+        EXPECT_EQ(markersIn(text.translation), markersIn(text.source)) << text.source;
+}
+
+TEST(Sentence, KeepsMarkersInsideArguments) {
+    EXPECT_EQ(language::filled("%2 and %1, 100%", {"%2", "b"}), "b and %2, 100%");
 }
 
 } // namespace

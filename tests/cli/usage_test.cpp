@@ -1,5 +1,6 @@
 // Command lines that are refused, and files that cannot be used.
 #include "tests/cli/tool.h"
+#include "tests/support/otheruser.h"
 #include "tests/support/workingdirectory.h"
 
 #include <QJsonArray>
@@ -7,7 +8,6 @@
 #include <gmock/gmock.h>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace clitest {
 namespace {
@@ -32,15 +32,38 @@ TEST_P(BadCommandLine, EndsWithASentenceAndCode2) {
         EXPECT_EQ(ending.code, usage);
         EXPECT_EQ(ending.out, "");
         EXPECT_THAT(ending.err, HasSubstr(GetParam().sentence));
+        EXPECT_EQ(std::count(ending.err.begin(), ending.err.end(), '\n'), 1) << ending.err;
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     All, BadCommandLine,
     testing::Values(
-        BadLine{"NoCommand", "-p x", "No command; see --help"},
-        BadLine{"UnknownCommand", "-p x fly", "There is no command \"fly\"; see --help"},
-        BadLine{"UnknownOption", "-p x --fly heartbeat", "--fly"},
+        BadLine{"NoCommand", "-p x", "No command; known: ports, find, heartbeat, "},
+        BadLine{"UnknownCommand", "-p x fly", "There is no command \"fly\"; known: ports, find, heartbeat, "},
+        BadLine{"UnknownSubcommand", "-p x pictures fly",
+                "There is no command \"fly\"; known: list, get, get-all, delete, delete-all; see --help"},
+        BadLine{"UnknownArgument", "-p x heartbeat now", "There is no place for \"now\"; see --help"},
+        BadLine{"ValueMissing", "-p x heartbeat -b", "--baud needs a value: RATE; see --help"},
+        BadLine{"ValueEmpty", "-p x --type= heartbeat", "--type needs a value: TYPE"},
+        BadLine{"ValueOfFlag", "-p x heartbeat --quiet=now", "--quiet takes no value; see --help"},
+        BadLine{"ArgumentMissing", "-p x upload", "Too few or too many values: app|system|model; see --help"},
+        BadLine{"ArgumentsTooMany", "-p x angles 1 2 3", "Too few or too many values: A B; see --help"},
+        BadLine{"PortOfPorts", "-p x ports", "--port means nothing with ports; leave it out"},
+        BadLine{"RateOfPorts", "-b 9600 ports", "--baud means nothing with ports"},
+        BadLine{"AddressOfPorts", "-a 1 ports", "--address means nothing with ports"},
+        BadLine{"TypeOfPorts", "-t 0 ports", "--type means nothing with ports"},
+        BadLine{"AddressOfBatch", "-a 1 batch jobs", "--address means nothing with batch"},
+        BadLine{"TypeOfBatch", "-t 0 batch jobs", "--type means nothing with batch"},
+        BadLine{"RateBesideRates", "-p x -b 9600 find --rates 9600", "--baud means nothing with --rates"},
+        BadLine{"AddressBesideAddresses", "-p x -a 1 find --addresses 1",
+                "--address means nothing with --addresses"},
+        BadLine{"NameOfApp", "-p x -y upload app f --name n", "--name means nothing with upload app"},
+        BadLine{"NameOfSystem", "-p x -y upload system f --name n",
+                "--name means nothing with upload system"},
+        BadLine{"NoWaitOfModel", "-p x -y upload model f --no-wait",
+                "--no-wait means nothing with upload model"},
+        BadLine{"UnknownOption", "-p x --fly heartbeat", "There is no option \"--fly\"; see --help"},
         BadLine{"TypeName", "-p x -t shiny heartbeat",
                 "There is no type \"shiny\"; known: 0 ostra, 1 dorvel, 2 sales-static, 3 quenta, 4 "
                 "sales-dynamic"},
@@ -132,25 +155,6 @@ TEST(Usage, AbsentPictureIsRefused) {
 }
 
 // --- ports that cannot be opened ---------------------------------------------------------------------------
-
-/// Runs programs as a user without rights over the ports of the administrator.
-class OtherUser {
-public:
-    OtherUser() {
-        std::filesystem::permissions(".", std::filesystem::perms::all);
-        m_changed = geteuid() == 0 && setresuid(nobody, nobody, 0) == 0;
-    }
-    ~OtherUser() {
-        if (m_changed && setresuid(0, 0, 0) != 0)
-            std::abort();
-    }
-    OtherUser(const OtherUser&) = delete;
-    OtherUser& operator=(const OtherUser&) = delete;
-
-private:
-    static constexpr uid_t nobody = 65534;
-    bool m_changed = false;
-};
 
 void expectRefusedPort(const Camera& camera, int permissions, const char* sentence) {
     ASSERT_EQ(chmod(camera.port().c_str(), static_cast<mode_t>(permissions)), 0);

@@ -37,7 +37,7 @@ std::vector<std::string> wordsOf(const std::string& line) {
 /// Lines of code blocks that begin with a program of the project, a script of it, or a tool that builds it.
 std::vector<Typed> typedLines() {
     static const std::regex command(
-        R"(    ((?:sudo )?(?:build/\S+/)?(?:virtual-camera|shelf-camera(?:-tool)?|\w+_tests)(?: .*)?|)"
+        R"(    ((?:sudo )?(?:build/\S+/)?(?:virtual-camera|shelf-camera(?:-tool|-demo)?|\w+_tests)(?: .*)?|)"
         R"((?:scripts|packaging)/\S+\.sh.*|cmake .*))");
     std::vector<Typed> all;
     std::vector<fs::path> documents = {"README.md", "CONTRIBUTING.md"};
@@ -130,6 +130,27 @@ TEST(DocumentedCommands, OfShelfCameraAreTaken) {
     }
 }
 
+/// Lines of programs with windows.
+std::vector<Typed> installedLines() {
+    std::vector<Typed> some = typedLines();
+    std::erase_if(some, [](const Typed& typed) {
+        return typed.line != "shelf-camera-tool" && typed.line != "shelf-camera-demo";
+    });
+    return some;
+}
+
+TEST(DocumentedCommands, OfTechniciansAreInstalled) {
+    const std::string packaging = markdown::contentOf(markdown::sourceFolder() / "packaging/CMakeLists.txt");
+    EXPECT_EQ(installedLines().size(), 2U);
+    for (const Typed& typed : installedLines())
+        EXPECT_NE(packaging.find(' ' + typed.line), std::string::npos) << typed.line;
+    for (const Typed& typed : typedLines()) {
+        if (typed.document == "docs/user-guide.zh-CN.md") {
+            EXPECT_EQ(typed.line.find("build/"), std::string::npos) << typed.line;
+        }
+    }
+}
+
 TEST(DocumentedCommands, UseExistingScriptsAndOptions) {
     const std::vector<Typed> lines = typedLines(".sh");
     EXPECT_GT(lines.size(), 10U);
@@ -166,7 +187,6 @@ TEST(DocumentedCommands, AreAllOfATestedKind) {
     const std::vector<Typed> all = typedLines();
     const std::size_t tried = typedLines("virtual-camera").size() + typedLines("shelf-camera ").size() +
                               typedLines(".sh").size() + typedLines("cmake ").size() +
-                              typedLines("build/release/app/shelf-").size() +
-                              typedLines("build/dev/tests/").size();
+                              installedLines().size() + typedLines("build/dev/tests/").size();
     EXPECT_EQ(all.size(), tried);
 }

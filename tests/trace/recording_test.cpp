@@ -127,7 +127,7 @@ TEST(RecordingFile, NamesAMissingFile) {
         static_cast<void>(loadRecording("missing.rec"));
         FAIL() << "no error";
     } catch (const RecordingError& error) {
-        EXPECT_STREQ(error.what(), "cannot read missing.rec: No such file or directory");
+        EXPECT_STREQ(error.what(), "cannot read missing.rec: it does not exist");
     }
 }
 

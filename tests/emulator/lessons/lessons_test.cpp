@@ -192,9 +192,17 @@ TEST(LessonProgram, ListsTheLessons) {
     EXPECT_EQ(Program({"--lesson"}).wait(), 0);
     for (const Lesson& lesson : lessons())
         EXPECT_THAT(Program::text("out"), HasSubstr(lesson.title));
-    EXPECT_EQ(Program({"--lesson", "9"}).wait(), 2);
-    EXPECT_THAT(Program::text("out"), HasSubstr(lessons()[0].title));
-    EXPECT_EQ(Program::text("err"), "virtual-camera: --lesson: there is no lesson \"9\"\n");
+}
+
+TEST(LessonProgram, TellsHowToReachItsPort) {
+    Program program({"--lesson", "1"});
+    EXPECT_TRUE(comesTrue([] {
+        const std::string out = Program::text("out");
+        return out.find("sudo virtual-camera --lesson 1 --link /dev/ttyUSB9") != std::string::npos &&
+               out.find("shelf-camera -p /dev/") != std::string::npos;
+    })) << Program::text("out");
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
 }
 
 TEST(LessonProgram, TeachesAtItsLink) {

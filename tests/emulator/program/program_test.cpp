@@ -2,8 +2,11 @@
 #include "emulator/camera/fault.h"
 #include "tests/emulator/line/ptyclient.h"
 #include "tests/emulator/program/program.h"
+#include "tests/support/otheruser.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <sys/stat.h>
 
 namespace emulatortest {
 namespace {
@@ -17,6 +20,31 @@ TEST(Program, HelpNamesEveryOption) {
          {"--type", "--address", "--device", "--link", "--pace", "--fault", "--pictures", "--offset", "--tap",
           "--record", "--blank-serials", "--replay", "--at-once", "--lesson", "--list-faults", "--help"})
         EXPECT_THAT(help, testing::HasSubstr(option));
+}
+
+TEST(Program, HelpHasAShortName) {
+    EXPECT_EQ(Program({"--help"}).wait(), 0);
+    const std::string help = Program::text("out");
+    EXPECT_EQ(Program({"-h"}).wait(), 0);
+    EXPECT_EQ(Program::text("out"), help);
+}
+
+TEST(Program, PrintsItsVersion) {
+    EXPECT_EQ(Program({"--version"}).wait(), 0);
+    EXPECT_THAT(Program::text("out"), testing::MatchesRegex("virtual-camera [0-9.]+\n"));
+}
+
+bool isChinese(const std::string& text) {
+    return std::any_of(text.begin(), text.end(),
+                       [](char letter) { return static_cast<unsigned char>(letter) >= 0xE4; });
+}
+
+TEST(Program, HelpSpeaksChinese) {
+    EXPECT_EQ(Program({"--help"}, {}, {{"LANGUAGE", "zh_CN"}}).wait(), 0);
+    std::istringstream lines(Program::text("out"));
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_TRUE(line.empty() || isChinese(line)) << line;
+    }
 }
 
 TEST(Program, ListFaultsNamesEveryKindAndRequest) {
@@ -50,25 +78,200 @@ struct BadLine {
 
 class BadArguments : public testing::TestWithParam<BadLine> {};
 
+void expectOneLine(const std::string& text) {
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
+}
+
 TEST_P(BadArguments, EndWithAMessageAndCode2) {
     EXPECT_EQ(Program(GetParam().arguments).wait(), 2);
     EXPECT_THAT(Program::text("err"), testing::HasSubstr(GetParam().message));
+    expectOneLine(Program::text("err"));
     EXPECT_EQ(Program::text("out"), "");
 }
 
+TEST_P(BadArguments, EndWithAChineseMessage) {
+    EXPECT_EQ(Program(GetParam().arguments, {}, {{"LANGUAGE", "zh_CN"}}).wait(), 2);
+    EXPECT_TRUE(isChinese(Program::text("err"))) << Program::text("err");
+    expectOneLine(Program::text("err"));
+}
+
+TEST_P(BadArguments, LeaveNothingBehind) {
+    fs::create_directory("left");
+    fs::current_path("left");
+    std::ofstream("file") << "precious";
+    EXPECT_EQ(Program(GetParam().arguments, "../").wait(), 2);
+    EXPECT_EQ(Program::text("file"), "precious");
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 1);
+    fs::current_path("..");
+}
+
 INSTANTIATE_TEST_SUITE_P(
-    All, BadArguments,
-    testing::Values(BadLine{{"--nonsense"}, "unknown option \"--nonsense\""},
-                    BadLine{{"stray"}, "unknown option"}, BadLine{{"--type", "5"}, "--type"},
-                    BadLine{{"--type", "shiny"}, "\"shiny\""}, BadLine{{"--type"}, "needs a value"},
-                    BadLine{{"--address", "256"}, "from 0 to 255"}, BadLine{{"--address="}, "needs a value"},
-                    BadLine{{"--pace", "0"}, "--pace"}, BadLine{{"--offset", "-1"}, "--offset"},
-                    BadLine{{"--fault", "boom"}, "no kind \"boom\""},
-                    BadLine{{"--help=now"}, "takes no value"}, BadLine{{"--device", "missing"}, "missing"},
-                    BadLine{{"--device", "out"}, "not a serial device"},
-                    BadLine{{"--pictures", "missing"}, "cannot read the folder missing"},
-                    BadLine{{"--link", "no/such/folder/link"}, "no/such/folder"},
-                    BadLine{{"--device", "d", "--link", "l"}, "--link"}));
+    Values, BadArguments,
+    testing::Values(BadLine{{"--nonsense"}, "unknown option \"--nonsense\"; see --help"},
+                    BadLine{{"stray"}, "unknown option \"stray\""},
+                    BadLine{{"--type", "5"},
+                            "there is no type \"5\"; known: 0 ostra, 1 dorvel, 2 sales-static, 3 quenta, 4 "
+                            "sales-dynamic"},
+                    BadLine{{"--type", "shiny"}, "there is no type \"shiny\"; known: 0 ostra"},
+                    BadLine{{"--type"}, "--type needs a value: TYPE"},
+                    BadLine{{"--address", "256"}, "from 0 to 255"},
+                    BadLine{{"--address="}, "--address needs a value: N"}, BadLine{{"--pace", "0"}, "--pace"},
+                    BadLine{{"--offset", "-1"}, "--offset"}, BadLine{{"--help=now"}, "--help takes no value"},
+                    BadLine{{"--lesson", "9"}, "--lesson: there is no lesson \"9\"; known: 1, 2, 3, 4, 5, 6"},
+                    BadLine{{"--device", "missing"}, "cannot open the device missing: it does not exist"},
+                    BadLine{{"--device", "/dev/null"}, "/dev/null is not a serial device; choose another"},
+                    BadLine{{"--pictures", "missing"}, "cannot read the folder missing: it does not exist"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Links, BadArguments,
+    testing::Values(BadLine{{"--link", "no/such/link"},
+                            "--link: there is no folder no/such; make it or choose another\n"},
+                    BadLine{{"--link", "/dev"}, "--link: /dev exists and is no link; remove it"},
+                    BadLine{{"--link", "/dev/null"}, "--link: /dev/null exists and is no link; remove it"},
+                    BadLine{{"--link", "/dev/null/link"},
+                            "--link: /dev/null is no folder; choose another path\n"},
+                    BadLine{{"--lesson", "1", "--link", "no/such/link"}, "no/such"},
+                    BadLine{{"--replay", KEPT_RECORDINGS "/ostra.rec", "--link", "no/such/link"},
+                            "--link: there is no folder no/such"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Together, BadArguments,
+    testing::Values(BadLine{{"--tap", "a", "--replay", "b"}, "--tap and --replay exclude each other"},
+                    BadLine{{"--tap", "a", "--lesson", "1"}, "--tap and --lesson exclude each other"},
+                    BadLine{{"--tap", "a", "--list-faults"}, "--tap and --list-faults exclude each other"},
+                    BadLine{{"--replay", "a", "--lesson", "1"}, "--replay and --lesson exclude each other"},
+                    BadLine{{"--device", "a", "--link", "b"}, "leave it out with --device"},
+                    BadLine{{"--tap", "a", "--device", "a"}, "name another one for the tool"},
+                    BadLine{{"--tap", "a", "--link", "a"}, "name another one for the tool"},
+                    BadLine{{"--record", "a"}, "--record belongs to --tap"},
+                    BadLine{{"--blank-serials"}, "--blank-serials belongs to --tap"},
+                    BadLine{{"--at-once"}, "--at-once belongs to --replay"},
+                    BadLine{{"--holds-image"}, "--holds-image belongs to --type sales-dynamic"},
+                    BadLine{{"--replay", "a", "--baud", "9600"},
+                            "--baud with --replay belongs to --device"}));
+
+/// Each mode with the options that are for other modes.
+std::vector<BadLine> meaninglessLines() {
+    using Words = std::vector<std::string>;
+    const std::vector<Words> served = {{"--address", "1"},  {"--check-baud"},  {"--pace", "9"},
+                                       {"--pictures", "."}, {"--holds-image"}, {"--fault", "silent"}};
+    const auto with = [&served](std::vector<Words> more) {
+        more.insert(more.end(), served.begin(), served.end());
+        return more;
+    };
+    const std::vector<std::pair<Words, std::vector<Words>>> modes = {
+        {{"--tap", "a"}, with({{"--at-once"}})},
+        {{"--replay", "a"},
+         with({{"--type", "3"}, {"--offset", "1"}, {"--record", "r"}, {"--blank-serials"}})},
+        {{"--lesson", "1"},
+         with({{"--type", "3"}, {"--baud", "9600"}, {"--offset", "1"}, {"--record", "r"}, {"--at-once"}})},
+        {{"--lesson"}, with({{"--type", "3"}, {"--link", "l"}, {"--device", "d"}})},
+        {{"--list-faults"}, with({{"--type", "3"}, {"--link", "l"}, {"--device", "d"}})}};
+    std::vector<BadLine> lines;
+    for (const auto& [mode, options] : modes) {
+        for (const Words& option : options) {
+            Words words = option;
+            words.insert(words.end(), mode.begin(), mode.end());
+            lines.push_back({words, "; leave it out\n"});
+        }
+    }
+    return lines;
+}
+
+INSTANTIATE_TEST_SUITE_P(OfOtherModes, BadArguments, testing::ValuesIn(meaninglessLines()));
+
+TEST(Program, UnknownFaultListsTheKinds) {
+    EXPECT_EQ(Program({"--fault", "boom"}).wait(), 2);
+    EXPECT_THAT(Program::text("err"),
+                testing::HasSubstr("there is no kind \"boom\"; known: silent, delay, "));
+    expectOneLine(Program::text("err"));
+}
+
+TEST(Program, UnknownRequestListsTheNames) {
+    EXPECT_EQ(Program({"--fault", "silent@boom"}).wait(), 2);
+    EXPECT_THAT(Program::text("err"),
+                testing::HasSubstr("\"boom\" is no request; known: any, a code (0x02), heartbeat, "));
+    expectOneLine(Program::text("err"));
+}
+
+TEST(Program, RefusesALinkInAClosedFolder) {
+    fs::create_directory("closed");
+    fs::permissions("closed", fs::perms::owner_read | fs::perms::owner_exec);
+    const OtherUser other;
+    if (eaccess(VIRTUAL_CAMERA_PROGRAM, X_OK) != 0)
+        GTEST_SKIP() << "the build folder is closed to other users";
+    EXPECT_EQ(Program({"--link", "closed/camera"}).wait(), 2);
+    EXPECT_THAT(Program::text("err"), testing::HasSubstr("--link: cannot write to the folder closed (no "
+                                                         "permission); use sudo or choose another\n"));
+}
+
+// --- the owner of the pseudo-terminal
+// ------------------------------------------------------------------------
+
+struct Owner {
+    uid_t user;
+    gid_t group;
+
+    bool operator==(const Owner&) const = default;
+};
+
+/// Owners of the link itself and of the terminal that it leads to.
+std::pair<Owner, Owner> ownersOf(const char* link) {
+    struct stat own {};
+    struct stat target {};
+    EXPECT_EQ(lstat(link, &own), 0);
+    EXPECT_EQ(stat(link, &target), 0);
+    return {{own.st_uid, own.st_gid}, {target.st_uid, target.st_gid}};
+}
+
+constexpr const char* rootHint = "only root can open it; for another user: sudo chown USER camera\n";
+
+class SudoMode : public testing::TestWithParam<std::vector<std::string>> {};
+
+TEST_P(SudoMode, GivesTheTerminalToItsUser) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "needs root";
+    std::vector<std::string> arguments = GetParam();
+    arguments.insert(arguments.end(), {"--link", "camera"});
+    Program program(arguments, {}, {{"LANGUAGE", "en"}, {"SUDO_UID", "65534"}, {"SUDO_GID", "65533"}});
+    ASSERT_TRUE(comesTrue([] { return fs::is_symlink("camera") && !Program::text("out").empty(); }));
+    const auto [link, terminal] = ownersOf("camera");
+    EXPECT_EQ(link, (Owner{65534, 65533}));
+    EXPECT_EQ(terminal, (Owner{65534, 65533}));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(Program::text("out"), testing::Not(testing::HasSubstr("chown")));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, SudoMode,
+                         testing::Values(std::vector<std::string>{},
+                                         std::vector<std::string>{"--lesson", "1"},
+                                         std::vector<std::string>{"--replay", KEPT_RECORDINGS "/ostra.rec"}));
+
+class NoSudoUser : public testing::TestWithParam<Process::Environment> {};
+
+TEST_P(NoSudoUser, LeavesTheTerminalToRootAndTellsHowToShareIt) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "needs root";
+    Process::Environment environment = GetParam();
+    environment["LANGUAGE"] = "en";
+    Program program({"--link", "camera"}, {}, environment);
+    EXPECT_TRUE(comesTrue([] { return Program::text("out").find(rootHint) != std::string::npos; }));
+    const auto [link, terminal] = ownersOf("camera");
+    EXPECT_EQ(link.user, 0U);
+    EXPECT_EQ(terminal.user, 0U);
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, NoSudoUser,
+                         testing::Values(Process::Environment{{"SUDO_UID", ""}, {"SUDO_GID", ""}},
+                                         Process::Environment{{"SUDO_UID", "65534"}, {"SUDO_GID", ""}},
+                                         Process::Environment{{"SUDO_UID", "65534x"}, {"SUDO_GID", "1"}},
+                                         Process::Environment{{"SUDO_UID", "-1"}, {"SUDO_GID", "1"}},
+                                         Process::Environment{{"SUDO_UID", "4294967295"}, {"SUDO_GID", "1"}},
+                                         Process::Environment{{"SUDO_UID", "99999999999"}, {"SUDO_GID", "1"}},
+                                         Process::Environment{{"SUDO_UID", "0"}, {"SUDO_GID", "0"}}));
 
 TEST(Program, ServesOverItsLinkAndLogsExchanges) {
     Program program({"--link", "camera", "--fault", "silent@heartbeat#2"});

@@ -1,4 +1,6 @@
 // The virtual-camera program as tap and as replay.
+#include "emulator/line/pty.h"
+#include "emulator/line/terminal.h"
 #include "tests/emulator/camera/camerabench.h"
 #include "tests/emulator/line/ptyclient.h"
 #include "tests/emulator/program/program.h"
@@ -15,12 +17,13 @@ using testing::HasSubstr;
 /// A virtual camera at "camera" and a tap of it at "tapped", recording to "a.rec".
 class TappedCamera {
 public:
-    explicit TappedCamera(const std::vector<std::string>& more = {})
+    explicit TappedCamera(const std::vector<std::string>& more = {},
+                          const Program::Environment& environment = {{"LANGUAGE", "en"}})
         : camera({"--link", "camera"}, "camera-") {
         comesTrue([] { return fs::is_symlink("camera"); });
         std::vector<std::string> arguments = {"--tap", "camera", "--link", "tapped", "--record", "a.rec"};
         arguments.insert(arguments.end(), more.begin(), more.end());
-        tap.emplace(arguments);
+        tap.emplace(arguments, "", environment);
         comesTrue([] { return fs::is_symlink("tapped"); });
     }
     Program camera;
@@ -93,7 +96,7 @@ TEST(TapProgram, GivesTheRecordingANameOfItsOwn) {
 
 TEST(TapProgram, RefusesAMissingCamera) {
     EXPECT_EQ(Program({"--tap", "missing"}).wait(), 2);
-    EXPECT_EQ(Program::text("err"), "virtual-camera: missing: No such file or directory\n");
+    EXPECT_EQ(Program::text("err"), "virtual-camera: cannot open the device missing: it does not exist\n");
 }
 
 TEST(TapProgram, RefusesARecordingThatCannotBeWritten) {
@@ -101,7 +104,7 @@ TEST(TapProgram, RefusesARecordingThatCannotBeWritten) {
     ASSERT_TRUE(comesTrue([] { return fs::is_symlink("camera"); }));
     EXPECT_EQ(Program({"--tap", "camera", "--record", "no/such/a.rec"}).wait(), 2);
     EXPECT_EQ(Program::text("err"),
-              "virtual-camera: cannot write the recording no/such/a.rec: No such file or directory\n");
+              "virtual-camera: cannot write the recording no/such/a.rec: it does not exist\n");
 }
 
 TEST(TapProgram, KeepsAnExistingRecording) {
@@ -131,21 +134,53 @@ TEST(ReplayProgram, AnswersFromARecording) {
 
 TEST(ReplayProgram, RefusesOtherFiles) {
     EXPECT_EQ(Program({"--replay", "missing.rec"}).wait(), 2);
-    EXPECT_EQ(Program::text("err"), "virtual-camera: cannot read missing.rec: No such file or directory\n");
+    EXPECT_EQ(Program::text("err"), "virtual-camera: cannot read missing.rec: it does not exist\n");
     std::ofstream("bad.rec") << "camera line recording 1\nstart now\n\n";
     EXPECT_EQ(Program({"--replay", "bad.rec"}).wait(), 2);
     EXPECT_EQ(Program::text("err"),
               "virtual-camera: bad.rec, line 3: \"device\" and its value are missing here\n");
 }
 
-TEST(TapProgram, RefusesIncompatibleOptions) {
-    for (const std::vector<std::string>& arguments :
-         std::vector<std::vector<std::string>>{{"--tap", "a", "--replay", "b"},
-                                               {"--record", "a"},
-                                               {"--blank-serials"},
-                                               {"--at-once"},
-                                               {"--tap"}})
-        EXPECT_EQ(Program(arguments).wait(), 2) << arguments.front();
+TEST(ReplayProgram, RunsItsDeviceAtTheRecordedRate) {
+    Pty device;
+    device.open();
+    const std::string recording = std::string(KEPT_RECORDINGS) + "/quenta.rec";
+    Program program({"--replay", recording, "--device", device.portName()});
+    EXPECT_TRUE(comesTrue([&] { return terminalSpeed(device.slave()) == 230400U; }));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
+}
+
+// --- Chinese
+// ---------------------------------------------------------------------------------------------------
+
+const Program::Environment chinese = {{"LANGUAGE", "zh_CN"}};
+
+TEST(TapProgram, SpeaksChinese) {
+    TappedCamera tapped({}, chinese);
+    EXPECT_TRUE(comesTrue([] { return Program::text("out").find("录制到 a.rec") != std::string::npos; }));
+    tapped.camera.signal(SIGTERM);
+    EXPECT_EQ(tapped.tap->wait(), 1);
+    EXPECT_EQ(Program::text("err"), "virtual-camera: 线路已断开：camera\n");
+}
+
+TEST(TapProgram, RecordsTheSameInEveryLanguage) {
+    TappedCamera tapped({}, chinese);
+    tapped.camera.signal(SIGTERM);
+    EXPECT_EQ(tapped.tap->wait(), 1);
+    EXPECT_THAT(Program::text("a.rec"), HasSubstr("the line is gone: camera"));
+}
+
+TEST(ReplayProgram, SpeaksChinese) {
+    const std::string recording = std::string(KEPT_RECORDINGS) + "/ostra.rec";
+    Program program({"--replay", recording, "--link", "camera"}, {}, chinese);
+    EXPECT_TRUE(comesTrue([] { return Program::text("out").find("正在回答 ") != std::string::npos; }));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
+    std::ofstream("bad.rec") << "camera line recording 1\nstart now\n\n";
+    EXPECT_EQ(Program({"--replay", "bad.rec"}, {}, chinese).wait(), 2);
+    EXPECT_EQ(Program::text("err"),
+              "virtual-camera: 录制文件 bad.rec 不能使用，请换一个：第 3 行：这里缺少“device”和它的值\n");
 }
 
 } // namespace
