@@ -4,8 +4,6 @@
 #include "service/finder.h"
 #include "service/report.h"
 
-#include <QCoreApplication>
-
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <functional>
@@ -14,10 +12,6 @@
 namespace cli {
 
 namespace {
-
-QString tr(const char* text) {
-    return QCoreApplication::translate("Options", text);
-}
 
 std::string help(const char* text) {
     return tr(text).toStdString();

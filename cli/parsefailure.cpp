@@ -8,11 +8,11 @@
 
 namespace cli {
 
-namespace {
-
 QString tr(const char* text) {
     return QCoreApplication::translate("Options", text);
 }
+
+namespace {
 
 QString commandNames(const CLI::App& app) {
     QStringList names;

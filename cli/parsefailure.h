@@ -1,4 +1,4 @@
-// A parser's error in the words of shelf-camera.
+// Words of shelf-camera for its options, and for a parser's errors.
 #pragma once
 
 #include <QString>
@@ -12,6 +12,9 @@ class ParseError;
 } // namespace CLI
 
 namespace cli {
+
+/// A text of the options in the chosen language.
+[[nodiscard]] QString tr(const char* text);
 
 /// Sentence about an error that the app's parse threw.
 [[nodiscard]] QString parseFailure(const CLI::App& app, const CLI::ParseError& error);

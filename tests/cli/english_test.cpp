@@ -188,7 +188,7 @@ TEST(Chinese, HasEverySentence) {
             continue; // may be no sentence
         const auto table = language::chineseTexts();
         EXPECT_TRUE(std::any_of(table.begin(), table.end(),
-                                [&](const language::Text& row) { return row.source == text; }))
+                                [&wanted = text](const language::Text& row) { return row.source == wanted; }))
             << source << ": " << text;
     }
 }
