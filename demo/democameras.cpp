@@ -10,6 +10,7 @@ DemoCameras::DemoCameras() {
         emulator::TerminalCamera terminal =
             emulator::serveOnNewTerminal(emulator::VirtualCamera(emulator::settingsForType(type)));
         m_terminals[type] = std::move(terminal.portName);
+        m_plugs[type] = std::move(terminal.plug);
         m_fronts[type] = std::move(terminal.front);
     }
 }
@@ -24,7 +25,18 @@ std::vector<CameraType> DemoCameras::types() {
 }
 
 std::string DemoCameras::portName(CameraType type) const {
+    const std::lock_guard lock(m_terminalsMutex);
     return m_cameraPort.empty() ? m_terminals.at(type) : m_toolPort;
+}
+
+bool DemoCameras::plug(CameraType type, bool in) {
+    const auto plug = m_plugs.find(type);
+    if (plug == m_plugs.end())
+        return false;
+    std::string name = plug->second(in);
+    const std::lock_guard lock(m_terminalsMutex);
+    m_terminals[type] = std::move(name);
+    return true;
 }
 
 void DemoCameras::connect(CameraType type) {

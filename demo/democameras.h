@@ -3,8 +3,10 @@
 
 #include "emulator/line/camerafront.h"
 
+#include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -18,8 +20,10 @@ public:
     DemoCameras(std::string cameraPort, std::string toolPort);
 
     [[nodiscard]] static std::vector<emulator::CameraType> types();
-    /// Port for the tool.
+    /// Port for the tool; empty while it is pulled. Any thread.
     [[nodiscard]] std::string portName(emulator::CameraType type) const;
+    /// Pulls the camera's adapter (false) or plugs it in under another name (true). False for a serial port.
+    bool plug(emulator::CameraType type, bool in);
     /// Connects the camera to its line; on a shared line it replaces the previous one.
     void connect(emulator::CameraType type);
     /// A connected camera.
@@ -28,6 +32,8 @@ public:
 private:
     std::string m_cameraPort; ///< empty: pseudo-terminals
     std::string m_toolPort;
+    mutable std::mutex m_terminalsMutex;
     std::map<emulator::CameraType, std::string> m_terminals;
+    std::map<emulator::CameraType, std::function<std::string(bool in)>> m_plugs; ///< of terminals
     std::map<emulator::CameraType, std::unique_ptr<emulator::CameraFront>> m_fronts;
 };

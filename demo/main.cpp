@@ -1,6 +1,8 @@
 // shelf-camera-demo: the tool with virtual cameras attached.
+#include "app/adapters.h"
 #include "app/application.h"
 #include "app/consoleoutput.h"
+#include "app/portchoice.h"
 #include "demo/tour.h"
 
 #include <QComboBox>
@@ -12,31 +14,46 @@
 #include <QRadioButton>
 #include <QTimer>
 
+#include <algorithm>
 #include <iostream>
+#include <memory>
+#include <vector>
 
 using emulator::CameraType;
 
 namespace {
 
-/// Lists the cameras' ports behind the system's and chooses the first camera's.
-void addPorts(MainWindow& window, const DemoCameras& cameras) {
-    auto* const ports = window.findChild<QComboBox*>(QStringLiteral("sel_ports"));
+/// The system's ports, then those of the cameras that it does not list. Any thread.
+std::vector<PortEntry> portsWith(const DemoCameras& cameras) {
+    std::vector<PortEntry> ports = presentPorts();
     for (const CameraType type : DemoCameras::types()) {
         const QString name = QString::fromStdString(cameras.portName(type));
-        if (ports->findText(name) < 0)
-            ports->addItem(name);
-        std::cout << "virtual camera of type " << static_cast<unsigned>(type) << " at "
-                  << cameras.portName(type) << std::endl;
+        const bool isListed = std::any_of(ports.begin(), ports.end(),
+                                          [&name](const PortEntry& port) { return port.name == name; });
+        const QString camera = QStringLiteral("virtual camera of type %1").arg(static_cast<unsigned>(type));
+        if (!name.isEmpty() && !isListed)
+            ports.push_back({name, camera, camera});
     }
-    ports->setCurrentText(QString::fromStdString(cameras.portName(DemoCameras::types().front())));
+    return ports;
+}
+
+/// Lists the cameras' ports and chooses the first camera's.
+void addPorts(MainWindow& window, const std::shared_ptr<const DemoCameras>& cameras) {
+    auto* const ports = window.findChild<PortChoice*>(QStringLiteral("sel_ports"));
+    ports->setSource([cameras] { return portsWith(*cameras); });
+    ports->refill();
+    for (const CameraType type : DemoCameras::types())
+        std::cout << "virtual camera of type " << static_cast<unsigned>(type) << " at "
+                  << cameras->portName(type) << std::endl;
+    ports->choose(QString::fromStdString(cameras->portName(DemoCameras::types().front())));
 }
 
 /// Pseudo-terminals, or the two ports of the options.
-std::unique_ptr<DemoCameras> makeCameras(const QString& cameraPort, const QString& toolPort) {
+std::shared_ptr<DemoCameras> makeCameras(const QString& cameraPort, const QString& toolPort) {
     try {
         if (cameraPort.isEmpty())
-            return std::make_unique<DemoCameras>();
-        return std::make_unique<DemoCameras>(cameraPort.toStdString(), toolPort.toStdString());
+            return std::make_shared<DemoCameras>();
+        return std::make_shared<DemoCameras>(cameraPort.toStdString(), toolPort.toStdString());
     } catch (const std::exception& failure) {
         std::cerr << "shelf-camera-demo: " << failure.what()
                   << "; give two ports that are joined: --camera-port COM6 --tool-port COM5" << std::endl;
@@ -166,12 +183,12 @@ int main(int argumentCount, char* arguments[]) {
     if (parser.isSet(options.dark))
         darken();
 
-    const std::unique_ptr<DemoCameras> cameras =
+    const std::shared_ptr<DemoCameras> cameras =
         makeCameras(parser.value(options.cameraPort), parser.value(options.toolPort));
     if (!cameras)
         return 2;
     MainWindow window;
-    addPorts(window, *cameras);
+    addPorts(window, cameras);
     window.show();
     if (parser.isSet(options.picture)) {
         const QString file = QFileInfo(parser.value(options.picture)).absoluteFilePath();

@@ -21,6 +21,7 @@ void Tour::run() {
     showDoorAndAbout();
     showHeartbeatAfterStaleBytes();
     checkUp();
+    reopenAfterReplug();
     takePicture(CameraType::ostra);
     showLineRecord();
     listPictures(CameraType::ostra);

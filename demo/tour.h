@@ -35,6 +35,8 @@ private:
     // touraids.cpp
     void findCamera();
     void checkUp();
+    /// Pulls the adapter of the open link, plugs it in and opens the link again.
+    void reopenAfterReplug();
     // tourpictures.cpp
     void takePicture(emulator::CameraType type);
     void listPictures(emulator::CameraType type);

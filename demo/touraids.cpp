@@ -6,6 +6,8 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QTableWidget>
 
 using emulator::CameraType;
@@ -50,4 +52,22 @@ void Tour::checkUp() {
     TourGuide::giveFile([&] { TourGuide::press(checkup, "btn_save"); }, report);
     TourGuide::waitUntil([&] { return QFileInfo(report).size() > 0; }, "the report is there");
     checkup.close();
+}
+
+void Tour::reopenAfterReplug() {
+    if (!m_cameras.plug(m_type, false))
+        return;
+    m_guide.say(QStringLiteral("an adapter that is pulled and plugged in"));
+    TourGuide::press(m_window, "btn_heartbeat");
+    TourGuide::expect(!TourGuide::find<QRadioButton>(m_window, "rb_heartbeat").isChecked(),
+                      QStringLiteral("the lamp of a pulled adapter"));
+    m_cameras.plug(m_type, true);
+    const auto& reopen = TourGuide::find<QPushButton>(m_window, "btn_reopen");
+    TourGuide::waitUntil([&] { return reopen.isVisible(); }, "the link can be reopened");
+    m_guide.screenshot(m_window, QStringLiteral("reopen"));
+    TourGuide::press(m_window, "btn_reopen");
+    TourGuide::expectText(m_window, "btn_open", QStringLiteral("关闭串口"));
+    TourGuide::press(m_window, "btn_heartbeat");
+    TourGuide::expect(TourGuide::find<QRadioButton>(m_window, "rb_heartbeat").isChecked(),
+                      QStringLiteral("the heartbeat of the reopened link"));
 }

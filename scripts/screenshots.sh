@@ -21,6 +21,7 @@ chosen=(
   "about about 1"
   "finder finder 1"
   "checkup checkup 1"
+  "reopen reopen 1"
   "line-record line-record 1"
   "list list 1"
   "list-v1 list 2"

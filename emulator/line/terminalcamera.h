@@ -13,8 +13,9 @@ namespace emulator {
 struct TerminalCamera {
     std::unique_ptr<CameraFront> front;
     std::string portName;
-    /// Pulls the adapter (false) or plugs it in (true); the front outlives the call.
-    std::function<void(bool in)> plug;
+    /// Pulls the adapter (false) or plugs it in (true): gives the port's new name, empty while it is pulled.
+    /// The front outlives the call.
+    std::function<std::string(bool in)> plug;
 };
 
 /// Serves the camera on a new pseudo-terminal, with a symbolic link at the path unless that is empty. Throws

@@ -8,7 +8,10 @@ TerminalCamera serveOnNewTerminal(VirtualCamera camera, const std::string& link)
     if (!link.empty())
         front->linkAt(link);
     std::string portName = front->portName();
-    const auto plug = [served = front.get()](bool in) { in ? served->comeBack() : served->vanish(); };
+    const auto plug = [served = front.get()](bool in) {
+        in ? served->comeBack() : served->vanish();
+        return served->portName();
+    };
     return {std::move(front), std::move(portName), plug};
 }
 

@@ -18,6 +18,8 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
+#include <QPushButton>
+#include <QTimer>
 
 using namespace std::chrono_literals;
 using emulator::CameraType;
@@ -205,6 +207,33 @@ std::vector<Flow> aidFlows() {
     };
 }
 
+/// Presses the button in the status bar as often as it is offered.
+Step keepsReopening() {
+    return [](LivingWindow& w) {
+        auto* const timer = new QTimer(w.window());
+        QObject::connect(timer, &QTimer::timeout, timer, [&w] {
+            auto* const button = guitest::find<QPushButton>(*w.window(), "btn_reopen");
+            if (!w.hasEnded() && button->isVisible())
+                button->click();
+        });
+        timer->start(50ms);
+    };
+}
+
+Step plugs(bool in) {
+    return [in](LivingWindow& w) { w.plug(in); };
+}
+
+std::vector<Flow> adapterFlows() {
+    return {
+        {"Reopening",
+         "rb_ost",
+         CameraType::ostra,
+         3000ms,
+         {keepsReopening(), presses("btn_heartbeat"), plugs(false), presses("btn_heartbeat"), plugs(true)}},
+    };
+}
+
 std::vector<Flow> uploadFlows() {
     const auto ostra = CameraType::ostra;
     return {
@@ -234,7 +263,8 @@ std::vector<Flow> uploadFlows() {
 const std::vector<Flow>& flows() {
     static const std::vector<Flow> all = [] {
         std::vector<Flow> list = pictureFlows();
-        for (const auto& more : {severalPicturesFlows(), settingFlows(), uploadFlows(), aidFlows()})
+        for (const auto& more :
+             {severalPicturesFlows(), settingFlows(), uploadFlows(), aidFlows(), adapterFlows()})
             list.insert(list.end(), more.begin(), more.end());
         return list;
     }();

@@ -1,5 +1,6 @@
 #include "tests/life/livingwindow.h"
 
+#include "app/portchoice.h"
 #include "tests/support/printing.h"
 #include "tests/support/windowactions.h"
 
@@ -73,7 +74,17 @@ LivingWindow::~LivingWindow() {
 
 void LivingWindow::open() {
     chooseCameraType(*window(), m_flow.cameraButton);
+    auto* const ports = find<PortChoice>(*window(), "sel_ports");
+    ports->setSource([this] { return adapters(); });
+    ports->refill();
     m_bench.open();
+}
+
+std::vector<PortEntry> LivingWindow::adapters() {
+    const QString name = QString::fromStdString(m_bench.camera.portName());
+    if (name.isEmpty())
+        return {};
+    return {{name, {}, QStringLiteral("adapter")}};
 }
 
 // --- steps -------------------------------------------------------------------------------------------------
@@ -99,6 +110,15 @@ void LivingWindow::chooseFile(const char* button) {
     });
     answer.start(stepGapMs);
     press(window(), button);
+}
+
+void LivingWindow::plug(bool in) {
+    if (!in) {
+        m_bench.camera.vanish();
+        return;
+    }
+    m_bench.camera.comeBack();
+    m_portName = m_bench.camera.portName();
 }
 
 void LivingWindow::runSteps(std::size_t next) {

@@ -1,6 +1,7 @@
 // A main window and a virtual camera, whose link ends during use.
 #pragma once
 
+#include "app/adapters.h"
 #include "tests/support/camerawindow.h"
 
 #include <chrono>
@@ -42,6 +43,8 @@ public:
     /// Presses the button of the window if both are there and usable.
     static void press(const QWidget* window, const char* button);
     void choose(const char* menuEntry) const;
+    /// True after the moment: the user does nothing any more.
+    [[nodiscard]] bool hasEnded() const { return m_ended; }
     template <typename Window>
     [[nodiscard]] static Window* opened() {
         const auto all = guitest::openWindows<Window>();
@@ -49,11 +52,15 @@ public:
     }
     /// Chooses the upload file in the dialog that the button opens.
     void chooseFile(const char* button);
+    /// Pulls the adapter, or plugs it in: under another name.
+    void plug(bool in);
 
 private:
     struct Shown;
 
     void open();
+    /// The camera's port while it is there. Any thread.
+    [[nodiscard]] std::vector<PortEntry> adapters();
     void runSteps(std::size_t next);
     void end(Ending ending);
     void closeLink();

@@ -139,8 +139,9 @@ bool QMetaObject::invokeMethodImpl(QObject* object, QtPrivate::QSlotObjectBase* 
                                    void* result) {
     static const auto qt = original<bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*)>(
         "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv");
+    auto* const taken = new TakenOverSlot(slot);
     handOver();
-    return qt(object, new TakenOverSlot(slot), type, result);
+    return qt(object, taken, type, result);
 }
 
 void QCoreApplication::postEvent(QObject* receiver, QEvent* event, int priority) {
