@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 
+#include <atomic>
 #include <csignal>
 #include <poll.h>
 #include <unistd.h>
@@ -11,12 +12,13 @@ namespace cli {
 
 namespace {
 
-volatile std::sig_atomic_t interruptions = 0;
+// Set by a signal on any thread, read by several.
+std::atomic<bool> isInterrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 void interrupt(int) {
-    if (interruptions != 0)
+    if (isInterrupted.exchange(true))
         ::_exit(static_cast<int>(ExitCode::interrupted));
-    interruptions = 1;
 }
 
 } // namespace
@@ -31,7 +33,7 @@ void watchForInterrupts() {
 }
 
 bool interrupted() {
-    return interruptions != 0;
+    return isInterrupted;
 }
 
 bool inputIsTerminal() {

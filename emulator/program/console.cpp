@@ -4,6 +4,7 @@
 #include "language/language.h"
 
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <iomanip>
 #include <iostream>
@@ -14,10 +15,12 @@ namespace emulator {
 
 namespace {
 
-volatile std::sig_atomic_t stopRequested = 0;
+// Set by a signal, on whichever thread that comes.
+std::atomic<bool> stopRequested = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 void requestStop(int) {
-    stopRequested = 1;
+    stopRequested = true;
 }
 
 } // namespace
@@ -48,9 +51,9 @@ void watchForStop() {
 
 bool waitWhile(const std::function<bool()>& condition) {
     constexpr std::chrono::milliseconds pollInterval{50};
-    while (stopRequested == 0 && condition())
+    while (!stopRequested && condition())
         std::this_thread::sleep_for(pollInterval);
-    return stopRequested != 0;
+    return stopRequested;
 }
 
 } // namespace emulator
