@@ -43,7 +43,7 @@ public:
     void showPopup() override;
 
 signals:
-    /// What a refresh found or changed, for people.
+    /// A sentence for the status bar: a refresh found a port or changed the choice.
     void noticed(const QString& text);
 
 private:

@@ -2,11 +2,7 @@
 
 #include "language/texts.h"
 
-#include <QLocale>
-
-#include <algorithm>
 #include <cerrno>
-#include <string_view>
 
 namespace language {
 
@@ -14,27 +10,7 @@ namespace {
 
 bool chinese = false;
 
-#ifndef Q_OS_WIN
-/// The first language that the environment names.
-QString environmentLanguage() {
-    for (const char* const name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const QString value = qEnvironmentVariable(name);
-        if (!value.isEmpty())
-            return value.section(QLatin1Char(':'), 0, 0);
-    }
-    return {};
-}
-#endif
-
 } // namespace
-
-bool speaksChinese() {
-#ifdef Q_OS_WIN
-    return QLocale::system().language() == QLocale::Chinese;
-#else
-    return environmentLanguage().startsWith(QLatin1String("zh"));
-#endif
-}
 
 void chooseChinese() {
     chinese = true;
@@ -56,11 +32,8 @@ std::string filled(std::string text, std::initializer_list<std::string> argument
 }
 
 std::string sentence(const char* english, std::initializer_list<std::string> arguments) {
-    const auto table = chineseTexts();
-    const auto row = std::find_if(table.begin(), table.end(), [english](const Text& text) {
-        return std::string_view(text.source) == english;
-    });
-    return filled(chinese && row != table.end() ? row->translation : english, arguments);
+    const char* const translation = chinese ? translationIn(chineseTexts(), english) : nullptr;
+    return filled(translation != nullptr ? translation : english, arguments);
 }
 
 std::string reasonOf(int error) {

@@ -6,7 +6,8 @@
 
 namespace language {
 
-/// By LANGUAGE, LC_ALL, LC_MESSAGES and LANG on Unix, by the user's language on Windows.
+/// By LANGUAGE, LC_ALL, LC_MESSAGES and LANG on Unix, by the user's language on Windows: language_unix.cpp,
+/// language_windows.cpp.
 [[nodiscard]] bool speaksChinese();
 
 /// Makes sentence() give Chinese. Call it before other threads start.

@@ -12,6 +12,9 @@ struct Text {
     const char* translation;
 };
 
+/// Null if the table has no such text.
+[[nodiscard]] const char* translationIn(std::span<const Text> table, const char* source);
+
 /// Gives the translation of every text of the table, whatever the context. The table outlives it.
 class Texts final : public QTranslator {
 public:

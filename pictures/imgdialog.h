@@ -29,7 +29,7 @@ public:
     /// Loads the picture and opens the dialog. A name without suffix finds the file of any known image
     /// format; a picture that is missing or broken is said so. The file may change or go afterwards.
     void showPicture(const QString& name);
-    /// Whether there is a picture before and after this one. At first there is none.
+    /// Offers the previous and the next picture; a new dialog offers neither.
     void setNeighbours(bool previous, bool next);
 
 signals:

@@ -8,12 +8,13 @@
 #include <QPointer>
 #include <QWidget>
 
-#include <atomic>
 #include <memory>
 
 class ImgDialog;
 class PictureListDelegate;
 class PictureListModel;
+/// Shared by a window and its job that downloads all pictures.
+struct PictureDownloadControl;
 
 namespace Ui {
 class PictureListWindow;
@@ -66,11 +67,6 @@ private:
     void enableNeighbours(const View& view) const;
 
     // --- all pictures (picturelistwindow_all.cpp) ---
-    /// Shared by the window and the job that downloads.
-    struct DownloadControl {
-        std::atomic<bool> stopped{false};
-        std::atomic<bool> hasLine{false};
-    };
     void connectAll();
     /// The picture under way ends as well.
     void stopDownload();
@@ -89,5 +85,5 @@ private:
 
     std::unique_ptr<Ui::PictureListWindow> m_ui;
     PictureListModel* m_model;
-    std::shared_ptr<DownloadControl> m_download; ///< non-null while pictures come
+    std::shared_ptr<PictureDownloadControl> m_download; ///< non-null while pictures come
 };

@@ -11,7 +11,13 @@
 #include <QMessageBox>
 
 #include <algorithm>
+#include <atomic>
 #include <functional>
+
+struct PictureDownloadControl {
+    std::atomic<bool> stopped{false};
+    std::atomic<bool> hasLine{false};
+};
 
 namespace {
 
@@ -58,10 +64,9 @@ bool downloadOne(CameraSp& client, const PictureGeneration& generation, const Li
 }
 
 /// Until one fails or the technician stops. tell gets the number of each, from 1.
-template <typename Control>
 Downloaded downloadPictures(CameraSp& client, const PictureGeneration& generation,
                             const std::vector<ListedPicture>& pictures, const std::string& folder,
-                            Control& control, const std::function<void(int)>& tell) {
+                            PictureDownloadControl& control, const std::function<void(int)>& tell) {
     Downloaded result;
     for (const ListedPicture& picture : pictures) {
         tell(result.count + 1);
@@ -142,7 +147,7 @@ void PictureListWindow::askToReplace(const QString& folder) {
 }
 
 void PictureListWindow::showDownloading(bool downloading) {
-    m_download = downloading ? std::make_shared<DownloadControl>() : nullptr;
+    m_download = downloading ? std::make_shared<PictureDownloadControl>() : nullptr;
     m_ui->btn_download_all->setText(downloading ? tr("停止下载") : tr("下载全部"));
 }
 

@@ -1,4 +1,4 @@
-// What a screen reader reads of the additional windows and controls.
+// Names and tables of the additional windows and controls, as screen readers get them.
 #include "aids/checkupwindow.h"
 #include "aids/linerecordwindow.h"
 #include "pictures/imgdialog.h"

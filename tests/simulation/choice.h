@@ -1,4 +1,4 @@
-// What a step chooses from.
+// Choice of one object of several by a step's number.
 #pragma once
 
 #include <QAbstractButton>

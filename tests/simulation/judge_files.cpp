@@ -1,4 +1,4 @@
-// What the judge finds on the camera and on disk.
+// The judge of uploads and files: the camera's and those on disk.
 #include "tests/simulation/judge.h"
 #include "trace/recording.h"
 

@@ -1,4 +1,4 @@
-// What the technician does in the windows of the aids, in lists and pictures, with files and the adapter.
+// The technician's steps in the windows of the aids, in lists and pictures, with files and the adapter.
 #include "aids/camerafinderwindow.h"
 #include "aids/checkupwindow.h"
 #include "aids/linerecordwindow.h"
