@@ -1,10 +1,7 @@
 // Adapters that are plugged in and unplugged while no link is open, against the recording library.
-#include "app/mainwindow.h"
 #include "app/portchoice.h"
-#include "tests/fake/fakeserial.h"
-#include "tests/support/guitest.h"
+#include "tests/app/listedports.h"
 #include "tests/support/printing.h"
-#include "tests/support/testclock.h"
 
 #include <gtest/gtest.h>
 
@@ -15,43 +12,22 @@ using namespace guitest;
 
 namespace {
 
-using Ports = std::vector<serial::PortInfo>;
-
-serial::PortInfo pluggedPort(const std::string& name, const std::string& id) {
-    return {name, "适配器 (" + name + ")", id};
-}
-
-class PluggedPorts : public testing::Test {
+class PluggedPorts : public ListedPorts {
 protected:
-    void SetUp() override {
-        fake_serial::reset();
-        clock.speedUp(20);
-    }
-    void TearDown() override {
-        window.reset();
-        fake_serial::reset();
-    }
-
     void start(Ports ports) {
-        fake_serial::setPorts(std::move(ports));
-        window = std::make_unique<MainWindow>(nullptr, clock);
-        window->show();
+        ListedPorts::start(std::move(ports));
         choice = find<PortChoice>(*window, "sel_ports");
     }
 
     /// Changes the ports and waits until the window has listed them.
     void plug(Ports ports) {
         fake_serial::setPorts(std::move(ports));
-        // The first of the two lists may have begun before.
-        const std::size_t before = clock.timers().size();
-        ASSERT_TRUE(eventually([this, before] { return clock.timers().size() > before + 1; }));
+        waitForLists();
     }
     /// As a user does with the keyboard.
     void chooseNext() const { QTest::keyClick(choice, Qt::Key_Down); }
     [[nodiscard]] QString chosen() const { return choice->currentText(); }
 
-    TestClock clock;
-    std::unique_ptr<MainWindow> window;
     PortChoice* choice = nullptr;
 };
 
@@ -63,9 +39,9 @@ public:
     /// Ports in the order of the adapters, and one that keeps its name.
     Ports next() {
         std::shuffle(m_numbers.begin(), m_numbers.end(), m_random);
-        Ports ports{pluggedPort("/dev/ttyS0", "n/a")};
+        Ports ports{adapterPort("/dev/ttyS0", "n/a")};
         for (std::size_t adapter = 0; adapter < m_ids.size(); ++adapter)
-            ports.push_back(pluggedPort("/dev/ttyUSB" + std::to_string(m_numbers[adapter]), m_ids[adapter]));
+            ports.push_back(adapterPort("/dev/ttyUSB" + std::to_string(m_numbers[adapter]), m_ids[adapter]));
         return ports;
     }
 
@@ -80,8 +56,8 @@ constexpr int renumberings = 100;
 } // namespace
 
 TEST_F(PluggedPorts, ANewAdapterIsChosen) {
-    start({pluggedPort("COM1", "n/a")});
-    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM5", "A")});
+    start({adapterPort("COM1", "n/a")});
+    plug({adapterPort("COM1", "n/a"), adapterPort("COM5", "A")});
     EXPECT_EQ(chosen(), "COM5");
     EXPECT_EQ(statusText(*window), "发现新串口 COM5，已选好");
     click(*window, "btn_open");
@@ -89,74 +65,74 @@ TEST_F(PluggedPorts, ANewAdapterIsChosen) {
 }
 
 TEST_F(PluggedPorts, ANewAdapterLeavesAChoiceByHand) {
-    start({pluggedPort("COM1", "n/a"), pluggedPort("COM3", "A")});
+    start({adapterPort("COM1", "n/a"), adapterPort("COM3", "A")});
     chooseNext();
     ASSERT_EQ(chosen(), "COM3");
-    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM3", "A"), pluggedPort("COM5", "B")});
+    plug({adapterPort("COM1", "n/a"), adapterPort("COM3", "A"), adapterPort("COM5", "B")});
     EXPECT_EQ(chosen(), "COM3");
     EXPECT_EQ(statusText(*window), "发现新串口 COM5，仍选 COM3");
 }
 
 TEST_F(PluggedPorts, ANewAdapterLeavesAPortThatWasOpened) {
-    start({pluggedPort("COM3", "A")});
+    start({adapterPort("COM3", "A")});
     click(*window, "btn_open");
-    fake_serial::setPorts({pluggedPort("COM3", "A"), pluggedPort("COM5", "B")});
+    fake_serial::setPorts({adapterPort("COM3", "A"), adapterPort("COM5", "B")});
     click(*window, "btn_open");
     EXPECT_TRUE(eventually([this] { return statusText(*window) == "发现新串口 COM5，仍选 COM3"; }));
     EXPECT_EQ(chosen(), "COM3");
 }
 
 TEST_F(PluggedPorts, ANewAdapterReplacesAChoiceThatIsGone) {
-    start({pluggedPort("COM3", "A")});
+    start({adapterPort("COM3", "A")});
     chooseNext();
     plug({});
     EXPECT_EQ(chosen(), "");
     EXPECT_EQ(statusText(*window), "没有发现串口，请插入转接器后点开串口列表");
-    plug({pluggedPort("COM5", "B")});
+    plug({adapterPort("COM5", "B")});
     EXPECT_EQ(chosen(), "COM5");
 }
 
 TEST_F(PluggedPorts, AChoiceByHandComesBackUnderAnotherName) {
-    start({pluggedPort("COM1", "n/a"), pluggedPort("COM3", "A")});
+    start({adapterPort("COM1", "n/a"), adapterPort("COM3", "A")});
     chooseNext();
-    plug({pluggedPort("COM1", "n/a")});
+    plug({adapterPort("COM1", "n/a")});
     EXPECT_EQ(statusText(*window), "所选转接器不在，改选 COM1，请核对");
-    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM6", "A")});
+    plug({adapterPort("COM1", "n/a"), adapterPort("COM6", "A")});
     EXPECT_EQ(chosen(), "COM6");
 }
 
 TEST_F(PluggedPorts, AnAlikeAdapterIsNotTakenForTheChosenOne) {
-    start({pluggedPort("COM1", "n/a"), pluggedPort("COM3", "A"), pluggedPort("COM4", "A")});
+    start({adapterPort("COM1", "n/a"), adapterPort("COM3", "A"), adapterPort("COM4", "A")});
     chooseNext();
     ASSERT_EQ(chosen(), "COM3");
-    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM4", "A")});
+    plug({adapterPort("COM1", "n/a"), adapterPort("COM4", "A")});
     EXPECT_EQ(statusText(*window), "所选转接器不在，改选 COM4，请核对");
-    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM4", "A"), pluggedPort("COM5", "A")});
+    plug({adapterPort("COM1", "n/a"), adapterPort("COM4", "A"), adapterPort("COM5", "A")});
     EXPECT_EQ(chosen(), "COM4");
     EXPECT_EQ(statusText(*window), "发现新串口 COM5，仍选 COM4");
-    plug({pluggedPort("COM1", "n/a"), pluggedPort("COM4", "A"), pluggedPort("COM3", "A")});
+    plug({adapterPort("COM1", "n/a"), adapterPort("COM4", "A"), adapterPort("COM3", "A")});
     EXPECT_EQ(chosen(), "COM3") << "the old name decides";
 }
 
 TEST_F(PluggedPorts, SeveralNewAdaptersAreOnlyTold) {
-    start({pluggedPort("COM3", "A")});
-    plug({pluggedPort("COM3", "A"), pluggedPort("COM5", "B"), pluggedPort("COM4", "C")});
+    start({adapterPort("COM3", "A")});
+    plug({adapterPort("COM3", "A"), adapterPort("COM5", "B"), adapterPort("COM4", "C")});
     EXPECT_EQ(chosen(), "COM3");
     EXPECT_EQ(statusText(*window), "发现新串口 COM4、COM5，仍选 COM3");
 }
 
 TEST_F(PluggedPorts, WaitUntilTheOpenListIsClosed) {
-    start({pluggedPort("COM3", "A")});
+    start({adapterPort("COM3", "A")});
     choice->showPopup();
-    plug({pluggedPort("COM3", "A"), pluggedPort("COM5", "B")});
+    plug({adapterPort("COM3", "A"), adapterPort("COM5", "B")});
     EXPECT_EQ(choice->count(), 1);
     choice->hidePopup();
     EXPECT_TRUE(eventually([this] { return choice->count() == 2; }));
 }
 
 TEST_F(PluggedPorts, AreNotListedAfterTheWindowIsClosed) {
-    start({pluggedPort("COM3", "A")});
-    plug({pluggedPort("COM3", "A"), pluggedPort("COM5", "B")});
+    start({adapterPort("COM3", "A")});
+    plug({adapterPort("COM3", "A"), adapterPort("COM5", "B")});
     window->close();
     const std::size_t before = clock.timers().size();
     QTest::qWait(500);

@@ -1,9 +1,8 @@
 // The button "重新打开" after an adapter was unplugged and plugged in again, against the recording library.
 #include "app/adapters.h"
-#include "tests/support/guitest.h"
+#include "tests/app/listedports.h"
 #include "tests/support/printing.h"
 #include "tests/support/recordedwindow.h"
-#include "tests/support/testclock.h"
 
 #include <QComboBox>
 #include <QPushButton>
@@ -17,35 +16,13 @@ using namespace guitest;
 
 namespace {
 
-constexpr const char* ownId = "USB VID:PID=0403:6001 SNR=A1";
 constexpr const char* idWithoutSerial = "USB VID:PID=1a86:7523";
 
-serial::PortInfo adapterPort(const std::string& name, const std::string& id = ownId) {
-    serial::PortInfo info;
-    info.port = name;
-    info.description = "USB-SERIAL (" + name + ")";
-    info.hardware_id = id;
-    return info;
-}
-
-using Ports = std::vector<serial::PortInfo>;
-
-class Reopening : public testing::Test {
+class Reopening : public ListedPorts {
 protected:
-    void SetUp() override {
-        fake_serial::reset();
-        clock.speedUp(10);
-    }
-    void TearDown() override {
-        window.reset();
-        fake_serial::reset();
-    }
-
     /// A window with an open link to the first port.
     void open(Ports ports) {
-        fake_serial::setPorts(std::move(ports));
-        window = std::make_unique<MainWindow>(nullptr, clock);
-        window->show();
+        start(std::move(ports));
         click(*window, "btn_open");
         ASSERT_EQ(text(*window, "btn_open"), "关闭串口");
     }
@@ -74,11 +51,6 @@ protected:
     [[nodiscard]] bool waitForText(const QString& words) const {
         return eventually([this, words] { return statusText(*window) == words; });
     }
-    /// Waits for two more lists of the ports.
-    void waitForLists() const {
-        const std::size_t before = clock.timers().size();
-        EXPECT_TRUE(eventually([this, before] { return clock.timers().size() > before + 1; }));
-    }
     /// True if no list is asked for in the time of several.
     [[nodiscard]] bool listsNothing() const {
         const std::size_t before = clock.timers().size();
@@ -95,9 +67,6 @@ protected:
         }
         return last;
     }
-
-    TestClock clock;
-    std::unique_ptr<MainWindow> window;
 };
 
 } // namespace
