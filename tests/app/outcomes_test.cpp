@@ -17,8 +17,6 @@
 #include <QDir>
 #include <QInputDialog>
 #include <QLabel>
-#include <QListView>
-#include <QMenu>
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QStatusBar>
@@ -202,13 +200,7 @@ TEST_F(Outcomes, RefusedViewIsNotDone) {
     camera.willList(0x07, {scripted::record(scripted::originRecord, 7, 7, 3)});
     click(*list, "btn_refresh");
     camera.willSend(0x09, 1, {1, 2, 3});
-    auto* const view = find<QListView>(*list, "listview");
-    view->setCurrentIndex(view->model()->index(0, 0));
-    emit view->customContextMenuRequested(QPoint(5, 5));
-    for (QAction* const action : list->findChild<QMenu*>()->actions()) {
-        if (action->text() == "查看")
-            action->trigger();
-    }
+    chooseForRow(*list, 0, "查看");
     EXPECT_EQ(status(), "下载图片 7：摄像头拒绝执行，请检查摄像头类型和设置值");
 }
 

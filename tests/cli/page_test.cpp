@@ -1,6 +1,6 @@
 // The table of endings in docs/shelf-camera.md against the table of commands and faults.
 #include "tests/cli/rows.h"
-#include "tests/docs/markdown.h"
+#include "tests/support/markdown.h"
 
 #include <gtest/gtest.h>
 

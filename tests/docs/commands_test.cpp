@@ -2,8 +2,8 @@
 // presets and options must exist.
 #include "cli/options.h"
 #include "emulator/line/pty.h"
-#include "tests/docs/markdown.h"
 #include "tests/emulator/program/program.h"
+#include "tests/support/markdown.h"
 
 #include <gtest/gtest.h>
 

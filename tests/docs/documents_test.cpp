@@ -1,5 +1,5 @@
 // The documents among themselves: links, pictures, and the user guide against the texts of the windows.
-#include "tests/docs/markdown.h"
+#include "tests/support/markdown.h"
 
 #include <gtest/gtest.h>
 

@@ -6,8 +6,8 @@
 #include "link/protocol/frame.h"
 #include "link/protocol/jsonenvelope.h"
 #include "link/protocol/uploads.h"
-#include "tests/docs/markdown.h"
 #include "tests/fake/fakeserial.h"
+#include "tests/support/markdown.h"
 #include "tests/support/stdoutcapture.h"
 #include "tests/support/testclock.h"
 

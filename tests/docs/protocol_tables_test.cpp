@@ -1,7 +1,7 @@
 // The tables of docs/protocol.md against the code they describe.
 #include "dialogs/settingborrower.h"
 #include "link/protocol/exchangetable.h"
-#include "tests/docs/markdown.h"
+#include "tests/support/markdown.h"
 
 #include <gtest/gtest.h>
 

@@ -14,10 +14,7 @@
 
 #include <QCheckBox>
 #include <QDir>
-#include <QFileDialog>
 #include <QLineEdit>
-#include <QListView>
-#include <QMenu>
 #include <QPushButton>
 #include <QTimer>
 
@@ -65,18 +62,8 @@ Step checks(const char* box) {
 template <typename Window>
 Step choosesForFirstRow(const char* entry) {
     return [entry](LivingWindow& w) {
-        const QWidget* const window = w.opened<Window>();
-        if (window == nullptr)
-            return;
-        auto* const list = guitest::find<QListView>(*window, "listview");
-        list->setCurrentIndex(list->model()->index(0, 0));
-        emit list->customContextMenuRequested(QPoint(5, 5));
-        for (const QMenu* const menu : window->findChildren<QMenu*>()) {
-            for (QAction* const action : menu->actions()) {
-                if (action->text() == QLatin1String(entry) || action->text() == QString::fromUtf8(entry))
-                    action->trigger();
-            }
-        }
+        if (const QWidget* const window = w.opened<Window>())
+            guitest::chooseForRow(*window, 0, entry);
     };
 }
 
@@ -84,12 +71,8 @@ Step choosesForFirstRow(const char* entry) {
 template <typename Window>
 Step choosesFolder() {
     return [](LivingWindow& w) {
-        const QWidget* const window = w.opened<Window>();
-        auto* const dialog = window == nullptr ? nullptr : window->findChild<QFileDialog*>();
-        if (dialog == nullptr)
-            return;
-        guitest::find<QLineEdit>(*dialog, "fileNameEdit")->setText(QDir::currentPath());
-        QMetaObject::invokeMethod(dialog, "accept");
+        if (const QWidget* const window = w.opened<Window>())
+            guitest::chooseFolder(*window, QDir::currentPath());
     };
 }
 

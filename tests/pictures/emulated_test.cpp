@@ -15,8 +15,6 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
-#include <QListView>
-#include <QMenu>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
@@ -117,15 +115,7 @@ public:
         return guitest::find<QToolButton>(window, "btn_download_all")->text();
     }
     void press(const char* name) { window.template findChild<QAbstractButton*>(name)->click(); }
-    void choose(int row, const QString& entry) {
-        auto* list = window.template findChild<QListView*>("listview");
-        list->setCurrentIndex(model()->index(row, 0));
-        emit list->customContextMenuRequested(QPoint(5, 5));
-        for (QAction* action : window.template findChildren<QMenu*>().back()->actions()) {
-            if (action->text() == entry)
-                action->trigger();
-        }
-    }
+    void choose(int row, const QString& entry) { guitest::chooseForRow(window, row, entry); }
     /// Reads the list and starts the download of all pictures into a new folder.
     void downloadAllInto(const QString& folder) {
         press("btn_refresh");
@@ -325,6 +315,10 @@ TEST_F(EmulatedPictures, ViewIsRefusedWhileAllPicturesCome) {
     EmulatedList<PicList> list(client.get());
     list.press("btn_refresh");
     list.choose(0, "查看");
+    const auto answerReadsAfter = [this](std::chrono::milliseconds delay) {
+        front->withCamera([delay](VirtualCamera& camera) { camera.settings().commandDelays[0x09] = delay; });
+    };
+    answerReadsAfter(2s); // the view is refused meanwhile
     list.chooseFolderForAll("kept");
     const auto reads = [this] {
         return front->withCamera([](VirtualCamera& camera) { return camera.record().count(0x09); });
@@ -332,6 +326,7 @@ TEST_F(EmulatedPictures, ViewIsRefusedWhileAllPicturesCome) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return reads() == 2; }, enoughMs));
     guitest::click(*list.viewer(), "btn_next");
     EXPECT_EQ(reads(), 2U);
+    answerReadsAfter(0s);
     EXPECT_EQ(list.shown()->text(), "图片不存在或者图片数据错误");
     ASSERT_TRUE(QTest::qWaitFor([&] { return list.download() == "已下载 2 张，共 2 张"; }, enoughMs));
     guitest::click(*list.viewer(), "btn_previous");

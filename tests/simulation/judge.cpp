@@ -110,6 +110,7 @@ Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources(
         world::note([&] { return port + ' ' + call; });
         libraryCalled(port, call);
     });
+    world::setReadObserver([this](const std::string& port) { m_protocolJudge.received(port); });
     world::onStandstill([this](world::Time duration) {
         const world::Time limit = m_ownRequests + othersTime;
         require(duration <= limit,
@@ -120,6 +121,7 @@ Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources(
 
 Judge::~Judge() {
     world::setCallObserver({});
+    world::setReadObserver({});
     world::onStandstill({});
 }
 
@@ -141,6 +143,11 @@ void Judge::watch(QWidget* mainWindow) {
 // --- the line ----------------------------------------------------------------------------------------------
 
 void Judge::libraryCalled(const std::string& port, const std::string& call) {
+    const Disturbances& disturbed = m_workplace.disturbances();
+    if (disturbed.adapter || disturbed.camera) // a fault of the camera may take the adapter away
+        m_protocolJudge.forgiveBreaks();
+    const std::string wrong = m_protocolJudge.called(port, call, world::now());
+    require(wrong.empty(), "O3: " + wrong);
     Exchange& exchange = m_exchanges[port];
     if (call.starts_with("write ")) {
         require(!m_silent || world::threadNumber() != 0, "O2: an action sends that should not");
@@ -181,77 +188,7 @@ std::size_t Judge::heard(std::uint8_t requestCode, bool json) {
     return count;
 }
 
-// --- words -------------------------------------------------------------------------------------------------
-
-void Judge::statusShown(const QString& text) {
-    if (text.isEmpty())
-        return;
-    world::note([&text] { return "status: " + text.toStdString(); });
-    if (text.contains(QStringLiteral("没有可升级的文件")))
-        m_pressedWithoutFile = true;
-    if (text.startsWith(QStringLiteral("图片命令附加值：")) ||
-        text.contains(QStringLiteral("  图片命令附加值：")))
-        m_pictureOffset = true;
-    static const QRegularExpression outcome(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d  (.+)：完成"));
-    if (const auto match = outcome.match(text); match.hasMatch())
-        checkOutcome(match.captured(1));
-}
-
-/// "完成" stands only behind a command that the camera has heard.
-void Judge::checkOutcome(const QString& name) {
-    struct Word {
-        QString name;
-        Command command;
-    };
-    static const std::vector<Word> words = {
-        {QStringLiteral("测试心跳"), Command::heartbeat},
-        {QStringLiteral("读取模型信息"), Command::getInfo},
-        {QStringLiteral("重启摄像头"), Command::reboot},
-        {QStringLiteral("恢复出厂设置"), Command::resetToFactory},
-    };
-    const auto word =
-        std::find_if(words.begin(), words.end(), [&](const Word& each) { return each.name == name; });
-    const Disturbances& disturbed = m_workplace.disturbances();
-    if (word == words.end() || disturbed.toTool || disturbed.late || disturbed.camera)
-        return;
-    const std::size_t now = heard(code(word->command));
-    require(now > m_heardBefore[name], "O6: done, but the camera has not heard it: " + name.toStdString());
-    m_heardBefore[name] = now;
-}
-
-void Judge::boxShown(const QString& text) {
-    if (text.startsWith(QStringLiteral("升级已完成，结果:true")))
-        checkUploadSuccess();
-}
-
-/// Compares the camera's image with the file. Left out are the cases that the protocol cannot detect: a
-/// system image has no verdict, the client reads no check code of answers, a faulty camera may report any
-/// verdict.
-void Judge::checkUploadSuccess() {
-    const Disturbances& disturbed = m_workplace.disturbances();
-    if (disturbed.camera || disturbed.toTool || disturbed.late)
-        return;
-    const emulator::CameraRecord& record = m_workplace.camera().record();
-    if (record.appV1.announcements > 0 && record.uploads.empty()) {
-        // The line may have swallowed some: only the last announcement's answer counts, and the closing
-        // packets'.
-        const bool all = record.appV1.announcements >= 5 && record.appV1.closingPackets >= 11;
-        require(all || disturbed.toCamera || disturbed.restarted || restartsByCommand(),
-                "O1: success without the whole second protocol");
-        const bool nothingToHold = QFileInfo(labelText(*m_window, "label_apppath")).size() == 0;
-        require(nothingToHold || m_workplace.camera().settings().holdsAnnouncedImage,
-                "O1: success, but the camera has no such image");
-        return;
-    }
-    require(!record.uploads.empty(), "O1: success without an upload");
-    if (record.uploads.empty())
-        return;
-    const emulator::UploadRecord& last = record.uploads.back();
-    const bool noVerdict = last.code == code(Command::firewareAnnounce);
-    if (noVerdict && (disturbed.toCamera || disturbed.adapter || disturbed.restarted))
-        return;
-    require(last.complete && last.digestRight, "O1: success, but the camera does not hold the file");
-}
+// --- link and controls -------------------------------------------------------------------------------------
 
 void Judge::checkLinkText() {
     const QString text = labelText(*m_window, "label_link");
@@ -262,11 +199,10 @@ void Judge::checkLinkText() {
             "O6: the link text says " + text.toStdString() + (open ? " of an open port" : " of no port"));
 }
 
-// --- controls ----------------------------------------------------------------------------------------------
-
 void Judge::linkClosed(world::Time duration) {
     require(duration <= longestClosing, "O3: closing took " + std::to_string(duration / 1ms) + " ms");
     require(world::openPortsOfFirstThread() == 0, "O4: a port is open after closing");
+    m_resultDue = false;
 }
 
 /// A download reads until all its bytes have come, which a good line and a camera that does not restart send
@@ -292,8 +228,16 @@ bool Judge::isCameraLinked() const {
 }
 
 void Judge::checkStep() {
-    if (m_window != nullptr && m_window->isVisible())
-        checkLinkText();
+    if (m_window == nullptr || !m_window->isVisible())
+        return;
+    checkLinkText();
+    checkLamp();
+    checkLists();
+    if (m_statusText.startsWith(QStringLiteral("正在升级"))) {
+        for (const char* const name : guitest::exchangeControls)
+            require(!m_window->findChild<QWidget*>(QLatin1String(name))->isEnabled(),
+                    std::string("O5: during an upload ") + name + " is enabled");
+    }
 }
 
 void Judge::checkControls() {
@@ -376,9 +320,11 @@ void Judge::checkAids() {
         require(labelText(*checkup, "label_verdict") != QStringLiteral("正在检查…"),
                 "O6: an endless check-up");
     }
-    for (const PictureListWindow* const list : m_window->findChildren<PictureListWindow*>())
+    for (const PictureListWindow* const list : m_window->findChildren<PictureListWindow*>()) {
         require(guitest::text(*list, "btn_download_all") == QStringLiteral("下载全部"),
                 "O6: a list downloads, but no job runs");
+        checkDownloads(*list);
+    }
 }
 
 // --- quiet and end -----------------------------------------------------------------------------------------

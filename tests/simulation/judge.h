@@ -1,6 +1,7 @@
 // The rules O1 to O8, checked in every session.
 #pragma once
 
+#include "tests/simulation/protocoljudge.h"
 #include "tests/simulation/workplace.h"
 
 #include <QString>
@@ -62,6 +63,9 @@ private:
     void statusShown(const QString& text);
     void checkOutcome(const QString& name);
     void checkUploadSuccess();
+    void checkLamp();
+    void checkLists();
+    void checkDownloads(const QWidget& list);
     void checkLinkText();
     void checkControls();
     void checkValues();
@@ -79,9 +83,14 @@ private:
     QWidget* m_window = nullptr;
     std::vector<std::string> m_complaints;
     std::map<std::string, Exchange> m_exchanges; ///< by port: a search has several
+    ProtocolJudge m_protocolJudge;
     bool m_silent = false;
     world::Time m_ownRequests{0}; ///< what the first thread's requests of this standstill may take
     std::map<QString, std::size_t> m_heardBefore;
+    QString m_statusText;
+    std::map<QString, bool> m_done; ///< by name of a command: how the status bar told its last end
+    bool m_resultDue = false;       ///< of an upload
+    std::optional<std::size_t> m_catalogueSize; ///< number of pictures when a list has just been read
     bool m_pressedWithoutFile = false;
     bool m_pictureOffset = false; ///< one was entered in this session
     Resources m_before;

@@ -208,10 +208,11 @@ void Technician::press(const Step& step) {
                each->objectName() == QLatin1String("btn_print") || // asks the system for its printers
                each->objectName().startsWith(QLatin1String("qt_"));
     });
-    if (QAbstractButton* const button = chosen(buttons, step.choice)) {
-        note(QStringLiteral("presses ") + button->objectName());
-        button->click();
-    }
+    QAbstractButton* const button = chosen(buttons, step.choice);
+    if (button == nullptr || button->testAttribute(Qt::WA_TransparentForMouseEvents))
+        return;
+    note(QStringLiteral("presses ") + button->objectName());
+    button->click();
 }
 
 void Technician::chooseMenu(const Step& step) {

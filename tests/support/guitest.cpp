@@ -1,16 +1,20 @@
 #include "tests/support/guitest.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QMenu>
 #include <QMessageBox>
 #include <QRadioButton>
 #include <QRegularExpression>
 #include <QStatusBar>
+
+#include <algorithm>
 
 #ifdef __SANITIZE_ADDRESS__
 #include <sanitizer/lsan_interface.h>
@@ -56,6 +60,28 @@ QStringList exchangingEntries(const QWidget& window) {
             names.append(action->objectName());
     }
     return names;
+}
+
+void chooseForRow(const QWidget& window, int row, const QString& entry) {
+    auto* const view = find<QAbstractItemView>(window, "listview");
+    view->setCurrentIndex(view->model()->index(row, 0));
+    emit view->customContextMenuRequested(QPoint(5, 5));
+    const QList<QMenu*> menus = window.findChildren<QMenu*>();
+    if (menus.isEmpty())
+        return;
+    const QList<QAction*> actions = menus.back()->actions();
+    const auto chosen = std::find_if(actions.begin(), actions.end(),
+                                     [&entry](const QAction* action) { return action->text() == entry; });
+    if (chosen != actions.end())
+        (*chosen)->trigger();
+}
+
+void chooseFolder(const QWidget& window, const QString& folder) {
+    auto* const dialog = window.findChild<QFileDialog*>();
+    if (dialog == nullptr)
+        return;
+    find<QLineEdit>(*dialog, "fileNameEdit")->setText(folder);
+    QMetaObject::invokeMethod(dialog, "accept");
 }
 
 QString text(const QWidget& window, const char* name) {

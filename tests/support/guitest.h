@@ -43,6 +43,10 @@ void hoverEntries(const Menu& menu) {
 void trigger(const QWidget& window, const char* name);
 /// Menu entries that the form marks as exchanging with the camera.
 [[nodiscard]] QStringList exchangingEntries(const QWidget& window);
+/// Chooses an entry of the menu that the view called listview opens over a row; nothing where there is none.
+void chooseForRow(const QWidget& window, int row, const QString& entry);
+/// Answers the file dialog that the window has opened; nothing where there is none.
+void chooseFolder(const QWidget& window, const QString& folder);
 /// The text of a label, button or line edit.
 [[nodiscard]] QString text(const QWidget& window, const char* name);
 [[nodiscard]] bool isEnabled(const QWidget& window, const char* name);

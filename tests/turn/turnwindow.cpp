@@ -27,9 +27,8 @@ constexpr auto uploadSilence = 5s;     // longer than the pause behind an announ
 constexpr auto cutUploadSilence = 2s;
 constexpr int poolThreads = 4; // enough for all users on any machine
 
-constexpr std::uint16_t firstHeldId = 101;
 constexpr std::uint16_t firstNewId = 33;
-constexpr int heldPictures = 30;
+constexpr int pictureCount = 30;
 /// With the other bytes of a transfer answer a multiple of the block size.
 constexpr int pictureSize = 3 * 512 - 11;
 constexpr int jsonPictureSize = 1200; // two pieces
@@ -51,8 +50,9 @@ Bytes drawPicture(std::uint16_t id, std::uint32_t variation) {
 
 std::vector<emulator::Picture> firstPictures() {
     std::vector<emulator::Picture> pictures;
-    for (std::uint16_t i = 0; i < heldPictures; ++i)
-        pictures.push_back(emulator::makePicture(firstHeldId + i, drawPicture(firstHeldId + i, i)));
+    for (std::uint16_t i = 0; i < pictureCount; ++i)
+        pictures.push_back(
+            emulator::makePicture(held::firstPicture + i, drawPicture(held::firstPicture + i, i)));
     return pictures;
 }
 
@@ -199,9 +199,18 @@ void TurnWindow::answerHeartbeatsInTime() {
 
 QStringList TurnWindow::heldPictureIds() {
     QStringList ids;
-    for (int i = 0; i < heldPictures; ++i)
-        ids.append(QString::number(firstHeldId + i));
+    for (int i = 0; i < pictureCount; ++i)
+        ids.append(QString::number(held::firstPicture + i));
     return ids;
+}
+
+std::vector<emulator::Picture> TurnWindow::heldPictures(std::span<const std::uint16_t> ids) {
+    std::vector<emulator::Picture> pictures;
+    for (const emulator::Picture& picture : cameraState().pictures) {
+        if (std::find(ids.begin(), ids.end(), picture.info.id) != ids.end())
+            pictures.push_back(picture);
+    }
+    return pictures;
 }
 
 bool TurnWindow::isIdle() const {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace turn {
@@ -30,6 +31,7 @@ inline constexpr const char* systemVersion = "system 22.2";
 inline constexpr const char* qvVersion = "qv 33.3";
 inline constexpr const char* modelInfo = "model 44.4";
 inline constexpr const char* jsonVersion = "json 55.5";
+inline constexpr std::uint16_t firstPicture = 101; ///< id; the others count up from it
 } // namespace held
 
 /// CAMERA_TURN_ALL is set: every pair at every delay, every opening at every lead.
@@ -81,6 +83,8 @@ public:
     void answerHeartbeatsInTime();
     /// Ids of the pictures that the camera holds at first, in catalogue order.
     [[nodiscard]] static QStringList heldPictureIds();
+    /// The camera's pictures of these ids; it holds them at first.
+    [[nodiscard]] std::vector<emulator::Picture> heldPictures(std::span<const std::uint16_t> ids);
     /// The camera as it was made, with an empty record.
     void renewCamera();
     /// A camera that keeps its pictures although it has confirmed their deletion.

@@ -7,11 +7,14 @@
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
+#include "pictures/imgdialog.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
+#include "pictures/picturelistmodel.h"
 #include "service/finder.h"
 #include "tests/support/cameratype.h"
 
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QListView>
@@ -141,6 +144,16 @@ User degreeUser() {
          {"label_3", gyro + "开启", gyro + "获取失败", {gyro + "关闭"}}});
 }
 
+// --- pictures' files ---------------------------------------------------------------------------------------
+
+QString pictureFile(const QString& folder, unsigned id, const Bytes& expected) {
+    QFile file(QDir(folder).filePath(QString::number(id) + ".jpg"));
+    if (!file.open(QIODevice::ReadOnly))
+        return "no file";
+    const QByteArray data = file.readAll();
+    return Bytes(data.begin(), data.end()) == expected ? "its picture" : "bytes that are not its picture";
+}
+
 // --- lists -------------------------------------------------------------------------------------------------
 
 QStringList rowsOf(const QWidget& window) {
@@ -164,6 +177,70 @@ User listUser(const char* name, const char* entry) {
 User v1ListUser() {
     User user = listUser<PicListV1>("ListV1", "actionPicInfoV1");
     user.readsOnWhenMisled = true;
+    return user;
+}
+
+/// Ids of the pictures in the user's window.
+constexpr std::array<std::uint16_t, 2> listedIds{held::firstPicture, held::firstPicture + 1};
+
+/// Opens a list window whose list is read already.
+template <typename Window>
+std::function<void(Work&)> opensList(const char* entry) {
+    return [entry](Work& work) {
+        work.window = work.bench.openWindow<Window>(entry);
+        auto* const model =
+            qobject_cast<PictureListModel*>(find<QListView>(*work.window, "listview")->model());
+        for (const emulator::Picture& picture : work.bench.heldPictures(listedIds))
+            model->appendRow(model->generation().cells(picture.info));
+    };
+}
+
+/// The listed pictures' files in a folder.
+std::vector<Shown> listedFiles(TurnWindow& bench, const QString& folder) {
+    std::vector<Shown> all;
+    for (const emulator::Picture& picture : bench.heldPictures(listedIds))
+        all.push_back({QString::number(picture.info.id),
+                       pictureFile(folder, picture.info.id, picture.jpeg),
+                       "its picture",
+                       {"no file"},
+                       {}});
+    return all;
+}
+
+/// All pictures of the list, on the pool.
+User downloadAllUser() {
+    const QString folder = "downloaded";
+    User user = buttonUser<PicListV1>("DownloadAll", "actionPicInfoV1", "btn_download_all",
+                                      [folder](const Work& work) { return listedFiles(work.bench, folder); });
+    user.prepare = [folder, prepare = opensList<PicListV1>("actionPicInfoV1")](Work& work) {
+        prepare(work);
+        QDir(folder).removeRecursively();
+        QDir().mkdir(folder);
+    };
+    user.start = [folder, start = user.start](Work& work) {
+        start(work);
+        chooseFolder(*work.window, QDir::current().filePath(folder));
+    };
+    user.ended = [](const Work& work) {
+        return !work.window || text(*work.window, "btn_download_all") == "下载全部";
+    };
+    user.cameraTypes = {cameratype::shelfDynamic}; // captures of others delete all pictures
+    user.isLong = true;
+    return user;
+}
+
+/// A picture and then the next one in its view.
+User viewNextUser() {
+    User user = buttonUser<PicList>("ViewNext", "actionPicInfo", "listview", [](const Work& work) {
+        return listedFiles(work.bench, QDir::currentPath());
+    });
+    user.prepare = opensList<PicList>("actionPicInfo");
+    user.start = [](Work& work) {
+        chooseForRow(*work.window, 0, "查看");
+        for (const ImgDialog* const view : work.window->findChildren<ImgDialog*>())
+            click(*view, "btn_next");
+    };
+    user.isLong = true;
     return user;
 }
 
@@ -314,14 +391,10 @@ User jsonVersionUser() {
 // --- captures ----------------------------------------------------------------------------------------------
 
 /// The file of the picture shown.
-QString pictureShown(TurnWindow& bench, unsigned id, const Bytes& expected) {
+QString pictureShown(const TurnWindow& bench, unsigned id, const Bytes& expected) {
     if (find<QLabel>(bench.window(), "label")->pixmap().isNull())
         return "nothing";
-    QFile file(QString::number(id) + ".jpg");
-    if (!file.open(QIODevice::ReadOnly))
-        return "a picture without a file";
-    const QByteArray data = file.readAll();
-    return Bytes(data.begin(), data.end()) == expected ? "its picture" : "bytes that are not its picture";
+    return pictureFile(QDir::currentPath(), id, expected);
 }
 
 /// Id and bytes of the picture that a capture shows.
@@ -410,6 +483,8 @@ std::vector<User> everybody() {
         captureUser("CaptureV1", cameratype::shelfDynamic, &newestPicture),
         listUser<PicList>("List", "actionPicInfo"),
         v1ListUser(),
+        downloadAllUser(),
+        viewNextUser(),
         uploadUser("AppUpload", appUpload, {cameratype::ostra}),
         uploadUser("AppUploadV1", appUploadV1, {cameratype::shelfDynamic}),
         uploadUser("SystemUpload", systemUpload, anyType),

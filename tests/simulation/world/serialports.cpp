@@ -19,6 +19,7 @@ struct Registry {
     int open = 0;
     int openByFirstThread = 0;
     std::function<void(const std::string&, const std::string&)> observer;
+    std::function<void(const std::string&)> readObserver;
 };
 
 Registry& registry() {
@@ -77,6 +78,10 @@ int openPortsOfFirstThread() {
 
 void setCallObserver(std::function<void(const std::string&, const std::string&)> observer) {
     registry().observer = std::move(observer);
+}
+
+void setReadObserver(std::function<void(const std::string&)> observer) {
+    registry().readObserver = std::move(observer);
 }
 
 } // namespace world
@@ -229,6 +234,8 @@ size_t Serial::read(std::vector<uint8_t>& buffer, size_t size) {
         world::waitFor(line, std::min(end, next.value_or(end)));
     }
     buffer.insert(buffer.end(), received.begin(), received.end());
+    if (const auto& observer = world::registry().readObserver; observer && !received.empty())
+        observer(pimpl_->port);
     return received.size();
 }
 

@@ -106,5 +106,7 @@ void removePort(const std::string& name);
 [[nodiscard]] int openPortsOfFirstThread();
 /// Called with each call of the library, as fake_serial writes it.
 void setCallObserver(std::function<void(const std::string& port, const std::string& call)> observer);
+/// Called after a read that brought bytes.
+void setReadObserver(std::function<void(const std::string& port)> observer);
 
 } // namespace world

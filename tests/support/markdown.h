@@ -14,7 +14,7 @@ using Row = std::vector<std::string>;
 /// The root of the source tree.
 [[nodiscard]] std::filesystem::path sourceFolder();
 
-/// Text of a file; the running test fails if there is none.
+/// Text of a file. Throws if it cannot be read.
 [[nodiscard]] std::string contentOf(const std::filesystem::path& file);
 
 /// From the line of this heading ("## Frame") up to the next one of its level or above; empty without it.

@@ -1,0 +1,180 @@
+// The judge of words: status bar, boxes, lamp and lists agree with what the camera knows.
+#include "pictures/picturelistmodel.h"
+#include "pictures/picturelistwindow.h"
+#include "tests/simulation/judge.h"
+#include "tests/support/guitest.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QListView>
+#include <QProgressBar>
+#include <QRadioButton>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using protocol::code;
+using protocol::Command;
+
+namespace simulation {
+
+namespace {
+
+/// "12:34:56  name：words"
+struct Told {
+    QString name;
+    bool done = false;
+};
+
+std::optional<Told> outcomeIn(const QString& text) {
+    static const QRegularExpression outcome(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d  ([^：]+)：(.+)"));
+    const auto match = outcome.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    return Told{match.captured(1), match.captured(2).startsWith(QStringLiteral("完成"))};
+}
+
+/// Of "图片命令附加值：12".
+std::optional<std::uint8_t> pictureOffsetIn(const QString& text) {
+    static const QRegularExpression entered(QStringLiteral("图片命令附加值(?:：|恢复为 )(\\d+)$"));
+    const auto match = entered.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    return static_cast<std::uint8_t>(match.captured(1).toUInt());
+}
+
+} // namespace
+
+void Judge::statusShown(const QString& text) {
+    m_statusText = text;
+    if (text.isEmpty())
+        return;
+    world::note([&text] { return "status: " + text.toStdString(); });
+    if (text.contains(QStringLiteral("没有可升级的文件")))
+        m_pressedWithoutFile = true;
+    if (text.startsWith(QStringLiteral("图片命令附加值：")) ||
+        text.contains(QStringLiteral("  图片命令附加值：")))
+        m_pictureOffset = true;
+    if (const auto offset = pictureOffsetIn(text))
+        m_protocolJudge.setPictureOffset(
+            guitest::text(*m_window, "label_link").section(QChar(u'，'), 0, 0).toStdString(), *offset);
+    if (text.startsWith(QStringLiteral("正在升级")) || text == QStringLiteral("请先打开串口"))
+        m_resultDue = true;
+    if (const auto told = outcomeIn(text)) {
+        m_done[told->name] = told->done;
+        if (told->done)
+            checkOutcome(told->name);
+    }
+}
+
+/// "完成" stands only behind a command that the camera has heard.
+void Judge::checkOutcome(const QString& name) {
+    struct Word {
+        QString name;
+        Command command;
+    };
+    static const std::vector<Word> words = {
+        {QStringLiteral("测试心跳"), Command::heartbeat},
+        {QStringLiteral("读取模型信息"), Command::getInfo},
+        {QStringLiteral("重启摄像头"), Command::reboot},
+        {QStringLiteral("恢复出厂设置"), Command::resetToFactory},
+    };
+    const auto word =
+        std::find_if(words.begin(), words.end(), [&](const Word& each) { return each.name == name; });
+    const Disturbances& disturbed = m_workplace.disturbances();
+    if (name == QStringLiteral("读取图片列表") && !disturbed.any())
+        m_catalogueSize = m_workplace.camera().state().pictures.size();
+    if (word == words.end() || disturbed.toTool || disturbed.late || disturbed.camera)
+        return;
+    const std::size_t now = heard(code(word->command));
+    require(now > m_heardBefore[name], "O6: done, but the camera has not heard it: " + name.toStdString());
+    m_heardBefore[name] = now;
+}
+
+void Judge::boxShown(const QString& text) {
+    static const std::map<QString, QString> names{
+        {QStringLiteral("重启摄像头成功，请稍等摄像头进行重启"), QStringLiteral("重启摄像头")},
+        {QStringLiteral("初始化成功,请稍等10秒待摄像头初始化"), QStringLiteral("恢复出厂设置")}};
+    if (const auto name = names.find(text); name != names.end())
+        require(m_done[name->second], "O6: the box tells a success, the status bar did not");
+    if (!text.startsWith(QStringLiteral("升级已完成，结果:")))
+        return;
+    require(m_resultDue, "O6: the result of an upload that has none to tell");
+    m_resultDue = false;
+    if (text.endsWith(QStringLiteral("true")))
+        checkUploadSuccess();
+}
+
+/// Compares the camera's image with the file. Left out are the cases that the protocol cannot detect: a
+/// system image has no verdict, the client reads no check code of answers, a faulty camera may report any
+/// verdict.
+void Judge::checkUploadSuccess() {
+    const Disturbances& disturbed = m_workplace.disturbances();
+    if (disturbed.camera || disturbed.toTool || disturbed.late)
+        return;
+    const emulator::CameraRecord& record = m_workplace.camera().record();
+    if (record.appV1.announcements > 0 && record.uploads.empty()) {
+        // The line may have swallowed some: only the last announcement's answer counts, and the closing
+        // packets'.
+        const bool all = record.appV1.announcements >= 5 && record.appV1.closingPackets >= 11;
+        require(all || disturbed.toCamera || disturbed.restarted || restartsByCommand(),
+                "O1: success without the whole second protocol");
+        const bool nothingToHold = QFileInfo(guitest::text(*m_window, "label_apppath")).size() == 0;
+        require(nothingToHold || m_workplace.camera().settings().holdsAnnouncedImage,
+                "O1: success, but the camera has no such image");
+        return;
+    }
+    require(!record.uploads.empty(), "O1: success without an upload");
+    if (record.uploads.empty())
+        return;
+    const emulator::UploadRecord& last = record.uploads.back();
+    const bool noVerdict = last.code == code(Command::firewareAnnounce);
+    if (noVerdict && (disturbed.toCamera || disturbed.adapter || disturbed.restarted))
+        return;
+    require(last.complete && last.digestRight, "O1: success, but the camera does not hold the file");
+}
+
+/// Lit only by an answered heartbeat.
+void Judge::checkLamp() {
+    const auto* const lamp = m_window->findChild<QRadioButton*>(QStringLiteral("rb_heartbeat"));
+    require(!lamp->isChecked() || m_done[QStringLiteral("测试心跳")],
+            "O6: the lamp is lit without an answer");
+}
+
+// --- pictures ----------------------------------------------------------------------------------------------
+
+/// A list that has just been read has every picture of the camera.
+void Judge::checkLists() {
+    if (!m_catalogueSize)
+        return;
+    const auto expected = static_cast<int>(*std::exchange(m_catalogueSize, std::nullopt));
+    const QList<PictureListWindow*> lists = m_window->findChildren<PictureListWindow*>();
+    const bool whole = std::any_of(lists.begin(), lists.end(), [&](const PictureListWindow* list) {
+        return guitest::find<QListView>(*list, "listview")->model()->rowCount() == expected;
+    });
+    require(whole || lists.isEmpty() || m_workplace.disturbances().any(),
+            "O6: no list has the camera's " + std::to_string(expected) + " pictures");
+}
+
+void Judge::checkDownloads(const QWidget& list) {
+    if (m_workplace.disturbances().any())
+        return;
+    const auto* const model =
+        qobject_cast<PictureListModel*>(guitest::find<QListView>(list, "listview")->model());
+    const auto& pictures = m_workplace.pictures();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const bool known = std::any_of(pictures.begin(), pictures.end(), [&](const TakenPicture& picture) {
+            return picture.id == model->pictureId(row) &&
+                   static_cast<qint64>(picture.jpeg.size()) == model->pictureSize(row);
+        });
+        require(known, "O2: a list shows a picture that the camera never had");
+    }
+    static const QRegularExpression all(QStringLiteral("^已下载 (\\d+) 张，共 (\\d+) 张$"));
+    const auto match = all.match(guitest::find<QProgressBar>(list, "bar_download")->format());
+    if (match.hasMatch() && match.captured(1) == match.captured(2))
+        require(QDir(QLatin1String(Workplace::pictureFolder)).count() >= match.captured(1).toUInt(),
+                "O6: fewer pictures than the list has downloaded");
+}
+
+} // namespace simulation

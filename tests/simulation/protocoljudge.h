@@ -1,0 +1,71 @@
+// Compares the library's calls with the table of exchanges in docs/protocol.md.
+#pragma once
+
+#include "link/protocol/bytes.h"
+
+#include <chrono>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace simulation {
+
+/// A row of the table.
+struct DocumentedExchange {
+    std::string name;
+    std::string code;                       ///< two hexadecimal digits, "none" or "caller's"
+    std::optional<std::uint32_t> timeoutMs; ///< nothing: kept
+    bool discards = false;
+    bool flushes = false;
+    std::string reading;
+    std::uint32_t readSize = 0; ///< bytes
+    int tries = 0;
+};
+/// Throws if the document has no such table.
+[[nodiscard]] const std::vector<DocumentedExchange>& documentedExchanges();
+
+/// Follows the calls of each port. A row of the table fits each request: its timeouts, what it discards and
+/// flushes, and the reads for its answer.
+class ProtocolJudge {
+public:
+    /// A call as the stand-in writes it. Returns what is wrong with it; nothing if all is well.
+    [[nodiscard]] std::string called(const std::string& port, const std::string& call,
+                                     std::chrono::nanoseconds now);
+    /// The last read brought bytes.
+    void received(const std::string& port);
+    /// The next picture commands of this port have another code. 0: none is entered.
+    void setPictureOffset(const std::string& port, std::uint8_t offset);
+    /// Exchanges may break off: an adapter was pulled, or a stop was asked for.
+    void forgiveBreaks() { m_forgiven = true; }
+
+private:
+    using Rows = std::vector<const DocumentedExchange*>;
+
+    /// Calls since the last write or read.
+    struct Preparation {
+        std::optional<std::uint32_t> timeoutMs;
+        bool discards = false;
+        bool flushes = false;
+    };
+    struct Line {
+        Preparation preparation;
+        Rows rows; ///< those that fit the request so far
+        std::string request;
+        std::chrono::nanoseconds written{0};
+        int reads = 0;
+        bool answered = false;
+        std::uint8_t image = 0; ///< code of the announced upload
+        std::uint8_t pictureOffset = 0;
+    };
+
+    [[nodiscard]] std::string wrote(Line& line, const protocol::Bytes& head, std::chrono::nanoseconds now);
+    [[nodiscard]] static std::string wroteData(const Line& line);
+    [[nodiscard]] static std::string read(Line& line, std::uint32_t size, std::chrono::nanoseconds now);
+    [[nodiscard]] std::string ended(const Line& line) const;
+
+    std::map<std::string, Line> m_lines;
+    bool m_forgiven = false;
+};
+
+} // namespace simulation
