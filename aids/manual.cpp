@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int foldersAbove = 4; // from a program in a build folder to the sources
-const QString pageName = QStringLiteral("用户手册.html");
+const QString pageName = QStringLiteral("user-guide.zh-CN.html");
 const QString sourceName = QStringLiteral("user-guide.zh-CN.md");
 
 QString manualText(const char* text) {

@@ -5,10 +5,11 @@ project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 # Packages for building; further ones for building and running the tests.
 build_packages=(g++ cmake ninja-build qt6-base-dev libcxx-serial-dev libcli11-dev)
-test_packages=(libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev fonts-noto-cjk qt6-translations-l10n python3-jsonschema)
+test_packages=(libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev fonts-noto-cjk qt6-translations-l10n python3-jsonschema
+  python3-markdown)
 # Packages for the static checks, and for making the Debian package.
 check_packages=(clang-format clang-tidy)
-package_packages=(dpkg-dev file lintian)
+package_packages=(dpkg-dev file lintian python3-markdown)
 # Clang: compiles the sanitizers' builds, the fuzzers, and the tests of a change.
 clang_packages=(clang libclang-rt-14-dev lld)
 # Packages for building the Windows program, beside Qt and the serial library for Windows.

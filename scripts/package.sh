@@ -49,7 +49,7 @@ package_windows() {
       "packaging/windows/build-dependencies.sh gets it"
     return
   fi
-  ensure_packages "${windows_build_packages[@]}" qt6-translations-l10n zip nsis
+  ensure_packages "${windows_build_packages[@]}" qt6-translations-l10n python3-markdown zip nsis
   (
     export CXXFLAGS="-ffile-prefix-map=$project_root=." CCACHE_BASEDIR=
     configure_and_build mingw

@@ -15,6 +15,7 @@ configure_file("${here}/installdlls.cmake.in" "${CMAKE_CURRENT_BINARY_DIR}/insta
 install(SCRIPT "${CMAKE_CURRENT_BINARY_DIR}/installdlls.cmake")
 
 install(FILES /usr/share/qt6/translations/qtbase_zh_CN.qm DESTINATION translations)
+install_user_guide(.)
 
 # What the libraries' packages say of their licences, and the texts they refer to.
 foreach(pair IN ITEMS

@@ -38,13 +38,13 @@ void touchFile(const QString& path) {
 } // namespace
 
 TEST(Manual, BesideTheProgramComesFirst) {
-    EXPECT_EQ(manualPlaces("/opt/tool").value(0), "/opt/tool/用户手册.html");
+    EXPECT_EQ(manualPlaces("/opt/tool").value(0), "/opt/tool/user-guide.zh-CN.html");
 }
 
 TEST(Manual, IsInTheDocumentsOfThePackage) {
     const QStringList places = manualPlaces("/usr/bin");
     EXPECT_TRUE(places.contains("/usr/share/doc/shelf-camera-tool/user-guide.zh-CN.md"));
-    EXPECT_LT(places.indexOf("/usr/share/doc/shelf-camera-tool/用户手册.html"),
+    EXPECT_LT(places.indexOf("/usr/share/doc/shelf-camera-tool/user-guide.zh-CN.html"),
               places.indexOf("/usr/share/doc/shelf-camera-tool/user-guide.zh-CN.md"));
 }
 
@@ -57,20 +57,20 @@ TEST(Manual, OfTheSourcesIsFoundFromABuildFolder) {
 TEST(Manual, TakesThePageBeforeTheSource) {
     const QString folder = QDir::currentPath() + "/program";
     touchFile(QDir::currentPath() + "/docs/user-guide.zh-CN.md");
-    touchFile(folder + "/用户手册.html");
-    EXPECT_EQ(firstFile(manualPlaces(folder)), folder + "/用户手册.html");
+    touchFile(folder + "/user-guide.zh-CN.html");
+    EXPECT_EQ(firstFile(manualPlaces(folder)), folder + "/user-guide.zh-CN.html");
 }
 
 TEST(Manual, FolderIsNoManual) {
     const QString folder = QDir::currentPath() + "/program";
-    QDir().mkpath(folder + "/用户手册.html");
+    QDir().mkpath(folder + "/user-guide.zh-CN.html");
     EXPECT_EQ(firstFile(manualPlaces(folder)), "");
 }
 
 TEST(Manual, OpensTheFile) {
     Viewer viewer;
-    openManual("/opt/tool/用户手册.html", nullptr);
-    EXPECT_EQ(viewer.shown, QStringList("/opt/tool/用户手册.html"));
+    openManual("/opt/tool/user-guide.zh-CN.html", nullptr);
+    EXPECT_EQ(viewer.shown, QStringList("/opt/tool/user-guide.zh-CN.html"));
 }
 
 TEST(Manual, TellsThatThereIsNone) {

@@ -1,0 +1,31 @@
+# install_user_guide(folder): the user guide as one page with its pictures; without the module that reads Markdown, as
+# its source.
+find_program(CAMERA_PYTHON NAMES python3 PATHS /usr/bin NO_DEFAULT_PATH)
+mark_as_advanced(CAMERA_PYTHON)
+set(camera_guide_folder "${CMAKE_CURRENT_LIST_DIR}")
+
+function(install_user_guide folder)
+  set(docs "${PROJECT_SOURCE_DIR}/docs")
+  set(source "${docs}/user-guide.zh-CN.md")
+  set(page "${CMAKE_CURRENT_BINARY_DIR}/user-guide.zh-CN.html")
+  file(READ "${source}" guide)
+  string(REGEX MATCHALL "images/[a-z0-9-]+\\.png" pictures "${guide}")
+  list(REMOVE_DUPLICATES pictures)
+  list(TRANSFORM pictures PREPEND "${docs}/")
+  set(no_markdown 1)
+  if(CAMERA_PYTHON)
+    execute_process(COMMAND "${CAMERA_PYTHON}" -c "import markdown" RESULT_VARIABLE no_markdown ERROR_QUIET)
+  endif()
+  if(no_markdown)
+    message(STATUS "No python3-markdown: the user guide is installed as its source")
+    install(FILES "${source}" DESTINATION "${folder}")
+    install(FILES ${pictures} DESTINATION "${folder}/images")
+    return()
+  endif()
+  set(program "${camera_guide_folder}/makeguide.py")
+  add_custom_command(OUTPUT "${page}"
+    COMMAND "${CAMERA_PYTHON}" "${program}" "${source}" "${page}"
+    DEPENDS "${program}" "${source}" ${pictures} VERBATIM)
+  add_custom_target(user_guide ALL DEPENDS "${page}")
+  install(FILES "${page}" DESTINATION "${folder}")
+endfunction()
