@@ -9,7 +9,7 @@ test_packages=(libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev font
   python3-markdown)
 # Packages for the static checks, and for making the Debian package.
 check_packages=(clang-format clang-tidy)
-package_packages=(dpkg-dev file lintian python3-markdown)
+package_packages=(appstream dpkg-dev file lintian python3-markdown)
 # Clang: compiles the sanitizers' builds, the fuzzers, and the tests of a change.
 clang_packages=(clang libclang-rt-14-dev lld)
 # Packages for building the Windows program, beside Qt and the serial library for Windows.

@@ -37,6 +37,8 @@ package_linux() {
   configure_and_build "$preset"
   pack "$preset" DEB
   local build=$project_root/build/$preset
+  appstreamcli validate --no-net --pedantic "$build/packaging/shelf-camera-tool.metainfo.xml" ||
+    fail "appstreamcli found faults"
   lintian --allow-root --fail-on error --tag-display-limit 0 "$build"/*.deb || fail "lintian found errors"
   cp "$build"/*.deb "$folder"
 }

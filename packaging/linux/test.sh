@@ -147,7 +147,11 @@ run_command_line() {
   grep --quiet --fixed-strings '"serialNumber":{"value":"SHELF' "$work/check.json" || fail "the check-up read nothing"
   [ "$(head -c 5 "$root/home/$user/report.pdf")" = %PDF- ] || fail "no report"
   zcat "$root/usr/share/man/man1/shelf-camera.1.gz" | grep --quiet '^\.TH SHELF\\-CAMERA 1 ' || fail "no manual page"
-  [ -s "$root/usr/share/doc/shelf-camera-tool/user-guide.zh-CN.html" ] || fail "no user guide"
+  local file
+  for file in doc/shelf-camera-tool/user-guide.zh-CN.html metainfo/shelf-camera-tool.metainfo.xml; do
+    [ -s "$root/usr/share/$file" ] || fail "no $file"
+  done
+  [ -s "$root/usr/lib/udev/rules.d/60-shelf-camera-tool.rules" ] || fail "no rule for adapters"
   [ "$(completions shelf-camera che)" = check ] || fail "no completion of commands"
   [ "$(completions shelf-camera -t dor)" = dorvel ] || fail "no completion of types"
 }
