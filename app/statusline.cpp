@@ -38,15 +38,16 @@ QPushButton* StatusLine::addLink(const char* name, const QString& text) {
     link->setObjectName(QLatin1String(name));
     link->setFlat(true);
     link->setCursor(Qt::PointingHandCursor);
-    link->setStyleSheet(QStringLiteral(
-        "QPushButton { color: palette(link); text-decoration: underline; border: none; padding: 0 4px; }"
-        "QPushButton:focus { border: 1px dotted palette(link); }"));
     m_bar->addPermanentWidget(link);
     offer(link, false);
     return link;
 }
 
 void StatusLine::offer(QPushButton* link, bool offered) {
+    if (offered && link->styleSheet().isEmpty()) // costs time, which the start does not have
+        link->setStyleSheet(QStringLiteral(
+            "QPushButton { color: palette(link); text-decoration: underline; border: none; padding: 0 4px; }"
+            "QPushButton:focus { border: 1px dotted palette(link); }"));
     link->setVisible(offered);
     link->setFocusPolicy(offered ? Qt::StrongFocus : Qt::NoFocus);
 }

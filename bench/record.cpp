@@ -90,6 +90,14 @@ private:
 
 enum class Log { none, closed, open };
 
+/// The mark of an undisturbed link: what it costs to paint is not the log's.
+void showGoodSignal(const MainWindow& window) {
+    service::RecentExchanges recent;
+    for (const auto role : {service::Judgement::Role::request, service::Judgement::Role::answer})
+        recent.add({.role = role}, 0);
+    window.findChild<QualityMark*>()->showSignal(recent);
+}
+
 /// One upload by the main window, from the press of the button to the result.
 Cost upload(const bench::FarEnd& farEnd, const std::string& file, Log log) {
     MainWindow window;
@@ -101,8 +109,10 @@ Cost upload(const bench::FarEnd& farEnd, const std::string& file, Log log) {
     ports->addItem(QString::fromStdString(farEnd.portName()));
     ports->setCurrentText(QString::fromStdString(farEnd.portName()));
     press("btn_open");
-    if (log == Log::none)
+    if (log == Log::none) {
         window.findChild<LineWatch*>()->linkClosed();
+        showGoodSignal(window);
+    }
     if (log == Log::open)
         window.findChild<QAction*>(QStringLiteral("actionLineRecord"))->trigger();
     const Answers answers(QString::fromStdString(file));
