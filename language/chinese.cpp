@@ -52,6 +52,8 @@ constexpr auto texts = std::to_array<Text>({
     {"--pictures: cannot read the folder %1: %2", "--pictures：文件夹 %1 不能读取：%2"},
 
     {"--type: there is no type \"%1\"; known: %2", "--type：没有类型“%1”，可用：%2"},
+    {"--line: there is no line \"%1\"; known: %2", "--line：没有线路“%1”，可用：%2"},
+    {"--line: \"%1\" cannot be used; write it like %2", "--line：“%1”不能使用，请写成 %2 的样子"},
     {"--lesson: there is no lesson \"%1\"; known: %2", "--lesson：没有第“%1”课，可用：%2"},
     {"%1: \"%2\" is not a number from %3 to %4", "%1：“%2”不是 %3 到 %4 之间的数"},
     {"%1 takes no value", "%1 不带值"},
