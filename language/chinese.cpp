@@ -78,6 +78,8 @@ constexpr auto texts = std::to_array<Text>({
     {"serve on this serial device (/dev/ttyUSB1, COM6) instead of a new pseudo-terminal", "使用这个串口（/dev/ttyUSB1、COM6），不建立伪终端"},
     {"keep a symbolic link to the pseudo-terminal here", "在这里保持一个指向伪终端的链接"},
     {"bytes per second in each direction (unlimited)", "每个方向每秒的字节数（不限）"},
+    {"a bad line: %1, or traits (bits=1e-5,latency=20)", "不好的线路：%1，或者线路特性（bits=1e-5,latency=20）"},
+    {"another line of this --line (1)", "同一种 --line 的另一条线路（1）"},
     {"picture-command offset, 0 to 255 (0)", "图片命令偏移，0 到 255（0）"},
     {"hold the JPEG files of this folder, in the order of their names", "存有这个文件夹里的 JPEG 文件，按文件名排列"},
     {"type 4: the announced application image is there already", "类型 4：要升级的应用已经在摄像头里"},
