@@ -136,7 +136,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"--type"}, "--type needs a value: TYPE"}, BadLine{{"--address", "256"}, "from 0 to 255"},
         BadLine{{"--address="}, "--address needs a value: N"}, BadLine{{"--pace", "0"}, "--pace"},
         BadLine{{"--offset", "-1"}, "--offset"}, BadLine{{"--help=now"}, "--help takes no value"},
-        BadLine{{"--lesson", "9"}, "--lesson: there is no lesson \"9\"; known: 1, 2, 3, 4, 5, 6"},
+        BadLine{{"--lesson", "9"}, "--lesson: there is no lesson \"9\"; known: 1, 2, 3, 4, 5, 6, 7"},
         BadLine{{"--line", "soggy"}, "--line: there is no line \"soggy\"; known: good, long-cable"},
         BadLine{{"--line", "bits=2"}, "--line: \"bits=2\" cannot be used; write it like bits=1e-5"},
         BadLine{{"--line"}, "--line needs a value: MODEL"},
