@@ -39,10 +39,18 @@ bool DemoCameras::plug(CameraType type, bool in) {
     return true;
 }
 
+void DemoCameras::setLine(const emulator::LineTraits& traits, std::uint64_t seed) {
+    m_line = traits;
+    m_lineSeed = seed;
+    for (const auto& [type, front] : m_fronts)
+        front->setTraits(m_line, m_lineSeed);
+}
+
 void DemoCameras::connect(CameraType type) {
     if (m_fronts.contains(type))
         return;
     m_fronts.clear(); // closes the port
     m_fronts[type] = std::make_unique<emulator::DeviceFront>(
         emulator::VirtualCamera(emulator::settingsForType(type)), m_cameraPort);
+    m_fronts[type]->setTraits(m_line, m_lineSeed);
 }

@@ -24,6 +24,8 @@ public:
     [[nodiscard]] std::string portName(emulator::CameraType type) const;
     /// Pulls the camera's adapter (false) or plugs it in under another name (true). False for a serial port.
     bool plug(emulator::CameraType type, bool in);
+    /// Of all cameras, from now on.
+    void setLine(const emulator::LineTraits& traits, std::uint64_t seed);
     /// Connects the camera to its line; on a shared line it replaces the previous one.
     void connect(emulator::CameraType type);
     /// A connected camera.
@@ -32,6 +34,8 @@ public:
 private:
     std::string m_cameraPort; ///< empty: pseudo-terminals
     std::string m_toolPort;
+    emulator::LineTraits m_line;
+    std::uint64_t m_lineSeed = 1;
     mutable std::mutex m_terminalsMutex;
     std::map<emulator::CameraType, std::string> m_terminals;
     std::map<emulator::CameraType, std::function<std::string(bool in)>> m_plugs; ///< of terminals

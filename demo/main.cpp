@@ -82,6 +82,20 @@ bool takePicture(MainWindow& window, const QString& file) {
     return window.grab().save(file) && alive;
 }
 
+/// Empty, or why the line cannot be used.
+QString setLine(DemoCameras& cameras, const QString& line, const QString& seed) {
+    bool isNumber = true;
+    const qulonglong number = seed.isEmpty() ? 1 : seed.toULongLong(&isNumber);
+    if (!isNumber)
+        return QStringLiteral("--line-seed: \"%1\" is not a number").arg(seed);
+    try {
+        cameras.setLine(emulator::parseLine(line.toStdString()), number);
+    } catch (const emulator::LineTextError& error) {
+        return QString::fromUtf8(error.what());
+    }
+    return {};
+}
+
 int takeTour(MainWindow& window, DemoCameras& cameras, const QString& folder) {
     try {
         Tour(window, cameras, folder).run();
@@ -98,7 +112,7 @@ int takeTour(MainWindow& window, DemoCameras& cameras, const QString& folder) {
 struct DemoOptions {
     DemoOptions() {
         parser.setApplicationDescription(QStringLiteral("The camera tool with virtual cameras attached."));
-        parser.addOptions({tour, picture, dark, cameraPort, toolPort, version, help});
+        parser.addOptions({tour, picture, dark, cameraPort, toolPort, line, lineSeed, version, help});
     }
 
     /// Empty, or why the arguments cannot be used.
@@ -108,7 +122,7 @@ struct DemoOptions {
             return QStringLiteral("unknown option \"%1\"; see --help").arg(names.first());
         if (const QStringList words = parser.positionalArguments(); !words.isEmpty())
             return QStringLiteral("unknown argument \"%1\"; see --help").arg(words.first());
-        for (const QCommandLineOption& option : {tour, picture, cameraPort, toolPort}) {
+        for (const QCommandLineOption& option : {tour, picture, cameraPort, toolPort, line, lineSeed}) {
             if (parser.isSet(option) && parser.value(option).isEmpty())
                 return QStringLiteral("--%1 needs a value: %2")
                     .arg(option.names().first(), option.valueName());
@@ -117,6 +131,10 @@ struct DemoOptions {
             return QStringLiteral("an option lacks its value, or takes none; see --help");
         if (parser.isSet(tour) && parser.isSet(picture))
             return QStringLiteral("--tour and --picture exclude each other");
+        if (parser.isSet(lineSeed) && !parser.isSet(line))
+            return QStringLiteral("--line-seed belongs to --line");
+        if (parser.isSet(tour) && parser.isSet(line))
+            return QStringLiteral("--tour and --line exclude each other");
         if (parser.isSet(cameraPort) != parser.isSet(toolPort))
             return QStringLiteral(
                 "--camera-port and --tool-port belong together; give two ports that are joined: "
@@ -139,6 +157,12 @@ struct DemoOptions {
         QStringLiteral("tool-port"),
         QStringLiteral("The port that a null-modem line joins to the cameras'; the window opens it."),
         QStringLiteral("PORT")};
+    const QCommandLineOption line{
+        QStringLiteral("line"),
+        QStringLiteral("The cameras' lines: a preset or traits, as virtual-camera takes them."),
+        QStringLiteral("MODEL")};
+    const QCommandLineOption lineSeed{
+        QStringLiteral("line-seed"), QStringLiteral("Another line of this --line (1)."), QStringLiteral("N")};
     const QCommandLineOption picture{
         QStringLiteral("picture"),
         QStringLiteral("Open the link, save the window as FILE and exit; 0 if the camera answered."),
@@ -187,6 +211,12 @@ int main(int argumentCount, char* arguments[]) {
         makeCameras(parser.value(options.cameraPort), parser.value(options.toolPort));
     if (!cameras)
         return 2;
+    if (parser.isSet(options.line)) {
+        const QString complaint =
+            setLine(*cameras, parser.value(options.line), parser.value(options.lineSeed));
+        if (!complaint.isEmpty())
+            return badCommandLine(complaint);
+    }
     MainWindow window;
     addPorts(window, cameras);
     window.show();

@@ -52,6 +52,8 @@ constexpr auto texts = std::to_array<Text>({
     {"--pictures: cannot read the folder %1: %2", "--pictures：文件夹 %1 不能读取：%2"},
 
     {"--type: there is no type \"%1\"; known: %2", "--type：没有类型“%1”，可用：%2"},
+    {"--line: there is no line \"%1\"; known: %2", "--line：没有线路“%1”，可用：%2"},
+    {"--line: \"%1\" cannot be used; write it like %2", "--line：“%1”不能使用，请写成 %2 的样子"},
     {"--lesson: there is no lesson \"%1\"; known: %2", "--lesson：没有第“%1”课，可用：%2"},
     {"%1: \"%2\" is not a number from %3 to %4", "%1：“%2”不是 %3 到 %4 之间的数"},
     {"%1 takes no value", "%1 不带值"},
@@ -76,6 +78,8 @@ constexpr auto texts = std::to_array<Text>({
     {"serve on this serial device (/dev/ttyUSB1, COM6) instead of a new pseudo-terminal", "使用这个串口（/dev/ttyUSB1、COM6），不建立伪终端"},
     {"keep a symbolic link to the pseudo-terminal here", "在这里保持一个指向伪终端的链接"},
     {"bytes per second in each direction (unlimited)", "每个方向每秒的字节数（不限）"},
+    {"a bad line: %1, or traits (bits=1e-5,latency=20)", "不好的线路：%1，或者线路特性（bits=1e-5,latency=20）"},
+    {"another line of this --line (1)", "同一种 --line 的另一条线路（1）"},
     {"picture-command offset, 0 to 255 (0)", "图片命令偏移，0 到 255（0）"},
     {"hold the JPEG files of this folder, in the order of their names", "存有这个文件夹里的 JPEG 文件，按文件名排列"},
     {"type 4: the announced application image is there already", "类型 4：要升级的应用已经在摄像头里"},

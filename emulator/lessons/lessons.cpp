@@ -111,6 +111,29 @@ Lesson loosePlug() {
         {}};
 }
 
+Lesson badContact() {
+    return {"松动的插头",
+            "插头松了，但没有脱开：字节有时丢失，有时变样。\n"
+            "1. 打开串口，点击“心跳测试”十次：灯有时亮，有时不亮。\n"
+            "2. 状态栏显示“有干扰”，鼠标停在上面，看没有应答和损坏的次数。",
+            nullptr,
+            {{[](const LessonView& view) { return heard(view, Command::heartbeat) >= 6; },
+              "时好时坏，是线路的问题，不是摄像头的问题。下一步：点击“获取版本号”三次，比较每次的版本。",
+              nullptr},
+             {[](const LessonView& view) {
+                  return heard(view, Command::getProperty, code(PropertyId::appVersion)) >= 2;
+              },
+              "线路不好时，读到的值也可能是错的：读两次，一样才记下。现在拔下插头重新插紧，请等 3 秒。",
+              nullptr, Plug::comesOut},
+             {[](const LessonView& view) { return view.since >= plugOut; },
+              "插头已经重新插紧。点击“关闭串口”，再点击“打开串口”，然后点击“心跳测试”五次。", &noFaults,
+              Plug::goesIn, "good"},
+             {[](const LessonView& view) { return heard(view, Command::heartbeat) >= 5; },
+              "做得好：灯每次都亮，状态栏显示“信号良好”。", nullptr}},
+            {},
+            "loose-plug"};
+}
+
 Lesson refusingCamera() {
     return {"摄像头拒绝设置",
             "摄像头有应答，但是拒绝一切设置。\n"
@@ -154,8 +177,8 @@ void appendLines(std::vector<std::string>& lines, std::string_view text) {
 } // namespace
 
 std::span<const Lesson> lessons() {
-    static const std::array all = {healthyCamera(), wrongAddress(),   wrongBaudRate(),
-                                   loosePlug(),     refusingCamera(), slowBoot()};
+    static const std::array all = {healthyCamera(),  wrongAddress(), wrongBaudRate(), loosePlug(),
+                                   refusingCamera(), slowBoot(),     badContact()};
     return all;
 }
 
@@ -203,6 +226,7 @@ LessonCoach::Remark LessonCoach::look(VirtualCamera& camera, Time now) {
     if (step.change != nullptr)
         step.change(camera);
     remark.plug = step.plug;
+    remark.line = step.line;
     camera.clearRecord();
     m_stepBegan = now;
     ++m_step;

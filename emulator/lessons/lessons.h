@@ -28,6 +28,7 @@ struct LessonStep {
     /// Changes the camera for the next step; may be null.
     void (*change)(VirtualCamera& camera) = nullptr;
     Plug plug = Plug::stays;
+    const char* line = nullptr; ///< from then on, as --line takes it; null: unchanged
 };
 
 struct Lesson {
@@ -36,6 +37,7 @@ struct Lesson {
     void (*setUp)(VirtualCamera& camera) = nullptr; ///< may be null
     std::vector<LessonStep> steps;
     std::vector<LessonHint> hints;
+    const char* line = "good"; ///< at the start, as --line takes it
 };
 
 [[nodiscard]] std::span<const Lesson> lessons();
@@ -55,7 +57,8 @@ public:
 
     struct Remark {
         std::vector<std::string> lines; ///< to print
-        Plug plug = Plug::stays;        ///< for the caller to do
+        Plug plug = Plug::stays;        ///< for the caller to do, as the next
+        const char* line = nullptr;     ///< null: unchanged
     };
     [[nodiscard]] Remark look(VirtualCamera& camera, Time now);
     /// All steps are done.

@@ -3,6 +3,7 @@
 
 #include "emulator/camera/virtualcamera.h"
 #include "emulator/line/linefront.h"
+#include "emulator/line/linemodel.h"
 
 namespace emulator {
 
@@ -17,13 +18,29 @@ public:
         return whileStopped(
             [this, &function]() -> decltype(auto) { return std::forward<Function>(function)(m_camera); });
     }
+    /// The line from now on; the same seed gives the same line.
+    void setTraits(const LineTraits& traits, std::uint64_t seed = 1) {
+        whileStopped([&] { m_model.setTraits(traits, seed); });
+    }
+    /// Since setTraits.
+    [[nodiscard]] LineDamageCounts lineDamage(LineDamage::Receiver receiver) {
+        return whileStopped([&] { return m_model.countsTo(receiver); });
+    }
 
 protected:
     explicit CameraFront(VirtualCamera camera) : m_camera(std::move(camera)) {}
-    void start(LineIo::Line line) { LineFront::start(m_camera, line); }
+    void start(LineIo::Line line) { LineFront::start(m_model, line); }
+    /// Loses what was on the line.
+    void reopened() {
+        whileStopped([this] {
+            m_model.clear();
+            m_camera.lineReopened(now());
+        });
+    }
 
 private:
     VirtualCamera m_camera;
+    LineModel m_model{m_camera};
 };
 
 } // namespace emulator

@@ -39,7 +39,7 @@ void PtyFront::comeBack() {
             return;
         }
         setLine(m_pty.master());
-        withCamera([this](VirtualCamera& camera) { camera.lineReopened(now()); });
+        reopened();
     });
     if (failure)
         std::rethrow_exception(failure);

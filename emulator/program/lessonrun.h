@@ -6,8 +6,8 @@
 
 namespace emulator {
 
-/// Runs a lesson on the front of its camera and moves the plug. Without a plug it silences the camera
-/// instead.
+/// Runs a lesson on the front of its camera, sets the line and moves the plug. Without a plug it silences the
+/// camera instead.
 class LessonRun {
 public:
     using Say = std::function<void(const std::string& line)>;

@@ -63,6 +63,7 @@ VirtualCamera makeCamera(const Options& options) {
 
 int serveUntilStop(CameraFront& front, const Options& options, const std::string& place) {
     front.setPace(options.bytesPerSecond);
+    front.setTraits(options.line, options.lineSeed);
     const CameraSettings& settings = options.settings;
     std::cout << "serving a camera of type " << static_cast<std::uint32_t>(settings.type) << ", address "
               << static_cast<unsigned>(settings.address) << ", " << settings.baudRate << " baud, on " << place

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <limits>
 #include <sstream>
 
 namespace emulator {
@@ -25,6 +26,14 @@ std::string knownTypes() {
     for (const protocol::CameraTypeInfo& type : protocol::cameraTypes)
         known += (known.empty() ? "" : ", ") + std::to_string(static_cast<unsigned>(type.type)) + ' ' +
                  std::string(type.optionName);
+    return known;
+}
+
+/// "good, long-cable, ..."
+std::string knownLines() {
+    std::string known;
+    for (const LinePreset& preset : linePresets())
+        known.append(known.empty() ? "" : ", ").append(preset.name);
     return known;
 }
 
@@ -114,6 +123,11 @@ void addCamera(CLI::App& app, Options& o) {
     addText(app, "--link", "PATH", "keep a symbolic link to the pseudo-terminal here", o.link);
     addNumber(app, "--pace", "bytes per second in each direction (unlimited)", o.bytesPerSecond, 1,
               100000000);
+    addText(app, "--line", "MODEL", "a bad line: %1, or traits (bits=1e-5,latency=20)",
+            [&o](const std::string& text) { o.line = parseLine(text); })
+        ->description(sentence("a bad line: %1, or traits (bits=1e-5,latency=20)", {knownLines()}));
+    addNumber(app, "--line-seed", "another line of this --line (1)", o.lineSeed, 0,
+              std::numeric_limits<std::uint32_t>::max());
     addNumber(app, "--offset", "picture-command offset, 0 to 255 (0)", o.settings.pictureOffset, 0, 255);
     addText(app, "--pictures", "DIR", "hold the JPEG files of this folder, in the order of their names",
             o.pictureFolder);
@@ -211,6 +225,8 @@ constexpr std::array uses = {
     Use{"--device", serving | tapping | replaying | teaching},
     Use{"--link", serving | tapping | replaying | teaching},
     Use{"--pace", serving},
+    Use{"--line", serving},
+    Use{"--line-seed", serving},
     Use{"--offset", serving | tapping},
     Use{"--pictures", serving},
     Use{"--holds-image", serving},
@@ -260,6 +276,8 @@ void checkTogether(const CLI::App& app, const Options& options) {
         throw OptionError(sentence("--tap stands between two lines; name another one for the tool"));
     if (options.settings.holdsAnnouncedImage && options.settings.type != CameraType::salesDynamic)
         throw OptionError(sentence("--holds-image belongs to --type sales-dynamic"));
+    if (app.count("--line-seed") != 0 && app.count("--line") == 0)
+        throw OptionError(sentence("%1 belongs to %2", {"--line-seed", "--line"}));
     if (!options.replayFile.empty() && options.device.empty() && app.count("--baud") != 0)
         throw OptionError(sentence("--baud with --replay belongs to --device"));
 }

@@ -3,6 +3,7 @@
 
 #include "emulator/camera/camerasettings.h"
 #include "emulator/camera/fault.h"
+#include "emulator/line/linetraits.h"
 
 #include <stdexcept>
 #include <string>
@@ -21,6 +22,8 @@ struct Options {
     std::string pictureFolder;
     std::uint32_t bytesPerSecond = 0;
     std::vector<Fault> faults;
+    LineTraits line;
+    std::uint64_t lineSeed = 1;
 
     std::string tapDevice;  ///< the camera's serial device
     std::string recordFile; ///< empty: a name with the time
@@ -36,7 +39,7 @@ public:
     using std::invalid_argument::invalid_argument;
 };
 
-/// Arguments without the program's name. Throws OptionError or FaultError.
+/// Arguments without the program's name. Throws OptionError, FaultError or LineTextError.
 [[nodiscard]] Options parseOptions(const std::vector<std::string>& arguments);
 
 [[nodiscard]] std::string helpText();

@@ -52,6 +52,10 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"--dark=now"}, "shelf-camera-demo: an option lacks its value, or takes none; see --help\n"},
         BadLine{{"--tour", "a", "--picture", "b"}, "--tour and --picture exclude each other\n"},
         BadLine{{"--tool-port", "a"}, "--camera-port and --tool-port belong together; give two ports"},
+        BadLine{{"--line-seed", "2"}, "--line-seed belongs to --line\n"},
+        BadLine{{"--tour", "a", "--line", "ftdi"}, "--tour and --line exclude each other\n"},
+        BadLine{{"--line", "soggy"}, "--line: there is no line \"soggy\"; known: good, "},
+        BadLine{{"--line", "good", "--line-seed", "x"}, "--line-seed: \"x\" is not a number\n"},
         BadLine{{"--camera-port", "a", "--tool-port", "a"}, "are two ports that are joined; name two\n"},
         BadLine{{"--camera-port", "a", "--tool-port", "b"},
                 "cannot open the device a: it does not exist; "}));

@@ -36,7 +36,6 @@ constexpr milliseconds uploadSilence = 4500ms;
 /// Several rows run at once: their cells begin one after another, so that no camera answers too late for
 /// that.
 constexpr auto startPause = 20ms;
-constexpr std::size_t shortUpload = 1300;
 /// More than the buffers of the line.
 constexpr std::size_t longUpload = 200'000;
 
@@ -48,26 +47,6 @@ protocol::Bytes pattern(std::size_t size) {
         byte = static_cast<std::uint8_t>(0x20 + (value >> 24U) % 0x40); // no start of a frame, no brace
     }
     return bytes;
-}
-
-/// A camera that restarts at once, so that the next command finds it.
-emulator::CameraSettings settingsFor(const Command& command) {
-    emulator::CameraSettings settings = emulator::settingsForType(command.type);
-    settings.rebootTime = 0ms;
-    settings.factoryResetTime = 0ms;
-    settings.updateRestartTime = 0ms;
-    settings.uploadSilence = uploadSilence;
-    settings.keepsInterruptedUploads = false; // the next good upload is a whole one
-    settings.holdsAnnouncedImage = true;
-    settings.answersDoor = true;
-    settings.drawPicture = [](std::uint16_t, std::uint32_t) { return storedPicture(); };
-    return settings;
-}
-
-std::unique_ptr<CameraSp> connect(TestFront& front) {
-    auto client = std::make_unique<CameraSp>(front.portName(), 460800);
-    client->setSlaveAddress(front.withCamera([](VirtualCamera& c) { return c.settings().address; }));
-    return client;
 }
 
 bool fits(const std::string& line, const std::string& pattern) {
@@ -123,18 +102,12 @@ private:
         const fs::path folder = "cell-" + std::to_string(m_id);
         fs::create_directory(folder);
         const bool inTheMiddle = m_fault.starts_with("stall") || m_fault.starts_with("upload-hang-up");
-        const protocol::Bytes update = pattern(inTheMiddle ? longUpload : shortUpload);
         if (m_command.uploads) {
             m_updateFile = fs::absolute(folder).string() + ".bin";
-            std::ofstream(m_updateFile, std::ios::binary)
-                .write(reinterpret_cast<const char*>(update.data()),
-                       static_cast<std::streamsize>(update.size()));
+            writeUpdateFile(m_updateFile, inTheMiddle ? longUpload : shortUpload);
         }
         fs::current_path(folder);
-        m_front.withCamera([this](VirtualCamera& c) {
-            c.state().pictures = {emulator::makePicture(m_id, storedPicture())};
-            c.state().jsonPicture = storedJsonPicture();
-        });
+        storePictures(m_front, m_id);
         m_client = connect(m_front);
         waitFor([this] { return heartbeat(); }, 5s, 300ms);
         require(heartbeat(), "the camera is there");
@@ -150,42 +123,22 @@ private:
         return m_client->testHeartBeat();
     }
 
-    Ending command() {
+    Timed command(std::optional<milliseconds> patience) {
         Bench bench{*m_client, m_front, m_id, m_updateFile};
-        return m_command.run(bench);
-    }
-
-    /// Measures the command; stops an endless one after its limit.
-    void timedCommand() {
-        std::promise<void> ended;
-        std::atomic<bool> stopped{false};
-        std::thread stopper;
-        if (m_expected.ending == Ending::endless)
-            stopper = std::thread([&, over = ended.get_future()] {
-                if (over.wait_for(m_command.patience) == std::future_status::timeout) {
-                    stopped = true;
-                    m_client->requestStop();
-                }
-            });
-        const auto start = Clock::now();
-        m_ending = command();
-        m_took = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
-        ended.set_value();
-        if (stopper.joinable())
-            stopper.join();
-        if (stopped && m_ending == Ending::fails)
-            m_ending = Ending::endless;
+        return runTimed(m_command, bench, patience);
     }
 
     void strike() {
+        const bool endless = m_expected.ending == Ending::endless;
         Texts lines;
         {
             const StdoutCapture log;
-            timedCommand();
+            const Timed timed = command(endless ? std::optional(m_command.patience) : std::nullopt);
+            m_ending = timed.ending;
+            m_took = timed.took;
             lines = log.lines();
         }
         require(m_ending == m_expected.ending, std::string("ends as: ") + nameOf(m_ending));
-        const bool endless = m_expected.ending == Ending::endless;
         const milliseconds bound =
             endless ? m_command.patience + 300ms : m_expected.within.value_or(m_command.longest);
         require(m_took <= bound + bound * allowancePercent / 100 + allowance,
@@ -254,7 +207,7 @@ private:
         Texts lines;
         {
             const StdoutCapture log;
-            const Ending ending = command();
+            const Ending ending = command(std::nullopt).ending;
             require(ending == Ending::works, std::string("the next good command ends as: ") + nameOf(ending));
             lines = log.lines();
         }
@@ -347,6 +300,61 @@ Cell finish(const Child& child) {
 }
 
 } // namespace
+
+emulator::CameraSettings settingsFor(const Command& command) {
+    emulator::CameraSettings settings = emulator::settingsForType(command.type);
+    settings.rebootTime = 0ms;
+    settings.factoryResetTime = 0ms;
+    settings.updateRestartTime = 0ms;
+    settings.uploadSilence = uploadSilence;
+    settings.keepsInterruptedUploads = false; // the next good upload is a whole one
+    settings.holdsAnnouncedImage = true;
+    settings.answersDoor = true;
+    settings.drawPicture = [](std::uint16_t, std::uint32_t) { return storedPicture(); };
+    return settings;
+}
+
+std::unique_ptr<CameraSp> connect(TestFront& front) {
+    auto client = std::make_unique<CameraSp>(front.portName(), 460800);
+    client->setSlaveAddress(front.withCamera([](VirtualCamera& c) { return c.settings().address; }));
+    return client;
+}
+
+void storePictures(TestFront& front, std::uint8_t id) {
+    front.withCamera([id](VirtualCamera& c) {
+        c.state().pictures = {emulator::makePicture(id, storedPicture())};
+        c.state().jsonPicture = storedJsonPicture();
+    });
+}
+
+void writeUpdateFile(const std::string& path, std::size_t size) {
+    const protocol::Bytes update = pattern(size);
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(update.data()), static_cast<std::streamsize>(update.size()));
+}
+
+Timed runTimed(const Command& command, Bench& bench, std::optional<milliseconds> patience) {
+    std::promise<void> ended;
+    std::atomic<bool> stopped{false};
+    std::thread stopper;
+    if (patience)
+        stopper = std::thread([&, over = ended.get_future()] {
+            if (over.wait_for(*patience) == std::future_status::timeout) {
+                stopped = true;
+                bench.client.requestStop();
+            }
+        });
+    const auto start = Clock::now();
+    Timed timed;
+    timed.ending = command.run(bench);
+    timed.took = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+    ended.set_value();
+    if (stopper.joinable())
+        stopper.join();
+    if (stopped && timed.ending == Ending::fails)
+        timed.ending = Ending::endless;
+    return timed;
+}
 
 protocol::Bytes storedPicture() {
     return pattern(pictureBytes);

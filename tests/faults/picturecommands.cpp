@@ -2,6 +2,8 @@
 #include "tests/faults/cell.h"
 #include "tests/faults/command.h"
 
+#include <algorithm>
+
 using namespace std::chrono_literals;
 
 namespace faultmatrix {
@@ -36,10 +38,15 @@ Column refusals() {
 }
 
 /// The records are counted by the length of the answer; the count byte is logged only.
-Ending endingOfCatalogue(const std::vector<protocol::RecordBytes>& records, std::uint8_t id) {
+Ending endingOfCatalogue(const std::vector<protocol::RecordBytes>& records, const protocol::Bytes& good) {
     if (records.empty())
         return fails;
-    return records.size() == 1 && records.front()[0] == id ? works : otherValue;
+    const bool same = records.size() == 1 && std::equal(good.begin(), good.end(), records.front().get());
+    return same ? works : otherValue;
+}
+
+protocol::PictureInfo storedInfo(Bench& b) {
+    return b.front.withCamera([](auto& camera) { return camera.state().pictures.front().info; });
 }
 
 Command catalogue(const std::string& method, const std::string& request, CameraType type,
@@ -178,12 +185,18 @@ std::vector<Command> pictureCommands() {
             2500ms, {{}, {"error in captureV1"}}, refusals()),
         catalogue(
             "getOriginPicInfos", "catalogue", ostra,
-            [](Bench& b) { return endingOfCatalogue(b.client.getOriginPicInfos(), b.id); }, 500ms,
-            "error in getOriginPicInfos cmd 0x07  ", 378),
+            [](Bench& b) {
+                const protocol::Bytes good = protocol::buildOriginRecord(storedInfo(b));
+                return endingOfCatalogue(b.client.getOriginPicInfos(), good);
+            },
+            500ms, "error in getOriginPicInfos cmd 0x07  ", 378),
         catalogue(
             "getPicInfosV1", "catalogueV1", salesDynamic,
-            [](Bench& b) { return endingOfCatalogue(b.client.getPicInfosV1(), b.id); }, 50s,
-            "error in getPicInfos cmd 0xc7  ", 1551),
+            [](Bench& b) {
+                const protocol::Bytes good = protocol::buildV1Record(storedInfo(b));
+                return endingOfCatalogue(b.client.getPicInfosV1(), good);
+            },
+            50s, "error in getPicInfos cmd 0xc7  ", 1551),
         row(
             "delOriginPic", "delete", ostra, [](Bench& b) { return endingOf(b.client.delOriginPic(0xFF)); },
             2000ms, {{}, {"error in delOriginPic deletepic"}}, refusals()),

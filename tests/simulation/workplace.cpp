@@ -13,7 +13,6 @@
 using namespace std::chrono_literals;
 using emulator::FaultKind;
 using protocol::Bytes;
-using world::Direction;
 
 namespace simulation {
 
@@ -82,7 +81,6 @@ std::string requestText(std::uint32_t choice) {
 Workplace::Workplace(const Scenario& scenario)
     : m_line(emulator::VirtualCamera(settingsFor(scenario, m_pictures))) {
     m_line.setPace(protocol::infoOf(scenario.type).baudRate / bitsPerByte);
-    m_line.setInterference([this](Direction direction, Bytes& bytes) { interfere(direction, bytes); });
     world::addPort(emptyPort, {});
     plugIn("/dev/ttyUSB0");
     emulator::CameraState& state = m_line.camera().state();
@@ -127,17 +125,15 @@ void Workplace::plugIn(const std::string& name) {
 // --- steps -------------------------------------------------------------------------------------------------
 
 void Workplace::perform(const Step& step) {
-    const Direction direction = step.choice % 2 == 0 ? Direction::toTool : Direction::toCamera;
     switch (step.kind) {
     case StepKind::flip:
     case StepKind::drop:
     case StepKind::repeat:
-        m_pending.push_back({step.kind, direction, step.choice / 2 % 600, step.detail});
-        (direction == Direction::toTool ? m_disturbances.toTool : m_disturbances.toCamera) = true;
+        strikeLine(step);
         break;
     case StepKind::latency: {
         constexpr std::array<int, 5> delays{0, 20, 60, 300, 1500};
-        m_line.setLatency(std::chrono::milliseconds(delays.at(step.choice % delays.size())));
+        m_line.model().setLatency(std::chrono::milliseconds(delays.at(step.choice % delays.size())));
         m_disturbances.late = true;
         break;
     }
@@ -176,31 +172,18 @@ void Workplace::pull(const std::string& port) {
     world::removePort(emptyPort);
 }
 
-void Workplace::interfere(Direction direction, Bytes& bytes) {
-    for (Interference& each : m_pending) {
-        if (each.direction != direction)
-            continue;
-        if (each.after >= bytes.size()) {
-            each.after -= static_cast<std::uint32_t>(bytes.size());
-            continue;
-        }
-        const auto at = bytes.begin() + each.after;
-        switch (each.kind) {
-        case StepKind::flip:
-            *at = static_cast<std::uint8_t>(*at ^ (1U << (each.detail % 8)));
-            break;
-        case StepKind::drop:
-            bytes.erase(at, at + std::min<std::ptrdiff_t>(1 + each.detail % 20, bytes.end() - at));
-            break;
-        default:
-            bytes.insert(at, *at);
-            break;
-        }
-        each.kind = StepKind::wait; // done
-        if (bytes.empty())
-            break;
-    }
-    std::erase_if(m_pending, [](const Interference& each) { return each.kind == StepKind::wait; });
+void Workplace::strikeLine(const Step& step) {
+    using emulator::LineStrike;
+    using Receiver = emulator::LineDamage::Receiver;
+    const auto receiver = step.choice % 2 == 0 ? Receiver::tool : Receiver::camera;
+    (receiver == Receiver::tool ? m_disturbances.toTool : m_disturbances.toCamera) = true;
+    const std::uint32_t after = step.choice / 2 % 600;
+    LineStrike strike{LineStrike::Kind::repeat, after, 1};
+    if (step.kind == StepKind::flip)
+        strike = {LineStrike::Kind::flip, after, step.detail % 8};
+    else if (step.kind == StepKind::drop)
+        strike = {LineStrike::Kind::lose, after, 1 + step.detail % 20};
+    m_line.model().strike(receiver, strike);
 }
 
 } // namespace simulation

@@ -63,20 +63,12 @@ public:
     [[nodiscard]] const std::vector<TakenPicture>& pictures() const { return m_pictures; }
 
 private:
-    struct Interference {
-        StepKind kind;
-        world::Direction direction;
-        std::uint32_t after; ///< bytes that still pass
-        std::uint32_t detail;
-    };
-
-    void interfere(world::Direction direction, protocol::Bytes& bytes);
+    void strikeLine(const Step& step);
     void plugIn(const std::string& name);
 
     std::vector<TakenPicture> m_pictures; // before the camera, which adds to it
     world::SimulatedLine m_line;
     std::vector<std::string> m_portNames;
-    std::vector<Interference> m_pending;
     Disturbances m_disturbances;
     QStringList m_files;
     std::set<QString> m_chosen;

@@ -162,6 +162,57 @@ TEST(Lesson, SixIsSilentAfterARestartThenSlow) {
     EXPECT_THAT(room.hear(), HasSubstr(endText));
 }
 
+TEST(Lesson, SevenLosesBytes) {
+    constexpr int times = 30;
+    Classroom room("7");
+    EXPECT_THAT(room.hear(), HasSubstr("字节有时丢失"));
+    PtyClient client(room.portName());
+    Bytes whole;
+    for (int i = 0; i < times; ++i) {
+        client.write(hex(heartbeatRequest));
+        protocol::append(whole, hex(heartbeatAnswer));
+    }
+    EXPECT_TRUE(room.hears("是线路的问题"));
+    const Bytes heard = client.read(whole.size(), 300ms);
+    EXPECT_FALSE(heard.empty());
+    EXPECT_NE(heard, whole);
+}
+
+/// The texts that the coach gives now.
+std::string textOf(const LessonCoach::Remark& remark) {
+    std::string text;
+    for (const std::string& line : remark.lines)
+        text += line + '\n';
+    return text;
+}
+
+TEST(Lesson, SevenIsSolvedByTighteningThePlug) {
+    const Lesson& lesson = *findLesson("7");
+    EXPECT_STREQ(lesson.line, "loose-plug");
+    CameraBench bench;
+    LessonCoach coach(lesson);
+    const auto ask = [&](int times, const Bytes& request) {
+        for (int i = 0; i < times; ++i)
+            bench.ask(request);
+        return coach.look(bench.camera, bench.now);
+    };
+    EXPECT_THAT(textOf(coach.look(bench.camera, bench.now)), HasSubstr("没有脱开"));
+    EXPECT_EQ(textOf(ask(5, hex(heartbeatRequest))), "");
+    EXPECT_THAT(textOf(ask(1, hex(heartbeatRequest))), HasSubstr("获取版本号"));
+    const Bytes version = protocol::buildFrame(
+        protocol::code(protocol::Command::getProperty),
+        Bytes{static_cast<std::uint8_t>(protocol::code(protocol::PropertyId::appVersion))}, 1);
+    const LessonCoach::Remark out = ask(2, version);
+    EXPECT_EQ(out.plug, Plug::comesOut);
+    EXPECT_EQ(out.line, nullptr);
+    bench.now += 3s;
+    const LessonCoach::Remark in = coach.look(bench.camera, bench.now);
+    EXPECT_EQ(in.plug, Plug::goesIn);
+    EXPECT_STREQ(in.line, "good");
+    EXPECT_THAT(textOf(ask(5, hex(heartbeatRequest))), HasSubstr(endText));
+    EXPECT_TRUE(coach.solved());
+}
+
 TEST(Lesson, FourIsSilentOnADeviceWithoutAPlug) {
     PtyFront front(lessonCamera(*findLesson("4")));
     std::string said;
@@ -183,8 +234,8 @@ TEST(Lesson, FourIsSilentOnADeviceWithoutAPlug) {
 }
 
 TEST(Lesson, IsFoundByItsNumberOnly) {
-    EXPECT_EQ(lessons().size(), 6U);
-    for (const char* const wrong : {"", "0", "7", "-1", "one", "1.5"})
+    EXPECT_EQ(lessons().size(), 7U);
+    for (const char* const wrong : {"", "0", "8", "-1", "one", "1.5"})
         EXPECT_EQ(findLesson(wrong), nullptr) << wrong;
 }
 

@@ -57,6 +57,14 @@ TEST(LineFault, CameraKeepsUploadDataOfAVanishedDevice) {
               ByteView(file).range(0, 700).toBytes());
 }
 
+TEST(LineFault, EchoingLineReturnsTheRequest) {
+    PtyFront front;
+    front.setTraits(parseLine("echo"));
+    PtyClient client(front.portName());
+    client.write(hex(heartbeatRequest));
+    EXPECT_EQ(client.read(22), hex(std::string(heartbeatRequest) + heartbeatAnswer));
+}
+
 TEST(LineFault, BusyDeviceIsExclusive) {
     // A privileged user may still open it, so the mark itself is looked at.
     PtyFront front;

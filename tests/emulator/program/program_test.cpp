@@ -1,5 +1,6 @@
 // The virtual-camera program as a process.
 #include "emulator/camera/fault.h"
+#include "emulator/line/linetraits.h"
 #include "tests/emulator/line/ptyclient.h"
 #include "tests/emulator/program/program.h"
 #include "tests/support/otheruser.h"
@@ -17,8 +18,9 @@ TEST(Program, HelpNamesEveryOption) {
     EXPECT_EQ(Program({"--help"}).wait(), 0);
     const std::string help = Program::text("out");
     for (const char* const option :
-         {"--type", "--address", "--device", "--link", "--pace", "--fault", "--pictures", "--offset", "--tap",
-          "--record", "--blank-serials", "--replay", "--at-once", "--lesson", "--list-faults", "--help"})
+         {"--type", "--address", "--device", "--link", "--pace", "--line", "--line-seed", "--fault",
+          "--pictures", "--offset", "--tap", "--record", "--blank-serials", "--replay", "--at-once",
+          "--lesson", "--list-faults", "--help"})
         EXPECT_THAT(help, testing::HasSubstr(option));
 }
 
@@ -56,14 +58,31 @@ TEST(Program, ListFaultsNamesEveryKindAndRequest) {
         EXPECT_THAT(list, testing::HasSubstr("  " + std::string(name.name) + " "));
 }
 
-TEST(Program, ManualListsEveryFault) {
+/// The manual from this heading on.
+std::string manualFrom(const std::string& heading) {
     const std::string manual = Program::text(VIRTUAL_CAMERA_MANUAL);
+    return manual.substr(std::min(manual.size(), manual.find('\n' + heading + '\n')));
+}
+
+TEST(Program, ManualListsEveryFault) {
+    const std::string manual = manualFrom("## Faults");
     for (const FaultKindInfo& info : faultKinds()) {
         const std::size_t row = manual.find("\n|`" + std::string(info.name) + "`|");
         ASSERT_NE(row, std::string::npos) << info.name;
         const std::string line = manual.substr(row + 1, manual.find('\n', row + 1) - row - 1);
         EXPECT_THAT(line, testing::EndsWith("|" + std::string(info.description) + "|"));
     }
+}
+
+TEST(Program, ManualListsEveryLineAndTrait) {
+    const std::string manual = manualFrom("### Bad lines");
+    const auto rowOf = [](std::string_view name, std::string_view description) {
+        return "\n|`" + std::string(name) + "`|" + std::string(description) + "|";
+    };
+    for (const LinePreset& preset : linePresets())
+        EXPECT_THAT(manual, testing::HasSubstr(rowOf(preset.name, preset.description)));
+    for (const LineTrait& trait : lineTraits())
+        EXPECT_THAT(manual, testing::HasSubstr(rowOf(trait.form, trait.description)));
 }
 
 struct BadLine {
@@ -107,20 +126,24 @@ TEST_P(BadArguments, LeaveNothingBehind) {
 
 INSTANTIATE_TEST_SUITE_P(
     Values, BadArguments,
-    testing::Values(BadLine{{"--nonsense"}, "unknown option \"--nonsense\"; see --help"},
-                    BadLine{{"stray"}, "unknown option \"stray\""},
-                    BadLine{{"--type", "5"},
-                            "there is no type \"5\"; known: 0 ostra, 1 dorvel, 2 sales-static, 3 quenta, 4 "
-                            "sales-dynamic"},
-                    BadLine{{"--type", "shiny"}, "there is no type \"shiny\"; known: 0 ostra"},
-                    BadLine{{"--type"}, "--type needs a value: TYPE"},
-                    BadLine{{"--address", "256"}, "from 0 to 255"},
-                    BadLine{{"--address="}, "--address needs a value: N"}, BadLine{{"--pace", "0"}, "--pace"},
-                    BadLine{{"--offset", "-1"}, "--offset"}, BadLine{{"--help=now"}, "--help takes no value"},
-                    BadLine{{"--lesson", "9"}, "--lesson: there is no lesson \"9\"; known: 1, 2, 3, 4, 5, 6"},
-                    BadLine{{"--device", "missing"}, "cannot open the device missing: it does not exist"},
-                    BadLine{{"--device", "/dev/null"}, "/dev/null is not a serial device; choose another"},
-                    BadLine{{"--pictures", "missing"}, "cannot read the folder missing: it does not exist"}));
+    testing::Values(
+        BadLine{{"--nonsense"}, "unknown option \"--nonsense\"; see --help"},
+        BadLine{{"stray"}, "unknown option \"stray\""},
+        BadLine{{"--type", "5"},
+                "there is no type \"5\"; known: 0 ostra, 1 dorvel, 2 sales-static, 3 quenta, 4 "
+                "sales-dynamic"},
+        BadLine{{"--type", "shiny"}, "there is no type \"shiny\"; known: 0 ostra"},
+        BadLine{{"--type"}, "--type needs a value: TYPE"}, BadLine{{"--address", "256"}, "from 0 to 255"},
+        BadLine{{"--address="}, "--address needs a value: N"}, BadLine{{"--pace", "0"}, "--pace"},
+        BadLine{{"--offset", "-1"}, "--offset"}, BadLine{{"--help=now"}, "--help takes no value"},
+        BadLine{{"--lesson", "9"}, "--lesson: there is no lesson \"9\"; known: 1, 2, 3, 4, 5, 6, 7"},
+        BadLine{{"--line", "soggy"}, "--line: there is no line \"soggy\"; known: good, long-cable"},
+        BadLine{{"--line", "bits=2"}, "--line: \"bits=2\" cannot be used; write it like bits=1e-5"},
+        BadLine{{"--line"}, "--line needs a value: MODEL"},
+        BadLine{{"--line", "good", "--line-seed", "-1"}, "--line-seed: \"-1\" is not a number"},
+        BadLine{{"--device", "missing"}, "cannot open the device missing: it does not exist"},
+        BadLine{{"--device", "/dev/null"}, "/dev/null is not a serial device; choose another"},
+        BadLine{{"--pictures", "missing"}, "cannot read the folder missing: it does not exist"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Links, BadArguments,
@@ -146,6 +169,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BadLine{{"--record", "a"}, "--record belongs to --tap"},
                     BadLine{{"--blank-serials"}, "--blank-serials belongs to --tap"},
                     BadLine{{"--at-once"}, "--at-once belongs to --replay"},
+                    BadLine{{"--line-seed", "2"}, "--line-seed belongs to --line"},
                     BadLine{{"--holds-image"}, "--holds-image belongs to --type sales-dynamic"},
                     BadLine{{"--replay", "a", "--baud", "9600"},
                             "--baud with --replay belongs to --device"}));
@@ -153,8 +177,9 @@ INSTANTIATE_TEST_SUITE_P(
 /// Each mode with the options that are for other modes.
 std::vector<BadLine> meaninglessLines() {
     using Words = std::vector<std::string>;
-    const std::vector<Words> served = {{"--address", "1"},  {"--check-baud"},  {"--pace", "9"},
-                                       {"--pictures", "."}, {"--holds-image"}, {"--fault", "silent"}};
+    const std::vector<Words> served = {{"--address", "1"},   {"--check-baud"},    {"--pace", "9"},
+                                       {"--line", "good"},   {"--pictures", "."}, {"--holds-image"},
+                                       {"--fault", "silent"}};
     const auto with = [&served](std::vector<Words> more) {
         more.insert(more.end(), served.begin(), served.end());
         return more;
@@ -290,6 +315,37 @@ TEST(Program, ServesOverItsLinkAndLogsExchanges) {
     program.signal(SIGTERM);
     EXPECT_EQ(program.wait(), 0);
     EXPECT_FALSE(fs::is_symlink("camera"));
+}
+
+bool saysItServes() {
+    return Program::text("out").find("serving a camera") != std::string::npos;
+}
+
+TEST(Program, ServesOverABadLine) {
+    Program program({"--link", "camera", "--line", "echo"});
+    ASSERT_TRUE(comesTrue(&saysItServes));
+    PtyClient client("camera");
+    client.write(hex(heartbeatRequest));
+    EXPECT_EQ(client.read(22), hex(std::string(heartbeatRequest) + heartbeatAnswer));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
+}
+
+TEST(Program, SameSeedGivesTheSameLine) {
+    const auto heardFrom = [](const char* seed) {
+        Program program({"--link", "camera", "--line", "lost=0.3", "--line-seed", seed});
+        EXPECT_TRUE(comesTrue(&saysItServes));
+        PtyClient client("camera");
+        client.write(countingBytes(20));
+        EXPECT_TRUE(comesTrue([] { return Program::text("out").find(" any frame: ") != std::string::npos; }));
+        program.signal(SIGTERM);
+        EXPECT_EQ(program.wait(), 0);
+        const std::string out = Program::text("out");
+        return out.substr(out.find("any frame"));
+    };
+    const std::string one = heardFrom("1");
+    EXPECT_EQ(heardFrom("1"), one);
+    EXPECT_NE(heardFrom("2"), one);
 }
 
 TEST(Program, EndsOnAnInterruptAndRemovesItsLink) {

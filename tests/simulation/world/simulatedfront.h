@@ -27,6 +27,12 @@ public:
     [[nodiscard]] emulator::Time now() const { return m_line.lineTime(); }
     [[nodiscard]] bool lineOpen() { return m_line.isPresent(); }
     void setPace(std::uint32_t bytesPerSecond) { m_line.setPace(bytesPerSecond); }
+    void setTraits(const emulator::LineTraits& traits, std::uint64_t seed = 1) {
+        m_line.model().setTraits(traits, seed);
+    }
+    [[nodiscard]] emulator::LineDamageCounts lineDamage(emulator::LineDamage::Receiver receiver) {
+        return m_line.model().countsTo(receiver);
+    }
     /// A second name of the port, which stays the same through vanish and comeBack.
     void linkAt(const std::string& path);
     void vanish();

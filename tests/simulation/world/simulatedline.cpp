@@ -33,19 +33,16 @@ void SimulatedLine::setPace(std::uint32_t bytesPerSecond) {
     m_byteTime = bytesPerSecond == 0 ? 0ns : Time(1s) / bytesPerSecond;
 }
 
-void SimulatedLine::setInterference(std::function<void(Direction, Bytes&)> interference) {
-    m_interference = std::move(interference);
-}
-
-void SimulatedLine::setObserver(std::function<void(Direction, ByteView)> observer) {
-    m_observer = std::move(observer);
-}
-
 void SimulatedLine::setPresent(bool present) {
     advance();
     if (present && !m_present)
         m_camera.lineReopened(lineTime());
     m_present = present;
+    clear();
+}
+
+void SimulatedLine::clear() {
+    m_model.clear();
     m_toCamera.clear();
     m_toTool.clear();
     notifyAll(this);
@@ -71,11 +68,11 @@ void SimulatedLine::advance() {
 
 std::optional<Time> SimulatedLine::nextEvent() const {
     std::optional<Time> next;
-    if (const auto due = m_camera.nextDue())
+    if (const auto due = m_model.nextDue())
         next = std::max(toWorld(*due), m_start);
-    const bool readsAgain = m_camera.readingPausedUntil() != emulator::Time::max();
+    const bool readsAgain = m_model.readingPausedUntil() != emulator::Time::max();
     if (!m_toCamera.empty() && readsAgain) {
-        const Time arrives = std::max(m_toCamera.front().arrives, toWorld(m_camera.readingPausedUntil()));
+        const Time arrives = std::max(m_toCamera.front().arrives, toWorld(m_model.readingPausedUntil()));
         next = std::min(next.value_or(arrives), arrives);
     }
     return next;
@@ -83,38 +80,32 @@ std::optional<Time> SimulatedLine::nextEvent() const {
 
 void SimulatedLine::deliver(Time at) {
     const emulator::Time time = toCamera(at);
-    while (!m_toCamera.empty() && m_toCamera.front().arrives <= at && !m_camera.readingPaused(time)) {
+    while (!m_toCamera.empty() && m_toCamera.front().arrives <= at && !m_model.readingPaused(time)) {
         const Bytes bytes = std::move(m_toCamera.front().bytes);
         m_toCamera.pop_front();
-        if (m_observer)
-            m_observer(Direction::toCamera, bytes);
-        m_camera.receive(bytes, time);
+        m_model.receive(bytes, time);
     }
 }
 
 void SimulatedLine::collectAnswers(Time at) {
     const emulator::Time time = toCamera(at);
-    Bytes answer = m_camera.takeDue(time);
+    const Bytes answer = m_model.takeDue(time);
     if (m_present)
-        put(m_toTool, m_toToolFree, Direction::toTool, std::move(answer), at);
-    if (m_camera.hangUpDue(time)) {
+        put(m_toTool, m_toToolFree, answer, at);
+    if (m_model.hangUpDue(time)) {
         m_present = false;
-        m_toCamera.clear();
-        m_toTool.clear();
-        notifyAll(this);
+        clear();
     }
 }
 
-void SimulatedLine::put(Way& way, Time& freeAt, Direction direction, Bytes bytes, Time from) {
-    if (m_interference && !bytes.empty())
-        m_interference(direction, bytes);
+void SimulatedLine::put(Way& way, Time& freeAt, const Bytes& bytes, Time from) const {
     Time start = std::max(from, freeAt);
     const std::size_t most = m_byteTime == 0ns ? bytes.size() : pieceSize;
     for (std::size_t first = 0; first < bytes.size(); first += most) {
         const std::size_t count = std::min(most, bytes.size() - first);
         start += m_byteTime * static_cast<std::int64_t>(count);
         const auto begin = bytes.begin() + static_cast<std::ptrdiff_t>(first);
-        way.push_back({start + m_latency, Bytes(begin, begin + static_cast<std::ptrdiff_t>(count))});
+        way.push_back({start, Bytes(begin, begin + static_cast<std::ptrdiff_t>(count))});
     }
     freeAt = start;
 }
@@ -137,7 +128,7 @@ std::size_t SimulatedLine::send(ByteView bytes) {
     advance();
     const std::size_t free = queueSize - std::min(queueSize, queued());
     const std::size_t count = std::min(free, bytes.size());
-    put(m_toCamera, m_toCameraFree, Direction::toCamera, bytes.range(0, count).toBytes(), now());
+    put(m_toCamera, m_toCameraFree, bytes.range(0, count).toBytes(), now());
     advance();
     return count;
 }
@@ -172,8 +163,6 @@ Bytes SimulatedLine::take(std::size_t most) {
         if (bytes.empty())
             m_toTool.pop_front();
     }
-    if (m_observer && !taken.empty())
-        m_observer(Direction::toTool, taken);
     return taken;
 }
 

@@ -3,19 +3,17 @@
 #pragma once
 
 #include "emulator/camera/virtualcamera.h"
+#include "emulator/line/linemodel.h"
 #include "tests/simulation/world/scheduler.h"
 
 #include <deque>
 #include <functional>
-#include <memory>
 #include <string>
 
 namespace world {
 
 using protocol::Bytes;
 using protocol::ByteView;
-
-enum class Direction : std::uint8_t { toCamera, toTool };
 
 /// Carries bytes at a rate, each at its virtual time. One thread of the world at a time.
 class SimulatedLine {
@@ -29,12 +27,8 @@ public:
 
     /// Bytes per second in each direction; 0: no limit.
     void setPace(std::uint32_t bytesPerSecond);
-    /// Time of every byte on its way.
-    void setLatency(Time latency) { m_latency = latency; }
-    /// Called for the bytes of each piece as it leaves; changes what arrives.
-    void setInterference(std::function<void(Direction, Bytes&)> interference);
-    /// Called for the bytes that arrive at the camera, and for those that the tool reads.
-    void setObserver(std::function<void(Direction, ByteView)> observer);
+    /// Damage and delays between the camera and the paced line.
+    [[nodiscard]] emulator::LineModel& model() { return m_model; }
 
     /// The device is gone: open ports fail. Or there again, nothing on the line.
     void setPresent(bool present);
@@ -65,26 +59,25 @@ private:
     using Way = std::deque<Piece>;
 
     void advance();
+    void clear();
     /// The camera's next step, or the next piece that it gets.
     [[nodiscard]] std::optional<Time> nextEvent() const;
     void deliver(Time at);
     void collectAnswers(Time at);
-    void put(Way& way, Time& freeAt, Direction direction, Bytes bytes, Time from);
+    void put(Way& way, Time& freeAt, const Bytes& bytes, Time from) const;
     [[nodiscard]] Time toWorld(emulator::Time time) const { return m_start + time; }
     [[nodiscard]] emulator::Time toCamera(Time time) const;
     [[nodiscard]] std::size_t queued() const;
 
     emulator::VirtualCamera m_camera;
+    emulator::LineModel m_model{m_camera};
     const Time m_start = now();
     Time m_byteTime{0};
-    Time m_latency{0};
     bool m_present = true;
     Way m_toCamera;
     Way m_toTool;
     Time m_toCameraFree{0};
     Time m_toToolFree{0};
-    std::function<void(Direction, Bytes&)> m_interference;
-    std::function<void(Direction, ByteView)> m_observer;
 };
 
 /// A port of the stand-in: what the system's list says of it and where it leads.
