@@ -157,7 +157,16 @@ void MainWindow::connectPictures() {
             m_transferDisplay->followDownload(m_camera->progress());
     });
     m_captureFlow->setObserver(m_statusLine.get());
-    connect(m_ui->btn_takepic, &QPushButton::clicked, this, [this] { m_captureFlow->start(m_cameraType); });
+    connect(m_ui->btn_takepic, &QPushButton::clicked, this, [this] {
+        m_ui->label->forget();
+        m_pictureSource = cameraInUse();
+        m_captureFlow->start(m_cameraType);
+    });
+    connect(m_captureFlow.get(), &CaptureFlow::pictureShown, this, [this](const TakenPicture& picture) {
+        m_ui->label->setTaken(picture);
+        showSources();
+    });
+    m_ui->label->setViewer([this](const TakenPicture& picture) { viewPicture(picture); });
     connect(m_ui->actionPicInfo, &QAction::triggered, this, [this] { openWindow<PicList>(this, client()); });
     connect(m_ui->actionPicInfoV1, &QAction::triggered, this,
             [this] { openWindow<PicListV1>(this, client()); });
@@ -188,7 +197,7 @@ void MainWindow::applyPortRule() {
             control->setEnabled(open);
     });
     if (!open)
-        m_ui->rb_heartbeat->setChecked(false);
+        m_ui->rb_heartbeat->showNotTested();
 }
 
 void MainWindow::allowExchange(bool allowed) {
@@ -240,10 +249,13 @@ void MainWindow::showPaths() {
     show(m_ui->label_apppath, m_appPath);
     show(m_ui->label_firewarepath, m_firewarePath);
     show(m_ui->label_modelpath, m_modelPath);
-    m_ui->frame_path->setVisible(!(m_appPath.isEmpty() && m_firewarePath.isEmpty() && m_modelPath.isEmpty()));
+    const bool chosen = !(m_appPath.isEmpty() && m_firewarePath.isEmpty() && m_modelPath.isEmpty());
+    m_ui->frame_path->setVisible(chosen);
+    m_ui->frame_nopath->setVisible(!chosen); // keeps the place
 }
 
 void MainWindow::showLink() {
+    showSources();
     if (m_camera == nullptr) {
         m_statusLine->setLinkText(tr("串口未打开"));
         return;
@@ -278,6 +290,7 @@ void MainWindow::openLink() {
     m_lineWatch->linkOpened(*camera, port);
     m_camera = std::move(camera);
     m_opened = {port, m_baudRate};
+    ++m_links;
     m_ui->sel_ports->keepChoice();
     m_portTimer.stop();
     endLoss();
