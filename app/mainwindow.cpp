@@ -34,6 +34,9 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto finishStartDelay = 100ms;
+constexpr int leastControlHeight = 28; // pixels
+constexpr int versionLines = 3;
+constexpr int versionLength = 11; // characters; longer ones take two lines
 // Set in the form for each menu entry that exchanges with the camera.
 constexpr const char* exchangesProperty = "exchanges";
 // Jobs mostly wait: each open window may read while another job has the line.
@@ -46,6 +49,7 @@ MainWindow::MainWindow(QWidget* parent, Clock& clock)
     : QMainWindow(parent), ClientBorrower(this, nullptr), m_clock(clock),
       m_ui(std::make_unique<Ui::MainWindow>()) {
     m_ui->setupUi(this);
+    levelControls();
     setWindowTitle(tr("摄像头测试-Tessaly v(%1)").arg(toolVersion));
     // A lamp, not a control; accessibility tools still read it.
     m_ui->rb_heartbeat->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -104,6 +108,22 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 // --- construction ------------------------------------------------------------------------------------------
+
+void MainWindow::levelControls() {
+    std::vector<QWidget*> controls{m_ui->label_slaveinfo, m_ui->label_modelinfo, m_ui->et_modelname,
+                                   m_ui->sel_ports, m_ui->sel_baund};
+    for (QPushButton* const button : m_ui->centralwidget->findChildren<QPushButton*>())
+        controls.push_back(button);
+    int height = leastControlHeight;
+    for (const QWidget* const control : controls)
+        height = std::max(height, control->sizeHint().height());
+    for (QWidget* const control : controls)
+        control->setMinimumHeight(height);
+    const QFontMetrics metrics = m_ui->tv_appversion->fontMetrics();
+    const int margin = 2 * m_ui->tv_appversion->indent();
+    m_ui->tv_appversion->setMinimumSize(metrics.averageCharWidth() * versionLength,
+                                        versionLines * metrics.lineSpacing() + margin);
+}
 
 void MainWindow::fillChoices() {
     for (const std::uint32_t rate : protocol::baudRates)

@@ -59,6 +59,8 @@ protected:
 
 private:
     // --- construction (mainwindow.cpp) ---
+    /// Gives all controls one height and the versions their room, whatever the system's font.
+    void levelControls();
     void fillChoices();
     void connectLink();
     void connectStatus();

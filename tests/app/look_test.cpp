@@ -77,15 +77,23 @@ TEST_F(Look, ColumnsLineUpFromTopToBottom) {
 }
 
 TEST_F(Look, ButtonsAreOfOneHeightAndWiderThanTheirTexts) {
-    MainWindow window;
-    window.resize(728, 520);
-    window.show();
-    const int height = find<QWidget>(window, "btn_open")->height();
-    for (const QPushButton* const button : window.centralWidget()->findChildren<QPushButton*>()) {
-        EXPECT_EQ(button->height(), height) << button->objectName().toStdString();
-        EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(button->text()) + 18)
-            << button->objectName().toStdString();
+    const QFont systemFont = QApplication::font();
+    for (const double size : {1.0, 1.5, 2.0}) {
+        QFont font = systemFont;
+        font.setPointSizeF(systemFont.pointSizeF() * size);
+        QApplication::setFont(font);
+        MainWindow window;
+        window.resize(728, 520); // or as small as it gets
+        window.show();
+        const int height = find<QWidget>(window, "btn_open")->height();
+        for (const QPushButton* const button : window.centralWidget()->findChildren<QPushButton*>()) {
+            EXPECT_EQ(button->height(), height) << button->objectName().toStdString() << " at " << size;
+            EXPECT_GE(button->height(), button->fontMetrics().height() + 4);
+            EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(button->text()) + 18)
+                << button->objectName().toStdString() << " at " << size;
+        }
     }
+    QApplication::setFont(systemFont);
 }
 
 TEST_F(Look, ChosenFilesMoveNoOtherPanel) {
