@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int margin = 6; // more than a text's height
+constexpr int lampMargin = 6; // more than a text's height
 
 Sign signOf(HeartbeatLamp::State state) {
     switch (state) {
@@ -56,7 +56,7 @@ void HeartbeatLamp::tell(const QString& text) {
 }
 
 QSize HeartbeatLamp::sizeHint() const {
-    const int side = fontMetrics().height() + margin;
+    const int side = fontMetrics().height() + lampMargin;
     return {side, side};
 }
 
