@@ -9,7 +9,7 @@ namespace {
 
 constexpr int textFlags = Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap;
 constexpr int leastPathLength = 12; // characters
-constexpr int lineGap = 3;       // Chinese letters are higher than a line of some fonts
+constexpr int lineGap = 3;          // Chinese letters are higher than a line of some fonts
 
 } // namespace
 
@@ -66,6 +66,6 @@ void PathLabel::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(colors.color(QPalette::PlaceholderText));
     painter.drawText(area, Qt::AlignLeft | Qt::AlignTop, property("caption").toString());
     painter.setPen(colors.color(foregroundRole()));
-    painter.drawText(area.adjusted(0, fontMetrics().height() + lineGap, 0, 0),
-                     Qt::AlignLeft | Qt::AlignTop, shownPath());
+    painter.drawText(area.adjusted(0, fontMetrics().height() + lineGap, 0, 0), Qt::AlignLeft | Qt::AlignTop,
+                     shownPath());
 }
