@@ -6,6 +6,7 @@
 #include "service/reportwords.h"
 
 #include <QDebug>
+#include <QFile>
 #include <QLabel>
 
 using namespace std::chrono_literals;
@@ -235,11 +236,17 @@ void CaptureFlow::startJson() {
 }
 
 bool CaptureFlow::showPicture(unsigned id) {
-    const QImage image(localPictureName(id)); // never from the pixmap cache
-    if (image.isNull())
+    TakenPicture taken;
+    taken.id = id;
+    taken.time = QDateTime::currentDateTime();
+    if (QFile file(localPictureName(id)); file.open(QIODevice::ReadOnly))
+        taken.file = file.readAll();
+    taken.image = QImage::fromData(taken.file); // never from the pixmap cache
+    if (taken.image.isNull())
         return false;
-    const QPixmap picture = QPixmap::fromImage(image);
+    const QPixmap picture = QPixmap::fromImage(taken.image);
     m_picture->setPixmap(picture.scaledToWidth(m_picture->width()).scaledToHeight(m_picture->height()));
+    emit pictureShown(taken);
     return true;
 }
 

@@ -1,6 +1,7 @@
 // The main window's take-picture flow.
 #pragma once
 
+#include "app/picturearea.h"
 #include "linkaccess/clientborrower.h"
 
 #include <QObject>
@@ -28,6 +29,10 @@ public:
 
     /// Number of a protocol::CameraType; unknown numbers are of the first generation.
     void start(std::uint32_t cameraType);
+
+signals:
+    /// After the label got its pixmap.
+    void pictureShown(const TakenPicture& picture);
 
 private:
     struct Path;

@@ -34,6 +34,9 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto finishStartDelay = 100ms;
+constexpr int leastControlHeight = 28; // pixels
+constexpr int versionLines = 3;
+constexpr int versionLength = 11; // characters; longer ones take two lines
 // Set in the form for each menu entry that exchanges with the camera.
 constexpr const char* exchangesProperty = "exchanges";
 // Jobs mostly wait: each open window may read while another job has the line.
@@ -46,6 +49,7 @@ MainWindow::MainWindow(QWidget* parent, Clock& clock)
     : QMainWindow(parent), ClientBorrower(this, nullptr), m_clock(clock),
       m_ui(std::make_unique<Ui::MainWindow>()) {
     m_ui->setupUi(this);
+    levelControls();
     setWindowTitle(tr("摄像头测试-Tessaly v(%1)").arg(toolVersion));
     // A lamp, not a control; accessibility tools still read it.
     m_ui->rb_heartbeat->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -105,6 +109,22 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 // --- construction ------------------------------------------------------------------------------------------
 
+void MainWindow::levelControls() {
+    std::vector<QWidget*> controls{m_ui->label_slaveinfo, m_ui->label_modelinfo, m_ui->et_modelname,
+                                   m_ui->sel_ports, m_ui->sel_baund};
+    for (QPushButton* const button : m_ui->centralwidget->findChildren<QPushButton*>())
+        controls.push_back(button);
+    int height = leastControlHeight;
+    for (const QWidget* const control : controls)
+        height = std::max(height, control->sizeHint().height());
+    for (QWidget* const control : controls)
+        control->setMinimumHeight(height);
+    const QFontMetrics metrics = m_ui->tv_appversion->fontMetrics();
+    const int margin = 2 * m_ui->tv_appversion->indent();
+    m_ui->tv_appversion->setMinimumSize(metrics.averageCharWidth() * versionLength,
+                                        versionLines * metrics.lineSpacing() + margin);
+}
+
 void MainWindow::fillChoices() {
     for (const std::uint32_t rate : protocol::baudRates)
         m_ui->sel_baund->addItem(QString::number(rate));
@@ -157,7 +177,16 @@ void MainWindow::connectPictures() {
             m_transferDisplay->followDownload(m_camera->progress());
     });
     m_captureFlow->setObserver(m_statusLine.get());
-    connect(m_ui->btn_takepic, &QPushButton::clicked, this, [this] { m_captureFlow->start(m_cameraType); });
+    connect(m_ui->btn_takepic, &QPushButton::clicked, this, [this] {
+        m_ui->label->forget();
+        m_pictureSource = cameraInUse();
+        m_captureFlow->start(m_cameraType);
+    });
+    connect(m_captureFlow.get(), &CaptureFlow::pictureShown, this, [this](const TakenPicture& picture) {
+        m_ui->label->setTaken(picture);
+        showSources();
+    });
+    m_ui->label->setViewer([this](const TakenPicture& picture) { viewPicture(picture); });
     connect(m_ui->actionPicInfo, &QAction::triggered, this, [this] { openWindow<PicList>(this, client()); });
     connect(m_ui->actionPicInfoV1, &QAction::triggered, this,
             [this] { openWindow<PicListV1>(this, client()); });
@@ -188,7 +217,7 @@ void MainWindow::applyPortRule() {
             control->setEnabled(open);
     });
     if (!open)
-        m_ui->rb_heartbeat->setChecked(false);
+        m_ui->rb_heartbeat->showNotTested();
 }
 
 void MainWindow::allowExchange(bool allowed) {
@@ -240,10 +269,13 @@ void MainWindow::showPaths() {
     show(m_ui->label_apppath, m_appPath);
     show(m_ui->label_firewarepath, m_firewarePath);
     show(m_ui->label_modelpath, m_modelPath);
-    m_ui->frame_path->setVisible(!(m_appPath.isEmpty() && m_firewarePath.isEmpty() && m_modelPath.isEmpty()));
+    const bool chosen = !(m_appPath.isEmpty() && m_firewarePath.isEmpty() && m_modelPath.isEmpty());
+    m_ui->frame_path->setVisible(chosen);
+    m_ui->frame_nopath->setVisible(!chosen); // keeps the place
 }
 
 void MainWindow::showLink() {
+    showSources();
     if (m_camera == nullptr) {
         m_statusLine->setLinkText(tr("串口未打开"));
         return;
@@ -278,6 +310,7 @@ void MainWindow::openLink() {
     m_lineWatch->linkOpened(*camera, port);
     m_camera = std::move(camera);
     m_opened = {port, m_baudRate};
+    ++m_links;
     m_ui->sel_ports->keepChoice();
     m_portTimer.stop();
     endLoss();

@@ -59,6 +59,8 @@ protected:
 
 private:
     // --- construction (mainwindow.cpp) ---
+    /// Gives all controls one height and the versions their room, whatever the system's font.
+    void levelControls();
     void fillChoices();
     void connectLink();
     void connectStatus();
@@ -82,7 +84,8 @@ private:
     void leaveCloseButton();
     /// Shows the chosen files.
     void showPaths();
-    /// Shows the open port, its rate and the slave address at the right end of the status bar.
+    /// Shows the open port, its rate and the slave address at the right end of the status bar, and which
+    /// values are of another camera.
     void showLink();
 
     // --- the link ---
@@ -129,6 +132,19 @@ private:
     void openCameraProtocol();
     void openAbout();
     void lendTo(ClientBorrower& borrower);
+
+    // --- where the shown values are from (mainwindow_status.cpp) ---
+    /// A new link may be to another camera at the same address.
+    struct CameraInUse {
+        std::uint64_t link = 0;
+        std::uint32_t address = 0;
+        std::uint32_t type = 0;
+        bool operator==(const CameraInUse&) const = default;
+    };
+    [[nodiscard]] CameraInUse cameraInUse() const { return {m_links, m_slaveAddress, m_cameraType}; }
+    /// Greys values of a camera that is no longer in use and forgets its heartbeat.
+    void showSources();
+    void viewPicture(const TakenPicture& picture);
 
     // --- the status controls (mainwindow_status.cpp) ---
     struct Versions;
@@ -214,6 +230,11 @@ private:
     QString m_modelName;
     std::uint32_t m_slaveAddress = 1;
     std::uint32_t m_cameraType = 0; ///< number of a protocol::CameraType
+    std::uint64_t m_links = 0;      ///< opened so far
+    CameraInUse m_heartbeatSource;
+    CameraInUse m_versionsSource;
+    CameraInUse m_modelSource;
+    CameraInUse m_pictureSource;
 
     // The last task of each kind; children of the window.
     AppUpdateTask* m_appUpdateTask = nullptr;

@@ -49,9 +49,10 @@ void MainWindow::beginLoss() {
     if (m_adapterLost)
         return;
     m_adapterLost = true;
-    m_ui->rb_heartbeat->setChecked(false);
+    m_ui->rb_heartbeat->showNotTested();
     showCameraText(m_ui->tv_appversion, {});
     showCameraText(m_ui->label_modelinfo, {});
+    showSources();
     listPortsLater();
 }
 

@@ -4,6 +4,8 @@
 #include "app/statusline.h"
 #include "link/protocol/commands.h"
 #include "linkaccess/cameratext.h"
+#include "pictures/imgdialog.h"
+#include "pictures/localpicture.h"
 #include "service/reportwords.h"
 #include "ui_mainwindow.h"
 
@@ -12,6 +14,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMessageBox>
+#include <QTime>
+
+#include <chrono>
 
 namespace {
 
@@ -50,15 +55,39 @@ struct MainWindow::Versions {
     }
 };
 
+void MainWindow::showSources() {
+    const CameraInUse now = cameraInUse();
+    if (m_heartbeatSource != now)
+        m_ui->rb_heartbeat->showNotTested();
+    const auto show = [&now](ValueLabel* value, QLabel* mark, const CameraInUse& source) {
+        value->setOfPreviousCamera(source != now);
+        mark->setVisible(source != now && !value->text().isEmpty());
+    };
+    show(m_ui->tv_appversion, m_ui->mark_versions, m_versionsSource);
+    show(m_ui->label_modelinfo, m_ui->mark_model, m_modelSource);
+    m_ui->label->setOfPreviousCamera(m_pictureSource != now);
+}
+
+void MainWindow::viewPicture(const TakenPicture& picture) {
+    auto* const viewer = new ImgDialog(this);
+    viewer->setAttribute(Qt::WA_QuitOnClose, false);
+    m_windows.add(viewer, nullptr);
+    viewer->showFile(picture.file, localPictureName(picture.id));
+}
+
 void MainWindow::testHeartBeat() {
+    const Clock::Time asked = m_clock.now();
     const bool alive = ask(tr("测试心跳"), &CameraSp::testHeartBeat);
+    const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(m_clock.now() - asked);
     qDebug() << "heartbeat result:" << alive;
-    m_ui->rb_heartbeat->setCheckable(true);
-    m_ui->rb_heartbeat->setChecked(alive);
+    m_heartbeatSource = cameraInUse();
+    m_ui->rb_heartbeat->showResult(alive, QTime::currentTime(), took);
 }
 
 void MainWindow::queryVersions() {
     m_ui->tv_appversion->setText(tr("。。。。"));
+    m_versionsSource = cameraInUse();
+    showSources();
     if (protocol::cameraTypeInfo(m_cameraType).pictures == protocol::PictureCommands::json)
         queryQuentaVersion();
     else
@@ -111,6 +140,8 @@ void MainWindow::queryModelInfo() {
     showCameraText(m_ui->label_modelinfo, {});
     const std::string info = ask(tr("读取模型信息"), &CameraSp::getModelInfo);
     qDebug() << "modelInfo:" << QString::fromStdString(info);
+    m_modelSource = cameraInUse();
+    showSources();
     showCameraText(m_ui->label_modelinfo, tr("模型信息:") + cameraText(info));
 }
 
@@ -138,6 +169,8 @@ void MainWindow::runConfirmed(const ConfirmedCommand& action) {
     if (self == nullptr || answer != QMessageBox::Yes)
         return;
     const bool done = ask(action.name, action.command);
+    if (done)
+        m_ui->rb_heartbeat->showNotTested(); // until the camera is back
     QMessageBox::information(this, QString(), done ? action.success : action.failure);
 }
 

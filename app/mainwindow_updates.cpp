@@ -168,6 +168,7 @@ bool MainWindow::runTask(Task*& task, void (Task::*ended)(bool), void (MainWindo
 void MainWindow::beginUpload() {
     m_statusLine->holdState(tr("正在升级，请勿断电、勿拔线"));
     m_interruptible = true;
+    m_ui->rb_heartbeat->showNotTested();
     m_addressHold.emplace(*m_camera);
     m_keepAwake = std::make_unique<KeepAwake>();
     m_transferDisplay->followUpload(*m_camera);

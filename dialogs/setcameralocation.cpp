@@ -24,6 +24,17 @@ std::optional<std::uint32_t> loggedQuantityOf(const SettingBorrower::Value& answ
     return orientation::quantityOf(bytes);
 }
 
+/// The camera's unit is not known; a number of at most a turn is taken for degrees.
+std::optional<double> degreesOf(const std::optional<std::uint32_t>& quantity) {
+    constexpr std::int32_t turn = 360;
+    if (!quantity)
+        return std::nullopt;
+    const auto degrees = static_cast<std::int32_t>(*quantity); // below 0: the upper half
+    if (degrees < -turn || degrees > turn)
+        return std::nullopt;
+    return degrees;
+}
+
 } // namespace
 
 SetCameraLocation::SetCameraLocation(QWidget* parent, CameraSp* client)
@@ -34,11 +45,19 @@ SetCameraLocation::SetCameraLocation(QWidget* parent, CameraSp* client)
     setWindowTitle(tr("摄像头安装位置窗口"));
     for (QPushButton* button : {m_ui->btn_1, m_ui->btn_2, m_ui->btn_3, m_ui->btn_4})
         button->setVisible(false);
+    connect(m_ui->btn_refresh, &QToolButton::clicked, this, &SetCameraLocation::refresh);
     fetch();
 }
 
 SetCameraLocation::~SetCameraLocation() {
     qDebug() << "cameraLocationUi destroyed";
+}
+
+void SetCameraLocation::refresh() {
+    if (client() == nullptr)
+        reportMissingClient();
+    else
+        fetch();
 }
 
 void SetCameraLocation::fetch() {
@@ -65,8 +84,14 @@ void SetCameraLocation::showQuantities(const std::vector<Value>& values) {
                         {m_ui->label_3, tr("当前偏航角:")},
                         {m_ui->label_4, tr("当前加速度:")}};
     std::size_t next = 0;
+    std::vector<std::optional<double>> angles;
     for (const auto& [label, prefix] : rows) {
         const auto value = loggedQuantityOf(values.at(next++));
         label->setText(prefix + (value ? QString::number(*value) : tr("不支持,获取失败")));
+        angles.push_back(degreesOf(value));
     }
+    std::optional<Attitude> attitude;
+    if (angles[0] && angles[1] && angles[2])
+        attitude = {*angles[0], *angles[1], *angles[2]};
+    m_ui->view_horizon->setAttitude(attitude);
 }

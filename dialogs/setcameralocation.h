@@ -13,8 +13,8 @@ namespace Ui {
 class SetCameraLocation;
 }
 
-/// Shows the raw pitch, roll, yaw and acceleration of the motion sensor. Reads them once, on the pool, during
-/// construction.
+/// Shows the raw pitch, roll, yaw and acceleration of the motion sensor. Reads them on the pool, during
+/// construction and by the refresh button.
 class SetCameraLocation final : public QWidget, public SettingBorrower {
     Q_OBJECT
 
@@ -25,6 +25,7 @@ public:
     ~SetCameraLocation() override;
 
 private:
+    void refresh();
     void fetch();
     void showQuantities(const std::vector<Value>& values);
 

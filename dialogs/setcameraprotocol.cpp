@@ -65,6 +65,8 @@ void SetCameraProtocol::addAddressField() {
     field->setObjectName(QStringLiteral("hex_sb"));
     field->setRange(0, highestAddress);
     field->setAccessibleName(m_ui->label->text());
+    field->setToolTip(tr("00 到 FF"));
+    field->setMinimumHeight(m_ui->sb_hex->minimumHeight());
     static const QRegularExpression twoDigits(QStringLiteral("^[0-9A-Fa-f]{1,2}$"));
     field->lineEdit()->setValidator(new QRegularExpressionValidator(twoDigits, field));
     if (m_ui->sb_hex->layout() == nullptr) {
@@ -82,8 +84,11 @@ void SetCameraProtocol::arrangeTypes() {
         delete item; // the place only; the button stays
     for (const TypeChoice& choice : typeChoices) {
         QRadioButton* const button = (*m_ui).*choice.button;
-        const std::string_view name = protocol::infoOf(choice.type).name;
-        button->setText(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+        const protocol::CameraTypeInfo& info = protocol::infoOf(choice.type);
+        button->setText(QString::fromUtf8(info.name.data(), static_cast<qsizetype>(info.name.size())));
+        button->setToolTip(tr("常用地址 %1，波特率 %2")
+                               .arg(QString::number(info.usualAddress, 16).toUpper())
+                               .arg(info.baudRate));
         m_ui->gridLayout->addWidget(button, choice.row, choice.column);
     }
 }

@@ -4,6 +4,7 @@
 #include "ui_capturedegree.h"
 
 #include <QDebug>
+#include <QStyle>
 #include <QTimer>
 
 #include <array>
@@ -23,6 +24,14 @@ std::uint8_t lowByte(int value) {
     return static_cast<std::uint8_t>(value);
 }
 
+/// Greys what an earlier read showed; the user's own choice counts again.
+void setOutdated(QWidget* control, bool outdated) {
+    control->setProperty("outdated", outdated);
+    control->setToolTip(outdated ? SetCaptureDegree::tr("没有读到，不是摄像头现在的值") : QString());
+    control->style()->unpolish(control);
+    control->style()->polish(control);
+}
+
 } // namespace
 
 SetCaptureDegree::SetCaptureDegree(QWidget* parent, CameraSp* client)
@@ -40,6 +49,13 @@ SetCaptureDegree::SetCaptureDegree(QWidget* parent, CameraSp* client)
     connect(m_ui->btn_get1, &QPushButton::clicked, this, [this] { doGetInfo(false, anglesItem); });
     connect(m_ui->btn_get2, &QPushButton::clicked, this, [this] { doGetInfo(false, directionItem); });
     connect(m_ui->btn_get3, &QPushButton::clicked, this, [this] { doGetInfo(false, gyroItem); });
+    const auto isChosen = [this] {
+        setOutdated(m_ui->rb_closewise, false);
+        setOutdated(m_ui->rb_anticlosewise, false);
+    };
+    connect(m_ui->rb_closewise, &QRadioButton::clicked, this, isChosen);
+    connect(m_ui->rb_anticlosewise, &QRadioButton::clicked, this, isChosen);
+    connect(m_ui->cb_open, &QCheckBox::clicked, this, [this] { setOutdated(m_ui->cb_open, false); });
     connect(m_ui->btn_set1, &QPushButton::clicked, this, &SetCaptureDegree::setAngles);
     connect(m_ui->btn_set2, &QPushButton::clicked, this, &SetCaptureDegree::setDirection);
     connect(m_ui->btn_set3, &QPushButton::clicked, this, &SetCaptureDegree::setGyro);
@@ -89,6 +105,8 @@ void SetCaptureDegree::showAngles(const Value& value) {
 
 void SetCaptureDegree::showDirection(const Value& value) {
     QString text = tr("获取失败");
+    setOutdated(m_ui->rb_closewise, value.empty());
+    setOutdated(m_ui->rb_anticlosewise, value.empty());
     if (!value.empty()) {
         const bool clockwise = value.front() == 1;
         (clockwise ? m_ui->rb_closewise : m_ui->rb_anticlosewise)->setChecked(true);
@@ -100,6 +118,7 @@ void SetCaptureDegree::showDirection(const Value& value) {
 void SetCaptureDegree::showGyro(const Value& value) {
     // A failed read leaves the box as it is: only the label tells of it.
     QString text = tr("获取失败");
+    setOutdated(m_ui->cb_open, value.empty());
     if (!value.empty()) {
         const bool on = value.front() == 1;
         m_ui->cb_open->setChecked(on);

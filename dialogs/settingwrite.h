@@ -2,6 +2,7 @@
 #pragma once
 
 #include "link/clock.h"
+#include "linkaccess/signs.h"
 
 #include <QObject>
 #include <QString>
@@ -12,10 +13,12 @@
 
 class QAbstractButton;
 class QLabel;
+class QProgressBar;
 class QTimer;
 
 /// One write of a setting with everything the user sees of it: the controls are held, the hint tells of the
-/// write, a countdown gives the camera time to store the value, and then the value is read back.
+/// write with a sign before it, a countdown with a bar gives the camera time to store the value, and then the
+/// value is read back.
 ///
 ///     idle --run, write accepted--> counting down --last tick--> idle
 ///
@@ -46,10 +49,13 @@ public:
 
 private:
     void tick();
+    void tell(Sign sign, const QString& hint);
     void setControlsEnabled(bool enabled);
 
     QWidget* m_window;
     Plan m_plan;
+    SignMark* m_mark;    ///< before the hint
+    QProgressBar* m_bar; ///< behind it, seconds that are left
     QTimer* m_timer;
     int m_counter;
 };

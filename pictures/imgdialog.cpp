@@ -30,6 +30,19 @@ ImgDialog::~ImgDialog() {
 void ImgDialog::showPicture(const QString& name) {
     QPixmapCache::clear(); // the file of this name may have changed since it was last loaded
     load(name);
+    showLoaded();
+}
+
+void ImgDialog::showFile(const QByteArray& file, const QString& fileName) {
+    m_file = file;
+    m_fileName = fileName;
+    showLoaded();
+}
+
+void ImgDialog::showLoaded() {
+    QBuffer content(&m_file);
+    QImageReader reader(&content);
+    m_zoom.setPicture(m_file.isEmpty() ? QPixmap() : QPixmap::fromImageReader(&reader));
     if (m_zoom.picture().isNull()) {
         m_ui->label->setText(tr("图片不存在或者图片数据错误"));
         m_ui->label->setMinimumSize(0, 0);
@@ -57,9 +70,6 @@ void ImgDialog::load(const QString& name) {
             m_file = file->readAll();
         m_fileName = QFileInfo(finder.fileName()).fileName();
     }
-    QBuffer content(&m_file);
-    QImageReader reader(&content);
-    m_zoom.setPicture(m_file.isEmpty() ? QPixmap() : QPixmap::fromImageReader(&reader));
 }
 
 void ImgDialog::saveAs() {

@@ -29,6 +29,8 @@ public:
     /// Loads the picture and opens the dialog. A name without suffix finds the file of any known image
     /// format; a picture that is missing or broken is said so. The file may change or go afterwards.
     void showPicture(const QString& name);
+    /// The same with the content of a file.
+    void showFile(const QByteArray& file, const QString& fileName);
     /// Offers the previous and the next picture; a new dialog offers neither.
     void setNeighbours(bool previous, bool next);
 
@@ -57,6 +59,7 @@ private:
     void placeBar();
 
     void load(const QString& name);
+    void showLoaded();
     void zoom(int steps, QPointF anchor = {});
     void fit();
     /// Moves the section over the picture.

@@ -9,6 +9,7 @@
 #include <QDebug>
 #include <QMenu>
 #include <QMessageBox>
+#include <QShortcut>
 
 namespace {
 using namespace std::chrono_literals;
@@ -35,7 +36,31 @@ PictureListWindow::PictureListWindow(PictureListModel* model, PictureListDelegat
     connect(m_ui->btn_delete_all, &QPushButton::clicked, this, &PictureListWindow::deleteAll);
     connect(m_ui->btn_takepic, &QPushButton::clicked, this, &PictureListWindow::takePicture);
     connect(m_ui->listview, &QListView::customContextMenuRequested, this, &PictureListWindow::showMenu);
+    connectList();
     connectAll();
+}
+
+void PictureListWindow::connectList() {
+    connect(m_ui->listview, &QListView::doubleClicked, this, &PictureListWindow::viewChosen);
+    const auto onKey = [this](Qt::Key key, void (PictureListWindow::*action)()) {
+        auto* const shortcut = new QShortcut(key, m_ui->listview);
+        shortcut->setContext(Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this, action);
+    };
+    onKey(Qt::Key_Return, &PictureListWindow::viewChosen);
+    onKey(Qt::Key_Enter, &PictureListWindow::viewChosen);
+    onKey(Qt::Key_Delete, &PictureListWindow::deleteChosen);
+    connect(m_model, &QAbstractItemModel::rowsInserted, this, &PictureListWindow::summarize);
+    connect(m_model, &QAbstractItemModel::rowsRemoved, this, &PictureListWindow::summarize);
+    connect(m_model, &QAbstractItemModel::modelReset, this, &PictureListWindow::summarize);
+    summarize();
+}
+
+void PictureListWindow::summarize() {
+    qint64 size = 0;
+    for (int row = 0; row < m_model->rowCount(); ++row)
+        size += m_model->pictureSize(row);
+    m_ui->summary->setText(tr("共 %1 张，%2 字节").arg(m_model->rowCount()).arg(size));
 }
 
 PictureListWindow::~PictureListWindow() {
@@ -75,14 +100,17 @@ void PictureListWindow::takePicture() {
     box->open();
 }
 
+QModelIndex PictureListWindow::chosen() const {
+    return m_ui->listview->selectionModel()->selectedIndexes().value(0);
+}
+
 void PictureListWindow::showMenu(const QPoint& position) {
     qDebug() << "pos:" << position;
-    const QModelIndexList selected = m_ui->listview->selectionModel()->selectedIndexes();
-    if (selected.isEmpty())
+    if (!chosen().isValid())
         return;
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    const QPersistentModelIndex index(selected.front());
+    const QPersistentModelIndex index(chosen());
     connect(menu->addAction(tr("删除")), &QAction::triggered, this, [this, index] { deleteRow(index); });
     connect(menu->addAction(tr("查看")), &QAction::triggered, this, [this, index] { viewRow(index); });
     menu->popup(m_ui->listview->viewport()->mapToGlobal(position));
@@ -93,6 +121,26 @@ void PictureListWindow::deleteRow(const QPersistentModelIndex& index) {
         return;
     if (deletePicture(index.row()))
         m_model->removeRow(index.row());
+}
+
+void PictureListWindow::deleteChosen() {
+    const QPersistentModelIndex index(chosen());
+    if (!index.isValid())
+        return;
+    auto* const box = new QMessageBox(QMessageBox::Question, tr("删除图片"),
+                                      tr("要从摄像头删除图片 %1 吗？").arg(m_model->pictureId(index.row())),
+                                      QMessageBox::Yes | QMessageBox::No, this);
+    box->setDefaultButton(QMessageBox::No);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    connect(box, &QMessageBox::finished, this, [this, index](int answer) {
+        if (answer == QMessageBox::Yes)
+            deleteRow(index);
+    });
+    box->open();
+}
+
+void PictureListWindow::viewChosen() {
+    viewRow(chosen());
 }
 
 void PictureListWindow::viewRow(const QPersistentModelIndex& index) {

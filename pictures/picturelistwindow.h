@@ -50,6 +50,13 @@ private:
     void takePicture();
     void showMenu(const QPoint& position);
     void deleteRow(const QPersistentModelIndex& index);
+    /// Asks before it deletes the chosen picture.
+    void deleteChosen();
+    void viewChosen();
+    /// The chosen row; invalid without one.
+    [[nodiscard]] QModelIndex chosen() const;
+    void connectList();
+    void summarize();
     void viewRow(const QPersistentModelIndex& index);
 
     /// A viewer and the picture that it shows.

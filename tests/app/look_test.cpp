@@ -7,11 +7,13 @@
 #include <QImage>
 #include <QLabel>
 #include <QPalette>
+#include <QPushButton>
 #include <QStyleFactory>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 using namespace guitest;
@@ -19,6 +21,7 @@ using namespace guitest;
 namespace {
 
 constexpr QSize smallScreen(1280, 680);  // without title and task bar
+constexpr QSize scaledScreen(1092, 535); // 1366 x 768 at 125 %, likewise
 constexpr double readableContrast = 4.5; // of texts on their ground
 constexpr double visibleContrast = 3;    // of hints
 
@@ -50,6 +53,67 @@ class Look : public RecordedPorts {};
 
 } // namespace
 
+TEST_F(Look, FitsASmallScreenAt125PerCentAtFirst) {
+    const MainWindow window;
+    EXPECT_LE(window.width(), scaledScreen.width());
+    EXPECT_LE(window.height(), scaledScreen.height());
+}
+
+TEST_F(Look, ColumnsLineUpFromTopToBottom) {
+    MainWindow window;
+    window.show();
+    for (const QSize size : {QSize(728, 520), QSize(1060, 528), QSize(1601, 900)}) {
+        window.resize(size);
+        QApplication::processEvents();
+        ASSERT_EQ(window.size(), size);
+        const auto left = [&window](const char* name) {
+            return find<QWidget>(window, name)->mapTo(&window, QPoint()).x();
+        };
+        EXPECT_EQ(left("frame"), left("label"));
+        EXPECT_NEAR(left("frame_3"), left("frame_7"), 1) << size.width();
+        EXPECT_NEAR(left("btn_apppath"), left("btn_modelinfo"), 1) << size.width();
+        EXPECT_NEAR(left("hint_nopath"), left("btn_modelpath"), 2) << size.width();
+    }
+}
+
+TEST_F(Look, ButtonsAreOfOneHeightAndWiderThanTheirTexts) {
+    const QFont systemFont = QApplication::font();
+    for (const double size : {1.0, 1.5, 2.0}) {
+        QFont font = systemFont;
+        font.setPointSizeF(systemFont.pointSizeF() * size);
+        QApplication::setFont(font);
+        MainWindow window;
+        window.resize(728, 520); // or as small as it gets
+        window.show();
+        const int height = find<QWidget>(window, "btn_open")->height();
+        for (const QPushButton* const button : window.centralWidget()->findChildren<QPushButton*>()) {
+            EXPECT_EQ(button->height(), height) << button->objectName().toStdString() << " at " << size;
+            EXPECT_GE(button->height(), button->fontMetrics().height() + 4);
+            EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(button->text()) + 18)
+                << button->objectName().toStdString() << " at " << size;
+        }
+    }
+    QApplication::setFont(systemFont);
+}
+
+TEST_F(Look, ChosenFilesMoveNoOtherPanel) {
+    MainWindow window;
+    window.show();
+    const std::array panels{"label", "frame_7", "frame", "frame_2", "frame_3"};
+    std::vector<QRect> places;
+    for (const char* const name : panels)
+        places.push_back(find<QWidget>(window, name)->geometry());
+    find<QWidget>(window, "frame_nopath")->hide();
+    find<QWidget>(window, "frame_path")->show();
+    for (const char* const name : {"label_apppath", "label_firewarepath", "label_modelpath"}) {
+        find<QLabel>(window, name)->setText("/a/rather/long/path/" + QString(300, 'x'));
+        find<QLabel>(window, name)->show();
+    }
+    QApplication::processEvents();
+    for (std::size_t index = 0; index < panels.size(); ++index)
+        EXPECT_EQ(find<QWidget>(window, panels.at(index))->geometry(), places[index]) << panels.at(index);
+}
+
 TEST_F(Look, EveryWindowFitsASmallScreen) {
     MainWindow window;
     window.show();
@@ -67,7 +131,7 @@ TEST_F(Look, EveryWindowFitsASmallScreen) {
     EXPECT_EQ(looked, 1 + menuWindows.size());
 }
 
-TEST_F(Look, PictureTakesTheSpaceThatIsLeft) {
+TEST_F(Look, PictureTakesTheHeightThatIsLeft) {
     MainWindow window;
     window.resize(1120, 640);
     window.show();
@@ -75,7 +139,7 @@ TEST_F(Look, PictureTakesTheSpaceThatIsLeft) {
     const QSize small = picture->size();
     window.resize(1270, 680);
     QApplication::processEvents();
-    EXPECT_EQ(picture->size(), small + QSize(150, 40));
+    EXPECT_EQ(picture->size(), small + QSize(75, 40));
 }
 
 TEST_F(Look, PictureKeepsItsPlaceWhenEmpty) {

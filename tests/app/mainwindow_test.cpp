@@ -85,11 +85,20 @@ const std::vector<LayoutRow> layouts = {
     {"frame_path", "verticalLayout_5", true, {"label_apppath", "label_firewarepath", "label_modelpath"}},
 };
 
+/// Headings, marks and hints beside the widgets.
+bool isCaption(const QString& name) {
+    return name.startsWith("heading_") || name.startsWith("mark_") || name.endsWith("_nopath");
+}
+
+/// In the order of the layout; a row in a column counts as its widgets.
 QStringList namesIn(const QLayout& layout) {
     QStringList names;
     for (int index = 0; index < layout.count(); ++index) {
-        if (const QWidget* const widget = layout.itemAt(index)->widget())
-            names.append(widget->objectName());
+        QLayoutItem* const item = layout.itemAt(index);
+        if (item->layout() != nullptr)
+            names.append(namesIn(*item->layout()));
+        else if (item->widget() != nullptr && !isCaption(item->widget()->objectName()))
+            names.append(item->widget()->objectName());
     }
     return names;
 }
@@ -269,7 +278,7 @@ TEST_F(MainWindowAtStart, HasALampThatTheUserCannotSwitch) {
     EXPECT_TRUE(lamp->testAttribute(Qt::WA_TransparentForMouseEvents));
 }
 
-TEST_F(MainWindowAtStart, GivesThePictureTheSpaceThatIsLeft) {
+TEST_F(MainWindowAtStart, GivesThePictureTheHeightThatIsLeft) {
     MainWindow window;
     window.resize(1000, 620);
     window.show();
@@ -277,7 +286,7 @@ TEST_F(MainWindowAtStart, GivesThePictureTheSpaceThatIsLeft) {
     const QSize before = picture->size();
     window.resize(1200, 700);
     QTest::qWait(20);
-    EXPECT_EQ(picture->width() - before.width(), 200);
+    EXPECT_EQ(picture->width() - before.width(), 100); // the half above its panels
     EXPECT_EQ(picture->height() - before.height(), 80);
     // A picture larger than its area does not push anything aside.
     const QSize now = picture->size();
@@ -305,8 +314,8 @@ TEST_F(MainWindowAtStart, KeepsThePictureAsHighWhenPathsAppear) {
 TEST_F(MainWindowAtStart, FitsASmallScreen) {
     const MainWindow window;
     const QSize least = window.minimumSizeHint();
-    EXPECT_LE(least.width(), 1280);
-    EXPECT_LE(least.height(), 680);
+    EXPECT_LE(least.width(), 728);
+    EXPECT_LE(least.height(), 520);
 }
 
 TEST_F(MainWindowAtStart, NamesControlsForScreenReaders) {

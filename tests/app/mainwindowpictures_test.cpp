@@ -1,5 +1,6 @@
 // Pictures from the main window: button, menu, closing during a capture.
 #include "app/mainwindow.h"
+#include "pictures/imgdialog.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
 #include "tests/support/debuglog.h"
@@ -77,6 +78,42 @@ TEST_F(MainWindowPictures, DisablesItsControlsDuringACapture) {
     EXPECT_FALSE(picture()->pixmap().isNull());
     EXPECT_EQ(picture()->pixmap().height(), picture()->height());
     EXPECT_TRUE(button("btn_gyro")->isEnabled());
+}
+
+TEST_F(MainWindowPictures, ShowsAndOpensThePictureItself) {
+    window->show();
+    button("btn_open")->click();
+    const protocol::Bytes data = jpeg(400, 300, Qt::red);
+    willTake(static_cast<std::uint32_t>(data.size()));
+    camera.willSend(0x09, 0, data);
+    button("btn_takepic")->click();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return button("btn_takepic")->isEnabled(); }, 5000));
+    const QString caption = picture()->accessibleDescription();
+    EXPECT_TRUE(caption.startsWith("图片 5，")) << caption.toStdString();
+    EXPECT_TRUE(caption.contains("400 × 300")) << caption.toStdString();
+    ASSERT_TRUE(QFile::remove("5.jpg")); // it is kept
+    QTest::mouseDClick(picture(), Qt::LeftButton);
+    const auto* const viewer = window->findChild<ImgDialog*>();
+    ASSERT_NE(viewer, nullptr);
+    EXPECT_TRUE(viewer->isVisible());
+    EXPECT_FALSE(viewer->findChild<QLabel*>()->pixmap().isNull());
+}
+
+TEST_F(MainWindowPictures, MarksThePictureOfAnEarlierLink) {
+    window->show();
+    button("btn_open")->click();
+    const protocol::Bytes data = jpeg(40, 30, Qt::red);
+    willTake(static_cast<std::uint32_t>(data.size()));
+    camera.willSend(0x09, 0, data);
+    button("btn_takepic")->click();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return button("btn_takepic")->isEnabled(); }, 5000));
+    button("btn_open")->click();
+    EXPECT_TRUE(picture()->accessibleDescription().startsWith("图片 5，"));
+    button("btn_open")->click();
+    EXPECT_TRUE(picture()->accessibleDescription().startsWith("上一台摄像头：图片 5，"));
+    button("btn_takepic")->click();
+    EXPECT_EQ(picture()->accessibleDescription(), "");
+    button("btn_open")->click();
 }
 
 TEST_F(MainWindowPictures, GiveTheFocusBackAfterACapture) {

@@ -78,6 +78,12 @@ TEST_F(CameraProtocol, HasItsSizeTitleAndTexts) {
     EXPECT_EQ(text(*dialog, "rb_dx_dt"), "动销-动态");
 }
 
+TEST_F(CameraProtocol, TellsAddressAndRateOfEachType) {
+    open(1, 0);
+    EXPECT_EQ(find<QWidget>(*dialog, "rb_dvl")->toolTip(), "常用地址 EE，波特率 460800");
+    EXPECT_EQ(find<QWidget>(*dialog, "rb_quenta")->toolTip(), "常用地址 3，波特率 230400");
+}
+
 TEST_F(CameraProtocol, HostsTheHexadecimalFieldInItsPlaceholder) {
     open(1, 0);
     ASSERT_NE(field(), nullptr);

@@ -46,7 +46,7 @@ const Form serialNumberForm{"SetSN",
                              "horizontalLayout", "verticalLayout_3", "verticalLayout_2", "horizontalLayout_2",
                              "horizontalLayout_3", "line"},
                             {"et_setsn2"},
-                            {"btn_setsn", "btn_gensn", "btn_getsn"}};
+                            {"btn_gensn", "btn_setsn", "btn_getsn"}};
 
 const Form heaterForm{"SetPwmHeat",
                       "加热丝占空比设置窗口",
@@ -96,8 +96,8 @@ const Form captureForm{"CaptureDegree",
                         "horizontalLayout_5", "frame_6", "horizontalLayout_6", "frame_3",
                         "horizontalLayout_3"},
                        {"frame_3"},
-                       {"et_set1_0", "et_set1_1", "btn_set1", "rb_closewise", "rb_anticlosewise", "btn_set2",
-                        "cb_open", "btn_set3", "btn_get1", "btn_get2", "btn_get3"}};
+                       {"et_set1_0", "et_set1_1", "btn_set1", "btn_get1", "rb_closewise", "rb_anticlosewise",
+                        "btn_set2", "btn_get2", "cb_open", "btn_set3", "btn_get3"}};
 
 const Form locationForm{"SetCameraLocation",
                         "摄像头安装位置窗口",
@@ -117,7 +117,7 @@ const Form locationForm{"SetCameraLocation",
                          "frame_4", "horizontalLayout_4", "frame_5", "horizontalLayout_5", "frame_6",
                          "horizontalLayout_6", "frame_3", "horizontalLayout_3"},
                         {"btn_1", "btn_2", "btn_3", "btn_4"},
-                        {}};
+                        {"btn_refresh"}};
 
 QString textOfAny(const QWidget* widget) {
     return widget->property("text").toString();

@@ -1,4 +1,5 @@
 // The window that shows how the camera is mounted.
+#include "dialogs/horizon.h"
 #include "dialogs/setcameralocation.h"
 #include "tests/dialogs/recordeddialogtest.h"
 
@@ -84,6 +85,33 @@ TEST_F(SetCameraLocationTest, NeverRunsItsTimerAndConnectsNoButton) {
     ASSERT_NE(timerOf(window), nullptr);
     EXPECT_FALSE(timerOf(window)->isActive());
     EXPECT_EQ(timerOf(window)->interval(), 1000);
+}
+
+TEST_F(SetCameraLocationTest, ReadsAgainByTheRefreshButton) {
+    m_camera.hold(16, {{1, 0, 0, 0}, {2, 0, 0, 0}, {3, 0, 0, 0}, {4, 0, 0, 0}});
+    const QWidget* const window = open<SetCameraLocation>();
+    settle();
+    press(window, "btn_refresh");
+    settle();
+    EXPECT_EQ(requests(), std::vector<std::string>(8, readOrientation));
+    EXPECT_EQ(textOf(window, "label_4"), "当前加速度:4");
+}
+
+TEST_F(SetCameraLocationTest, DrawsAnglesOfAtMostATurn) {
+    m_camera.hold(16, {{45, 0, 0, 0}, {0xF6, 0xFF, 0xFF, 0xFF}, {90, 0, 0, 0}, {0, 0, 0, 9}});
+    auto* const drawing = part<Horizon>(open<SetCameraLocation>(), "view_horizon");
+    settle();
+    ASSERT_TRUE(drawing->attitude().has_value());
+    EXPECT_EQ(drawing->attitude()->pitch, 45);
+    EXPECT_EQ(drawing->attitude()->roll, -10);
+    EXPECT_EQ(drawing->attitude()->yaw, 90);
+}
+
+TEST_F(SetCameraLocationTest, DrawsNothingOfOtherNumbers) {
+    m_camera.hold(16, {{45, 0, 0, 0}, {0x69, 1, 0, 0}, {90, 0, 0, 0}, {0, 0, 0, 0}}); // 361
+    auto* const drawing = part<Horizon>(open<SetCameraLocation>(), "view_horizon");
+    settle();
+    EXPECT_FALSE(drawing->attitude().has_value());
 }
 
 TEST_F(SetCameraLocationTest, TenAtOnceReadTheirOwnQuantities) {

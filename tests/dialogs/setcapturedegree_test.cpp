@@ -101,6 +101,24 @@ TEST_F(SetCaptureDegreeTest, ShowsEveryFailedRead) {
     EXPECT_EQ(DebugLog::plainLines(), Lines{"std::vector() std::vector() std::vector() std::vector()"});
 }
 
+TEST_F(SetCaptureDegreeTest, GreysValuesThatWereNotRead) {
+    const QWidget* const window = openAndWait();
+    const auto isGrey = [window](const char* name) {
+        return part<QWidget>(window, name)->property("outdated").toBool();
+    };
+    EXPECT_FALSE(isGrey("rb_closewise") || isGrey("rb_anticlosewise") || isGrey("cb_open"));
+    m_camera.fallSilent();
+    press(window, "btn_get2");
+    press(window, "btn_get3");
+    settle();
+    EXPECT_TRUE(isGrey("rb_closewise") && isGrey("rb_anticlosewise") && isGrey("cb_open"));
+    EXPECT_FALSE(part<QWidget>(window, "cb_open")->toolTip().isEmpty());
+    press(window, "cb_open"); // a choice of the user
+    press(window, "rb_anticlosewise");
+    EXPECT_FALSE(isGrey("rb_closewise") || isGrey("rb_anticlosewise") || isGrey("cb_open"));
+    EXPECT_TRUE(part<QWidget>(window, "cb_open")->toolTip().isEmpty());
+}
+
 TEST_F(SetCaptureDegreeTest, FailsShortAnswersAndIgnoresExtraBytes) {
     m_camera.hold(10, {{30}, {255, 0, 7, 7}});
     const QWidget* const window = openAndWait();

@@ -2,12 +2,14 @@
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
+#include "linkaccess/signs.h"
 #include "tests/dialogs/recordeddialogtest.h"
 #include "tests/support/stdoutcapture.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 
 namespace {
@@ -146,6 +148,31 @@ TEST_P(SettingWriteTest, LocksControlsCountsDownAndReadsBack) {
     EXPECT_FALSE(timerOf(window)->isActive());
     EXPECT_EQ(requests(), (std::vector<std::string>{kind().writeRequest, kind().readRequest}));
     EXPECT_EQ(textOf(window, kind().readLabel), kind().readBack);
+}
+
+TEST_P(SettingWriteTest, ShowsASignAndWhatIsLeftOfTheCountdown) {
+    QWidget* const window = openWindow();
+    const auto* const mark = part<SignMark>(window, "mark_outcome");
+    const auto* const bar = part<QProgressBar>(window, "bar_countdown");
+    EXPECT_EQ(mark->sign(), Sign::none);
+    EXPECT_FALSE(bar->isVisible());
+    press(window, kind().setButton);
+    EXPECT_EQ(mark->sign(), Sign::waiting);
+    EXPECT_TRUE(bar->isVisible());
+    countDownToZero(window);
+    EXPECT_EQ(bar->value(), 1);
+    EXPECT_EQ(bar->maximum(), kind().seconds);
+    tick(window);
+    EXPECT_EQ(mark->sign(), Sign::success);
+    EXPECT_FALSE(bar->isVisible());
+}
+
+TEST_P(SettingWriteTest, ShowsTheSignOfAFailure) {
+    fake_serial::throwOn("write");
+    QWidget* const window = openWindow();
+    press(window, kind().setButton);
+    EXPECT_EQ(part<SignMark>(window, "mark_outcome")->sign(), Sign::failure);
+    EXPECT_FALSE(part<QProgressBar>(window, "bar_countdown")->isVisible());
 }
 
 TEST_P(SettingWriteTest, StartsTheNextCountdownFromItsFirstSecondAgain) {

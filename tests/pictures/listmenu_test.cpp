@@ -10,7 +10,17 @@ namespace {
 using scripted::bytes;
 using scripted::jpeg;
 
-class PictureListMenu : public PictureListTest {};
+class PictureListMenu : public PictureListTest {
+protected:
+    /// Presses a key of the list with this row chosen.
+    void pressOn(int row, Qt::Key key) const {
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+        list()->setFocus();
+        list()->setCurrentIndex(model()->index(row, 0));
+        QTest::keyClick(list(), key);
+    }
+};
 
 INSTANTIATE_TEST_SUITE_P(Generations, PictureListMenu, testing::Values(origin, v1),
                          [](const auto& each) { return std::string(each.param.name); });
@@ -41,6 +51,52 @@ TEST_P(PictureListMenu, DeletesTheChosenPictureAndItsRow) {
     EXPECT_EQ(model()->pictureId(1) & 0xFFU, 7U);
     EXPECT_TRUE(DebugLog::hasStart(
         generation.deletion == 0x08 ? "dele?: 1   pid 5" : "dele?: 1   pid 258  date: 20240131  gid: 7"));
+}
+
+TEST_P(PictureListMenu, DeleteKeyAsksBeforeItDeletes) {
+    fill({record(9), bytes(generation.record)});
+    pressOn(1, Qt::Key_Delete);
+    ASSERT_NE(box(), nullptr);
+    EXPECT_EQ(box()->windowTitle(), "删除图片");
+    EXPECT_EQ(box()->defaultButton(), box()->button(QMessageBox::No));
+    EXPECT_TRUE(newRequests().empty());
+    camera.willSay(generation.deletion, 0);
+    box()->button(QMessageBox::Yes)->click();
+    EXPECT_EQ(newRequests(), std::vector{generation.deleteFrame});
+    EXPECT_EQ(model()->rowCount(), 1);
+}
+
+TEST_P(PictureListMenu, DeleteKeyKeepsThePictureAfterNo) {
+    fill({record(9)});
+    pressOn(0, Qt::Key_Delete);
+    ASSERT_NE(box(), nullptr);
+    box()->button(QMessageBox::No)->click();
+    EXPECT_TRUE(newRequests().empty());
+    EXPECT_EQ(model()->rowCount(), 1);
+}
+
+TEST_P(PictureListMenu, EnterAndDoubleClickView) {
+    const protocol::Bytes picture = jpeg(30, 20, Qt::red);
+    fill({scripted::record(generation.record, generation.sizeAt, bytes(generation.record)[0],
+                           static_cast<std::uint32_t>(picture.size()))});
+    camera.willSend(generation.download, 0, picture);
+    pressOn(0, Qt::Key_Return);
+    ASSERT_NE(viewer(), nullptr);
+    EXPECT_EQ(newRequests().size(), 1U);
+    camera.willSend(generation.download, 0, picture);
+    const QPoint row = list()->visualRect(model()->index(0, 0)).center();
+    QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, row);
+    QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, row);
+    EXPECT_EQ(newRequests().size(), 2U);
+}
+
+TEST_P(PictureListMenu, KeysDoNothingWithoutAChosenPicture) {
+    fill({record(9)});
+    pressOn(-1, Qt::Key_Delete);
+    pressOn(-1, Qt::Key_Return);
+    EXPECT_EQ(box(), nullptr);
+    EXPECT_EQ(viewer(), nullptr);
+    EXPECT_TRUE(newRequests().empty());
 }
 
 TEST_P(PictureListMenu, KeepsTheRowOfAPictureThatIsNotDeleted) {

@@ -36,6 +36,15 @@ TEST_P(PictureListTest, RefreshListsTheCatalogueInItsOrder) {
     EXPECT_EQ(model()->pictureId(0) & 0xFFU, 1U);
 }
 
+TEST_P(PictureListTest, CountsPicturesAndTheirBytes) {
+    const auto* const summary = window->findChild<QWidget*>("summary");
+    EXPECT_EQ(summary->accessibleName(), "共 0 张，0 字节");
+    fill({record(9, 20), record(5, 300)});
+    EXPECT_EQ(summary->accessibleName(), "共 2 张，320 字节");
+    model()->removeRow(0);
+    EXPECT_EQ(summary->accessibleName(), "共 1 张，300 字节");
+}
+
 TEST_P(PictureListTest, EmptiesTheListOnAFailedRefresh) {
     fill({record(9), record(5)});
     button("btn_refresh")->click();

@@ -47,6 +47,17 @@ TEST_P(EveryUpload, LocksTheExchangesUntilItsBox) {
     EXPECT_EQ(record().count(GetParam().code), GetParam().secondProtocol ? 5U : 1U);
 }
 
+TEST_P(EveryUpload, ForgetsTheHeartbeatTest) {
+    open();
+    click(*window, "btn_heartbeat");
+    const auto* const lamp = find<QWidget>(*window, "rb_heartbeat");
+    ASSERT_TRUE(lamp->toolTip().contains("有应答"));
+    start(GetParam());
+    EXPECT_EQ(lamp->toolTip(), "还没有测试心跳");
+    EXPECT_EQ(outcome(), "升级已完成，结果:true");
+    EXPECT_EQ(lamp->toolTip(), "还没有测试心跳");
+}
+
 TEST_P(EveryUpload, GivesTheFocusBackToItsButton) {
     window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));

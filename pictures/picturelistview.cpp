@@ -1,0 +1,28 @@
+#include "pictures/picturelistview.h"
+
+#include <QPainter>
+
+void PictureListView::paintEvent(QPaintEvent* event) {
+    QListView::paintEvent(event);
+    if (model() == nullptr || model()->rowCount() > 0)
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect(), Qt::AlignCenter, tr("按“刷新列表”读取"));
+}
+
+void PictureListSummary::setText(const QString& text) {
+    setAccessibleName(text);
+    updateGeometry();
+    update();
+}
+
+QSize PictureListSummary::sizeHint() const {
+    return {fontMetrics().horizontalAdvance(text()), fontMetrics().height()};
+}
+
+void PictureListSummary::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter, text());
+}

@@ -1,0 +1,31 @@
+// The rows of a picture list and the line below them.
+#pragma once
+
+#include <QCoreApplication>
+#include <QListView>
+
+/// Says what to do while it is empty. It stays of Qt's class for screen readers.
+class PictureListView final : public QListView {
+    Q_DECLARE_TR_FUNCTIONS(PictureListView)
+
+public:
+    using QListView::QListView;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+/// A line of text beside the header's labels, which are the only labels of the window.
+class PictureListSummary final : public QWidget {
+public:
+    using QWidget::QWidget;
+
+    /// Also the accessible name.
+    void setText(const QString& text);
+    [[nodiscard]] QString text() const { return accessibleName(); }
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
