@@ -2,6 +2,7 @@
 
 #include "aids/camerafinderwindow.h"
 #include "aids/checkupwindow.h"
+#include "aids/linewatch.h"
 #include "link/protocol/exchangetable.h"
 #include "link/protocol/frame.h"
 #include "pictures/picturelistwindow.h"
@@ -32,7 +33,7 @@ namespace simulation {
 namespace {
 
 constexpr world::Time longestClosing = 1200ms;
-/// One exchange of somebody else, and what the window itself does.
+/// What the window itself does, and short exchanges of others.
 constexpr world::Time othersTime = 2s;
 constexpr int endlessReads = 50;
 constexpr std::size_t allowedGrowth = 1'500'000; // bytes
@@ -112,7 +113,7 @@ Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources(
     });
     world::setReadObserver([this](const std::string& port) { m_protocolJudge.received(port); });
     world::onStandstill([this](world::Time duration) {
-        const world::Time limit = m_ownRequests + othersTime;
+        const world::Time limit = m_ownRequests + std::max(m_othersRequest, othersTime);
         require(duration <= limit,
                 "O3: the windows stood still for " + std::to_string(duration / 1ms) + " ms");
         m_ownRequests = 0s;
@@ -135,6 +136,7 @@ void Judge::require(bool holds, const std::string& complaint) {
 
 void Judge::watch(QWidget* mainWindow) {
     m_window = mainWindow;
+    m_lineWatch = mainWindow->findChild<LineWatch*>();
     auto* const bar = qobject_cast<QMainWindow*>(mainWindow)->statusBar();
     QObject::connect(bar, &QStatusBar::messageChanged, bar,
                      [this](const QString& text) { statusShown(text); });
@@ -146,6 +148,9 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
     const Disturbances& disturbed = m_workplace.disturbances();
     if (disturbed.adapter || disturbed.camera) // a fault of the camera may take the adapter away
         m_protocolJudge.forgiveBreaks();
+    // What the window gave to the client last; the status bar may have been held.
+    if (m_lineWatch != nullptr && m_lineWatch->log() != nullptr)
+        m_protocolJudge.setPictureOffset(port, m_lineWatch->log()->head.pictureOffset);
     const std::string wrong = m_protocolJudge.called(port, call, world::now());
     require(wrong.empty(), "O3: " + wrong);
     Exchange& exchange = m_exchanges[port];
@@ -165,8 +170,11 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
             limits.reads + (isUpload(exchange.code) ? protocol::rules::modelVerdictTries : 0);
         if (limits.reads < 0)
             exchange.mostReads = -1;
+        const world::Time longest = json ? limitsOf(code(Command::getProperty), false).time : limits.time;
         if (world::threadNumber() == 0) // JSON pictures are never read there
-            m_ownRequests += json ? limitsOf(code(Command::getProperty), false).time : limits.time;
+            m_ownRequests += longest;
+        else
+            m_othersRequest = longest;
     } else if (call.starts_with("read ")) {
         ++exchange.reads;
         // The window that views a picture waits for all of its bytes.
@@ -206,11 +214,25 @@ void Judge::linkClosed(world::Time duration) {
 }
 
 /// A download reads until all its bytes have come, which a good line and a camera that does not restart send
-/// after a picture command that it knows.
+/// after a picture command that it knows, of a picture that it has.
 void Judge::lostPatience() {
-    require(restartsByCommand() || !isCameraLinked() || m_pictureOffset ||
+    require(restartsByCommand() || !isCameraLinked() || m_pictureOffset || !hasWantedPicture() ||
                 !m_workplace.camera().record().uploads.empty() || m_workplace.disturbances().any(),
             "O3: a job never ends");
+}
+
+/// The last picture that was asked for is on the camera: another list window may have deleted it.
+bool Judge::hasWantedPicture() {
+    const auto& frames = m_workplace.camera().record().frames;
+    const auto last = std::find_if(frames.rbegin(), frames.rend(), [](const auto& frame) {
+        return frame.code == code(Command::originRead) || frame.code == code(Command::readV1);
+    });
+    if (last == frames.rend() || last->payload.empty())
+        return true;
+    const auto& pictures = m_workplace.camera().state().pictures;
+    return std::any_of(pictures.begin(), pictures.end(), [&last](const emulator::Picture& picture) {
+        return (picture.info.id & 0xFFU) == last->payload.front();
+    });
 }
 
 bool Judge::restartsByCommand() {
@@ -342,6 +364,7 @@ void Judge::checkQuiet() {
 
 void Judge::checkEnd() {
     m_window = nullptr;
+    m_lineWatch = nullptr;
     require(world::openPorts() == 0, "O4: a port is open after the end");
     require(world::threadCount() == 1, "O8: " + std::to_string(world::threadCount()) + " threads are left");
     const Resources after = resources();

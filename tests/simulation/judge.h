@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+class LineWatch;
 class QWidget;
 
 namespace simulation {
@@ -74,6 +75,7 @@ private:
     void checkFiles();
     void checkSavedFiles();
     void checkPicture(const QString& path, std::optional<unsigned int> id);
+    [[nodiscard]] bool hasWantedPicture();
     [[nodiscard]] bool restartsByCommand();
     [[nodiscard]] bool isCameraLinked() const;
     [[nodiscard]] std::size_t heard(std::uint8_t code, bool json = false);
@@ -81,11 +83,13 @@ private:
 
     Workplace& m_workplace;
     QWidget* m_window = nullptr;
+    const LineWatch* m_lineWatch = nullptr; ///< of the window
     std::vector<std::string> m_complaints;
     std::map<std::string, Exchange> m_exchanges; ///< by port: a search has several
     ProtocolJudge m_protocolJudge;
     bool m_silent = false;
-    world::Time m_ownRequests{0}; ///< what the first thread's requests of this standstill may take
+    world::Time m_ownRequests{0};   ///< what the first thread's requests of this standstill may take
+    world::Time m_othersRequest{0}; ///< what the last request of another thread may take
     std::map<QString, std::size_t> m_heardBefore;
     QString m_statusText;
     std::map<QString, bool> m_done; ///< by name of a command: how the status bar told its last end

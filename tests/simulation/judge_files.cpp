@@ -97,6 +97,9 @@ void Judge::checkPicture(const QString& path, std::optional<unsigned int> id) {
     const Disturbances& disturbed = m_workplace.disturbances();
     if (disturbed.toTool || disturbed.late || disturbed.camera)
         return;
+    // A capture whose picture is not known in time goes on with what it has; V1 writes whatever comes.
+    if (id == 0U && m_workplace.camera().settings().type == emulator::CameraType::salesDynamic)
+        return;
     const QByteArray bytes = contentOf(path);
     const auto& pictures = m_workplace.pictures();
     const bool whole = std::any_of(pictures.begin(), pictures.end(), [&](const TakenPicture& picture) {

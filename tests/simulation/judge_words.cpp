@@ -35,15 +35,6 @@ std::optional<Told> outcomeIn(const QString& text) {
     return Told{match.captured(1), match.captured(2).startsWith(QStringLiteral("完成"))};
 }
 
-/// Of "图片命令附加值：12".
-std::optional<std::uint8_t> pictureOffsetIn(const QString& text) {
-    static const QRegularExpression entered(QStringLiteral("图片命令附加值(?:：|恢复为 )(\\d+)$"));
-    const auto match = entered.match(text);
-    if (!match.hasMatch())
-        return std::nullopt;
-    return static_cast<std::uint8_t>(match.captured(1).toUInt());
-}
-
 } // namespace
 
 void Judge::statusShown(const QString& text) {
@@ -56,9 +47,6 @@ void Judge::statusShown(const QString& text) {
     if (text.startsWith(QStringLiteral("图片命令附加值：")) ||
         text.contains(QStringLiteral("  图片命令附加值：")))
         m_pictureOffset = true;
-    if (const auto offset = pictureOffsetIn(text))
-        m_protocolJudge.setPictureOffset(
-            guitest::text(*m_window, "label_link").section(QChar(u'，'), 0, 0).toStdString(), *offset);
     if (text.startsWith(QStringLiteral("正在升级")) || text == QStringLiteral("请先打开串口"))
         m_resultDue = true;
     if (const auto told = outcomeIn(text)) {

@@ -17,6 +17,7 @@ namespace simulation {
 namespace {
 
 constexpr auto pauseOfCaptureV1 = 500ms;
+constexpr int mostVerdictTries = 30;
 constexpr std::uint8_t appAnnouncement = 0x1B;
 constexpr std::uint8_t systemAnnouncement = 0x0B;
 constexpr std::uint8_t modelAnnouncement = 0xCB;
@@ -172,8 +173,10 @@ std::string ProtocolJudge::read(Line& line, std::uint32_t size, std::chrono::nan
     });
     const bool tooSoon = line.request == "C6" && line.reads == 0 && now < line.written + pauseOfCaptureV1;
     ++line.reads;
-    const bool tooMany = std::none_of(line.rows.begin(), line.rows.end(), [&line](const auto* row) {
-        return row->reading == "blocks" || line.reads <= row->tries;
+    // A file of which nothing is missing is announced and then confirmed.
+    const int verdictTries = line.image != 0 ? mostVerdictTries : 0;
+    const bool tooMany = std::none_of(line.rows.begin(), line.rows.end(), [&](const auto* row) {
+        return row->reading == "blocks" || line.reads <= row->tries + verdictTries;
     });
     if (line.rows.empty() || tooMany || tooSoon)
         return "the answer of command " + line.request + " is not read as documented";

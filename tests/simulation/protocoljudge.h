@@ -34,7 +34,7 @@ public:
                                      std::chrono::nanoseconds now);
     /// The last read brought bytes.
     void received(const std::string& port);
-    /// The next picture commands of this port have another code. 0: none is entered.
+    /// Added to the codes of this port's picture commands of the first generation.
     void setPictureOffset(const std::string& port, std::uint8_t offset);
     /// Exchanges may break off: an adapter was pulled, or a stop was asked for.
     void forgiveBreaks() { m_forgiven = true; }
