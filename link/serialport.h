@@ -7,6 +7,7 @@
 #include <serial/serial.h>
 
 #include <atomic>
+#include <optional>
 #include <string>
 
 /// Owns the library's port object. One call at a time, which the turn on the line ensures: the library does
@@ -57,5 +58,5 @@ private:
     const Clock& m_clock;
     LineObservers m_observers;
     std::atomic<bool> m_failed{false};
-    serial::Serial m_serial;
+    std::optional<serial::Serial> m_serial; ///< empty only inside the constructor
 };
