@@ -25,6 +25,7 @@ SerialPort::SerialPort(const std::string& name, std::uint32_t baudRate, std::uin
         opening.undo(failure, clock.now() - began);
         throw;
     }
+    m_descriptor = opening.descriptor();
 }
 
 void SerialPort::setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) {

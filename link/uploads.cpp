@@ -182,6 +182,8 @@ FailureLog logOfPhase(const char* const& failureText) {
 /// Announcement to verdict. Sets `failureText` to the line of the current phase.
 bool transfer(CameraLine& line, const UploadKind& kind, Upload& upload, const std::string& name,
               const char*& failureText) {
+    if (kind.flushesChunks)
+        line.beginLowLatency();
     line.setTimeouts(*kind.rule.timeoutMs, *kind.rule.timeoutMs);
     const UploadDigest digest = upload.digest();
     diagnostics::line(kind.digestTag, digest.text);

@@ -1,4 +1,4 @@
-// Opening and closing by the real serial library: descriptors, modem lines. Two functions of the
+// Opening and closing by the real serial library: descriptors, low latency, modem lines. Two functions of the
 // system stand in for the driver of a pseudo-terminal.
 #include "emulator/line/ptyfront.h"
 #include "link/camerasp.h"
@@ -175,6 +175,7 @@ protected:
 };
 
 using OpeningFailure = RealOpening;
+using LowLatencyOfALink = RealOpening;
 using ModemLines = RealOpening;
 
 TEST_F(OpeningFailure, LeavesNoDescriptorOpen) {
@@ -200,6 +201,49 @@ TEST_F(OpeningFailure, LeavesAnEarlierLinkOpen) {
     driver.refusesConfiguration = true;
     EXPECT_THROW(CameraSp(port(), 460800), serial::IOException);
     EXPECT_EQ(openDescriptors(), before + 1);
+}
+
+TEST_F(LowLatencyOfALink, LastsFromAFlushingUploadToTheEnd) {
+    driver.flags = otherFlag;
+    const auto before = openDescriptors();
+    {
+        CameraSp camera(port(), 460800, clock);
+        EXPECT_EQ(driver.flags, otherFlag);
+        upload(camera);
+        EXPECT_EQ(driver.flags, otherFlag | lowLatencyFlag);
+        EXPECT_EQ(driver.settings, 1);
+        EXPECT_EQ(openDescriptors(), before + 1) << "the library's alone";
+    }
+    EXPECT_EQ(driver.flags, otherFlag);
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(LowLatencyOfALink, StaysAsAnotherProgramSetIt) {
+    driver.flags = lowLatencyFlag;
+    uploadOnce();
+    EXPECT_EQ(driver.flags, lowLatencyFlag);
+    EXPECT_EQ(driver.settings, 0);
+}
+
+TEST_F(LowLatencyOfALink, IsNotSetWithoutSettings) {
+    uploadOnce();
+    EXPECT_EQ(driver.settings, 0);
+    EXPECT_FALSE(saysFailure());
+}
+
+TEST_F(LowLatencyOfALink, IsNotTakenBackWhenRefused) {
+    driver.flags = 0;
+    driver.settingError = EPERM;
+    uploadOnce();
+    EXPECT_EQ(driver.settings, 1);
+    EXPECT_FALSE(saysFailure());
+}
+
+TEST_F(LowLatencyOfALink, IsNotTakenBackWhenIgnored) {
+    driver.flags = 0;
+    driver.ignoresFlags = true;
+    uploadOnce();
+    EXPECT_EQ(driver.settings, 1);
 }
 
 TEST_F(ModemLines, AreNotSetByOpeningOrClosing) {
