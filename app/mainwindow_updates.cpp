@@ -224,8 +224,9 @@ void MainWindow::awaitReturn(const ReturnWait& wait) {
         return alive;
     };
     runOnPool(QString(), this, probe, [this, button = wait.button](bool alive) {
-        const QString outcome =
-            alive ? uploadOutcome(true) : tr("文件已发送，但摄像头没有恢复应答，请检查供电后测试心跳");
+        const bool sent = m_uploadReport.end != CommandEnd::writtenShort;
+        const QString outcome = alive || !sent ? uploadOutcome(sent)
+                                               : tr("文件已发送，但摄像头没有恢复应答，请检查供电后测试心跳");
         showUploadResult(button, outcome, tr("升级已完成，结果:") + boolText(alive));
     });
 }

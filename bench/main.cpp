@@ -92,8 +92,10 @@ void measureClient(bench::Results& results, const Options& options) {
         bench::measureDownloads(results, options.sizes);
     if (options.exchanges > 0)
         bench::measureExchanges(results, options.exchanges, options.rule);
-    if (options.sizes.file > 0)
+    if (options.sizes.file > 0) {
         bench::measureUploads(results, options.sizes);
+        bench::measureAdapter(results, options.sizes);
+    }
     if (options.largest > 0)
         bench::measureUploadGrowth(results, options.largest);
 }

@@ -1,5 +1,6 @@
 #include "bench/transfers.h"
 
+#include "bench/adapter.h"
 #include "bench/farend.h"
 #include "bench/measure.h"
 #include "bench/plaincopy.h"
@@ -16,6 +17,7 @@
 #include <array>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <stdexcept>
 
 namespace bench {
@@ -139,8 +141,14 @@ struct Upload {
     double memory = 0; ///< bytes of growth at the most
 };
 
-Upload uploadByClient(const UploadWay& way, const std::string& path, std::uint32_t size, std::uint32_t pace) {
+enum class Adapter { none, withoutLowLatency, withLowLatency };
+
+Upload uploadByClient(const UploadWay& way, const std::string& path, std::uint32_t size, std::uint32_t pace,
+                      Adapter adapter = Adapter::none) {
     FarEnd farEnd(CameraType::ostra, pace);
+    std::optional<AdapterModel> model;
+    if (adapter != Adapter::none)
+        model.emplace(farEnd.portName(), pace, adapter == Adapter::withLowLatency);
     CameraSp client(farEnd.portName(), baudRate);
     (client.*way.setPath)(path);
     const PeakMemory memory;
@@ -303,6 +311,23 @@ void measureUploads(Results& results, const TransferSizes& sizes) {
     measureProtocol(results, protocols[0], path, sizes.file, sizes.pace, slow);
     for (const Protocol& protocol : protocols)
         measureProtocol(results, protocol, path, sizes.file, sizes.fastPace, fast);
+}
+
+void measureAdapter(Results& results, const TransferSizes& sizes) {
+    const std::uint32_t size = sizes.file / 4;
+    const std::string path = std::filesystem::absolute("image.bin").string();
+    writeRandomFile(path, size);
+    results.section("System image of " + std::to_string(size) + " bytes behind a modelled USB adapter");
+    const double lineSeconds = size / static_cast<double>(sizes.pace);
+    const auto measure = [&](Adapter adapter, const char* words, const std::optional<Goal>& goal) {
+        const Upload upload = uploadByClient(systemWay, path, size, sizes.pace, adapter);
+        results.add(
+            {std::string(words) + ": rate, of the line", lineSeconds / upload.arrivals.seconds, "x", goal});
+    };
+    measure(Adapter::withoutLowLatency, "report each 16 ms", {});
+    measure(Adapter::withLowLatency, "low latency, report each ms", Goal{Goal::Kind::atLeast, 0.9});
+    results.remark("At " + std::to_string(sizes.pace) +
+                   " bytes/s. Each flush waits for the report that follows the last byte.");
 }
 
 } // namespace bench

@@ -18,6 +18,9 @@ struct TransferSizes {
 void measureDownloads(Results& results, const TransferSizes& sizes);
 /// In the working directory, which must be an empty one of its own.
 void measureUploads(Results& results, const TransferSizes& sizes);
+/// A system image of a quarter of the file's size behind a modelled USB adapter, whose driver knows low
+/// latency or not. In the working directory, as above.
+void measureAdapter(Results& results, const TransferSizes& sizes);
 /// Uploads of 64 KiB, four times that and so on up to `largest` bytes, as fast as the line goes: what a unit
 /// costs as the files grow. In the working directory, as above.
 void measureUploadGrowth(Results& results, std::uint32_t largest);

@@ -227,6 +227,8 @@ constexpr auto texts = std::to_array<language::Text>({
     {"文件达到或超过 2 GiB，无法升级，请选择其他文件", "the file has 2 GiB or more"},
     {"摄像头要求从文件末尾之后继续，请检查文件是否正确", "the camera asks for bytes behind the file's end; check the file"},
     {"文件已发送，但摄像头没有确认，请稍后测试心跳并重新升级", "sent, but the camera did not confirm; test the heartbeat and upload again"},
+    {"串口没有发完全部数据，请检查转接器和接线，稍后重新升级",
+     "the port did not send all data; check adapter and wiring, then upload again"},
     {"文件已发送，但摄像头校验没有通过，请重新升级", "sent, but the camera calls the image bad; upload again"},
     {"摄像头里还没有这个文件，该类型摄像头只能确认已有的文件", "the camera does not hold this image; this type only confirms images that it holds"},
     {"线路正忙（正在%1），请稍后再试", "the line is busy (%1); try again later"},

@@ -28,6 +28,7 @@ ExitCode exitCodeOf(CommandEnd end) {
     case CommandEnd::offsetBeyondFile:
     case CommandEnd::noVerdict:
     case CommandEnd::verdictBad:
+    case CommandEnd::writtenShort:
     case CommandEnd::dataNotSupported:
         break;
     }

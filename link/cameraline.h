@@ -62,6 +62,7 @@ public:
                     const protocol::AnswerForm& form);
     void setTimeouts(std::uint32_t readMs, std::uint32_t writeMs) { port().setTimeouts(readMs, writeMs); }
     void flush() { port().flush(); }
+    void beginLowLatency() { port().beginLowLatency(); }
     std::size_t write(protocol::ByteView bytes) { return port().write(bytes); }
     /// End of the current command; exchange() sets it.
     void setEnd(CommandEnd end) { m_end = end; }

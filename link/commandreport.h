@@ -27,6 +27,7 @@ enum class CommandEnd : std::uint8_t {
     offsetBeyondFile, ///< resume offset behind the end of the file
     noVerdict,        ///< all sent, no verdict
     verdictBad,       ///< all sent, bad verdict
+    writtenShort,     ///< the port did not take all bytes in time, and no good verdict came
     dataNotSupported, ///< second protocol: the camera asks for data packets, which are not sent
 };
 

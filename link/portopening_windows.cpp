@@ -41,17 +41,18 @@ DWORD answerToOpening(const std::string& name) {
 
 } // namespace
 
-const std::string& checkedPortName(const std::string& name) {
-    return name;
+PortOpening::PortOpening(const std::string& name) : m_name(name) {}
+
+int PortOpening::descriptor() const {
+    return -1;
 }
 
 /// The library's exception has no error number, and the number in its text is unrelated. Therefore the system
 /// is asked once more, unless the first attempt took long: the second would take as long.
-void throwReasonOfOpening(const std::string& name, const serial::IOException& failure,
-                          std::chrono::nanoseconds taken) {
+void PortOpening::undo(const serial::IOException& failure, std::chrono::nanoseconds taken) const {
     if (taken > slowOpening ||
         std::string_view(failure.what()).find("error opening") == std::string_view::npos)
         return;
-    if (const int errorNumber = errorNumberOf(answerToOpening(name)); errorNumber != 0)
+    if (const int errorNumber = errorNumberOf(answerToOpening(m_name)); errorNumber != 0)
         throw serial::IOException(__FILE__, __LINE__, errorNumber);
 }

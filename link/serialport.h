@@ -2,11 +2,13 @@
 #pragma once
 
 #include "link/lineobservers.h"
+#include "link/lowlatency.h"
 #include "link/protocol/bytes.h"
 
 #include <serial/serial.h>
 
 #include <atomic>
+#include <optional>
 #include <string>
 
 /// Owns the library's port object. One call at a time, which the turn on the line ensures: the library does
@@ -27,6 +29,8 @@ public:
     void discardInput();
     /// Waits until all written bytes are sent. Received bytes stay.
     void flush();
+    /// Shortens flushes behind some adapters until the port closes. The next answer may come 250 ms late.
+    void beginLowLatency() { m_lowLatency.begin(m_descriptor); }
     /// Returns the number of bytes written.
     std::size_t write(protocol::ByteView bytes);
     /// Appends up to `count` bytes. Returns their number after all came or the read timeout expired.
@@ -57,5 +61,7 @@ private:
     const Clock& m_clock;
     LineObservers m_observers;
     std::atomic<bool> m_failed{false};
-    serial::Serial m_serial;
+    std::optional<serial::Serial> m_serial; ///< empty only inside the constructor
+    int m_descriptor = -1;                  ///< the library's; -1: unknown
+    LowLatency m_lowLatency;                ///< ends before the port closes
 };

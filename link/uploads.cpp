@@ -125,24 +125,28 @@ std::optional<std::int32_t> announce(CameraLine& line, const UploadKind& kind, B
 }
 
 /// Sends raw slices of the file, neither framed nor acknowledged. A short write is logged but not repeated:
-/// the camera finds the gap by the digest and asks for the rest at the next upload.
-void sendChunks(CameraLine& line, const UploadKind& kind, ByteView file, std::size_t offset) {
+/// the camera finds the gap by the digest and asks for the rest at the next upload. False after such a write.
+bool sendChunks(CameraLine& line, const UploadKind& kind, ByteView file, std::size_t offset) {
     TransferProgress& progress = line.progress;
     // At most to the end of the file, at any resume offset.
     progress.startOffset = std::min(offset, file.size());
     progress.done = progress.startOffset.load();
     progress.phase = TransferProgress::Phase::sending;
+    bool complete = true;
     while (offset < file.size()) {
         const ByteView chunk = file.range(offset, offset + rawChunkSize);
         if (kind.flushesChunks)
             line.flush();
         const std::size_t written = line.write(chunk);
         line.pause(pauseBetweenChunks);
-        if (written != chunk.size())
+        if (written != chunk.size()) {
+            complete = false;
             diagnostics::line(kind.shortWriteTag, written, kind.shortWriteTargetTag, chunk.size());
+        }
         offset += chunk.size();
         progress.done = offset;
     }
+    return complete;
 }
 
 bool isGoodVerdict(const UploadKind& kind, ByteView answer) {
@@ -182,6 +186,8 @@ FailureLog logOfPhase(const char* const& failureText) {
 /// Announcement to verdict. Sets `failureText` to the line of the current phase.
 bool transfer(CameraLine& line, const UploadKind& kind, Upload& upload, const std::string& name,
               const char*& failureText) {
+    if (kind.flushesChunks)
+        line.beginLowLatency();
     line.setTimeouts(*kind.rule.timeoutMs, *kind.rule.timeoutMs);
     const UploadDigest digest = upload.digest();
     diagnostics::line(kind.digestTag, digest.text);
@@ -197,8 +203,11 @@ bool transfer(CameraLine& line, const UploadKind& kind, Upload& upload, const st
     bool success = false;
     // An offset of 2 GiB or more reads as negative.
     if (*offset >= 0) {
-        sendChunks(line, kind, upload.content(), static_cast<std::size_t>(*offset));
+        const bool complete = sendChunks(line, kind, upload.content(), static_cast<std::size_t>(*offset));
         success = awaitVerdict(line, kind);
+        const bool confirmed = success && kind.verdictTries > 0;
+        if (!complete && !confirmed && line.end() != CommandEnd::stopped)
+            line.setEnd(CommandEnd::writtenShort);
     }
     if (beyondFile)
         line.setEnd(CommandEnd::offsetBeyondFile);

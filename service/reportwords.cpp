@@ -48,6 +48,8 @@ const char* words(CommandEnd end) {
         return "文件已发送，但摄像头没有确认，请稍后测试心跳并重新升级";
     case CommandEnd::verdictBad:
         return "文件已发送，但摄像头校验没有通过，请重新升级";
+    case CommandEnd::writtenShort:
+        return "串口没有发完全部数据，请检查转接器和接线，稍后重新升级";
     case CommandEnd::dataNotSupported:
         return "摄像头里还没有这个文件，该类型摄像头只能确认已有的文件";
     }

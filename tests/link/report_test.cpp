@@ -238,6 +238,32 @@ TEST_F(UploadReport, ReportsABadOrMissingVerdict) {
     EXPECT_EQ(endOf(app), CommandEnd::noVerdict);
 }
 
+TEST_F(UploadReport, ReportsAShortWriteOfASystemImage) {
+    fake_serial::willWriteOnly(30);
+    fake_serial::willWriteOnly(2);
+    answer(firewareFromZero);
+    EXPECT_EQ(endOf(system), CommandEnd::writtenShort);
+}
+
+TEST_F(UploadReport, ReportsAShortWriteInFrontOfABadVerdict) {
+    for (const bool bad : {true, false}) {
+        fake_serial::willWriteOnly(30);
+        fake_serial::willWriteOnly(2);
+        answer(appFromZero);
+        if (bad)
+            answer(appBad);
+        EXPECT_EQ(endOf(app), CommandEnd::writtenShort);
+    }
+}
+
+TEST_F(UploadReport, TrustsAGoodVerdictAfterAShortWrite) {
+    fake_serial::willWriteOnly(30);
+    fake_serial::willWriteOnly(2);
+    answer(appFromZero);
+    answer(appGood);
+    EXPECT_EQ(endOf(app), CommandEnd::done);
+}
+
 TEST_F(UploadReport, ReportsUnreadableFiles) {
     camera.setAppFilePath("nothing.bin");
     EXPECT_EQ(endOf([](CameraSp& c) { EXPECT_THROW(c.appUpdate(), const char*); }), CommandEnd::fileMissing);

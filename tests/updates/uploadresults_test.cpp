@@ -125,6 +125,26 @@ TEST_F(UploadResults, AreShownForAnApplicationImage) {
     EXPECT_TRUE(record().uploads[1].digestRight);
 }
 
+/// The camera answers heartbeats again after the image that it did not get whole.
+TEST_F(UploadResults, TellAShortWriteOfASystemImage) {
+    realPauses();
+    camera.withCamera([](VirtualCamera& each) { each.settings().uploadSilence = 2500ms; });
+    open();
+    fault("stall=50,3500@systemUpdate");
+    start(systemUpload, 60000);
+    EXPECT_EQ(outcome(), "升级已完成，结果:true");
+    EXPECT_EQ(statusText(*window), "升级没有成功：串口没有发完全部数据，请检查转接器和接线，稍后重新升级");
+}
+
+TEST_F(UploadResults, TellAShortWriteWithoutReturn) {
+    open();
+    fault("stall=50,3500@systemUpdate");
+    fault("silent@heartbeat");
+    start(systemUpload, 60000);
+    EXPECT_EQ(outcome(), "升级已完成，结果:false");
+    EXPECT_EQ(statusText(*window), "升级没有成功：串口没有发完全部数据，请检查转接器和接线，稍后重新升级");
+}
+
 TEST_F(UploadResults, AreShownForASecondProtocolApplication) {
     open();
     start(appUploadV1, 1300, false);

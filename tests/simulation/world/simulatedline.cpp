@@ -8,8 +8,7 @@ namespace world {
 
 namespace {
 
-constexpr std::size_t queueSize = 4096; // of a terminal
-constexpr std::size_t pieceSize = 64;   // arrives whole on a line with a rate
+constexpr std::size_t pieceSize = 64; // arrives whole on a line with a rate
 
 } // namespace
 
@@ -124,10 +123,17 @@ std::size_t SimulatedLine::queued() const {
     return bytes;
 }
 
+bool SimulatedLine::queueTakes() const {
+    const bool waits = m_wasFull || !m_queue.onceFull;
+    return queued() < (waits ? m_queue.takesBelow : m_queue.size);
+}
+
 std::size_t SimulatedLine::send(ByteView bytes) {
     advance();
-    const std::size_t free = queueSize - std::min(queueSize, queued());
-    const std::size_t count = std::min(free, bytes.size());
+    if (!queueTakes())
+        return 0;
+    const std::size_t count = std::min(m_queue.size - queued(), bytes.size());
+    m_wasFull = queued() + count == m_queue.size;
     put(m_toCamera, m_toCameraFree, bytes.range(0, count).toBytes(), now());
     advance();
     return count;
@@ -135,7 +141,7 @@ std::size_t SimulatedLine::send(ByteView bytes) {
 
 std::optional<Time> SimulatedLine::roomAt() {
     advance();
-    return queued() < queueSize || m_toCamera.empty() ? std::nullopt : nextEvent();
+    return queueTakes() || m_toCamera.empty() ? std::nullopt : nextEvent();
 }
 
 std::optional<Time> SimulatedLine::emptyAt() {

@@ -15,6 +15,14 @@ namespace world {
 using protocol::Bytes;
 using protocol::ByteView;
 
+/// How a system queues the bytes of a writer.
+struct WriteQueue {
+    std::size_t size = 4096; ///< bytes
+    /// The writer waits until fewer bytes are queued: always, or once the queue is full.
+    std::size_t takesBelow = size;
+    bool onceFull = false;
+};
+
 /// Carries bytes at a rate, each at its virtual time. One thread of the world at a time.
 class SimulatedLine {
 public:
@@ -27,6 +35,7 @@ public:
 
     /// Bytes per second in each direction; 0: no limit.
     void setPace(std::uint32_t bytesPerSecond);
+    void setQueue(const WriteQueue& queue) { m_queue = queue; }
     /// Damage and delays between the camera and the paced line.
     [[nodiscard]] emulator::LineModel& model() { return m_model; }
 
@@ -68,12 +77,15 @@ private:
     [[nodiscard]] Time toWorld(emulator::Time time) const { return m_start + time; }
     [[nodiscard]] emulator::Time toCamera(Time time) const;
     [[nodiscard]] std::size_t queued() const;
+    [[nodiscard]] bool queueTakes() const;
 
     emulator::VirtualCamera m_camera;
     emulator::LineModel m_model{m_camera};
     const Time m_start = now();
     Time m_byteTime{0};
     bool m_present = true;
+    WriteQueue m_queue;
+    bool m_wasFull = false;
     Way m_toCamera;
     Way m_toTool;
     Time m_toCameraFree{0};
