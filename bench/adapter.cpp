@@ -14,7 +14,7 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using SteadyClock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds usualReport{16};
 constexpr std::chrono::milliseconds lowLatencyReport{1};
@@ -24,16 +24,16 @@ struct Adapter {
     std::chrono::nanoseconds byteTime;
     bool knowsLowLatency;
     int flags = 0;
-    Clock::time_point firstReport = Clock::now();
-    Clock::time_point sentAt = firstReport; ///< all bytes
+    SteadyClock::time_point firstReport = SteadyClock::now();
+    SteadyClock::time_point sentAt = firstReport; ///< all bytes
 
     void take(std::size_t bytes) {
-        sentAt = std::max(sentAt, Clock::now()) + byteTime * static_cast<std::int64_t>(bytes);
+        sentAt = std::max(sentAt, SteadyClock::now()) + byteTime * static_cast<std::int64_t>(bytes);
     }
     /// Bytes may be sent long before: their report has come then.
-    [[nodiscard]] Clock::time_point reportedAt() const {
+    [[nodiscard]] SteadyClock::time_point reportedAt() const {
         const auto period = (flags & int{ASYNC_LOW_LATENCY}) != 0 ? lowLatencyReport : usualReport;
-        const auto reports = (sentAt - firstReport + period - Clock::duration(1)) / period;
+        const auto reports = (sentAt - firstReport + period - SteadyClock::duration(1)) / period;
         return firstReport + period * reports;
     }
 };
