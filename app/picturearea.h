@@ -34,7 +34,7 @@ public:
     void forget() { setTaken({}); }
     /// Greys the picture of a camera that is no longer in use.
     void setOfPreviousCamera(bool previous);
-    /// What the picture is; empty without one.
+    /// Id, time and size of the picture; empty without one.
     [[nodiscard]] QString caption() const;
 
 protected:

@@ -45,6 +45,12 @@ protected:
         camera.willList(0x07, {scripted::record(scripted::originRecord, 7, 5, size)});
     }
 
+    void takePicture(const protocol::Bytes& data) {
+        willTake(static_cast<std::uint32_t>(data.size()));
+        camera.willSend(0x09, 0, data);
+        button("btn_takepic")->click();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return button("btn_takepic")->isEnabled(); }, 5000));
+    }
     [[nodiscard]] bool downloadHasStarted() const {
         return QTest::qWaitFor([] { return DebugLog::hasStart("pic start"); }, 5000);
     }
@@ -83,11 +89,7 @@ TEST_F(MainWindowPictures, DisablesItsControlsDuringACapture) {
 TEST_F(MainWindowPictures, ShowsAndOpensThePictureItself) {
     window->show();
     button("btn_open")->click();
-    const protocol::Bytes data = jpeg(400, 300, Qt::red);
-    willTake(static_cast<std::uint32_t>(data.size()));
-    camera.willSend(0x09, 0, data);
-    button("btn_takepic")->click();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return button("btn_takepic")->isEnabled(); }, 5000));
+    takePicture(jpeg(400, 300, Qt::red));
     const QString caption = picture()->accessibleDescription();
     EXPECT_TRUE(caption.startsWith("图片 5，")) << caption.toStdString();
     EXPECT_TRUE(caption.contains("400 × 300")) << caption.toStdString();
@@ -102,11 +104,7 @@ TEST_F(MainWindowPictures, ShowsAndOpensThePictureItself) {
 TEST_F(MainWindowPictures, MarksThePictureOfAnEarlierLink) {
     window->show();
     button("btn_open")->click();
-    const protocol::Bytes data = jpeg(40, 30, Qt::red);
-    willTake(static_cast<std::uint32_t>(data.size()));
-    camera.willSend(0x09, 0, data);
-    button("btn_takepic")->click();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return button("btn_takepic")->isEnabled(); }, 5000));
+    takePicture(jpeg(40, 30, Qt::red));
     button("btn_open")->click();
     EXPECT_TRUE(picture()->accessibleDescription().startsWith("图片 5，"));
     button("btn_open")->click();

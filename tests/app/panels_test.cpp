@@ -37,7 +37,7 @@ TakenPicture pictureOf(const QImage& image) {
     return {33, QByteArray(2048, 'x'), image, QDateTime(QDate(2024, 1, 31), QTime(14, 5, 32))};
 }
 
-/// What the area shows on a screen of this device pixel ratio.
+/// The area as painted on a screen of this device pixel ratio.
 QImage painted(PictureArea& area, double ratio) {
     QImage image(area.size() * ratio, QImage::Format_RGB32);
     image.setDevicePixelRatio(ratio);

@@ -257,7 +257,7 @@ fault affects it. The first read completes the answer to an image announcement; 
 )" + columnTable();
 }
 
-/// What tests/updates/slowline_test.cpp finds.
+/// Findings of tests/updates/slowline_test.cpp.
 constexpr const char* slowLines = R"(
 ## Slow lines
 

@@ -55,7 +55,7 @@ void countEnding(Survival& survival, Ending ending, Signal signal) {
     survival.fails += ending == Ending::fails || ending == Ending::endless ? 1U : 0U;
 }
 
-/// What the mark says after the last command of the run.
+/// The mark after the last command of the run.
 void countMark(Survival& survival, const Command& command, TestFront& front,
                const service::RecentExchanges& recent) {
     const emulator::LineDamageCounts none;
@@ -125,7 +125,7 @@ std::string head(unsigned runs) {
     return text + "\n";
 }
 
-/// What the protocol checks of a command.
+/// The kind of check that the protocol has for a command.
 enum class Kind : std::uint8_t { digest, framed, unframed, noVerdict, count };
 
 Kind checkOf(const Command& command) {

@@ -33,7 +33,7 @@ namespace simulation {
 namespace {
 
 constexpr world::Time longestClosing = 1200ms;
-/// What the window itself does, and short exchanges of others.
+/// Work of the window itself, and short exchanges of others.
 constexpr world::Time othersTime = 2s;
 constexpr int endlessReads = 50;
 constexpr std::size_t allowedGrowth = 1'500'000; // bytes
@@ -148,7 +148,7 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
     const Disturbances& disturbed = m_workplace.disturbances();
     if (disturbed.adapter || disturbed.camera) // a fault of the camera may take the adapter away
         m_protocolJudge.forgiveBreaks();
-    // What the window gave to the client last; the status bar may have been held.
+    // The window gave this offset to the client last; the status bar may have been held then.
     if (m_lineWatch != nullptr && m_lineWatch->log() != nullptr)
         m_protocolJudge.setPictureOffset(port, m_lineWatch->log()->head.pictureOffset);
     const std::string wrong = m_protocolJudge.called(port, call, world::now());

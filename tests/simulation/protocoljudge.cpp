@@ -132,11 +132,9 @@ void ProtocolJudge::setPictureOffset(const std::string& port, std::uint8_t offse
 
 std::string ProtocolJudge::wrote(Line& line, const Bytes& head, std::chrono::nanoseconds now) {
     const Preparation preparation = std::exchange(line.preparation, {});
-    if (!isFrame(head) && !isJson(head)) {
-        line.preparation = preparation;
-        const std::string complaint = wroteData(line);
-        line.preparation = {};
-        return complaint;
+    if (!isFrame(head) && !isJson(head)) { // data of an upload
+        const bool flushes = line.image == systemAnnouncement || line.image == modelAnnouncement;
+        return preparation.flushes == flushes ? std::string() : "data of an upload with a wrong flush";
     }
     const std::uint8_t code = isFrame(head) ? head[3] : std::uint8_t{0};
     line.request = isFrame(head) ? hexByte(code) : "none";
@@ -158,11 +156,6 @@ std::string ProtocolJudge::wrote(Line& line, const Bytes& head, std::chrono::nan
             line.rows.push_back(&row);
     }
     return line.rows.empty() ? "command " + line.request + " is not sent as documented" : std::string();
-}
-
-std::string ProtocolJudge::wroteData(const Line& line) {
-    const bool flushes = line.image == systemAnnouncement || line.image == modelAnnouncement;
-    return line.preparation.flushes == flushes ? std::string() : "data of an upload with a wrong flush";
 }
 
 std::string ProtocolJudge::read(Line& line, std::uint32_t size, std::chrono::nanoseconds now) {

@@ -60,7 +60,6 @@ private:
     };
 
     [[nodiscard]] std::string wrote(Line& line, const protocol::Bytes& head, std::chrono::nanoseconds now);
-    [[nodiscard]] static std::string wroteData(const Line& line);
     [[nodiscard]] static std::string read(Line& line, std::uint32_t size, std::chrono::nanoseconds now);
     [[nodiscard]] std::string ended(const Line& line) const;
 

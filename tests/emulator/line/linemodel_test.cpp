@@ -174,7 +174,7 @@ protected:
         m_asked = m_now;
         model.receive(hex(request), m_now);
     }
-    /// What comes until the line rests.
+    /// The bytes that come until the line rests.
     std::vector<Heard> listen() {
         std::vector<Heard> heard;
         while (const auto due = model.nextDue()) {
