@@ -1,6 +1,6 @@
 #include "aids/checkupwindow.h"
 
-#include "aids/printing.h"
+#include "late/late.h"
 #include "linkaccess/focuskeeper.h"
 #include "service/report.h"
 #include "service/reportwords.h"
@@ -57,7 +57,7 @@ CheckupWindow::CheckupWindow(LinkOwner& owner, service::Visit& visit, QWidget* p
     : QWidget(parent), ClientBorrower(this, client), m_owner(owner), m_visit(visit),
       m_ui(std::make_unique<Ui::CheckupWindow>()) {
     m_ui->setupUi(this);
-    m_ui->btn_print->setVisible(canPrint());
+    m_ui->btn_print->setVisible(late::canPrint());
     QHeaderView* const header = m_ui->table_lines->horizontalHeader();
     header->setSectionResizeMode(QHeaderView::Stretch);
     header->setSectionResizeMode(0, QHeaderView::ResizeToContents);
@@ -279,5 +279,6 @@ void CheckupWindow::askForFile(const QString& name, std::function<QString(const 
 }
 
 void CheckupWindow::print() {
-    printOnPaper(*m_shown, this);
+    late::printOnPaper(
+        this, [checkup = *m_shown](QPagedPaintDevice& printer) { service::printCheckups(checkup, printer); });
 }

@@ -1,19 +1,9 @@
 #include "app/application.h"
 
+#include "app/programicon.h"
+
 #include <QDebug>
-#include <QIcon>
 #include <QTimer>
-
-namespace {
-
-QIcon programIcon() {
-    QIcon icon;
-    for (const int size : {16, 24, 32, 48, 64, 128, 256})
-        icon.addFile(QStringLiteral(":/icons/%1x%1/apps/shelf-camera-tool.png").arg(size), QSize(size, size));
-    return icon;
-}
-
-} // namespace
 
 Application::Application(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
     setWindowIcon(programIcon());

@@ -4,6 +4,7 @@
 #include "aids/linewatch.h"
 #include "app/application.h"
 #include "app/keepawake.h"
+#include "app/panelstyle.h"
 #include "app/statusline.h"
 #include "app/system.h"
 #include "app/transferdisplay.h"
@@ -49,6 +50,7 @@ MainWindow::MainWindow(QWidget* parent, Clock& clock)
     : QMainWindow(parent), ClientBorrower(this, nullptr), m_clock(clock),
       m_ui(std::make_unique<Ui::MainWindow>()) {
     m_ui->setupUi(this);
+    applyPanelStyle(m_ui->centralwidget);
     levelControls();
     setWindowTitle(tr("摄像头测试-Tessaly v(%1)").arg(toolVersion));
     // A lamp, not a control; accessibility tools still read it.

@@ -11,6 +11,10 @@ constexpr int captionGap = 4;
 
 } // namespace
 
+PictureArea::PictureArea(QWidget* parent) : QLabel(parent) {
+    setForegroundRole(QPalette::PlaceholderText);
+}
+
 void PictureArea::setTaken(const TakenPicture& picture) {
     m_taken = picture;
     m_scaled = {};

@@ -26,7 +26,7 @@ class PictureArea final : public QLabel {
 public:
     using Viewer = std::function<void(const TakenPicture& picture)>;
 
-    using QLabel::QLabel;
+    explicit PictureArea(QWidget* parent = nullptr);
 
     void setViewer(Viewer viewer) { m_viewer = std::move(viewer); }
     void setTaken(const TakenPicture& picture);

@@ -1,6 +1,7 @@
 #include "dialogs/setsn.h"
 
 #include "dialogs/settingwrite.h"
+#include "late/late.h"
 #include "link/protocol/storetimes.h"
 #include "linkaccess/cameratext.h"
 #include "ui_setsn.h"
@@ -52,17 +53,6 @@ SetSN::~SetSN() {
     qDebug() << "snUi destroyed";
 }
 
-QString SetSN::adapterText(const QList<QNetworkInterface>& adapters) {
-    for (const QNetworkInterface& adapter : adapters) {
-        if (!adapter.isValid() || adapter.flags().testFlag(QNetworkInterface::IsLoopBack))
-            continue;
-        QString address = adapter.hardwareAddress();
-        if (!address.isEmpty())
-            return address;
-    }
-    return QStringLiteral("123456");
-}
-
 QString SetSN::serialNumberOf(const QString& seed) {
     const QByteArray digest = QCryptographicHash::hash(seed.toUtf8(), QCryptographicHash::Md5);
     return QString::fromLatin1(digest.toHex().mid(snFirstDigit, snDigits));
@@ -70,8 +60,7 @@ QString SetSN::serialNumberOf(const QString& seed) {
 
 void SetSN::generate() {
     // The random part keeps two numbers of one second apart.
-    const QString seed = adapterText(QNetworkInterface::allInterfaces()) +
-                         QString::number(QDateTime::currentSecsSinceEpoch()) +
+    const QString seed = late::adapterText() + QString::number(QDateTime::currentSecsSinceEpoch()) +
                          QString::number(QRandomGenerator64::global()->bounded(randomBound));
     m_ui->et_setsn->setText(serialNumberOf(seed));
 }

@@ -3,8 +3,6 @@
 
 #include "linkaccess/clientborrower.h"
 
-#include <QList>
-#include <QNetworkInterface>
 #include <QString>
 #include <QWidget>
 
@@ -24,8 +22,6 @@ public:
     explicit SetSN(QWidget* parent, CameraSp* client);
     ~SetSN() override;
 
-    /// The hardware address of the first real adapter, or a fixed text when there is none.
-    static QString adapterText(const QList<QNetworkInterface>& adapters);
     /// 16 lower-case hexadecimal digits.
     static QString serialNumberOf(const QString& seed);
 

@@ -1,5 +1,6 @@
 // Check-ups in the window, with a virtual camera.
 #include "aids/checkupwindow.h"
+#include "late/late.h"
 #include "service/readings.h"
 #include "tests/aids/findertest.h"
 #include "tests/support/camerawindow.h"
@@ -9,6 +10,7 @@
 
 #include <QCheckBox>
 #include <QClipboard>
+#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -254,6 +256,16 @@ TEST_F(CheckupTest, CopiesATable) {
 }
 
 // --- ends --------------------------------------------------------------------------------------------------
+
+TEST_F(CheckupTest, PrintingAsksForThePrinter) {
+    const CheckupWindow& checkup = openCheckup();
+    check(checkup);
+    click(checkup, "btn_print");
+    const auto* const dialog = checkup.findChild<QDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_STREQ(dialog->metaObject()->className(), late::canPrint() ? "QPrintDialog" : "");
+    EXPECT_TRUE(dialog->isVisible());
+}
 
 TEST_F(CheckupTest, StopEndsIt) {
     fault("delay=100");

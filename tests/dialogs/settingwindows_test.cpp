@@ -2,6 +2,8 @@
 #include "dialogs/setpicrate.h"
 #include "dialogs/setpwmheat.h"
 #include "dialogs/setsn.h"
+#include "late/adapters.h"
+#include "late/late.h"
 #include "tests/dialogs/recordeddialogtest.h"
 
 #include <QComboBox>
@@ -22,8 +24,8 @@ TEST_F(SetSNTest, TakesSixteenDigitsOutOfTheMiddleOfTheDigest) {
 }
 
 TEST_F(SetSNTest, SeedsWithAFixedTextWhenNoAdapterHasAnAddress) {
-    EXPECT_EQ(SetSN::adapterText({}), "123456");
-    EXPECT_EQ(SetSN::adapterText({QNetworkInterface()}), "123456");
+    EXPECT_EQ(late::textOf({}), "123456");
+    EXPECT_EQ(late::textOf({QNetworkInterface()}), "123456");
 }
 
 TEST_F(SetSNTest, SeedsWithTheFirstAdapterExceptLoopback) {
@@ -35,9 +37,10 @@ TEST_F(SetSNTest, SeedsWithTheFirstAdapterExceptLoopback) {
         else if (first.isEmpty())
             first = adapter.hardwareAddress();
     }
-    EXPECT_EQ(SetSN::adapterText(loopbacks), "123456");
-    EXPECT_EQ(SetSN::adapterText(loopbacks + QNetworkInterface::allInterfaces()),
-              first.isEmpty() ? QString("123456") : first);
+    const QString expected = first.isEmpty() ? QString("123456") : first;
+    EXPECT_EQ(late::textOf(loopbacks), "123456");
+    EXPECT_EQ(late::textOf(loopbacks + QNetworkInterface::allInterfaces()), expected);
+    EXPECT_EQ(late::adapterText(), expected);
 }
 
 TEST_F(SetSNTest, GeneratesAnotherNumberAtEveryPress) {

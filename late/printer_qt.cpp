@@ -1,18 +1,16 @@
-#include "aids/printing.h"
+#include "late/printer.h"
 
 #include <QPrintDialog>
 #include <QPrinter>
 
-#include <memory>
+namespace late {
 
-bool canPrint() {
-    return true;
-}
-
-void printOnPaper(const service::Checkup& checkup, QWidget* parent) {
+void askForPrinter(QWidget* parent, const Paint& paint) {
     auto* const dialog = new QPrintDialog(parent); // owns its printer
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(dialog, qOverload<QPrinter*>(&QPrintDialog::accepted), dialog,
-                     [checkup](QPrinter* printer) { service::printCheckups(checkup, *printer); });
+                     [paint](QPrinter* printer) { paint(*printer); });
     dialog->open();
 }
+
+} // namespace late
