@@ -64,6 +64,7 @@ private:
     void statusShown(const QString& text);
     void checkOutcome(const QString& name);
     void checkUploadSuccess();
+    void checkUploadFailure();
     void checkLamp();
     void checkLists();
     void checkDownloads(const QWidget& list);

@@ -92,6 +92,18 @@ void Judge::boxShown(const QString& text) {
     m_resultDue = false;
     if (text.endsWith(QStringLiteral("true")))
         checkUploadSuccess();
+    else
+        checkUploadFailure();
+}
+
+/// Nothing keeps a camera that is there from taking a file. The second protocol sends none.
+void Judge::checkUploadFailure() {
+    const emulator::CameraRecord& record = m_workplace.camera().record();
+    if (m_workplace.disturbances().any() || restartsByCommand() || !isCameraLinked() ||
+        record.uploads.empty() || record.appV1.announcements > 0)
+        return;
+    const emulator::UploadRecord& last = record.uploads.back();
+    require(last.complete && last.digestRight, "O1: an undisturbed upload does not arrive whole");
 }
 
 /// Compares the camera's image with the file. Left out are the cases that the protocol cannot detect: a
@@ -117,6 +129,11 @@ void Judge::checkUploadSuccess() {
     if (record.uploads.empty())
         return;
     const emulator::UploadRecord& last = record.uploads.back();
+    const bool returns = last.code != code(Command::modelAnnounce);
+    const bool returned = std::any_of(record.frames.begin(), record.frames.end(), [&last](const auto& frame) {
+        return frame.heard && frame.code == code(Command::heartbeat) && frame.at > last.answeredAt;
+    });
+    require(returned || !returns, "O6: success of an upload, but the camera has not come back");
     const bool noVerdict = last.code == code(Command::firewareAnnounce);
     if (noVerdict && (disturbed.toCamera || disturbed.adapter || disturbed.restarted))
         return;
