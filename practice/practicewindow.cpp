@@ -20,6 +20,8 @@ using protocol::CameraTypeInfo;
 namespace {
 
 constexpr std::chrono::milliseconds lookInterval{200};
+constexpr int narrow = 300; // pixels, beside a main window
+constexpr int wide = 400;
 const QString portName = QStringLiteral("练习摄像头");
 
 int freeRow() {
@@ -104,7 +106,6 @@ void PracticeWindow::start(int row) {
         emulator::MemoryPort{tr("虚拟摄像头").toStdString(), tr("不用接线").toStdString()});
     m_camera->followRate();
     m_earlier.clear();
-    m_present.clear();
     m_ui->pages->setCurrentWidget(m_ui->page_lesson);
     m_ui->btn_next->setEnabled(row < freeRow());
     if (const Lesson* const lesson = lessonOf(row)) {
@@ -117,7 +118,7 @@ void PracticeWindow::start(int row) {
         m_lookTimer.start();
     } else {
         m_ui->label_title->setText(tr("自由练习：%1").arg(m_ui->sel_type->currentText()));
-        showSteps(
+        showStep(
             {tr("1. 打开菜单“设置 → 摄像头设置”，选择“%1”，点击“确认”。").arg(m_ui->sel_type->currentText()),
              tr("2. 选择串口“%1”，点击“打开串口”。").arg(portName),
              tr("3. 心跳、拍照、设置、升级都可以试，不会弄坏什么。")});
@@ -142,12 +143,13 @@ void PracticeWindow::openTool() {
 
 void PracticeWindow::placeBesideTool() {
     const QRect room = screen()->availableGeometry();
-    const QRect toolFrame = m_tool->frameGeometry();
-    const int left =
-        std::max(room.left(), room.left() + (room.width() - toolFrame.width() - frameGeometry().width()) / 2);
-    m_tool->move(left, toolFrame.top());
-    const int rightmost = room.right() + 1 - frameGeometry().width();
-    move(std::min(left + toolFrame.width(), rightmost), toolFrame.top());
+    const int beside = room.width() - m_tool->frameGeometry().width();
+    resize(std::clamp(beside, narrow, wide), m_tool->height());
+    const int spare = std::max(0, beside - frameGeometry().width());
+    const int top = m_tool->frameGeometry().top();
+    m_tool->move(room.left() + spare / 2, top);
+    move(room.right() + 1 - frameGeometry().width() - (spare + 1) / 2, top);
+    m_tool->activateWindow();
 }
 
 bool PracticeWindow::closeTool() {
@@ -181,16 +183,12 @@ void PracticeWindow::look() {
         return;
     if (m_lesson->solved() && !solvedBefore)
         m_said.append(tr("这一课完成了。点击“下一课”继续。"));
-    showSteps(std::exchange(m_said, {}));
+    showStep(std::exchange(m_said, {}));
 }
 
-void PracticeWindow::showSteps(const QStringList& lines) {
-    if (!m_present.isEmpty())
-        m_earlier += m_present;
-    const QString earlierStyle =
-        QStringLiteral("color:%1").arg(palette().color(QPalette::PlaceholderText).name());
-    m_present = paragraph(lines, {});
-    m_ui->text_steps->setHtml(m_earlier + m_present);
-    m_ui->text_steps->verticalScrollBar()->setValue(m_ui->text_steps->verticalScrollBar()->maximum());
-    m_present = paragraph(lines, earlierStyle);
+void PracticeWindow::showStep(const QStringList& lines) {
+    m_ui->text_steps->setHtml(m_earlier + paragraph(lines, QStringLiteral("font-weight:bold")));
+    m_earlier += paragraph(lines, {});
+    QScrollBar* const bar = m_ui->text_steps->verticalScrollBar();
+    bar->setValue(bar->maximum());
 }

@@ -51,7 +51,8 @@ private:
     void endLesson();
     /// Lets the lesson look at the camera and shows what it says.
     void look();
-    void showSteps(const QStringList& lines);
+    /// Adds a step and marks it as the present one.
+    void showStep(const QStringList& lines);
 
     Clock& m_clock;
     std::unique_ptr<Ui::PracticeWindow> m_ui;
@@ -60,7 +61,6 @@ private:
     QPointer<MainWindow> m_tool;
     int m_row = 0;      ///< the last one started
     QStringList m_said; ///< by the lesson, since the last look
-    QString m_earlier;  ///< steps before the last one, as HTML
-    QString m_present;  ///< the last one
+    QString m_earlier;  ///< the shown steps as HTML
     QTimer m_lookTimer;
 };
