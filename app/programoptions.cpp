@@ -9,8 +9,11 @@ ProgramOptions::ProgramOptions(QString program, const QString& description, QLis
       m_version(QStringLiteral("version"), QStringLiteral("Print the version.")),
       m_help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Print this.")) {
     m_parser.setApplicationDescription(description);
-    m_parser.addOptions(m_own);
-    m_parser.addOptions({m_version, m_help});
+    m_parser.addOptions(all());
+}
+
+QList<QCommandLineOption> ProgramOptions::all() const {
+    return m_own + QList<QCommandLineOption>{m_version, m_help};
 }
 
 bool ProgramOptions::answersOnTerminal(int argumentCount, char* arguments[]) {
@@ -25,8 +28,8 @@ bool ProgramOptions::answersOnTerminal(int argumentCount, char* arguments[]) {
     return true;
 }
 
-QString ProgramOptions::complaint() {
-    const bool parsed = m_parser.parse(QCoreApplication::arguments());
+QString ProgramOptions::complaintOf(const QStringList& arguments) {
+    const bool parsed = m_parser.parse(arguments);
     if (const QStringList names = m_parser.unknownOptionNames(); !names.isEmpty())
         return QStringLiteral("unknown option \"%1\"; see --help").arg(names.first());
     if (const QStringList words = m_parser.positionalArguments(); !words.isEmpty())

@@ -11,8 +11,10 @@ public:
 
     /// Prints help or version and needs no display. False if neither is asked for.
     [[nodiscard]] bool answersOnTerminal(int argumentCount, char* arguments[]);
-    /// Reads the arguments of the running application. Empty, or why they cannot be used.
-    [[nodiscard]] QString complaint();
+    /// In the order of the help.
+    [[nodiscard]] QList<QCommandLineOption> all() const;
+    /// Reads the arguments, the program's name first. Empty, or why they cannot be used.
+    [[nodiscard]] QString complaintOf(const QStringList& arguments);
     /// Prints the sentence. Returns the exit code for a bad command line.
     [[nodiscard]] int refuse(const QString& sentence) const;
 

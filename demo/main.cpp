@@ -3,10 +3,10 @@
 #include "app/application.h"
 #include "app/consoleoutput.h"
 #include "app/portchoice.h"
-#include "app/programoptions.h"
 #include "demo/tour.h"
 
 #include <QComboBox>
+#include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
 #include <QPalette>
@@ -108,22 +108,38 @@ int takeTour(MainWindow& window, DemoCameras& cameras, const QString& folder) {
     }
 }
 
+/// The options; the parser knows nothing more.
 struct DemoOptions {
+    DemoOptions() {
+        parser.setApplicationDescription(QStringLiteral("The camera tool with virtual cameras attached."));
+        parser.addOptions({tour, picture, dark, cameraPort, toolPort, line, lineSeed, version, help});
+    }
+
     /// Empty, or why the arguments cannot be used.
-    [[nodiscard]] QString complaint() {
-        if (QString text = program.complaint(); !text.isEmpty())
-            return text;
-        if (program.isSet(tour) && program.isSet(picture))
+    [[nodiscard]] QString complaintOf(const QStringList& arguments) {
+        const bool parsed = parser.parse(arguments);
+        if (const QStringList names = parser.unknownOptionNames(); !names.isEmpty())
+            return QStringLiteral("unknown option \"%1\"; see --help").arg(names.first());
+        if (const QStringList words = parser.positionalArguments(); !words.isEmpty())
+            return QStringLiteral("unknown argument \"%1\"; see --help").arg(words.first());
+        for (const QCommandLineOption& option : {tour, picture, cameraPort, toolPort, line, lineSeed}) {
+            if (parser.isSet(option) && parser.value(option).isEmpty())
+                return QStringLiteral("--%1 needs a value: %2")
+                    .arg(option.names().first(), option.valueName());
+        }
+        if (!parsed)
+            return QStringLiteral("an option lacks its value, or takes none; see --help");
+        if (parser.isSet(tour) && parser.isSet(picture))
             return QStringLiteral("--tour and --picture exclude each other");
-        if (program.isSet(lineSeed) && !program.isSet(line))
+        if (parser.isSet(lineSeed) && !parser.isSet(line))
             return QStringLiteral("--line-seed belongs to --line");
-        if (program.isSet(tour) && program.isSet(line))
+        if (parser.isSet(tour) && parser.isSet(line))
             return QStringLiteral("--tour and --line exclude each other");
-        if (program.isSet(cameraPort) != program.isSet(toolPort))
+        if (parser.isSet(cameraPort) != parser.isSet(toolPort))
             return QStringLiteral(
                 "--camera-port and --tool-port belong together; give two ports that are joined: "
                 "--camera-port COM6 --tool-port COM5");
-        if (program.isSet(cameraPort) && program.value(cameraPort) == program.value(toolPort))
+        if (parser.isSet(cameraPort) && parser.value(cameraPort) == parser.value(toolPort))
             return QStringLiteral("--camera-port and --tool-port are two ports that are joined; name two");
         return {};
     }
@@ -152,49 +168,69 @@ struct DemoOptions {
         QStringLiteral("Open the link, save the window as FILE and exit; 0 if the camera answered."),
         QStringLiteral("FILE")};
     const QCommandLineOption dark{QStringLiteral("dark"), QStringLiteral("Show everything in a dark style.")};
-    ProgramOptions program{QStringLiteral("shelf-camera-demo"),
-                           QStringLiteral("The camera tool with virtual cameras attached."),
-                           {tour, picture, dark, cameraPort, toolPort, line, lineSeed}};
+    const QCommandLineOption version{QStringLiteral("version"), QStringLiteral("Print the version.")};
+    const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Print this.")};
+    QCommandLineParser parser;
 };
+
+/// Help and version, without a display. False when neither is asked for.
+bool answersOnTerminal(int argumentCount, char* arguments[]) {
+    const QCoreApplication application(argumentCount, arguments);
+    DemoOptions options;
+    options.parser.parse(QCoreApplication::arguments());
+    if (options.parser.isSet(options.help))
+        std::cout << options.parser.helpText().toStdString() << std::flush;
+    else if (options.parser.isSet(options.version))
+        std::cout << "shelf-camera-demo " CAMERA_TOOL_VERSION << std::endl;
+    else
+        return false;
+    return true;
+}
+
+int badCommandLine(const QString& sentence) {
+    std::cerr << "shelf-camera-demo: " << sentence.toStdString() << std::endl;
+    return 2;
+}
 
 } // namespace
 
 int main(int argumentCount, char* arguments[]) {
     const ConsoleOutput console;
-    DemoOptions options;
-    const ProgramOptions& program = options.program;
-    if (options.program.answersOnTerminal(argumentCount, arguments))
+    if (answersOnTerminal(argumentCount, arguments))
         return 0;
     const Application application(argumentCount, arguments);
-    if (const QString complaint = options.complaint(); !complaint.isEmpty())
-        return program.refuse(complaint);
-    if (program.isSet(options.dark))
+    DemoOptions options;
+    if (const QString complaint = options.complaintOf(Application::arguments()); !complaint.isEmpty())
+        return badCommandLine(complaint);
+    const QCommandLineParser& parser = options.parser;
+    if (parser.isSet(options.dark))
         darken();
 
     const std::shared_ptr<DemoCameras> cameras =
-        makeCameras(program.value(options.cameraPort), program.value(options.toolPort));
+        makeCameras(parser.value(options.cameraPort), parser.value(options.toolPort));
     if (!cameras)
         return 2;
-    if (program.isSet(options.line)) {
+    if (parser.isSet(options.line)) {
         const QString complaint =
-            setLine(*cameras, program.value(options.line), program.value(options.lineSeed));
+            setLine(*cameras, parser.value(options.line), parser.value(options.lineSeed));
         if (!complaint.isEmpty())
-            return program.refuse(complaint);
+            return badCommandLine(complaint);
     }
     MainWindow window;
     addPorts(window, cameras);
     window.show();
-    if (program.isSet(options.picture)) {
-        const QString file = QFileInfo(program.value(options.picture)).absoluteFilePath();
+    if (parser.isSet(options.picture)) {
+        const QString file = QFileInfo(parser.value(options.picture)).absoluteFilePath();
         QTimer::singleShot(500, &window, [&, file] { Application::exit(takePicture(window, file) ? 0 : 1); });
         return Application::exec();
     }
-    if (!program.isSet(options.tour))
+    if (!parser.isSet(options.tour))
         return Application::exec();
 
-    const QString folder = QDir(program.value(options.tour)).absolutePath();
+    const QString folder = QDir(parser.value(options.tour)).absolutePath();
     if (!QDir().mkpath(folder)) {
-        return program.refuse(
+        return badCommandLine(
             QStringLiteral("--tour: cannot make the folder %1; choose another").arg(folder));
     }
     // The dialogs of the desktop cannot be driven from here.

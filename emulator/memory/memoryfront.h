@@ -7,7 +7,8 @@
 
 namespace emulator {
 
-/// Owns camera and line; its port exists while it lives. Any thread. Needs no device, terminal or thread.
+/// Owns camera and line; its port exists while it lives. Any thread, but portName() not during vanish() and
+/// comeBack().
 class MemoryFront final : public ServedCamera {
 public:
     /// The port is not in the system's list and has a new name each time that it comes.
