@@ -107,7 +107,7 @@ endfunction()
 # which is deleted afterwards: downloads go into the working directory.
 #   GUI          main makes a QApplication on the offscreen platform; Qt6::Test and test_windows are linked
 #   APPLICATION  as GUI, with the product's own application object
-#   VIRTUAL_TIME waits take no time; unless fake_serial is linked, TestFront is a camera on a simulated line. Instead of
+#   VIRTUAL_TIME waits take no time; unless fake_serial is linked, TestFront is a camera on a line in memory. Instead of
 #                a linked library X, X_virtual is linked if there is one. No effect under the thread sanitizer
 #   REAL_TIME    another program runs these sources in virtual time; this one runs the tests that match the GoogleTest
 #                filter, as "RealTime.<name>". Left out under the address sanitizer: it sees the same calls in the other
@@ -164,8 +164,8 @@ function(camera_test name)
   endif()
 
   if(virtual_time)
-    if(NOT fake_serial IN_LIST arg_LINK)
-      list(PREPEND libraries simulated_line)
+    if(NOT fake_serial IN_LIST arg_LINK AND NOT camera_memory_line IN_LIST arg_LINK)
+      list(PREPEND libraries camera_memory_line)
     endif()
     list(PREPEND libraries virtual_time)
   endif()

@@ -88,11 +88,27 @@ take_styles() {
   done
 }
 
+# Both windows of the practice on one screen: name, lesson, scale.
+lessons=(
+  "practice 1 1"
+)
+
+take_lessons() {
+  local entry name lesson scale
+  for entry in "${lessons[@]}"; do
+    read -r name lesson scale <<<"$entry"
+    env -u QT_QPA_PLATFORM -u WAYLAND_DISPLAY QT_SCALE_FACTOR="$scale" xvfb-run --auto-servernum \
+      --server-args='-screen 0 1440x900x24' sh -c '"$1" --lesson "$2" >/dev/null 2>&1 & sleep 4
+        import -window root "$3" && convert "$3" -trim +repage "$3"; kill $!' \
+      take "$1" "$lesson" "$image_folder/$name.png" </dev/null
+  done
+}
+
 main() {
   use_utf8_locale
   local demo=${1:-}
   if [ -z "$demo" ]; then
-    ensure_packages "${build_packages[@]}" fonts-noto-cjk qt6-translations-l10n
+    ensure_packages "${build_packages[@]}" fonts-noto-cjk qt6-translations-l10n imagemagick
     configure_and_build release
     demo=$project_root/build/release/demo/shelf-camera-demo
   fi
@@ -101,6 +117,7 @@ main() {
   find "$image_folder" -name '*.png' ! -name 'windows-*' -delete
   copy_chosen
   take_styles "$(realpath "$demo")"
+  take_lessons "$(realpath "$(dirname "$demo")/../practice/shelf-camera-practice")"
   rm -rf "$tour_folder"
 }
 

@@ -32,6 +32,10 @@ bool heartbeatHeard(const LessonView& view) {
     return heard(view, Command::heartbeat) > 0;
 }
 
+bool versionHeard(const LessonView& view) {
+    return heard(view, Command::getProperty, code(PropertyId::appVersion)) > 0;
+}
+
 bool rebootHeard(const LessonView& view) {
     return heard(view, Command::reboot) > 0;
 }
@@ -51,15 +55,13 @@ void noFaults(VirtualCamera& camera) {
 
 Lesson healthyCamera() {
     return {"正常的摄像头",
+            "打开串口，测试心跳，读取版本，拍照。",
             "摄像头一切正常。先看清楚正常时是什么样子。\n"
             "1. 选择串口，波特率 460800，点击“打开串口”。\n"
             "2. 点击“心跳测试”，灯变绿。",
             nullptr,
             {{&heartbeatHeard, "做得好：摄像头有应答，灯是绿的。下一步：点击“获取版本号”。", nullptr},
-             {[](const LessonView& view) {
-                  return heard(view, Command::getProperty, code(PropertyId::appVersion)) > 0;
-              },
-              "做得好：摄像头报告了版本。下一步：点击“拍照”。", nullptr},
+             {&versionHeard, "做得好：摄像头报告了版本。下一步：点击“拍照”。", nullptr},
              {[](const LessonView& view) { return heard(view, Command::originRead) > 0; },
               "做得好：图片已经传给工具，显示在左上方。", nullptr}},
             {}};
@@ -67,6 +69,7 @@ Lesson healthyCamera() {
 
 Lesson wrongAddress() {
     return {"从机地址不对",
+            "看出地址不对，核对并修改从机地址。",
             "摄像头的铭牌上写着：从机地址 05。\n"
             "1. 打开串口，点击“心跳测试”：灯不亮。\n"
             "2. 打开菜单“设置 → 摄像头设置”，在“从机地址设置(十六进制)”里输入 05，点击“确认”。\n"
@@ -79,6 +82,7 @@ Lesson wrongAddress() {
 
 Lesson wrongBaudRate() {
     return {"波特率不对",
+            "看出波特率不对，换波特率再打开串口。",
             "摄像头的铭牌上写着：波特率 230400。\n"
             "1. 用波特率 460800 打开串口，点击“心跳测试”：灯不亮。\n"
             "2. 点击“关闭串口”，选择波特率 230400，点击“打开串口”。\n"
@@ -95,6 +99,7 @@ Lesson wrongBaudRate() {
 Lesson loosePlug() {
     return {
         "插头松动",
+        "看出线路的问题，插紧之后重新打开串口。",
         "转接器的插头松了，应答有时缺几个字节。\n"
         "1. 打开串口，连续点击“心跳测试”四次：灯有时亮，有时不亮。\n"
         "2. 时好时坏，多半是线路的问题，不是设置的问题。",
@@ -113,6 +118,7 @@ Lesson loosePlug() {
 
 Lesson badContact() {
     return {"松动的插头",
+            "看信号质量，核对读到的值。",
             "插头松了，但没有脱开：字节有时丢失，有时变样。\n"
             "1. 打开串口，点击“心跳测试”十次：灯有时亮，有时不亮。\n"
             "2. 状态栏显示“有干扰”，鼠标停在上面，看没有应答和损坏的次数。",
@@ -136,6 +142,7 @@ Lesson badContact() {
 
 Lesson refusingCamera() {
     return {"摄像头拒绝设置",
+            "分清线路的问题和摄像头的拒绝。",
             "摄像头有应答，但是拒绝一切设置。\n"
             "1. 打开串口，点击“心跳测试”：灯是绿的。\n"
             "2. 打开菜单“功能 → 查询与设置属性 → 加热丝占空比”，选择 "
@@ -152,6 +159,7 @@ Lesson refusingCamera() {
 
 Lesson slowBoot() {
     return {"启动很慢",
+            "重启之后耐心等待，不断电，不拔线。",
             "摄像头正常，但是启动很慢。\n"
             "1. 打开串口，点击菜单“功能 → 重启摄像头”，确认“是”。\n"
             "2. 点击“心跳测试”：灯不亮。不要断电，不要拔线，过几秒再试。",
@@ -166,6 +174,28 @@ Lesson slowBoot() {
             {{&calledWhileStarting, "摄像头还在启动，听不到命令。这不是故障，请等待。"}}};
 }
 
+Lesson upload() {
+    return {
+        "升级应用固件",
+        "升级应用固件，升级之后核对。",
+        "把一个文件作为应用固件发给摄像头。虚拟摄像头接受任何文件。\n"
+        "1. 打开串口，点击“获取版本号”，记下升级前的版本。\n"
+        "2. 点击“App固件路径”，选择一个不到 1 MB 的文件，点击“App固件升级”。\n"
+        "3. 等待结果。升级时不要断电，不要拔线。",
+        nullptr,
+        {{&versionHeard,
+          "做得好：升级前的版本要记下。下一步：点击“App固件路径”，选择文件，再点击“App固件升级”。", nullptr},
+         {[](const LessonView& view) {
+              const auto& uploads = view.record.uploads;
+              return std::any_of(uploads.begin(), uploads.end(),
+                                 [](const UploadRecord& each) { return each.digestRight; });
+          },
+          "文件完整到达，摄像头正在重启，约 3 秒。等到显示“升级已完成，结果:true”，再点击“获取版本号”。",
+          nullptr},
+         {&versionHeard, "做得好：升级完成，摄像头恢复了工作。", nullptr}},
+        {}};
+}
+
 void appendLines(std::vector<std::string>& lines, std::string_view text) {
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size());
@@ -178,7 +208,7 @@ void appendLines(std::vector<std::string>& lines, std::string_view text) {
 
 std::span<const Lesson> lessons() {
     static const std::array all = {healthyCamera(),  wrongAddress(), wrongBaudRate(), loosePlug(),
-                                   refusingCamera(), slowBoot(),     badContact()};
+                                   refusingCamera(), slowBoot(),     badContact(),    upload()};
     return all;
 }
 
@@ -196,6 +226,13 @@ std::string lessonListText() {
     return text + "开始一课：virtual-camera --lesson 1\n";
 }
 
+std::string knownLessons() {
+    std::string known;
+    for (std::size_t number = 1; number <= lessons().size(); ++number)
+        known += (known.empty() ? "" : ", ") + std::to_string(number);
+    return known;
+}
+
 VirtualCamera lessonCamera(const Lesson& lesson) {
     VirtualCamera camera(CameraType::ostra);
     if (lesson.setUp != nullptr)
@@ -209,7 +246,7 @@ LessonCoach::Remark LessonCoach::look(VirtualCamera& camera, Time now) {
         m_stepBegan = now;
         appendLines(remark.lines, m_lesson.introduction);
     }
-    if (solved())
+    if (solved() || camera.uploading()) // which writes into the record until it ends
         return remark;
     const LessonView view{camera.record(), now - *m_stepBegan};
     const LessonStep& step = m_lesson.steps[m_step];
@@ -230,8 +267,6 @@ LessonCoach::Remark LessonCoach::look(VirtualCamera& camera, Time now) {
     camera.clearRecord();
     m_stepBegan = now;
     ++m_step;
-    if (solved())
-        remark.lines.emplace_back("这一课完成了。按 Ctrl+C 结束。");
     return remark;
 }
 

@@ -33,6 +33,7 @@ struct LessonStep {
 
 struct Lesson {
     const char* title = nullptr;
+    const char* learns = nullptr;                   ///< what one can do afterwards
     const char* introduction = nullptr;             ///< symptoms and task
     void (*setUp)(VirtualCamera& camera) = nullptr; ///< may be null
     std::vector<LessonStep> steps;
@@ -43,6 +44,8 @@ struct Lesson {
 [[nodiscard]] std::span<const Lesson> lessons();
 /// The lesson with this number, counted from 1; nullptr for any other text.
 [[nodiscard]] const Lesson* findLesson(const std::string& number);
+/// "1, 2, ..."
+[[nodiscard]] std::string knownLessons();
 /// Numbers and titles.
 [[nodiscard]] std::string lessonListText();
 

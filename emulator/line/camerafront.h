@@ -4,12 +4,13 @@
 #include "emulator/camera/virtualcamera.h"
 #include "emulator/line/linefront.h"
 #include "emulator/line/linemodel.h"
+#include "emulator/line/servedcamera.h"
 
 namespace emulator {
 
 /// Owns the camera. Use withCamera from any thread. Event handlers run on the front's thread, or on the one
 /// inside withCamera, with the mutex held; they must not call the front.
-class CameraFront : public LineFront {
+class CameraFront : public LineFront, public ServedCamera {
 public:
     /// Calls the function with the camera and returns its result. Keep it short: the camera stands still
     /// meanwhile. Not to be nested.
@@ -18,8 +19,9 @@ public:
         return whileStopped(
             [this, &function]() -> decltype(auto) { return std::forward<Function>(function)(m_camera); });
     }
-    /// The line from now on; the same seed gives the same line.
-    void setTraits(const LineTraits& traits, std::uint64_t seed = 1) {
+    void useCamera(const std::function<void(VirtualCamera&)>& function) override { withCamera(function); }
+    [[nodiscard]] Time now() const override { return LineFront::now(); }
+    void setTraits(const LineTraits& traits, std::uint64_t seed = 1) override {
         whileStopped([&] { m_model.setTraits(traits, seed); });
     }
     /// Since setTraits.
@@ -34,7 +36,7 @@ protected:
     void reopened() {
         whileStopped([this] {
             m_model.clear();
-            m_camera.lineReopened(now());
+            m_camera.lineReopened(LineFront::now());
         });
     }
 

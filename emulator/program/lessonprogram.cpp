@@ -1,8 +1,8 @@
 // The mode --lesson of virtual-camera. It prints for the student, in Chinese.
+#include "emulator/lessons/lessonrun.h"
 #include "emulator/line/devicefront.h"
 #include "emulator/line/terminalcamera.h"
 #include "emulator/program/console.h"
-#include "emulator/program/lessonrun.h"
 #include "language/language.h"
 
 #include <iostream>
@@ -18,8 +18,11 @@ void say(const std::string& line) {
 int teach(LessonRun& run, CameraFront& front) {
     const bool stopped = waitWhile([&] {
         const bool present = front.lineOpen() || run.unplugged();
+        const bool solvedBefore = run.solved();
         if (present)
             run.look();
+        if (run.solved() && !solvedBefore)
+            say("这一课完成了。按 Ctrl+C 结束。");
         return present;
     });
     if (stopped)

@@ -47,11 +47,8 @@ CameraType typeIn(const std::string& text) {
 }
 
 std::string lessonIn(const std::string& text) {
-    std::string known;
-    for (std::size_t number = 1; number <= lessons().size(); ++number)
-        known += (known.empty() ? "" : ", ") + std::to_string(number);
     if (!text.empty() && findLesson(text) == nullptr)
-        throw OptionError(sentence("--lesson: there is no lesson \"%1\"; known: %2", {text, known}));
+        throw OptionError(sentence("--lesson: there is no lesson \"%1\"; known: %2", {text, knownLessons()}));
     return text;
 }
 

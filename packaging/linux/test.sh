@@ -148,7 +148,8 @@ run_command_line() {
   [ "$(head -c 5 "$root/home/$user/report.pdf")" = %PDF- ] || fail "no report"
   zcat "$root/usr/share/man/man1/shelf-camera.1.gz" | grep --quiet '^\.TH SHELF\\-CAMERA 1 ' || fail "no manual page"
   local file
-  for file in doc/shelf-camera-tool/user-guide.zh-CN.html metainfo/shelf-camera-tool.metainfo.xml; do
+  for file in doc/shelf-camera-tool/user-guide.zh-CN.html metainfo/shelf-camera-tool.metainfo.xml \
+    applications/shelf-camera-practice.desktop; do
     [ -s "$root/usr/share/$file" ] || fail "no $file"
   done
   [ -s "$root/usr/lib/udev/rules.d/60-shelf-camera-tool.rules" ] || fail "no rule for adapters"

@@ -62,6 +62,7 @@ install_silently() {
   [ -f "$installed/uninstall.exe" ] || fail "there is no uninstaller"
   [ -f "$shortcut" ] || fail "there is no entry in the start menu"
   [ -f "$guide_shortcut" ] || fail "the user guide is not in the start menu"
+  [ -f "$practice_shortcut" ] || fail "the practice is not in the start menu"
   [ -s "$installed/user-guide.zh-CN.html" ] || fail "there is no user guide"
   [ -d "$pictures" ] || fail "there is no folder for pictures"
   windows reg query "$uninstall_key" | tr -d '\r' >"$work/registered"
@@ -98,7 +99,7 @@ uninstall_silently() {
   wait_for 60 test ! -e "$installed/uninstall.exe" || fail "the uninstaller stays"
   wineserver --wait
   [ "$(ls "$installed")" = note.txt ] || fail "it left $(ls "$installed")"
-  [ ! -e "$shortcut" ] && [ ! -e "$guide_shortcut" ] || fail "it left entries in the start menu"
+  [ ! -e "$shortcut" ] && [ ! -e "$guide_shortcut" ] && [ ! -e "$practice_shortcut" ] || fail "it left entries in the start menu"
   [ "$(cat "$pictures/33.jpg")" = picture ] || fail "it touched the pictures"
   expect_code 1 windows reg query "$uninstall_key" >/dev/null
   rm -r "$installed"
@@ -121,6 +122,7 @@ main_inside() {
   installed=$user_folder/AppData/Local/Programs/shelf-camera-tool
   shortcut="$user_folder/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/摄像头测试.lnk"
   guide_shortcut=${shortcut%.lnk}使用手册.lnk
+  practice_shortcut="${shortcut%/*}/练习 (虚拟摄像头).lnk"
   pictures=$(realpath "$user_folder/Pictures")/摄像头图片
 
   install_silently

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds the Windows programs and proves them under Wine, without a display: the tool itself with a virtual camera
-# behind COM5, shelf-camera at the same camera, the tour of all windows and the tests of turns between COM12 and COM6, the virtual camera on COM6. Its
-# log, pictures and files are left in out/windows. Where Qt for Windows is missing it says so and ends well.
+# behind COM5, shelf-camera at the same camera, the tour of all windows and the tests of turns between COM12 and COM6,
+# the virtual camera on COM6, a lesson without ports. Its log, pictures and files are left in out/windows. Where Qt for
+# Windows is missing it says so and ends well.
 # Usage: packaging/windows/test.sh [--build | --no-build] [--pictures]      --build: runs nothing
 #        --pictures: copies what docs/windows.md shows
 . "$(dirname "$0")/../../scripts/lib.sh"
@@ -129,6 +130,20 @@ prove_camera() {
   wait_for windows-camera.log heartbeat
 }
 
+# A lesson in the tool and a virtual camera of one process, without a port.
+prove_practice() {
+  say "practice"
+  in_background practice.log "${wine[@]}" "$program/shelf-camera-practice.exe" --lesson 1
+  wait_for practice.log 'init port: "练习摄像头"'
+  sleep 3
+  press space
+  wait_for practice.log '"练习摄像头"    460800'
+  press Tab Tab Tab space # the heartbeat
+  wait_for practice.log 'hex str:AA5A110001'
+  sleep 1
+  picture practice
+}
+
 copy_pictures() {
   local entry name source number files
   for entry in "${chosen[@]}"; do
@@ -148,6 +163,8 @@ prove() {
   prove_tour
   prove_turns
   prove_camera
+  stop_windows
+  prove_practice
 }
 
 main() {
@@ -161,7 +178,7 @@ main() {
   fi
   [[ " $* " != *" --build "* ]] || return 0
   local start=$SECONDS
-  lay_out_programs app cli demo emulator tests/windows
+  lay_out_programs app cli demo emulator practice tests/windows
   xvfb-run --auto-servernum --server-args='-screen 0 1280x1024x24' "$0" --prove
   say "the Windows programs work under Wine, proven in $((SECONDS - start)) s; pictures in $out"
   if [[ " $* " == *" --pictures "* ]]; then

@@ -144,7 +144,7 @@ TEST(Documents, KeepThePicturesThatTheScriptsMake) {
 TEST(UserGuide, KnowsEveryTextOfTheWindows) {
     const std::string guide = markdown::contentOf(markdown::sourceFolder() / userGuide);
     std::size_t texts = 0;
-    for (const char* const folder : {"aids", "app", "dialogs", "pictures"}) {
+    for (const char* const folder : {"aids", "app", "dialogs", "pictures", "practice"}) {
         for (const std::string& text : textsOf(folder)) {
             ++texts;
             for (const std::string& piece : fixedPieces(text))

@@ -21,6 +21,7 @@
 #include <filesystem>
 #include <malloc.h>
 #include <sstream>
+#include <thread>
 
 using namespace std::chrono_literals;
 using protocol::Bytes;
@@ -107,11 +108,12 @@ QString labelText(const QWidget& window, const char* name) {
 } // namespace
 
 Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources()) {
-    world::setCallObserver([this](const std::string& port, const std::string& call) {
+    emulator::setCallObserver([this](const std::string& port, const std::string& call) {
         world::note([&] { return port + ' ' + call; });
         libraryCalled(port, call);
+        world::preempt();
     });
-    world::setReadObserver([this](const std::string& port) { m_protocolJudge.received(port); });
+    emulator::setReadObserver([this](const std::string& port) { m_protocolJudge.received(port); });
     world::onStandstill([this](world::Time duration) {
         const world::Time limit = m_ownRequests + std::max(m_othersRequest, othersTime);
         require(duration <= limit,
@@ -121,8 +123,8 @@ Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources(
 }
 
 Judge::~Judge() {
-    world::setCallObserver({});
-    world::setReadObserver({});
+    emulator::setCallObserver({});
+    emulator::setReadObserver({});
     world::onStandstill({});
 }
 
@@ -202,14 +204,14 @@ void Judge::checkLinkText() {
     const QString text = labelText(*m_window, "label_link");
     const bool open = isLinkOpen(*m_window);
     // A search opens ports of its own while there is no link.
-    require(!open || world::openPorts() > 0, "O6: a link without a port");
+    require(!open || emulator::openMemoryPorts() > 0, "O6: a link without a port");
     require((text == QStringLiteral("串口未打开")) == !open,
             "O6: the link text says " + text.toStdString() + (open ? " of an open port" : " of no port"));
 }
 
 void Judge::linkClosed(world::Time duration) {
     require(duration <= longestClosing, "O3: closing took " + std::to_string(duration / 1ms) + " ms");
-    require(world::openPortsOfFirstThread() == 0, "O4: a port is open after closing");
+    require(emulator::openMemoryPorts(std::this_thread::get_id()) == 0, "O4: a port is open after closing");
     m_resultDue = false;
 }
 
@@ -365,7 +367,7 @@ void Judge::checkQuiet() {
 void Judge::checkEnd() {
     m_window = nullptr;
     m_lineWatch = nullptr;
-    require(world::openPorts() == 0, "O4: a port is open after the end");
+    require(emulator::openMemoryPorts() == 0, "O4: a port is open after the end");
     require(world::threadCount() == 1, "O8: " + std::to_string(world::threadCount()) + " threads are left");
     const Resources after = resources();
     require(after.descriptors == m_before.descriptors, "O8: " + std::to_string(after.descriptors) +

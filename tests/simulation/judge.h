@@ -3,6 +3,7 @@
 
 #include "tests/simulation/protocoljudge.h"
 #include "tests/simulation/workplace.h"
+#include "tests/simulation/world/scheduler.h"
 
 #include <QString>
 #include <QStringList>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/simulation/workplace.h"
+#include "tests/simulation/world/scheduler.h"
 
 #include <QList>
 #include <QObject>

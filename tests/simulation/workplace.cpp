@@ -81,7 +81,7 @@ std::string requestText(std::uint32_t choice) {
 Workplace::Workplace(const Scenario& scenario)
     : m_line(emulator::VirtualCamera(settingsFor(scenario, m_pictures))) {
     m_line.setPace(protocol::infoOf(scenario.type).baudRate / bitsPerByte);
-    world::addPort(emptyPort, {});
+    emulator::addMemoryPort(emptyPort, {});
     plugIn("/dev/ttyUSB0");
     emulator::CameraState& state = m_line.camera().state();
     for (std::uint16_t id = 20; id < 23; ++id) {
@@ -103,8 +103,8 @@ Workplace::Workplace(const Scenario& scenario)
 
 Workplace::~Workplace() {
     for (const std::string& name : m_portNames)
-        world::removePort(name);
-    world::removePort(emptyPort);
+        emulator::removeMemoryPort(name);
+    emulator::removeMemoryPort(emptyPort);
 }
 
 Bytes Workplace::contentOf(std::size_t file) {
@@ -119,7 +119,8 @@ Bytes Workplace::contentOf(std::size_t file) {
 
 void Workplace::plugIn(const std::string& name) {
     m_portNames.push_back(name);
-    world::addPort(name, {"USB serial adapter", "USB VID:PID=1234:5678 SNR=A1", &m_line, true, false});
+    emulator::addMemoryPort(name,
+                            {"USB serial adapter", "USB VID:PID=1234:5678 SNR=A1", &m_line, true, false});
 }
 
 // --- steps -------------------------------------------------------------------------------------------------
@@ -147,7 +148,7 @@ void Workplace::perform(const Step& step) {
         break;
     case StepKind::pull:
         m_disturbances.adapter = true;
-        world::removePort(m_portNames.back());
+        emulator::removeMemoryPort(m_portNames.back());
         m_line.setPresent(false);
         break;
     case StepKind::plug:
@@ -169,7 +170,7 @@ void Workplace::pull(const std::string& port) {
         return;
     }
     m_disturbances.adapter = true;
-    world::removePort(emptyPort);
+    emulator::removeMemoryPort(emptyPort);
 }
 
 void Workplace::strikeLine(const Step& step) {

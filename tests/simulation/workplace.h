@@ -1,8 +1,8 @@
 // The place of a simulated session: a camera on a line, an adapter, files.
 #pragma once
 
+#include "emulator/memory/memoryports.h"
 #include "tests/simulation/scenario.h"
-#include "tests/simulation/world/simulatedline.h"
 
 #include <QStringList>
 
@@ -43,7 +43,7 @@ public:
     /// The adapter with this port, the camera's or the other.
     void pull(const std::string& port);
 
-    [[nodiscard]] world::SimulatedLine& line() { return m_line; }
+    [[nodiscard]] emulator::MemoryLine& line() { return m_line; }
     [[nodiscard]] emulator::VirtualCamera& camera() { return m_line.camera(); }
     [[nodiscard]] const Disturbances& disturbances() const { return m_disturbances; }
     /// Files to upload, small ones first.
@@ -67,7 +67,7 @@ private:
     void plugIn(const std::string& name);
 
     std::vector<TakenPicture> m_pictures; // before the camera, which adds to it
-    world::SimulatedLine m_line;
+    emulator::MemoryLine m_line;
     std::vector<std::string> m_portNames;
     Disturbances m_disturbances;
     QStringList m_files;

@@ -1,16 +1,16 @@
-// The virtual camera's end of the line in tests: a pseudo-terminal in real time, or a simulated line in
+// The virtual camera's end of the line in tests: a pseudo-terminal in real time, or a line in memory in
 // virtual time (camera_test's VIRTUAL_TIME).
 #pragma once
 
 #ifdef CAMERA_VIRTUAL_TIME
 
-#include "tests/simulation/world/simulatedfront.h"
+#include "emulator/memory/memoryfront.h"
 
-using TestFront = world::SimulatedFront;
+using TestFront = emulator::MemoryFront;
 
 /// Whether the tool has the device open.
 [[nodiscard]] inline bool isOpenByTool(const std::string& /*portName*/) {
-    return world::openPorts() > 0;
+    return emulator::openMemoryPorts() > 0;
 }
 
 #else

@@ -6,7 +6,7 @@ using namespace std::chrono_literals;
 using namespace uploadcells;
 using emulator::CameraType;
 using emulator::VirtualCamera;
-using world::WriteQueue;
+using emulator::WriteQueue;
 
 namespace {
 

@@ -1,5 +1,7 @@
-// Stands in for the serial library: the functions of the library's own header, on simulated lines.
-#include "tests/simulation/world/simulatedline.h"
+// The serial library, as its own header declares it, on lines in memory instead of devices.
+#include "emulator/memory/memoryports.h"
+
+#include "emulator/memory/memorylock.h"
 #include "trace/hextext.h"
 
 #include <serial/serial.h>
@@ -7,31 +9,29 @@
 #include <algorithm>
 #include <cerrno>
 #include <map>
+#include <set>
 
-using namespace std::chrono_literals;
-
-namespace world {
+namespace emulator {
 
 namespace {
 
 struct Registry {
-    std::map<std::string, SimulatedPort> ports;
-    int open = 0;
-    int openByFirstThread = 0;
+    std::map<std::string, MemoryPort> ports;
+    std::multiset<std::thread::id> openers; ///< of each open port
     std::function<void(const std::string&, const std::string&)> observer;
     std::function<void(const std::string&)> readObserver;
 };
 
 Registry& registry() {
-    static Registry instance;
-    return instance;
+    static auto* const instance = new Registry; // outlives every thread
+    return *instance;
 }
 
+/// Without the lock: the observer uses ports.
 template <typename Call>
 void tell(const std::string& port, const Call& call) {
     if (registry().observer)
         registry().observer(port, call());
-    preempt();
 }
 
 /// Enough to tell a request.
@@ -49,31 +49,31 @@ std::string text(const serial::Timeout& timeout) {
     return words;
 }
 
-Time deadline(std::uint32_t constant, std::uint32_t multiplier, std::size_t bytes) {
-    return now() + std::chrono::milliseconds(constant + std::uint64_t{multiplier} * bytes);
+MemoryLine::Moment deadline(std::uint32_t constant, std::uint32_t multiplier, std::size_t bytes) {
+    return MemoryLine::Clock::now() + std::chrono::milliseconds(constant + std::uint64_t{multiplier} * bytes);
 }
 
 } // namespace
 
-void addPort(const std::string& name, const SimulatedPort& port) {
+void addMemoryPort(const std::string& name, const MemoryPort& port) {
     registry().ports[name] = port;
 }
 
-void removePort(const std::string& name) {
+void removeMemoryPort(const std::string& name) {
     registry().ports.erase(name);
 }
 
-SimulatedPort* findPort(const std::string& name) {
+MemoryPort* findMemoryPort(const std::string& name) {
     const auto found = registry().ports.find(name);
     return found == registry().ports.end() ? nullptr : &found->second;
 }
 
-int openPorts() {
-    return registry().open;
+int openMemoryPorts() {
+    return static_cast<int>(registry().openers.size());
 }
 
-int openPortsOfFirstThread() {
-    return registry().openByFirstThread;
+int openMemoryPorts(std::thread::id opener) {
+    return static_cast<int>(registry().openers.count(opener));
 }
 
 void setCallObserver(std::function<void(const std::string&, const std::string&)> observer) {
@@ -84,34 +84,44 @@ void setReadObserver(std::function<void(const std::string&)> observer) {
     registry().readObserver = std::move(observer);
 }
 
-} // namespace world
+} // namespace emulator
 
 namespace serial {
 
-using world::SimulatedLine;
+using emulator::MemoryLine;
+using emulator::MemoryLock;
+using emulator::MemoryPort;
+using emulator::registry;
+using emulator::tell;
 
 namespace {
 
-const IOException deviceFailed("serialports", 0, EIO);
+const IOException deviceFailed("memoryports", 0, EIO);
 const SerialException
     nothingWritten("device reports readiness to write but returned no data (device disconnected?)");
 
 } // namespace
 
+/// All functions are called with the lock held.
 class Serial::SerialImpl {
 public:
-    SerialImpl(std::string name, Timeout limits) : port(std::move(name)), timeout(limits) { count(1); }
+    SerialImpl(std::string name, Timeout limits) : port(std::move(name)), timeout(limits) {
+        if (!port.empty())
+            registry().openers.insert(m_opener);
+    }
     ~SerialImpl() {
-        count(-1);
-        if (SimulatedLine* const line = currentLine())
+        auto& openers = registry().openers;
+        if (const auto own = openers.find(m_opener); !port.empty() && own != openers.end())
+            openers.erase(own);
+        if (MemoryLine* const line = currentLine())
             line->closeToolEnd();
     }
     SerialImpl(const SerialImpl&) = delete;
     SerialImpl& operator=(const SerialImpl&) = delete;
 
     /// Null when the device is gone, or nothing is at the other end.
-    [[nodiscard]] SimulatedLine* currentLine() const {
-        const world::SimulatedPort* const there = world::findPort(port);
+    [[nodiscard]] MemoryLine* currentLine() const {
+        const MemoryPort* const there = emulator::findMemoryPort(port);
         return there == nullptr || there->line == nullptr || !there->line->isPresent() ? nullptr
                                                                                        : there->line;
     }
@@ -121,8 +131,8 @@ public:
     }
     /// Null: nothing is at the other end.
     template <typename Failure>
-    [[nodiscard]] SimulatedLine* requireDevice(const Failure& whenGone) const {
-        const world::SimulatedPort* const there = world::findPort(port);
+    [[nodiscard]] MemoryLine* requireDevice(const Failure& whenGone) const {
+        const MemoryPort* const there = emulator::findMemoryPort(port);
         if (there == nullptr || (there->line != nullptr && !there->line->isPresent()))
             throw whenGone;
         return there->line;
@@ -132,26 +142,20 @@ public:
     Timeout timeout;
 
 private:
-    void count(int change) const {
-        if (port.empty())
-            return;
-        world::registry().open += change;
-        world::registry().openByFirstThread += m_byFirstThread ? change : 0;
-    }
-
-    const bool m_byFirstThread = world::threadNumber() == 0;
+    const std::thread::id m_opener = std::this_thread::get_id();
 };
 
 Serial::Serial(const std::string& port, uint32_t baudrate, Timeout timeout, bytesize_t, parity_t, stopbits_t,
                flowcontrol_t)
     : pimpl_(nullptr) {
-    world::tell(port, [&] { return "open " + std::to_string(baudrate) + ' ' + world::text(timeout); });
+    tell(port, [&] { return "open " + std::to_string(baudrate) + ' ' + emulator::text(timeout); });
+    const MemoryLock lock;
     if (!port.empty()) {
-        const world::SimulatedPort* const there = world::findPort(port);
+        const MemoryPort* const there = emulator::findMemoryPort(port);
         if (there == nullptr || (there->line != nullptr && !there->line->isPresent()))
-            throw IOException("serialports", 0, ENOENT);
+            throw IOException("memoryports", 0, ENOENT);
         if (there->busy)
-            throw IOException("serialports", 0, EBUSY);
+            throw IOException("memoryports", 0, EBUSY);
         if (there->line != nullptr)
             there->line->setSpeed(baudrate);
     }
@@ -159,89 +163,95 @@ Serial::Serial(const std::string& port, uint32_t baudrate, Timeout timeout, byte
 }
 
 Serial::~Serial() {
-    world::tell(pimpl_->port, [] { return "close"; });
+    tell(pimpl_->port, [] { return "close"; });
+    const MemoryLock lock;
     delete pimpl_;
 }
 
 void Serial::setTimeout(Timeout& timeout) {
-    world::tell(pimpl_->port, [&timeout] { return "setTimeout " + world::text(timeout); });
+    tell(pimpl_->port, [&timeout] { return "setTimeout " + emulator::text(timeout); });
     pimpl_->timeout = timeout;
 }
 
 void Serial::flush() {
-    world::tell(pimpl_->port, [] { return "flush"; });
+    tell(pimpl_->port, [] { return "flush"; });
     pimpl_->requireOpen("Serial::flush");
-    while (SimulatedLine* const line = pimpl_->currentLine()) {
+    MemoryLock lock;
+    while (MemoryLine* const line = pimpl_->currentLine()) {
         const auto empty = line->emptyAt();
         if (!empty)
             return;
-        world::waitFor(line, empty);
+        lock.waitUntil(*empty);
     }
 }
 
 void Serial::flushInput() {
-    world::tell(pimpl_->port, [] { return "flushInput"; });
+    tell(pimpl_->port, [] { return "flushInput"; });
     pimpl_->requireOpen("Serial::flushInput");
-    if (SimulatedLine* const line = pimpl_->currentLine())
+    const MemoryLock lock;
+    if (MemoryLine* const line = pimpl_->currentLine())
         line->discardReceived();
 }
 
 size_t Serial::available() {
-    world::tell(pimpl_->port, [] { return "available"; });
+    tell(pimpl_->port, [] { return "available"; });
     if (pimpl_->port.empty())
         return 0;
-    SimulatedLine* const line = pimpl_->requireDevice(deviceFailed);
+    const MemoryLock lock;
+    MemoryLine* const line = pimpl_->requireDevice(deviceFailed);
     return line == nullptr ? 0 : line->available();
 }
 
 size_t Serial::write(const uint8_t* data, size_t size) {
-    world::tell(pimpl_->port, [data, size] {
-        return "write " + std::to_string(size) + ": " + world::firstBytes(data, size);
-    });
+    tell(pimpl_->port,
+         [data, size] { return "write " + std::to_string(size) + ": " + emulator::firstBytes(data, size); });
     pimpl_->requireOpen("Serial::write");
+    MemoryLock lock;
     const Timeout& timeout = pimpl_->timeout;
-    const world::Time end =
-        world::deadline(timeout.write_timeout_constant, timeout.write_timeout_multiplier, size);
+    const auto end =
+        emulator::deadline(timeout.write_timeout_constant, timeout.write_timeout_multiplier, size);
     size_t written = 0;
     while (written < size) {
-        SimulatedLine* const line = pimpl_->requireDevice(nothingWritten);
+        MemoryLine* const line = pimpl_->requireDevice(nothingWritten);
         if (line == nullptr)
             return size;
         written += line->send(std::span(data + written, size - written));
-        if (written == size || world::now() >= end)
+        if (written == size || MemoryLine::Clock::now() >= end)
             break;
-        world::waitFor(line, std::min(end, line->roomAt().value_or(end)));
+        lock.waitUntil(std::min(end, line->roomAt().value_or(end)));
     }
     return written;
 }
 
 size_t Serial::read(std::vector<uint8_t>& buffer, size_t size) {
-    world::tell(pimpl_->port, [size] { return "read " + std::to_string(size); });
+    tell(pimpl_->port, [size] { return "read " + std::to_string(size); });
     pimpl_->requireOpen("Serial::read");
     const Timeout& timeout = pimpl_->timeout;
-    const world::Time end =
-        world::deadline(timeout.read_timeout_constant, timeout.read_timeout_multiplier, size);
     protocol::Bytes received;
-    while (true) {
-        SimulatedLine* const line = pimpl_->requireDevice(deviceFailed);
-        if (line != nullptr) {
-            const protocol::Bytes more = line->take(size - received.size());
-            received.insert(received.end(), more.begin(), more.end());
+    {
+        MemoryLock lock;
+        const auto end =
+            emulator::deadline(timeout.read_timeout_constant, timeout.read_timeout_multiplier, size);
+        while (true) {
+            MemoryLine* const line = pimpl_->requireDevice(deviceFailed);
+            if (line != nullptr)
+                protocol::append(received, line->take(size - received.size()));
+            if (received.size() == size || MemoryLine::Clock::now() >= end)
+                break;
+            const auto next = line == nullptr ? std::nullopt : line->nextArrival();
+            lock.waitUntil(std::min(end, next.value_or(end)));
         }
-        if (received.size() == size || world::now() >= end)
-            break;
-        const auto next = line == nullptr ? std::nullopt : line->nextArrival();
-        world::waitFor(line, std::min(end, next.value_or(end)));
     }
     buffer.insert(buffer.end(), received.begin(), received.end());
-    if (const auto& observer = world::registry().readObserver; observer && !received.empty())
+    if (const auto& observer = registry().readObserver; observer && !received.empty())
         observer(pimpl_->port);
     return received.size();
 }
 
 std::vector<PortInfo> list_ports() {
+    const MemoryLock lock;
     std::vector<PortInfo> ports;
-    for (const auto& [name, port] : world::registry().ports) {
+    for (const auto& [name, port] : registry().ports) {
         if (port.listed && (port.line == nullptr || port.line->isPresent()))
             ports.push_back({name, port.description, port.hardwareId});
     }

@@ -1,38 +1,45 @@
-#include "tests/simulation/world/simulatedline.h"
+#include "emulator/memory/memoryline.h"
+
+#include "emulator/memory/memorylock.h"
 
 #include <algorithm>
 
 using namespace std::chrono_literals;
 
-namespace world {
+namespace emulator {
 
 namespace {
 
 constexpr std::size_t pieceSize = 64; // arrives whole on a line with a rate
+constexpr std::uint32_t bitsPerByte = 10;
 
 } // namespace
 
-SimulatedLine::SimulatedLine(emulator::VirtualCamera camera) : m_camera(std::move(camera)) {}
+MemoryLine::MemoryLine(VirtualCamera camera) : m_camera(std::move(camera)) {}
 
-emulator::VirtualCamera& SimulatedLine::camera() {
+VirtualCamera& MemoryLine::camera() {
     advance();
     return m_camera;
 }
 
-emulator::Time SimulatedLine::lineTime() const {
-    return toCamera(now());
+Time MemoryLine::lineTime() const {
+    return timeOf(Clock::now());
 }
 
-emulator::Time SimulatedLine::toCamera(Time time) const {
-    return std::chrono::floor<emulator::Time>(time - m_start);
+Time MemoryLine::timeOf(Moment moment) const {
+    return std::chrono::floor<Time>(moment - m_start);
 }
 
-void SimulatedLine::setPace(std::uint32_t bytesPerSecond) {
+MemoryLine::Moment MemoryLine::momentOf(Time time) const {
+    return m_start + time;
+}
+
+void MemoryLine::setPace(std::uint32_t bytesPerSecond) {
     advance();
-    m_byteTime = bytesPerSecond == 0 ? 0ns : Time(1s) / bytesPerSecond;
+    m_byteTime = bytesPerSecond == 0 ? 0ns : Clock::duration(1s) / bytesPerSecond;
 }
 
-void SimulatedLine::setPresent(bool present) {
+void MemoryLine::setPresent(bool present) {
     advance();
     if (present && !m_present)
         m_camera.lineReopened(lineTime());
@@ -40,14 +47,14 @@ void SimulatedLine::setPresent(bool present) {
     clear();
 }
 
-void SimulatedLine::clear() {
+void MemoryLine::clear() {
     m_model.clear();
     m_toCamera.clear();
     m_toTool.clear();
-    notifyAll(this);
+    MemoryLock::notifyAll();
 }
 
-bool SimulatedLine::isPresent() {
+bool MemoryLine::isPresent() {
     advance();
     return m_present;
 }
@@ -55,30 +62,30 @@ bool SimulatedLine::isPresent() {
 // --- time --------------------------------------------------------------------------------------------------
 
 /// Lets everything happen that is due, in the order of its times.
-void SimulatedLine::advance() {
+void MemoryLine::advance() {
     while (true) {
-        const std::optional<Time> next = nextEvent();
-        if (!next || *next > now())
+        const std::optional<Moment> next = nextEvent();
+        if (!next || *next > Clock::now())
             return;
         deliver(*next);
         collectAnswers(*next);
     }
 }
 
-std::optional<Time> SimulatedLine::nextEvent() const {
-    std::optional<Time> next;
+std::optional<MemoryLine::Moment> MemoryLine::nextEvent() const {
+    std::optional<Moment> next;
     if (const auto due = m_model.nextDue())
-        next = std::max(toWorld(*due), m_start);
-    const bool readsAgain = m_model.readingPausedUntil() != emulator::Time::max();
+        next = std::max(momentOf(*due), m_start);
+    const bool readsAgain = m_model.readingPausedUntil() != Time::max();
     if (!m_toCamera.empty() && readsAgain) {
-        const Time arrives = std::max(m_toCamera.front().arrives, toWorld(m_model.readingPausedUntil()));
+        const Moment arrives = std::max(m_toCamera.front().arrives, momentOf(m_model.readingPausedUntil()));
         next = std::min(next.value_or(arrives), arrives);
     }
     return next;
 }
 
-void SimulatedLine::deliver(Time at) {
-    const emulator::Time time = toCamera(at);
+void MemoryLine::deliver(Moment at) {
+    const Time time = timeOf(at);
     while (!m_toCamera.empty() && m_toCamera.front().arrives <= at && !m_model.readingPaused(time)) {
         const Bytes bytes = std::move(m_toCamera.front().bytes);
         m_toCamera.pop_front();
@@ -86,8 +93,8 @@ void SimulatedLine::deliver(Time at) {
     }
 }
 
-void SimulatedLine::collectAnswers(Time at) {
-    const emulator::Time time = toCamera(at);
+void MemoryLine::collectAnswers(Moment at) {
+    const Time time = timeOf(at);
     const Bytes answer = m_model.takeDue(time);
     if (m_present)
         put(m_toTool, m_toToolFree, answer, at);
@@ -97,8 +104,8 @@ void SimulatedLine::collectAnswers(Time at) {
     }
 }
 
-void SimulatedLine::put(Way& way, Time& freeAt, const Bytes& bytes, Time from) const {
-    Time start = std::max(from, freeAt);
+void MemoryLine::put(Way& way, Moment& freeAt, const Bytes& bytes, Moment from) const {
+    Moment start = std::max(from, freeAt);
     const std::size_t most = m_byteTime == 0ns ? bytes.size() : pieceSize;
     for (std::size_t first = 0; first < bytes.size(); first += most) {
         const std::size_t count = std::min(most, bytes.size() - first);
@@ -111,57 +118,59 @@ void SimulatedLine::put(Way& way, Time& freeAt, const Bytes& bytes, Time from) c
 
 // --- the tool's end ----------------------------------------------------------------------------------------
 
-void SimulatedLine::setSpeed(std::uint32_t baudRate) {
+void MemoryLine::setSpeed(std::uint32_t baudRate) {
     advance();
     m_camera.setLineSpeed(baudRate);
+    if (m_followsRate)
+        setPace(baudRate / bitsPerByte);
 }
 
-std::size_t SimulatedLine::queued() const {
+std::size_t MemoryLine::queued() const {
     std::size_t bytes = 0;
     for (const Piece& piece : m_toCamera)
         bytes += piece.bytes.size();
     return bytes;
 }
 
-bool SimulatedLine::queueTakes() const {
+bool MemoryLine::queueTakes() const {
     const bool waits = m_wasFull || !m_queue.onceFull;
     return queued() < (waits ? m_queue.takesBelow : m_queue.size);
 }
 
-std::size_t SimulatedLine::send(ByteView bytes) {
+std::size_t MemoryLine::send(ByteView bytes) {
     advance();
     if (!queueTakes())
         return 0;
     const std::size_t count = std::min(m_queue.size - queued(), bytes.size());
     m_wasFull = queued() + count == m_queue.size;
-    put(m_toCamera, m_toCameraFree, bytes.range(0, count).toBytes(), now());
+    put(m_toCamera, m_toCameraFree, bytes.range(0, count).toBytes(), Clock::now());
     advance();
     return count;
 }
 
-std::optional<Time> SimulatedLine::roomAt() {
+std::optional<MemoryLine::Moment> MemoryLine::roomAt() {
     advance();
-    return queueTakes() || m_toCamera.empty() ? std::nullopt : nextEvent();
+    return queueTakes() ? Clock::now() : nextEvent();
 }
 
-std::optional<Time> SimulatedLine::emptyAt() {
+std::optional<MemoryLine::Moment> MemoryLine::emptyAt() {
     advance();
     // Neither a camera that does not read nor a long way delays anybody: what has left the queue is sent.
-    return m_toCameraFree <= now() ? std::nullopt : std::optional(m_toCameraFree);
+    return m_toCameraFree <= Clock::now() ? std::nullopt : std::optional(m_toCameraFree);
 }
 
-std::size_t SimulatedLine::available() {
+std::size_t MemoryLine::available() {
     advance();
     std::size_t bytes = 0;
     for (const Piece& piece : m_toTool)
-        bytes += piece.arrives <= now() ? piece.bytes.size() : 0;
+        bytes += piece.arrives <= Clock::now() ? piece.bytes.size() : 0;
     return bytes;
 }
 
-Bytes SimulatedLine::take(std::size_t most) {
+Bytes MemoryLine::take(std::size_t most) {
     advance();
     Bytes taken;
-    while (!m_toTool.empty() && m_toTool.front().arrives <= now() && taken.size() < most) {
+    while (!m_toTool.empty() && m_toTool.front().arrives <= Clock::now() && taken.size() < most) {
         Bytes& bytes = m_toTool.front().bytes;
         const auto count = static_cast<std::ptrdiff_t>(std::min(most - taken.size(), bytes.size()));
         taken.insert(taken.end(), bytes.begin(), bytes.begin() + count);
@@ -172,23 +181,22 @@ Bytes SimulatedLine::take(std::size_t most) {
     return taken;
 }
 
-std::optional<Time> SimulatedLine::nextArrival() {
+std::optional<MemoryLine::Moment> MemoryLine::nextArrival() {
     advance();
-    std::optional<Time> next = nextEvent();
-    for (const Piece& piece : m_toTool) {
-        if (piece.arrives > now())
-            return std::min(next.value_or(piece.arrives), piece.arrives);
-    }
-    return next;
+    const std::optional<Moment> next = nextEvent();
+    if (m_toTool.empty())
+        return next;
+    const Moment arrives = m_toTool.front().arrives;
+    return std::min(next.value_or(arrives), arrives);
 }
 
-void SimulatedLine::discardReceived() {
+void MemoryLine::discardReceived() {
     static_cast<void>(take(available()));
 }
 
-void SimulatedLine::closeToolEnd() {
+void MemoryLine::closeToolEnd() {
     advance();
     m_toTool.clear();
 }
 
-} // namespace world
+} // namespace emulator

@@ -2,19 +2,19 @@
 #pragma once
 
 #include "emulator/lessons/lessons.h"
-#include "emulator/line/camerafront.h"
+#include "emulator/line/servedcamera.h"
 
 namespace emulator {
 
-/// Runs a lesson on the front of its camera, sets the line and moves the plug. Without a plug it silences the
-/// camera instead.
+/// Runs a lesson with its camera, sets the line and moves the plug. Without a plug it silences the camera
+/// instead.
 class LessonRun {
 public:
     using Say = std::function<void(const std::string& line)>;
     using MovePlug = std::function<void(bool in)>;
 
-    /// The lesson and the front, with a camera of type ostra, outlive the run. Empty movePlug: no plug.
-    LessonRun(const Lesson& lesson, CameraFront& front, Say say, MovePlug movePlug = {});
+    /// Lesson and camera, of type ostra, outlive the run. Empty movePlug: no plug.
+    LessonRun(const Lesson& lesson, ServedCamera& camera, Say say, MovePlug movePlug = {});
 
     /// Call it several times a second.
     void look();
@@ -25,7 +25,7 @@ public:
 private:
     void move(Plug plug);
 
-    CameraFront& m_front;
+    ServedCamera& m_camera;
     Say m_say;
     MovePlug m_movePlug;
     LessonCoach m_coach;
