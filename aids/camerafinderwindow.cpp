@@ -1,6 +1,7 @@
 #include "aids/camerafinderwindow.h"
 
 #include "linkaccess/focuskeeper.h"
+#include "linkaccess/signs.h"
 #include "service/reportwords.h"
 #include "ui_camerafinderwindow.h"
 
@@ -43,6 +44,7 @@ CameraFinderWindow::CameraFinderWindow(LinkOwner& owner, QWidget* parent, Camera
     : QWidget(parent), ClientBorrower(this, client), m_owner(owner),
       m_ui(std::make_unique<Ui::CameraFinderWindow>()) {
     m_ui->setupUi(this);
+    setSign(m_ui->btn_start, Sign::find);
     fillChoices();
     m_ui->table_found->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     connect(m_ui->btn_start, &QPushButton::clicked, this, &CameraFinderWindow::start);
@@ -151,14 +153,12 @@ service::PortSearchObserver CameraFinderWindow::observer() {
         ++m_tried;
         showProgress();
     });
-    return {
-        [tried] { tried(0); },
-        reporter<service::FoundCamera>(this, [this](const auto& camera) { addFound(camera); }),
-        [failed = reporter<QString>(this, [this](const QString& text) { addFailure(text); })](
-            const std::string& port, const FailureText& failure) {
-            failed(
-                QStringLiteral("%1：%2 %3").arg(QString::fromStdString(port), failure.what, failure.advice));
-        }};
+    return {[tried] { tried(0); },
+            reporter<service::FoundCamera>(this, [this](const auto& camera) { addFound(camera); }),
+            [failed = reporter<QString>(this, [this](const QString& text) { addFailure(text); })](
+                const std::string& port, const FailureText& failure) {
+                failed(QStringLiteral("%1：%2").arg(QString::fromStdString(port), failure.inShort()));
+            }};
 }
 
 void CameraFinderWindow::startOnPorts(std::vector<service::FindPlan> plans) {
