@@ -46,6 +46,9 @@ CameraFinderWindow::CameraFinderWindow(LinkOwner& owner, QWidget* parent, Camera
     m_ui->setupUi(this);
     setSign(m_ui->btn_start, Sign::find);
     fillChoices();
+    QSizePolicy policy = m_ui->bar_progress->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // nothing moves when a search begins
+    m_ui->bar_progress->setSizePolicy(policy);
     m_ui->table_found->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     connect(m_ui->btn_start, &QPushButton::clicked, this, &CameraFinderWindow::start);
     connect(m_ui->btn_stop, &QPushButton::clicked, this, &CameraFinderWindow::stop);
@@ -97,6 +100,7 @@ void CameraFinderWindow::showChoices() {
         m_ui->btn_stop->setEnabled(running && !m_search->stopped());
         m_ui->btn_use->setEnabled(!m_ui->table_found->selectedItems().isEmpty());
     });
+    m_ui->bar_progress->setVisible(running);
     const LinkFacts facts = m_owner.linkFacts();
     m_ui->label_scope->setText(
         linked ? tr("串口已打开，只查找 %1（波特率 %2）。").arg(facts.port).arg(facts.baudRate)

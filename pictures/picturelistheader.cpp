@@ -55,7 +55,7 @@ void PictureListHeader::placeLabels() {
 }
 
 int PictureListHeader::markHeight() const {
-    return fontMetrics().height() / 3;
+    return fontMetrics().height() / 2;
 }
 
 // --- sorting -----------------------------------------------------------------------------------------------
@@ -95,11 +95,12 @@ void PictureListHeader::paintEvent(QPaintEvent* /*event*/) {
     const int height = markHeight();
     const double middle = label->x() + label->sizeHint().width() / 2.0;
     const bool upwards = m_sortOrder == Qt::AscendingOrder;
+    const double halfWidth = 0.8 * height;
     const double base = upwards ? height - 1 : 1;
     const double tip = upwards ? 1 : height - 1;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(palette().color(QPalette::WindowText));
-    painter.drawPolygon(QPolygonF{{middle - height, base}, {middle, tip}, {middle + height, base}});
+    painter.drawPolygon(QPolygonF{{middle - halfWidth, base}, {middle, tip}, {middle + halfWidth, base}});
 }
