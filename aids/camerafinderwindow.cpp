@@ -1,6 +1,7 @@
 #include "aids/camerafinderwindow.h"
 
 #include "linkaccess/focuskeeper.h"
+#include "linkaccess/signs.h"
 #include "service/reportwords.h"
 #include "ui_camerafinderwindow.h"
 
@@ -43,7 +44,11 @@ CameraFinderWindow::CameraFinderWindow(LinkOwner& owner, QWidget* parent, Camera
     : QWidget(parent), ClientBorrower(this, client), m_owner(owner),
       m_ui(std::make_unique<Ui::CameraFinderWindow>()) {
     m_ui->setupUi(this);
+    setSign(m_ui->btn_start, Sign::find);
     fillChoices();
+    QSizePolicy policy = m_ui->bar_progress->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // nothing moves when a search begins
+    m_ui->bar_progress->setSizePolicy(policy);
     m_ui->table_found->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     connect(m_ui->btn_start, &QPushButton::clicked, this, &CameraFinderWindow::start);
     connect(m_ui->btn_stop, &QPushButton::clicked, this, &CameraFinderWindow::stop);
@@ -95,6 +100,7 @@ void CameraFinderWindow::showChoices() {
         m_ui->btn_stop->setEnabled(running && !m_search->stopped());
         m_ui->btn_use->setEnabled(!m_ui->table_found->selectedItems().isEmpty());
     });
+    m_ui->bar_progress->setVisible(running);
     const LinkFacts facts = m_owner.linkFacts();
     m_ui->label_scope->setText(
         linked ? tr("串口已打开，只查找 %1（波特率 %2）。").arg(facts.port).arg(facts.baudRate)
@@ -151,14 +157,12 @@ service::PortSearchObserver CameraFinderWindow::observer() {
         ++m_tried;
         showProgress();
     });
-    return {
-        [tried] { tried(0); },
-        reporter<service::FoundCamera>(this, [this](const auto& camera) { addFound(camera); }),
-        [failed = reporter<QString>(this, [this](const QString& text) { addFailure(text); })](
-            const std::string& port, const FailureText& failure) {
-            failed(
-                QStringLiteral("%1：%2 %3").arg(QString::fromStdString(port), failure.what, failure.advice));
-        }};
+    return {[tried] { tried(0); },
+            reporter<service::FoundCamera>(this, [this](const auto& camera) { addFound(camera); }),
+            [failed = reporter<QString>(this, [this](const QString& text) { addFailure(text); })](
+                const std::string& port, const FailureText& failure) {
+                failed(QStringLiteral("%1：%2").arg(QString::fromStdString(port), failure.inShort()));
+            }};
 }
 
 void CameraFinderWindow::startOnPorts(std::vector<service::FindPlan> plans) {

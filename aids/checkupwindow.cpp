@@ -2,6 +2,7 @@
 
 #include "late/late.h"
 #include "linkaccess/focuskeeper.h"
+#include "linkaccess/signs.h"
 #include "service/report.h"
 #include "service/reportwords.h"
 #include "ui_checkupwindow.h"
@@ -22,10 +23,9 @@ namespace {
 constexpr auto watchInterval = 100ms;
 constexpr std::string_view serialNumber = "serialNumber";
 
-QIcon iconOf(service::Verdict verdict, const QStyle* style) {
-    constexpr std::array icons{QStyle::SP_DialogApplyButton, QStyle::SP_MessageBoxWarning,
-                               QStyle::SP_MessageBoxCritical};
-    return style->standardIcon(icons.at(static_cast<std::size_t>(verdict)));
+QIcon iconOf(service::Verdict verdict) {
+    constexpr std::array signs{Sign::success, Sign::warning, Sign::failure};
+    return signIcon(signs.at(static_cast<std::size_t>(verdict)));
 }
 
 /// Appends a row of texts and returns its number.
@@ -57,6 +57,7 @@ CheckupWindow::CheckupWindow(LinkOwner& owner, service::Visit& visit, QWidget* p
     : QWidget(parent), ClientBorrower(this, client), m_owner(owner), m_visit(visit),
       m_ui(std::make_unique<Ui::CheckupWindow>()) {
     m_ui->setupUi(this);
+    setSign(m_ui->btn_start, Sign::check);
     m_ui->btn_print->setVisible(late::canPrint());
     QHeaderView* const header = m_ui->table_lines->horizontalHeader();
     header->setSectionResizeMode(QHeaderView::Stretch);
@@ -174,7 +175,7 @@ void CheckupWindow::showControls() {
 void CheckupWindow::addLine(const QString& title, const service::ReadValue& value) {
     QTableWidget* const table = m_ui->table_lines;
     const int row = addRow(table, {title, value.text, service::verdictWithReason(value)});
-    table->item(row, 2)->setIcon(iconOf(value.verdict, style()));
+    table->item(row, 2)->setIcon(iconOf(value.verdict));
     table->resizeRowToContents(row);
     table->scrollToBottom();
 }
@@ -194,7 +195,7 @@ void CheckupWindow::showCheckup(const service::Checkup& checkup) {
 
 void CheckupWindow::showVerdict(const service::Checkup& checkup) {
     const int size = style()->pixelMetric(QStyle::PM_LargeIconSize, nullptr, this);
-    m_ui->label_icon->setPixmap(iconOf(checkup.verdict(), style()).pixmap(size));
+    m_ui->label_icon->setPixmap(iconOf(checkup.verdict()).pixmap({size, size}, devicePixelRatioF()));
     m_ui->label_verdict->setText(service::verdictLine(checkup));
 }
 
@@ -213,7 +214,7 @@ void CheckupWindow::showVisit() {
         const int row = addRow(m_ui->table_visit,
                                {checkup.at.toString(QStringLiteral("HH:mm:ss")), checkup.textOf(serialNumber),
                                 service::verdictWords(checkup.verdict())});
-        m_ui->table_visit->item(row, 2)->setIcon(iconOf(checkup.verdict(), style()));
+        m_ui->table_visit->item(row, 2)->setIcon(iconOf(checkup.verdict()));
     }
     m_ui->label_visit->setText(tr("本次服务：%1 台").arg(m_visit.checkups().size()));
 }

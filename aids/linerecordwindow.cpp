@@ -239,9 +239,10 @@ void LineRecordWindow::enableButtons() {
     m_ui->cb_follow->setEnabled(m_file.isEmpty());
 }
 
-void LineRecordWindow::tell(const QString& text) {
+void LineRecordWindow::tell(const QString& text, const QString& details) {
     auto* const box = new QMessageBox(QMessageBox::Warning, tr("通信记录"), text, QMessageBox::Ok, this);
     box->setTextFormat(Qt::PlainText);
+    box->setDetailedText(details);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }
@@ -292,7 +293,7 @@ void LineRecordWindow::save(const QString& path) {
         });
     }
     if (!opened || !file.commit())
-        tell(tr("没有保存，请换一个文件夹：%1").arg(file.errorString()));
+        tell(tr("没有保存，请换一个文件夹"), path + QLatin1Char('\n') + file.errorString());
     else
         showSaved(path);
 }
@@ -314,7 +315,7 @@ void LineRecordWindow::chooseRecording() {
 void LineRecordWindow::openRecording(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        tell(tr("文件无法读取，请重新选择：%1").arg(file.errorString()));
+        tell(tr("文件无法读取，请重新选择"), path + QLatin1Char('\n') + file.errorString());
         return;
     }
     std::shared_ptr<service::LineLog> log;
@@ -322,7 +323,7 @@ void LineRecordWindow::openRecording(const QString& path) {
         std::istringstream text(file.readAll().toStdString());
         log = std::make_shared<service::LineLog>(trace::readRecording(text));
     } catch (...) {
-        tell(tr("这不是完整的录制文件，请重新选择（%1）").arg(QString::fromStdString(exceptionText())));
+        tell(tr("这不是完整的录制文件，请重新选择"), QString::fromStdString(exceptionText()));
         return;
     }
     m_file = path;

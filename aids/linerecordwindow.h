@@ -46,7 +46,7 @@ private:
     void chooseRecording();
     void openRecording(const QString& path);
     void showLive();
-    void tell(const QString& text);
+    void tell(const QString& text, const QString& details);
 
     std::unique_ptr<Ui::LineRecordWindow> m_ui;
     LineWatch* m_watch;

@@ -5,6 +5,8 @@
 #include <QDebug>
 #include <QTimer>
 
+#include <algorithm>
+
 Application::Application(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
     setWindowIcon(programIcon());
     // Desktops find the program's entry and icon by this name.
@@ -27,14 +29,13 @@ bool Application::notify(QObject* receiver, QEvent* event) {
 
 void Application::report(const std::exception_ptr& failure) {
     const FailureText text = failureText(failure);
-    qDebug() << text.what;
-    emit failureReported(text.what + QLatin1Char(' ') + text.advice);
+    qDebug() << text.what + text.details;
+    emit failureReported(text.inShort());
 
-    const QString message = text.what + QStringLiteral("\n\n") + text.advice;
-    const bool alreadyTold = m_failures.contains(message) || (m_box != nullptr && m_box->text() == message);
-    if (alreadyTold)
+    const auto isSame = [full = text.inFull()](const FailureText& other) { return other.inFull() == full; };
+    if (std::any_of(m_failures.begin(), m_failures.end(), isSame) || (m_box != nullptr && isSame(m_shown)))
         return;
-    m_failures.enqueue(message);
+    m_failures.enqueue(text);
     // After the failed handler and its callers have returned.
     QTimer::singleShot(0, this, &Application::showNextFailure);
 }
@@ -42,8 +43,10 @@ void Application::report(const std::exception_ptr& failure) {
 void Application::showNextFailure() {
     if (m_box != nullptr || m_failures.isEmpty())
         return;
-    m_box = new QMessageBox(QMessageBox::Warning, tr("操作失败"), m_failures.dequeue(), QMessageBox::Ok,
+    m_shown = m_failures.dequeue();
+    m_box = new QMessageBox(QMessageBox::Warning, tr("操作失败"), m_shown.inShort(), QMessageBox::Ok,
                             activeWindow());
+    m_box->setDetailedText(m_shown.details);
     m_box->setAttribute(Qt::WA_DeleteOnClose);
     connect(m_box, &QObject::destroyed, this, &Application::showNextFailure, Qt::QueuedConnection);
     m_box->open();

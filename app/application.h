@@ -29,6 +29,7 @@ private:
 
     QtTexts m_qtTexts;
     // One box at a time, without an event loop of its own; the others wait.
-    QQueue<QString> m_failures;
+    QQueue<FailureText> m_failures;
+    FailureText m_shown; ///< in the box
     QPointer<QMessageBox> m_box;
 };

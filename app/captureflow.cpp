@@ -199,9 +199,9 @@ void CaptureFlow::findPicture(const Path& path, const SharedCapture& capture) {
 void CaptureFlow::endDownload(const SharedCapture& capture, const CommandReport& report) {
     UseOutcome outcome{report};
     if (report.end == CommandEnd::done && !showPicture(capture->id))
-        outcome.text = tr("图片已下载，但数据错误，无法显示");
+        outcome.text = tr("图片已下载，但数据错误，无法显示，请再拍一次");
     else if (report.end == CommandEnd::done && !capture->taken)
-        outcome.text = tr("拍照没有成功，显示的是以前的图片");
+        outcome.text = tr("拍照没有成功，显示的是以前的图片，请再拍一次");
     else if (!report.succeeded())
         outcome.text = tr("图片没有下载（%1）").arg(reportWords(report));
     tellEnd(capture, outcome);

@@ -18,6 +18,7 @@
 #include "dialogs/setsn.h"
 #include "linkaccess/cameratext.h"
 #include "linkaccess/focuskeeper.h"
+#include "linkaccess/signs.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
 #include "ui_mainwindow.h"
@@ -51,6 +52,7 @@ MainWindow::MainWindow(QWidget* parent, Clock& clock)
       m_ui(std::make_unique<Ui::MainWindow>()) {
     m_ui->setupUi(this);
     applyPanelStyle(m_ui->centralwidget);
+    signControls();
     levelControls();
     setWindowTitle(tr("摄像头测试-Tessaly v(%1)").arg(toolVersion));
     // A lamp, not a control; accessibility tools still read it.
@@ -74,6 +76,7 @@ MainWindow::MainWindow(QWidget* parent, Clock& clock)
     applyPortRule();
     showPaths();
     showLink();
+    giveKeys(this);
     pressButtonsByEnter(this);
     m_ui->btn_open->setFocus();
     QTimer::singleShot(m_clock.timerInterval(finishStartDelay), this, &MainWindow::finishStart);
@@ -110,6 +113,14 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 // --- construction ------------------------------------------------------------------------------------------
+
+void MainWindow::signControls() {
+    setSign(m_ui->btn_open, Sign::open);
+    setSign(m_ui->btn_heartbeat, Sign::heartbeat);
+    setSign(m_ui->btn_takepic, Sign::picture);
+    for (QPushButton* const button : {m_ui->btn_appupdate, m_ui->btn_firewareupdate, m_ui->btn_modelupdate})
+        setSign(button, Sign::upload);
+}
 
 void MainWindow::levelControls() {
     std::vector<QWidget*> controls{m_ui->label_slaveinfo, m_ui->label_modelinfo, m_ui->et_modelname,
@@ -319,6 +330,7 @@ void MainWindow::openLink() {
     m_adapter = AdapterTrack(port, m_ui->sel_ports->ports());
     lendClient(m_camera.get());
     m_ui->btn_open->setText(tr("关闭串口"));
+    setSign(m_ui->btn_open, Sign::close);
     freeExchange();
     leaveCloseButton();
     showLink();
@@ -330,6 +342,7 @@ void MainWindow::closeLink() {
         return;
     showCameraText(m_ui->tv_appversion, {});
     m_ui->btn_open->setText(tr("打开串口"));
+    setSign(m_ui->btn_open, Sign::open);
     lendClient(nullptr);
     m_camera->requestStop();
     m_camera->waitUntilUnused();

@@ -59,6 +59,8 @@ protected:
 
 private:
     // --- construction (mainwindow.cpp) ---
+    /// One sign for the main action of each panel.
+    void signControls();
     /// Gives all controls one height and the versions their room, whatever the system's font.
     void levelControls();
     void fillChoices();
@@ -183,6 +185,8 @@ private:
     /// Button, path and texts of one kind of upload.
     FileChoice fileChoice(ImageKind kind);
     void chooseFile(ImageKind kind);
+    /// The path button of the panel, or of the firmware, that has the focus; else of the application.
+    void chooseFocusedFile();
     /// An empty path keeps the file of before.
     void takeFile(ImageKind kind, const QString& chosen);
     void startAppUpdate();
@@ -271,6 +275,7 @@ Window* MainWindow::openWindow(Arguments&&... arguments) {
         m_windows.add(window, nullptr);
     }
     closeByEscape(window);
+    giveKeys(window);
     pressButtonsByEnter(window);
     window->show();
     return window;

@@ -13,13 +13,17 @@ void MainWindow::connectAids() {
     m_ui->statusbar->addPermanentWidget(mark);
     m_lineWatch = new LineWatch(m_clock, mark, this);
     auto* const menu = new MoreMenu(m_ui->statusbar);
-    menu->addEntry("actionFindCamera", tr("查找摄像头"), this, &MainWindow::findCamera);
+    menu->addEntry("actionFindCamera", Sign::find, tr("查找摄像头"), this, &MainWindow::findCamera,
+                   Qt::Key_F6);
     connect(m_statusLine.get(), &StatusLine::searchWanted, this, &MainWindow::findCamera);
-    menu->addEntry("actionCheckup", tr("一键检查"), this,
-                   [this] { openOnce<CheckupWindow>(*this, m_visit, this, client()); });
-    menu->addEntry("actionLineRecord", tr("通信记录"), this,
-                   [this] { openOnce<LineRecordWindow>(this, m_lineWatch); });
-    menu->addEntry("actionManual", tr("使用手册"), this, &MainWindow::showManual, QKeySequence::HelpContents);
+    menu->addEntry(
+        "actionCheckup", Sign::check, tr("一键检查"), this,
+        [this] { openOnce<CheckupWindow>(*this, m_visit, this, client()); }, Qt::Key_F7);
+    menu->addEntry(
+        "actionLineRecord", Sign::log, tr("通信记录"), this,
+        [this] { openOnce<LineRecordWindow>(this, m_lineWatch); }, Qt::Key_F8);
+    menu->addEntry("actionManual", Sign::none, tr("使用手册"), this, &MainWindow::showManual,
+                   QKeySequence::HelpContents);
 }
 
 void MainWindow::findCamera() {

@@ -133,7 +133,7 @@ void MainWindow::queryQuentaVersion() {
     const QString version = versionOf(document.object());
     showCameraText(m_ui->tv_appversion, tr("APP版本:") + version);
     if (version.isEmpty())
-        m_statusLine->showOutcome(tr("读取版本号：应答里没有版本号"));
+        m_statusLine->showOutcome(tr("读取版本号：应答里没有版本号，请检查摄像头类型"));
 }
 
 void MainWindow::queryModelInfo() {
@@ -153,7 +153,7 @@ void MainWindow::testGyro() {
     const std::string text(answer.begin(), answer.end());
     const bool passed = text == gyro::passed;
     if (!passed && !text.empty())
-        m_statusLine->showOutcome(tr("测试陀螺仪：没有通过"));
+        m_statusLine->showOutcome(tr("测试陀螺仪：没有通过，请放稳摄像头后重试"));
     QMessageBox box(QMessageBox::Information, QString(),
                     passed ? tr("陀螺仪测试成功")
                            : tr("陀螺仪测试失败:") + shortened(cameraText(text), longestBoxText),

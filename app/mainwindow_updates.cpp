@@ -18,6 +18,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QShortcut>
 #include <QStatusBar>
 
 #include <chrono>
@@ -59,6 +60,8 @@ void MainWindow::connectUpdates() {
     m_lineWait = new LineWait(this);
     for (const ImageKind kind : allImageKinds)
         connect(fileChoice(kind).button, &QPushButton::clicked, this, [this, kind] { chooseFile(kind); });
+    connect(new QShortcut(QKeySequence::Open, this), &QShortcut::activated, this,
+            &MainWindow::chooseFocusedFile);
     auto* const drop =
         new FileDrop(this, [this](ImageKind kind) { return fileChoice(kind).button->isEnabled(); });
     connect(drop, &FileDrop::chosen, this, &MainWindow::takeFile);
@@ -71,6 +74,16 @@ void MainWindow::connectUpdates() {
     connect(m_ui->btn_appupdate, &QPushButton::clicked, this, &MainWindow::startAppUpdate);
     connect(m_ui->btn_firewareupdate, &QPushButton::clicked, this, &MainWindow::startFirewareUpdate);
     connect(m_ui->btn_modelupdate, &QPushButton::clicked, this, &MainWindow::startModelUpdate);
+}
+
+void MainWindow::chooseFocusedFile() {
+    const QWidget* const focus = focusWidget();
+    if (m_ui->frame_7->isAncestorOf(focus))
+        m_ui->btn_modelpath->click();
+    else if (focus == m_ui->btn_firewarepath || focus == m_ui->btn_firewareupdate)
+        m_ui->btn_firewarepath->click();
+    else
+        m_ui->btn_apppath->click();
 }
 
 MainWindow::FileChoice MainWindow::fileChoice(ImageKind kind) {

@@ -1,6 +1,8 @@
 // The button "更多" of the status bar and its menu.
 #pragma once
 
+#include "linkaccess/signs.h"
+
 #include <QAction>
 #include <QMenu>
 #include <QPushButton>
@@ -16,9 +18,11 @@ public:
 
     /// Adds an entry that calls a member or function of the context. A shortcut works in every window.
     template <typename Context, typename Slot>
-    void addEntry(const char* name, const QString& text, Context* context, Slot slot,
+    void addEntry(const char* name, Sign sign, const QString& text, Context* context, Slot slot,
                   const QKeySequence& shortcut = {}) {
         QAction* const entry = m_menu.addAction(text);
+        if (sign != Sign::none)
+            entry->setIcon(signIcon(sign));
         entry->setObjectName(QLatin1String(name));
         entry->setShortcut(shortcut);
         entry->setShortcutContext(Qt::ApplicationShortcut);

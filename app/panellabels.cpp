@@ -7,37 +7,10 @@
 
 namespace {
 
-constexpr int textFlags = Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap;
 constexpr int leastPathLength = 12; // characters
 constexpr int lineGap = 3;          // Chinese letters are higher than a line of some fonts
 
 } // namespace
-
-// --- ValueLabel --------------------------------------------------------------------------------------------
-
-void ValueLabel::setOfPreviousCamera(bool previous) {
-    m_previous = previous;
-    update();
-}
-
-void ValueLabel::paintEvent(QPaintEvent* event) {
-    const bool hinting = text().isEmpty();
-    if (!hinting && !m_previous) {
-        QLabel::paintEvent(event);
-        return;
-    }
-    QPainter painter(this);
-    drawFrame(&painter);
-    const QPalette& colors = palette();
-    painter.setPen(hinting ? colors.color(QPalette::PlaceholderText)
-                           : colors.color(QPalette::Disabled, QPalette::WindowText));
-    const int vertical = static_cast<int>(alignment() & Qt::AlignVertical_Mask);
-    const QRect place = contentsRect().adjusted(indent(), indent(), 0, 0); // as Qt at the left and the top
-    painter.drawText(place, (textFlags & ~Qt::AlignVertical_Mask) | vertical,
-                     hinting ? property("hint").toString() : text());
-}
-
-// --- PathLabel ---------------------------------------------------------------------------------------------
 
 PathLabel::PathLabel(QWidget* parent) : QLabel(parent) {
     auto* const copy = new QAction(tr("复制路径"), this);

@@ -1,4 +1,4 @@
-// Keys that every window of the tool understands.
+// Keys that every window of the tool understands, and the keys of each window's controls.
 #pragma once
 
 class QWidget;
@@ -7,3 +7,6 @@ class QWidget;
 void pressButtonsByEnter(QWidget* window);
 /// Escape closes the window, as its close button does.
 void closeByEscape(QWidget* window);
+/// Gives buttons, fields and menus of the window their keys; tool tips and menu entries show them. The texts
+/// have no room for mnemonics. Call once, when the window has all its controls.
+void giveKeys(QWidget* window);

@@ -210,7 +210,7 @@ constexpr auto texts = std::to_array<language::Text>({
     {"通信", "Line"},
     {"拍照", "Picture"},
     {"报告文件的扩展名必须是 .html、.pdf、.json 或 .csv", "The report's extension must be .html, .pdf, .json or .csv"},
-    {"报告没有写入 %1：%2", "The report was not written to %1: %2"},
+    {"报告没有写入 %1，请换一个文件夹：%2", "The report was not written to %1; choose another folder: %2"},
     {"已发送", "sent"},
     {"没有图片", "no pictures"},
     {"没有应答，请检查接线、从机地址和波特率", "no answer; check wiring, slave address and rate"},

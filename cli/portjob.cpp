@@ -178,8 +178,7 @@ void endRecording(service::LineRecording* recording, Result& result) {
 }
 
 Result openingFailure() {
-    const FailureText text = failureText(std::current_exception());
-    return failure(ExitCode::portFailed, text.what + QLatin1Char(' ') + text.advice);
+    return failure(ExitCode::portFailed, failureText(std::current_exception()).inFull());
 }
 
 } // namespace cli

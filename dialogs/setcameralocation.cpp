@@ -1,5 +1,6 @@
 #include "dialogs/setcameralocation.h"
 
+#include "dialogs/outdated.h"
 #include "link/protocol/commands.h"
 #include "ui_setcameralocation.h"
 
@@ -53,6 +54,15 @@ SetCameraLocation::~SetCameraLocation() {
     qDebug() << "cameraLocationUi destroyed";
 }
 
+/// A new link may be to another camera.
+void SetCameraLocation::clientChanged() {
+    if (!m_read)
+        return;
+    for (QLabel* const label : {m_ui->label_1, m_ui->label_2, m_ui->label_3, m_ui->label_4})
+        setOutdated(label, true);
+    m_ui->view_horizon->setAttitude({});
+}
+
 void SetCameraLocation::refresh() {
     if (client() == nullptr)
         reportMissingClient();
@@ -83,11 +93,13 @@ void SetCameraLocation::showQuantities(const std::vector<Value>& values) {
                         {m_ui->label_2, tr("当前横滚角:")},
                         {m_ui->label_3, tr("当前偏航角:")},
                         {m_ui->label_4, tr("当前加速度:")}};
+    m_read = true;
     std::size_t next = 0;
     std::vector<std::optional<double>> angles;
     for (const auto& [label, prefix] : rows) {
         const auto value = loggedQuantityOf(values.at(next++));
         label->setText(prefix + (value ? QString::number(*value) : tr("不支持,获取失败")));
+        setOutdated(label, false);
         angles.push_back(degreesOf(value));
     }
     std::optional<Attitude> attitude;

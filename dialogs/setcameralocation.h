@@ -25,11 +25,13 @@ public:
     ~SetCameraLocation() override;
 
 private:
+    void clientChanged() override;
     void refresh();
     void fetch();
     void showQuantities(const std::vector<Value>& values);
 
     std::unique_ptr<Ui::SetCameraLocation> m_ui;
+    bool m_read = false;
     QTimer* m_timer;    // like the other windows' countdown, but never started here:
     int m_counter = 10; // nothing is written
 };

@@ -1,10 +1,10 @@
 #include "dialogs/setcapturedegree.h"
 
 #include "dialogs/lineedits.h"
+#include "dialogs/outdated.h"
 #include "ui_capturedegree.h"
 
 #include <QDebug>
-#include <QStyle>
 #include <QTimer>
 
 #include <array>
@@ -24,14 +24,6 @@ std::uint8_t lowByte(int value) {
     return static_cast<std::uint8_t>(value);
 }
 
-/// Greys what an earlier read showed; the user's own choice counts again.
-void setOutdated(QWidget* control, bool outdated) {
-    control->setProperty("outdated", outdated);
-    control->setToolTip(outdated ? SetCaptureDegree::tr("没有读到，不是摄像头现在的值") : QString());
-    control->style()->unpolish(control);
-    control->style()->polish(control);
-}
-
 } // namespace
 
 SetCaptureDegree::SetCaptureDegree(QWidget* parent, CameraSp* client)
@@ -49,7 +41,7 @@ SetCaptureDegree::SetCaptureDegree(QWidget* parent, CameraSp* client)
     connect(m_ui->btn_get1, &QPushButton::clicked, this, [this] { doGetInfo(false, anglesItem); });
     connect(m_ui->btn_get2, &QPushButton::clicked, this, [this] { doGetInfo(false, directionItem); });
     connect(m_ui->btn_get3, &QPushButton::clicked, this, [this] { doGetInfo(false, gyroItem); });
-    const auto isChosen = [this] {
+    const auto isChosen = [this] { // the user's own choice counts again
         setOutdated(m_ui->rb_closewise, false);
         setOutdated(m_ui->rb_anticlosewise, false);
     };

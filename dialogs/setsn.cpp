@@ -25,6 +25,7 @@ SetSN::SetSN(QWidget* parent, CameraSp* client)
     m_ui->setupUi(this);
     setWindowTitle(tr("SN设置窗口"));
     m_ui->et_setsn2->setVisible(false);
+    m_ui->et_setsn->setMinimumHeight(m_ui->et_setsn->fontMetrics().height()); // for the hint
     // A number of the camera's own length is shown on one line; a longer one does not stretch the window.
     m_ui->label_setsn->setMinimumWidth(
         m_ui->label_setsn->fontMetrics().horizontalAdvance(tr("当前序列号:  ") + QString(snDigits, u'0')));

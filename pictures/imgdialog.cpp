@@ -91,9 +91,8 @@ void ImgDialog::save(const QByteArray& file, const QString& path) {
     if (target.open(QIODevice::WriteOnly) && target.write(file) == file.size() && target.commit())
         return;
     auto* const box = new QMessageBox(QMessageBox::Warning, tr("保存图片"),
-                                      tr("图片没有保存，请换一个文件夹：%1").arg(target.errorString()),
-                                      QMessageBox::Ok, this);
-    box->setTextFormat(Qt::PlainText);
+                                      tr("图片没有保存，请换一个文件夹"), QMessageBox::Ok, this);
+    box->setDetailedText(path + QLatin1Char('\n') + target.errorString());
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }

@@ -20,7 +20,9 @@ struct PictureGeneration {
     const char* windowTitle; ///< translated as above
     const char* captureButtonName;
     std::span<const Column> columns;
-    int sizeColumn; ///< which column holds the file size
+    int timeColumn;
+    int sizeColumn;
+    unsigned allPictures; ///< id that deletes all pictures
 
     protocol::RecordForm record;
     bool (CameraSp::*capture)();

@@ -3,8 +3,10 @@
 #include "pictures/listcolumns.h"
 
 #include <QAbstractItemView>
+#include <QDateTime>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
 
 namespace {
 constexpr int rowHeight = 24; // pixels
@@ -41,9 +43,24 @@ bool PictureListDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
                                     const QStyleOptionViewItem& option, const QModelIndex& index) {
     int column = 0;
     for (const QRect& rect : columnRects(option.rect, m_generation.columns)) {
-        if (rect.contains(event->pos()))
-            return QStyledItemDelegate::helpEvent(event, view, option, index.siblingAtColumn(column));
+        if (rect.contains(event->pos())) {
+            const QModelIndex cell = index.siblingAtColumn(column);
+            const bool isTime = event->type() == QEvent::ToolTip && column == m_generation.timeColumn;
+            return (isTime && showTime(event->globalPos(), view, cell)) ||
+                   QStyledItemDelegate::helpEvent(event, view, option, cell);
+        }
         ++column;
     }
     return QStyledItemDelegate::helpEvent(event, view, option, index);
+}
+
+bool PictureListDelegate::showTime(QPoint globalPosition, QAbstractItemView* view, const QModelIndex& cell) {
+    const qint64 seconds = cell.data(Qt::DisplayRole).toString().toLongLong();
+    if (seconds == 0)
+        return false; // a camera without a clock
+    const QString time = QDateTime::fromSecsSinceEpoch(seconds).toString(u"yyyy-MM-dd HH:mm:ss");
+    const QString item = cell.data(Qt::ToolTipRole).toString();
+    QToolTip::showText(globalPosition, item + QLatin1Char('\n') + tr("按秒数换算：%1").arg(time),
+                       view->viewport());
+    return true;
 }

@@ -13,7 +13,7 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
-    /// The tool tip is that of the column under the mouse.
+    /// The tool tip is that of the column under the mouse; a time is also shown as date and time of day.
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
 
@@ -21,5 +21,8 @@ protected:
     PictureListDelegate(const PictureGeneration& generation, QObject* parent);
 
 private:
+    /// No unit is known; the cameras' times look like seconds since 1970. False without a time.
+    static bool showTime(QPoint globalPosition, QAbstractItemView* view, const QModelIndex& cell);
+
     const PictureGeneration& m_generation;
 };

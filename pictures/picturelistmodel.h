@@ -5,8 +5,8 @@
 
 #include <QAbstractTableModel>
 
-/// One row per picture, its cells as text; made once when the row comes in. Base of the two generations'
-/// models.
+/// One row per picture, its cells as text; made once when the row comes in. Rows come in the camera's order,
+/// unless sorted. Base of the two generations' models.
 class PictureListModel : public QAbstractTableModel {
     Q_OBJECT
 
@@ -21,6 +21,9 @@ public:
     void appendPictures(const std::vector<protocol::RecordBytes>& records);
     bool removeRows(int row, int count, const QModelIndex& parent = {}) override;
     void clear();
+    /// By numbers where the cells are numbers; rows that come later are sorted too. Column -1 restores the
+    /// camera's order.
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
     /// Cells of a row; empty for a row that is not there.
     [[nodiscard]] QStringList rowTexts(int row) const;
@@ -42,6 +45,17 @@ protected:
     [[nodiscard]] QString cell(int row, int column) const;
 
 private:
+    struct Row {
+        QStringList cells;
+        int place = 0; ///< in the camera's order
+    };
+    void addRow(const QStringList& cells);
+    [[nodiscard]] std::vector<int> sortedRows() const;
+    void sortAgain();
+
     const PictureGeneration& m_generation;
-    std::vector<QStringList> m_rows;
+    std::vector<Row> m_rows;
+    int m_added = 0;       ///< rows since the list was empty
+    int m_sortColumn = -1; ///< -1: the camera's order
+    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
 };

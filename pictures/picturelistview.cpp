@@ -2,6 +2,12 @@
 
 #include <QPainter>
 
+QVariant PictureListView::inputMethodQuery(Qt::InputMethodQuery query) const {
+    if (query == Qt::ImCursorRectangle && currentIndex().isValid())
+        return visualRect(currentIndex()).intersected(viewport()->rect());
+    return QListView::inputMethodQuery(query);
+}
+
 void PictureListView::paintEvent(QPaintEvent* event) {
     QListView::paintEvent(event);
     if (model() == nullptr || model()->rowCount() > 0)

@@ -4,12 +4,16 @@
 #include <QCoreApplication>
 #include <QListView>
 
-/// Says what to do while it is empty. It stays of Qt's class for screen readers.
+/// Says what to do while it is empty; its menu opens at the current row when a key asks for it. It stays of
+/// Qt's class for screen readers.
 class PictureListView final : public QListView {
     Q_DECLARE_TR_FUNCTIONS(PictureListView)
 
 public:
     using QListView::QListView;
+
+    /// Qt opens a menu asked for by a key at the middle of the "cursor rectangle".
+    [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -1,5 +1,6 @@
 #include "pictures/picturelistwindow.h"
 
+#include "linkaccess/signs.h"
 #include "pictures/imgdialog.h"
 #include "pictures/localpicture.h"
 #include "pictures/picturelistdelegate.h"
@@ -10,6 +11,8 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QShortcut>
+
+#include <algorithm>
 
 namespace {
 using namespace std::chrono_literals;
@@ -26,30 +29,49 @@ PictureListWindow::PictureListWindow(PictureListModel* model, PictureListDelegat
     const PictureGeneration& generation = m_model->generation();
     setWindowTitle(generation.translatedTitle());
     m_ui->btn_takepic->setObjectName(QLatin1String(generation.captureButtonName));
+    setSign(m_ui->btn_takepic, Sign::picture);
     m_model->setParent(this);
     delegate->setParent(this);
     m_ui->listview->setModel(m_model);
     m_ui->listview->setItemDelegate(delegate);
     m_ui->header->setUp(generation, m_ui->listview);
+    if (parent != nullptr && parent->property(generation.windowTitle).isValid())
+        resize(parent->property(generation.windowTitle).toSize());
 
     connect(m_ui->btn_refresh, &QPushButton::clicked, this, &PictureListWindow::refresh);
     connect(m_ui->btn_delete_all, &QPushButton::clicked, this, &PictureListWindow::deleteAll);
     connect(m_ui->btn_takepic, &QPushButton::clicked, this, &PictureListWindow::takePicture);
     connect(m_ui->listview, &QListView::customContextMenuRequested, this, &PictureListWindow::showMenu);
     connectList();
+    connectKeys();
     connectAll();
 }
 
-void PictureListWindow::connectList() {
-    connect(m_ui->listview, &QListView::doubleClicked, this, &PictureListWindow::viewChosen);
-    const auto onKey = [this](Qt::Key key, void (PictureListWindow::*action)()) {
+void PictureListWindow::closeEvent(QCloseEvent* event) {
+    if (parentWidget() != nullptr)
+        parentWidget()->setProperty(m_model->generation().windowTitle, size());
+    QWidget::closeEvent(event);
+}
+
+void PictureListWindow::connectKeys() {
+    const auto onKey = [this](const QKeySequence& key, const auto& action) {
         auto* const shortcut = new QShortcut(key, m_ui->listview);
         shortcut->setContext(Qt::WidgetShortcut);
         connect(shortcut, &QShortcut::activated, this, action);
     };
     onKey(Qt::Key_Return, &PictureListWindow::viewChosen);
     onKey(Qt::Key_Enter, &PictureListWindow::viewChosen);
-    onKey(Qt::Key_Delete, &PictureListWindow::deleteChosen);
+    onKey(Qt::Key_Delete, [this] { askToDelete(chosen()); });
+    // The platform sends a menu event for the menu key, some also for this one, which then does not come.
+    onKey(Qt::SHIFT | Qt::Key_F10, &PictureListWindow::showMenuAtRow);
+    for (int column = 0; column < m_model->columnCount(); ++column) {
+        auto* const shortcut = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + column)), this);
+        connect(shortcut, &QShortcut::activated, this, [this, column] { m_ui->header->sortBy(column); });
+    }
+}
+
+void PictureListWindow::connectList() {
+    connect(m_ui->listview, &QListView::doubleClicked, this, &PictureListWindow::viewChosen);
     connect(m_model, &QAbstractItemModel::rowsInserted, this, &PictureListWindow::summarize);
     connect(m_model, &QAbstractItemModel::rowsRemoved, this, &PictureListWindow::summarize);
     connect(m_model, &QAbstractItemModel::modelReset, this, &PictureListWindow::summarize);
@@ -100,55 +122,96 @@ void PictureListWindow::takePicture() {
     box->open();
 }
 
-QModelIndex PictureListWindow::chosen() const {
-    return m_ui->listview->selectionModel()->selectedIndexes().value(0);
+std::vector<QPersistentModelIndex> PictureListWindow::chosen() const {
+    const QModelIndexList selected = m_ui->listview->selectionModel()->selectedIndexes();
+    std::vector<QPersistentModelIndex> rows(selected.begin(), selected.end());
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+QPersistentModelIndex PictureListWindow::chosenToView() const {
+    const auto* const selection = m_ui->listview->selectionModel();
+    const QModelIndex current = selection->currentIndex();
+    return selection->isSelected(current) ? current : selection->selectedIndexes().value(0);
 }
 
 void PictureListWindow::showMenu(const QPoint& position) {
     qDebug() << "pos:" << position;
-    if (!chosen().isValid())
+    const std::vector<QPersistentModelIndex> rows = chosen();
+    if (rows.empty())
         return;
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    const QPersistentModelIndex index(chosen());
-    connect(menu->addAction(tr("删除")), &QAction::triggered, this, [this, index] { deleteRow(index); });
-    connect(menu->addAction(tr("查看")), &QAction::triggered, this, [this, index] { viewRow(index); });
+    connect(menu->addAction(tr("删除")), &QAction::triggered, this, [this, rows] {
+        if (rows.size() == 1)
+            deleteRow(rows.front());
+        else
+            askToDelete(rows);
+    });
+    connect(menu->addAction(tr("查看")), &QAction::triggered, this,
+            [this, index = chosenToView()] { viewRow(index); });
     menu->popup(m_ui->listview->viewport()->mapToGlobal(position));
 }
 
-void PictureListWindow::deleteRow(const QPersistentModelIndex& index) {
-    if (!index.isValid() || !isEnabled())
-        return;
-    if (deletePicture(index.row()))
-        m_model->removeRow(index.row());
+void PictureListWindow::showMenuAtRow() {
+    showMenu(m_ui->listview->inputMethodQuery(Qt::ImCursorRectangle).toRect().center());
 }
 
-void PictureListWindow::deleteChosen() {
-    const QPersistentModelIndex index(chosen());
-    if (!index.isValid())
+// --- deletions ---------------------------------------------------------------------------------------------
+
+bool PictureListWindow::deleteRow(const QPersistentModelIndex& index) {
+    if (!index.isValid() || !isEnabled() || !deletePicture(index.row()))
+        return false;
+    m_model->removeRow(index.row());
+    return true;
+}
+
+void PictureListWindow::askToDelete(std::vector<QPersistentModelIndex> rows) {
+    std::erase_if(rows, [](const QPersistentModelIndex& index) { return !index.isValid(); });
+    if (rows.empty())
         return;
-    auto* const box = new QMessageBox(QMessageBox::Question, tr("删除图片"),
-                                      tr("要从摄像头删除图片 %1 吗？").arg(m_model->pictureId(index.row())),
-                                      QMessageBox::Yes | QMessageBox::No, this);
+    const unsigned first = m_model->pictureId(rows.front().row());
+    auto* const box =
+        new QMessageBox(QMessageBox::Question, tr("删除图片"),
+                        rows.size() == 1 ? tr("要从摄像头删除图片 %1 吗？").arg(first)
+                                         : tr("要从摄像头删除选中的 %1 张图片吗？").arg(rows.size()),
+                        QMessageBox::Yes | QMessageBox::No, this);
+    const unsigned all = m_model->generation().allPictures;
+    if (std::any_of(rows.begin(), rows.end(),
+                    [&](const QModelIndex& index) { return m_model->pictureId(index.row()) == all; }))
+        box->setInformativeText(tr("编号 %1 就是“全部”的编号：摄像头会删除全部图片").arg(all));
     box->setDefaultButton(QMessageBox::No);
     box->setAttribute(Qt::WA_DeleteOnClose);
-    connect(box, &QMessageBox::finished, this, [this, index](int answer) {
-        if (answer == QMessageBox::Yes)
-            deleteRow(index);
+    connect(box, &QMessageBox::finished, this, [this, rows](int answer) {
+        if (answer != QMessageBox::Yes)
+            return;
+        m_toDelete = rows;
+        deleteNext();
     });
     box->open();
 }
 
+void PictureListWindow::deleteNext() {
+    if (m_toDelete.empty())
+        return;
+    const QPersistentModelIndex index = m_toDelete.front();
+    m_toDelete.erase(m_toDelete.begin());
+    if (!deleteRow(index))
+        m_toDelete.clear();
+    else if (!m_toDelete.empty())
+        QTimer::singleShot(0, this, &PictureListWindow::deleteNext);
+}
+
+// --- views -------------------------------------------------------------------------------------------------
+
 void PictureListWindow::viewChosen() {
-    viewRow(chosen());
+    viewRow(chosenToView());
 }
 
 void PictureListWindow::viewRow(const QPersistentModelIndex& index) {
     if (index.isValid())
         viewIn(index.row(), std::make_shared<View>());
 }
-
-// --- views -------------------------------------------------------------------------------------------------
 
 void PictureListWindow::viewIn(int row, const std::shared_ptr<View>& view) {
     if (!isEnabled())
@@ -178,6 +241,7 @@ void PictureListWindow::openViewer(const std::shared_ptr<View>& view) {
     connect(m_model, &QAbstractItemModel::rowsInserted, view->dialog, enable);
     connect(m_model, &QAbstractItemModel::rowsRemoved, view->dialog, enable);
     connect(m_model, &QAbstractItemModel::modelReset, view->dialog, enable);
+    connect(m_model, &QAbstractItemModel::layoutChanged, view->dialog, enable);
 }
 
 int PictureListWindow::rowOf(const View& view) const {

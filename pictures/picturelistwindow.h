@@ -9,6 +9,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <vector>
 
 class ImgDialog;
 class PictureListDelegate;
@@ -20,8 +21,9 @@ namespace Ui {
 class PictureListWindow;
 }
 
-/// Lists, deletes, takes and views pictures. Base of the two generations' windows, which bring the commands
-/// whose arguments differ. A window of its own that deletes itself when it is closed.
+/// Lists, sorts, deletes, takes and views pictures. Base of the two generations' windows, which bring the
+/// commands whose arguments differ. A window of its own that deletes itself when it is closed; the parent
+/// remembers its size, and with it the widths of the columns, for the next one.
 ///
 /// User-interface thread only; every camera command blocks for one exchange, viewing for one download.
 /// No event loop runs inside a slot: menu and message box report back, so that the window may be closed, or
@@ -38,6 +40,7 @@ protected:
                       CameraSp* client);
 
     void clientChanged() override;
+    void closeEvent(QCloseEvent* event) override;
 
     virtual bool deleteAllPictures() = 0;
     virtual bool deletePicture(int row) = 0;
@@ -49,13 +52,20 @@ private:
     void deleteAll();
     void takePicture();
     void showMenu(const QPoint& position);
-    void deleteRow(const QPersistentModelIndex& index);
-    /// Asks before it deletes the chosen picture.
-    void deleteChosen();
+    void showMenuAtRow();
+    /// False if the camera did not delete it.
+    bool deleteRow(const QPersistentModelIndex& index);
+    /// Asks before it deletes.
+    void askToDelete(std::vector<QPersistentModelIndex> rows);
+    /// One after the other, with events in between, until one is not deleted.
+    void deleteNext();
     void viewChosen();
-    /// The chosen row; invalid without one.
-    [[nodiscard]] QModelIndex chosen() const;
+    /// From top to bottom.
+    [[nodiscard]] std::vector<QPersistentModelIndex> chosen() const;
+    /// The row of the keyboard if it is chosen, else the first chosen one; invalid without one.
+    [[nodiscard]] QPersistentModelIndex chosenToView() const;
     void connectList();
+    void connectKeys();
     void summarize();
     void viewRow(const QPersistentModelIndex& index);
 
@@ -92,5 +102,6 @@ private:
 
     std::unique_ptr<Ui::PictureListWindow> m_ui;
     PictureListModel* m_model;
+    std::vector<QPersistentModelIndex> m_toDelete;
     std::shared_ptr<PictureDownloadControl> m_download; ///< non-null while pictures come
 };

@@ -160,6 +160,7 @@ void PictureListWindow::showDownload(int count, int total, const QString& text) 
 
 /// Results of an earlier link do not come.
 void PictureListWindow::clientChanged() {
+    m_toDelete.clear();
     if (m_download == nullptr)
         return;
     stopDownload();

@@ -14,13 +14,13 @@ QString translated(const char* text) {
 }
 
 /// On Windows the library tells a missing port by its text, where the link has no error number for it.
-bool saysMissing(const QString& what) {
-    return what.contains(QLatin1String("does not exist"));
+bool saysMissing(const QString& details) {
+    return details.contains(QLatin1String("does not exist"));
 }
 
-QString adviceForPort(int errorNumber, const QString& what) {
+QString adviceForPort(int errorNumber, const QString& details) {
     if (errorNumber == ENOENT || errorNumber == ENODEV || errorNumber == ENXIO || errorNumber == EIO ||
-        saysMissing(what))
+        saysMissing(details))
         return translated("串口不存在或已拔出，请插好转接器，再选择串口重试。");
     if (errorNumber == EBUSY)
         return translated("串口正被其他程序占用，请关闭占用它的程序后重试。");
@@ -40,8 +40,8 @@ FailureText failureText(const std::exception_ptr& failure) {
     } catch (...) {
         words = describeException();
     }
-    const QString what = words.text ? systemText(*words.text) : translated("未知错误");
+    const QString details = words.text ? systemText(*words.text) : translated("未知错误");
     if (words.portError)
-        return {translated("打开串口失败：") + what, adviceForPort(*words.portError, what)};
-    return {translated("操作失败：") + what, translated("请关闭串口，重新打开后再试。")};
+        return {translated("打开串口失败："), details, adviceForPort(*words.portError, details)};
+    return {translated("操作失败："), details, translated("请关闭串口，重新打开后再试。")};
 }

@@ -276,7 +276,7 @@ QString writeReport(Checkups checkups, const QString& path) {
     const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size() &&
                          file.flush() && file.commit(); // commit does not see that flushing fails
     if (!written)
-        return pageText("报告没有写入 %1：%2").arg(path, file.errorString());
+        return pageText("报告没有写入 %1，请换一个文件夹：%2").arg(path, file.errorString());
     return {};
 }
 

@@ -233,8 +233,10 @@ TEST_F(Finder, ShowsProgressWhileItSearches) {
     ASSERT_TRUE(held.waitUntilHeld());
     EXPECT_TRUE(eventually([&] { return state(finder) == "已试 1 / 4 次，找到 0 台"; }))
         << state(finder).toStdString();
+    EXPECT_TRUE(find<QWidget>(finder, "bar_progress")->isVisible());
     held.release();
     ASSERT_TRUE(hasEnded(finder));
+    EXPECT_FALSE(find<QWidget>(finder, "bar_progress")->isVisible());
 }
 
 TEST_F(Finder, OpeningTheLinkEndsTheSearchFirst) {

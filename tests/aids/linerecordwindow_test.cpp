@@ -303,7 +303,8 @@ TEST_F(LineRecord, TellsThatItCannotSave) {
     const FileChooser chooser("/proc/line.rec");
     click(record, "btn_save");
     ASSERT_TRUE(boxes.waitFor(1));
-    EXPECT_TRUE(boxes.seen().at(0).text.startsWith("没有保存，请换一个文件夹"));
+    EXPECT_EQ(boxes.seen().at(0).text, "没有保存，请换一个文件夹");
+    EXPECT_FALSE(boxes.seen().at(0).details.isEmpty());
 }
 
 TEST_F(LineRecord, OpensARecordingAndReturnsToTheLine) {
@@ -347,7 +348,8 @@ TEST_F(LineRecord, TellsThatAFileIsNoRecording) {
     const FileChooser chooser(path);
     click(record, "btn_openfile");
     ASSERT_TRUE(boxes.waitFor(1));
-    EXPECT_TRUE(boxes.seen().at(0).text.startsWith("这不是完整的录制文件，请重新选择"));
+    EXPECT_EQ(boxes.seen().at(0).text, "这不是完整的录制文件，请重新选择");
+    EXPECT_FALSE(boxes.seen().at(0).details.isEmpty());
     EXPECT_EQ(record.windowTitle(), "通信记录");
 }
 

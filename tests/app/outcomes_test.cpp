@@ -125,7 +125,8 @@ TEST_F(Outcomes, RefusedCaptureReportsAnOlderPicture) {
     camera.willSend(0x09, 0, old);
     takePicture();
     EXPECT_TRUE(comesToSay("拍照：摄像头拒绝执行，请检查摄像头类型和设置值")) << status().toStdString();
-    EXPECT_TRUE(comesToSay("查找以前的图片：拍照没有成功，显示的是以前的图片")) << status().toStdString();
+    EXPECT_TRUE(comesToSay("查找以前的图片：拍照没有成功，显示的是以前的图片，请再拍一次"))
+        << status().toStdString();
     EXPECT_FALSE(find<QLabel>(*window, "label")->pixmap().isNull());
 }
 
@@ -162,7 +163,7 @@ TEST_F(Outcomes, CaptureReportsABrokenPicture) {
     camera.willList(0x07, {scripted::record(scripted::originRecord, 7, 5, 3)});
     camera.willSend(0x09, 0, {1, 2, 3});
     takePicture();
-    EXPECT_TRUE(comesToSay("拍照：图片已下载，但数据错误，无法显示")) << status().toStdString();
+    EXPECT_TRUE(comesToSay("拍照：图片已下载，但数据错误，无法显示，请再拍一次")) << status().toStdString();
 }
 
 TEST_F(Outcomes, CaptureIsDoneWhenANewPictureIsShown) {
@@ -262,7 +263,7 @@ TEST_F(Outcomes, OtherGyroAnswerIsNotDone) {
     BoxAnswerer box;
     camera.will(0x0F, {'2', 'f', 'a', 'i', 'l'});
     click(*window, "btn_gyro");
-    EXPECT_EQ(status(), "测试陀螺仪：没有通过");
+    EXPECT_EQ(status(), "测试陀螺仪：没有通过，请放稳摄像头后重试");
     ASSERT_EQ(box.seen().size(), 1U);
     EXPECT_EQ(box.seen().front().text, "陀螺仪测试失败:2fail");
 }

@@ -2,6 +2,7 @@
 #include "app/heartbeatlamp.h"
 #include "app/mainwindow.h"
 #include "app/panellabels.h"
+#include "linkaccess/valuelabel.h"
 #include "app/picturearea.h"
 #include "tests/support/answers.h"
 #include "tests/support/guitest.h"

@@ -214,3 +214,15 @@ TEST_P(SettingForm, NamesEveryControlOnTheTabOrder) {
             << name.toStdString() << " names two widgets";
     }
 }
+
+TEST(SerialNumberForm, SaysHowToGetANumber) {
+    SetSN window(nullptr, nullptr);
+    window.show();
+    QLabel* const number = part<QLabel>(&window, "et_setsn");
+    EXPECT_EQ(number->text(), "");
+    const QImage hint = number->grab().toImage();
+    number->setProperty("hint", QString());
+    EXPECT_NE(number->grab().toImage(), hint);
+    press(&window, "btn_gensn");
+    EXPECT_EQ(number->text().size(), 16);
+}

@@ -97,6 +97,25 @@ TEST_F(SetCameraLocationTest, ReadsAgainByTheRefreshButton) {
     EXPECT_EQ(textOf(window, "label_4"), "当前加速度:4");
 }
 
+TEST_F(SetCameraLocationTest, GreysTheValuesOfAnEarlierLink) {
+    m_camera.hold(16, {{1, 0, 0, 0}, {2, 0, 0, 0}, {3, 0, 0, 0}, {4, 0, 0, 0}});
+    const QWidget* const window = open<SetCameraLocation>();
+    settle();
+    const auto* const label = part<QLabel>(window, "label_4");
+    const QColor read = label->palette().color(QPalette::WindowText);
+    closeLink();
+    press(window, "btn_refresh");
+    EXPECT_EQ(label->text(), "当前加速度:4");
+    EXPECT_NE(label->palette().color(QPalette::WindowText), read);
+    EXPECT_FALSE(label->toolTip().isEmpty());
+    EXPECT_FALSE(part<Horizon>(window, "view_horizon")->attitude().has_value());
+    openLink("COM9");
+    press(window, "btn_refresh");
+    settle();
+    EXPECT_EQ(label->palette().color(QPalette::WindowText), read);
+    EXPECT_TRUE(label->toolTip().isEmpty());
+}
+
 TEST_F(SetCameraLocationTest, DrawsAnglesOfAtMostATurn) {
     m_camera.hold(16, {{45, 0, 0, 0}, {0xF6, 0xFF, 0xFF, 0xFF}, {90, 0, 0, 0}, {0, 0, 0, 9}});
     auto* const drawing = part<Horizon>(open<SetCameraLocation>(), "view_horizon");

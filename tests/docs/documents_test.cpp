@@ -67,9 +67,10 @@ std::set<fs::path> linkedFiles() {
     return files;
 }
 
-/// The pieces of a text between its place holders (%1), which the guide shows with values in them.
+/// The pieces of a text between its place holders (%1), which the guide shows with values in them, and its
+/// mnemonic.
 std::vector<std::string> fixedPieces(const std::string& text) {
-    static const std::regex placeHolder(R"(%\d|\\n)");
+    static const std::regex placeHolder(R"(%\d|\\n|\(&amp;[A-Z]\))");
     std::vector<std::string> pieces;
     for (std::sregex_token_iterator piece(text.begin(), text.end(), placeHolder, -1), end; piece != end;
          ++piece) {
@@ -152,6 +153,19 @@ TEST(UserGuide, KnowsEveryTextOfTheWindows) {
         }
     }
     EXPECT_GT(texts, 100U); // fewer: the texts were not found in the sources
+}
+
+TEST(UserGuide, HasTheKeysOfEveryWindow) {
+    const std::string guide = markdown::contentOf(markdown::sourceFolder() / userGuide);
+    const std::size_t begin = guide.find("\n## 键盘\n");
+    ASSERT_NE(begin, std::string::npos);
+    const std::string chapter = guide.substr(begin, guide.find("\n## ", begin + 1) - begin);
+    const std::string table = markdown::contentOf(markdown::sourceFolder() / "app/windowkeys.cpp");
+    static const std::regex row(R"re(\{"\w+", "[\w ]+", "(\S+)"\})re");
+    std::size_t keys = 0;
+    for (std::sregex_iterator match(table.begin(), table.end(), row), end; match != end; ++match, ++keys)
+        EXPECT_NE(chapter.find((*match)[1]), std::string::npos) << (*match)[1];
+    EXPECT_GT(keys, 30U);
 }
 
 TEST(UserGuide, ShowsAPictureInEachChapterOfAWindow) {

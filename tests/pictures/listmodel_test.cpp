@@ -134,6 +134,23 @@ TEST(PicListModel, NotifiesViewsOfEveryChange) {
     EXPECT_EQ(model.rowCount(), 0);
 }
 
+TEST(PicListV1Model, SortsActionsByDateAndGroup) {
+    PicListV1Model model;
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    for (const char* const action : {"20240131-10", "20240131-9", "9-200"})
+        model.appendRow({"1", action});
+    const QPersistentModelIndex last(model.index(2, 1));
+    model.sort(1);
+    EXPECT_EQ(model.index(0, 1).data(), "9-200");
+    EXPECT_EQ(model.index(1, 1).data(), "20240131-9");
+    EXPECT_EQ(last.row(), 0);
+    model.appendRow({"1", "20240131-1"});
+    EXPECT_EQ(model.index(1, 1).data(), "20240131-1");
+    model.sort(-1);
+    EXPECT_EQ(last.row(), 2);
+    EXPECT_EQ(model.index(3, 1).data(), "20240131-1");
+}
+
 TEST(PicListModel, RemovesOnlyRowsThatAreThere) {
     PicListModel model;
     model.appendRow({"1"});

@@ -7,6 +7,7 @@
 #include "pictures/piclistv1modeldelegate.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QHelpEvent>
 #include <QIdentityProxyModel>
 #include <QLabel>
@@ -154,8 +155,11 @@ TEST(PicListModelDelegate, ShowsTheToolTipOfTheColumnUnderTheMouse) {
     list.resize(620, 200);
     list.show();
     const int width = list.viewport()->width();
+    const QString time = QDateTime::fromSecsSinceEpoch(1700000000).toString("yyyy-MM-dd HH:mm:ss");
     const std::vector<std::pair<int, QString>> tips{
-        {width / 20, "项目:5"}, {width * 35 / 100, "项目:1700000000"}, {width * 9 / 10, "项目:abc"}};
+        {width / 20, "项目:5"},
+        {width * 35 / 100, "项目:1700000000\n按秒数换算：" + time},
+        {width * 9 / 10, "项目:abc"}};
     for (const auto& [x, tip] : tips) {
         const QPoint at(x, 10);
         QHelpEvent help(QEvent::ToolTip, at, list.viewport()->mapToGlobal(at));

@@ -105,7 +105,7 @@ TEST(Report, FileIsWritten) {
 
 TEST(Report, MissingFolderIsTold) {
     EXPECT_THAT(service::writeReport(checkup(), "no/such/a.csv").toStdString(),
-                HasSubstr("报告没有写入 no/such/a.csv"));
+                HasSubstr("报告没有写入 no/such/a.csv，请换一个文件夹"));
 }
 
 TEST(Report, SeveralAreOneDocument) {

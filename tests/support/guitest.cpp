@@ -123,9 +123,11 @@ void BoxAnswerer::answer() {
     if (box == nullptr)
         return;
     QStringList buttons;
-    for (QAbstractButton* const button : box->buttons())
-        buttons.append(QString::number(box->standardButton(button), 16));
-    m_seen.push_back({box->windowTitle(), box->text(), box->icon(), buttons});
+    for (QAbstractButton* const button : box->buttons()) {
+        if (box->standardButton(button) != QMessageBox::NoButton)
+            buttons.append(QString::number(box->standardButton(button), 16));
+    }
+    m_seen.push_back({box->windowTitle(), box->text(), box->icon(), buttons, box->detailedText()});
     QAbstractButton* chosen = box->button(static_cast<QMessageBox::StandardButton>(m_button));
     if (chosen == nullptr)
         chosen = box->button(QMessageBox::Ok);

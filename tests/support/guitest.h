@@ -73,7 +73,8 @@ struct SeenBox {
     QString title;
     QString text;
     int icon;
-    QStringList buttons;
+    QStringList buttons; ///< without that of the details
+    QString details;
 };
 
 /// Records each message box as long as it lives and presses the given button, or Ok if the box has no such

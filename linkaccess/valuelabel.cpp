@@ -1,0 +1,26 @@
+#include "linkaccess/valuelabel.h"
+
+#include <QPainter>
+
+void ValueLabel::setOfPreviousCamera(bool previous) {
+    m_previous = previous;
+    update();
+}
+
+void ValueLabel::paintEvent(QPaintEvent* event) {
+    const bool hinting = text().isEmpty();
+    if (!hinting && !m_previous) {
+        QLabel::paintEvent(event);
+        return;
+    }
+    QPainter painter(this);
+    drawFrame(&painter);
+    const QPalette& colors = palette();
+    painter.setPen(hinting ? colors.color(QPalette::PlaceholderText)
+                           : colors.color(QPalette::Disabled, QPalette::WindowText));
+    const int vertical = static_cast<int>(alignment() & Qt::AlignVertical_Mask);
+    const int gap = qMax(indent(), 0);
+    const QRect place = contentsRect().adjusted(gap, gap, 0, 0); // as Qt at the left and the top
+    painter.drawText(place, Qt::AlignLeft | Qt::TextWordWrap | vertical,
+                     hinting ? property("hint").toString() : text());
+}
