@@ -267,11 +267,14 @@ public slots:
 } // namespace
 
 TEST_F(Practice, ManualOpensByKeyAndButton) {
+    const QString guide = firstFile(manualPlaces(QCoreApplication::applicationDirPath()));
+    if (guide.isEmpty())
+        GTEST_SKIP() << "built outside of the sources";
     PageViewer viewer;
     QApplication::setActiveWindow(&window);
     QTest::keyClick(&window, Qt::Key_F1);
     click(window, "btn_manual");
-    EXPECT_EQ(viewer.shown, QStringList(2, firstFile(manualPlaces(QCoreApplication::applicationDirPath()))));
+    EXPECT_EQ(viewer.shown, QStringList(2, guide));
 }
 
 #include "practicewindow_test.moc"
