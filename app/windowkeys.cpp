@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Keys of controls. No key deletes all pictures, reboots the camera or resets it: one wrong key would.
+/// Keys of controls. Deleting all pictures, reboot and reset have none: a mistyped key is too easy.
 struct ControlKey {
     const char* window;   ///< class
     const char* controls; ///< object names of one or several, separated by blanks

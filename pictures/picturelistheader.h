@@ -21,7 +21,7 @@ public:
     /// Makes the labels; to be called once.
     void setUp(const PictureGeneration& generation, QAbstractItemView* list);
 
-    /// What a click on the label does: upwards, downwards, and at the third time the camera's order.
+    /// Sorts as a click on the label does: upwards, then downwards, then in the camera's order again.
     void sortBy(int column);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

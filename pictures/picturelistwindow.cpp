@@ -62,7 +62,7 @@ void PictureListWindow::connectKeys() {
     onKey(Qt::Key_Return, &PictureListWindow::viewChosen);
     onKey(Qt::Key_Enter, &PictureListWindow::viewChosen);
     onKey(Qt::Key_Delete, [this] { askToDelete(chosen()); });
-    // The platform sends a menu event for the menu key, some also for this one, which then does not come.
+    // The platform turns the menu key into a menu event; not all do so with this key.
     onKey(Qt::SHIFT | Qt::Key_F10, &PictureListWindow::showMenuAtRow);
     for (int column = 0; column < m_model->columnCount(); ++column) {
         auto* const shortcut = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + column)), this);
