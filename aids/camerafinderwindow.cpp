@@ -49,7 +49,7 @@ CameraFinderWindow::CameraFinderWindow(LinkOwner& owner, QWidget* parent, Camera
     QSizePolicy policy = m_ui->bar_progress->sizePolicy();
     policy.setRetainSizeWhenHidden(true); // nothing moves when a search begins
     m_ui->bar_progress->setSizePolicy(policy);
-    m_ui->table_found->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    m_ui->table_found->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     connect(m_ui->btn_start, &QPushButton::clicked, this, &CameraFinderWindow::start);
     connect(m_ui->btn_stop, &QPushButton::clicked, this, &CameraFinderWindow::stop);
     connect(m_ui->btn_use, &QPushButton::clicked, this, &CameraFinderWindow::use);

@@ -30,7 +30,7 @@ QString advice(service::RecentExchanges::Signal signal) {
 
 QualityMark::QualityMark(QWidget* parent) : QLabel(parent) {
     setObjectName(QStringLiteral("label_quality"));
-    setAccessibleName(tr("信号"));
+    setAccessibleDescription(tr("信号"));
     hide();
 }
 

@@ -1,8 +1,11 @@
 #include "app/application.h"
 
+#include "app/outlinestyle.h"
 #include "app/programicon.h"
+#include "app/readablecolors.h"
 
 #include <QDebug>
+#include <QStyle>
 #include <QTimer>
 
 #include <algorithm>
@@ -12,6 +15,15 @@ Application::Application(int& argumentCount, char** arguments) : QApplication(ar
     // Desktops find the program's entry and icon by this name.
     setDesktopFileName(QStringLiteral("shelf-camera-tool"));
     installTranslator(&m_qtTexts);
+    if (style()->name() == QLatin1String("fusion")) // a desktop's own style has its own borders
+        setStyle(new OutlineStyle);
+    deepenPaleTexts();
+}
+
+bool Application::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        deepenPaleTexts();
+    return QApplication::event(event);
 }
 
 Application::~Application() {

@@ -18,6 +18,7 @@ public:
     ~Application() override;
 
     bool notify(QObject* receiver, QEvent* event) override;
+    bool event(QEvent* event) override;
 
 signals:
     /// An exception left a handler; the text is one line.

@@ -3,11 +3,29 @@
 #include "linkaccess/clientborrower.h"
 #include "linkaccess/focuskeeper.h"
 
+#include <QScreen>
+
 #include <utility>
+
+namespace {
+
+constexpr int usualTextHeight = 20; // pixels, at most; the forms are drawn for it
+
+/// Larger texts get a larger window, as far as the screen allows.
+void fitToTexts(QWidget& window) {
+    const int height = window.fontMetrics().height();
+    if (height <= usualTextHeight)
+        return;
+    const QSize fitting = window.size() * (static_cast<double>(height) / usualTextHeight);
+    window.resize(fitting.boundedTo(window.screen()->availableSize()).expandedTo(window.size()));
+}
+
+} // namespace
 
 void OpenWindows::add(QWidget* window, ClientBorrower* borrower) {
     forgetDestroyed();
     m_entries.push_back({window, borrower});
+    fitToTexts(*window);
     if (borrower != nullptr)
         borrower->setExchangeAllowed(m_exchangeAllowed);
 }

@@ -1,5 +1,8 @@
 #include "app/panelstyle.h"
 
+#include "app/outlinestyle.h"
+
+#include <QApplication>
 #include <QPainter>
 #include <QStyleOption>
 #include <QWidget>
@@ -51,7 +54,7 @@ void drawFrame(const QString& look, const QStyleOption& option, QPainter* painte
     else if (look == QLatin1String("field"))
         drawBox(painter, option.rect, QPen(border), background, fieldRadius);
     else
-        drawBox(painter, option.rect, QPen(colors.color(QPalette::Midlight)), background, panelRadius);
+        drawBox(painter, option.rect, QPen(border), background, panelRadius);
 }
 
 QBrush buttonBackground(const QStyleOption& option) {
@@ -123,7 +126,8 @@ QSize PanelStyle::sizeFromContents(ContentsType type, const QStyleOption* option
 }
 
 void applyPanelStyle(QWidget* panels) {
-    auto* const style = new PanelStyle;
+    const bool outlined = qobject_cast<OutlineStyle*>(QApplication::style()) != nullptr;
+    auto* const style = new PanelStyle(outlined ? new OutlineStyle : nullptr);
     for (QWidget* const widget : panels->findChildren<QWidget*>())
         widget->setStyle(style);
     style->setParent(panels); // the last child outlives the others

@@ -8,6 +8,9 @@
 /// that says the same takes a twentieth of the program's start.
 class PanelStyle final : public QProxyStyle {
 public:
+    /// Takes the base; null is the desktop's style.
+    explicit PanelStyle(QStyle* base) : QProxyStyle(base) {}
+
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override;
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

@@ -62,6 +62,9 @@ PortChoice::PortChoice(QWidget* parent) : QComboBox(parent) {
         if (!m_isRefreshing)
             m_wanted = AdapterTrack(port, m_ports);
     });
+    // Large texts are cut, and on Linux screen readers take the port for the name.
+    connect(this, &QComboBox::currentTextChanged, this,
+            [this](const QString& port) { setToolTip(accessibleName() + QLatin1Char(' ') + port); });
     connect(this, &QComboBox::activated, this, &PortChoice::keepChoice);
 }
 

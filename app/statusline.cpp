@@ -25,8 +25,9 @@ StatusLine::StatusLine(QStatusBar* bar, const Clock& clock)
       m_searchLink(addLink("link_search", tr("查找摄像头"))),
       m_reopenLink(addLink("btn_reopen", tr("重新打开"))) {
     m_link->setObjectName(QStringLiteral("label_link"));
-    m_link->setAccessibleName(tr("连接"));
+    m_link->setAccessibleDescription(tr("连接"));
     m_bar->addPermanentWidget(m_link);
+    connect(m_bar, &QStatusBar::messageChanged, m_bar, &QWidget::setToolTip); // large texts are cut
     connect(m_searchLink, &QPushButton::clicked, this, &StatusLine::searchWanted);
     connect(m_reopenLink, &QPushButton::clicked, this, &StatusLine::reopeningWanted);
     m_tick.setInterval(tickInterval);

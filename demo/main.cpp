@@ -2,7 +2,9 @@
 #include "app/adapters.h"
 #include "app/application.h"
 #include "app/consoleoutput.h"
+#include "app/outlinestyle.h"
 #include "app/portchoice.h"
+#include "app/readablecolors.h"
 #include "demo/tour.h"
 
 #include <QComboBox>
@@ -63,14 +65,13 @@ std::shared_ptr<DemoCameras> makeCameras(const QString& cameraPort, const QStrin
 
 /// The palette of a dark desktop.
 void darken() {
-    Application::setStyle(QStringLiteral("Fusion"));
+    Application::setStyle(new OutlineStyle);
     const QColor ground(0x2b, 0x2b, 0x2b);
     QPalette palette(ground);
     palette.setColor(QPalette::Base, ground.darker(130));
-    for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, QColor(0x80, 0x80, 0x80));
     palette.setColor(QPalette::Highlight, QColor(0x2e, 0x7d, 0xd7));
     Application::setPalette(palette);
+    deepenPaleTexts();
 }
 
 /// Opens the link and saves the window once it has answered. False when it did not or cannot be saved.

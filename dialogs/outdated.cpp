@@ -9,6 +9,8 @@ void setOutdated(QWidget* value, bool outdated) {
     value->setToolTip(outdated
                           ? QCoreApplication::translate("SetCaptureDegree", "没有读到，不是摄像头现在的值")
                           : QString());
-    value->style()->unpolish(value);
-    value->style()->polish(value);
+    QPalette colors;
+    if (outdated)
+        colors.setColor(QPalette::WindowText, value->palette().color(QPalette::PlaceholderText));
+    value->setPalette(colors);
 }

@@ -1,10 +1,19 @@
 #include "linkaccess/valuelabel.h"
 
+#include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
 
 void ValueLabel::setOfPreviousCamera(bool previous) {
     m_previous = previous;
     update();
+}
+
+bool ValueLabel::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || heightForWidth(width()) <= height())
+        return QLabel::event(event);
+    QToolTip::showText(static_cast<const QHelpEvent*>(event)->globalPos(), text(), this);
+    return true;
 }
 
 void ValueLabel::paintEvent(QPaintEvent* event) {
@@ -16,8 +25,7 @@ void ValueLabel::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     drawFrame(&painter);
     const QPalette& colors = palette();
-    painter.setPen(hinting ? colors.color(QPalette::PlaceholderText)
-                           : colors.color(QPalette::Disabled, QPalette::WindowText));
+    painter.setPen(colors.color(QPalette::PlaceholderText));
     const int vertical = static_cast<int>(alignment() & Qt::AlignVertical_Mask);
     const int gap = qMax(indent(), 0);
     const QRect place = contentsRect().adjusted(gap, gap, 0, 0); // as Qt at the left and the top

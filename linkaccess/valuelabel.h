@@ -13,6 +13,8 @@ public:
     [[nodiscard]] bool isOfPreviousCamera() const { return m_previous; }
 
 protected:
+    /// Shows a text that has no room as tool tip.
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

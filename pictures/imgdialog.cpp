@@ -43,6 +43,7 @@ void ImgDialog::showLoaded() {
     QBuffer content(&m_file);
     QImageReader reader(&content);
     m_zoom.setPicture(m_file.isEmpty() ? QPixmap() : QPixmap::fromImageReader(&reader));
+    m_ui->label->setAccessibleName(m_zoom.picture().isNull() ? QString() : m_fileName);
     if (m_zoom.picture().isNull()) {
         m_ui->label->setText(tr("图片不存在或者图片数据错误"));
         m_ui->label->setMinimumSize(0, 0);

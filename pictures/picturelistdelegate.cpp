@@ -8,8 +8,11 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include <algorithm>
+
 namespace {
-constexpr int rowHeight = 24; // pixels
+constexpr int rowHeight = 24; // pixels, of texts that fit
+constexpr int lineGap = 4;    // Chinese letters are higher than a line of some fonts
 } // namespace
 
 PictureListDelegate::PictureListDelegate(const PictureGeneration& generation, QObject* parent)
@@ -36,7 +39,7 @@ void PictureListDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
 }
 
 QSize PictureListDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& /*index*/) const {
-    return {option.rect.width(), rowHeight};
+    return {option.rect.width(), std::max(rowHeight, option.fontMetrics.height() + lineGap)};
 }
 
 bool PictureListDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
