@@ -44,6 +44,7 @@ enum class Verb {
     factoryReset,
     door,
     check,
+    conform,
     batch,
     watch,
 };
@@ -55,7 +56,7 @@ struct Command {
     Verb verb = Verb::ports;
     QStringList words;               ///< as it was given, without the general options
     std::vector<std::string> values; ///< to set; empty: read
-    std::string file;                ///< written (capture, get, check) or read (upload, batch); UTF-8
+    std::string file;                ///< written (capture, get, check, conform) or read (upload, batch); UTF-8
     std::string folder;              ///< get-all
     std::uint16_t picture = 0;
     UploadKind kind = UploadKind::app;
@@ -63,6 +64,8 @@ struct Command {
     bool waits = true;
     bool opens = true; ///< door
     bool takesPicture = false;
+    int repeats = 20;       ///< conform: exchanges of each request
+    std::string uploadFile; ///< conform: application image; UTF-8
     std::vector<std::uint32_t> rates;
     std::vector<std::uint8_t> addresses;
     bool firstOnly = false;
