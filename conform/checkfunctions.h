@@ -11,7 +11,7 @@ namespace conform {
 /// The first answered exchange of this name, or the first; null without one.
 [[nodiscard]] const Exchange* exampleOf(const Evidence& evidence, std::string_view name);
 /// Payload of a complete answer; empty else.
-[[nodiscard]] Bytes payloadOf(const Exchange* exchange);
+[[nodiscard]] Bytes payloadIn(const Exchange* exchange);
 
 // framechecks.cpp
 /// The deviation in the answers of all requests that it concerns: a difference names them.

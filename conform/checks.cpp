@@ -155,7 +155,7 @@ const Exchange* exampleOf(const Evidence& evidence, std::string_view name) {
     return answered != all.end() ? *answered : all.empty() ? nullptr : all.front();
 }
 
-Bytes payloadOf(const Exchange* exchange) {
+Bytes payloadIn(const Exchange* exchange) {
     return exchange == nullptr ? Bytes() : inspect(*exchange).payload;
 }
 

@@ -43,7 +43,7 @@ std::optional<Catalogue> catalogueIn(const Evidence& evidence) {
     const protocol::RecordForm& form = isV1(evidence) ? protocol::v1RecordForm : protocol::originRecordForm;
     Catalogue catalogue;
     catalogue.exchange = exampleOf(evidence, catalogueName(evidence));
-    const Bytes payload = payloadOf(catalogue.exchange);
+    const Bytes payload = payloadIn(catalogue.exchange);
     if (payload.empty())
         return std::nullopt;
     catalogue.count = payload.front();
@@ -112,7 +112,7 @@ Finding refusalTo(const Evidence& evidence, std::string_view name) {
     const Exchange* const exchange = onlyOne(evidence, name);
     if (exchange == nullptr)
         return {};
-    const Bytes payload = payloadOf(exchange);
+    const Bytes payload = payloadIn(exchange);
     const bool refused =
         ByteView(payload).has(protocol::property_answer::result) &&
         ByteView(payload).get(protocol::property_answer::result) != protocol::answer_result::success;
@@ -197,7 +197,7 @@ Finding catalogueSize(const Evidence& evidence) {
     const auto catalogue = catalogueIn(evidence);
     if (catalogue && catalogue->wholeRecords)
         return goodFinding(exchange);
-    const std::string size = std::to_string(payloadOf(exchange).size());
+    const std::string size = std::to_string(payloadIn(exchange).size());
     Finding finding = differentFinding(exchange, size + " bytes");
     finding.profile.emplace_back("fault", "payload=" + size + '@' + std::string(catalogueName(evidence)));
     return finding;

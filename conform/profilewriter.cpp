@@ -58,7 +58,7 @@ void addValues(trace::Profile& profile, const Evidence& evidence) {
         const Exchange* const exchange = exampleOf(evidence, request.name);
         if (exchange == nullptr || !exchange->isAnswered())
             continue;
-        const Bytes payload = payloadOf(exchange);
+        const Bytes payload = payloadIn(exchange);
         const bool isProperty = request.family == Family::setting || request.family == Family::text;
         if (isProperty && ByteView(payload).has(protocol::property_answer::result))
             addAnswer(profile, request.name,

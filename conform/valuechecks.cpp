@@ -15,7 +15,7 @@ namespace fields = protocol::property_answer;
 std::vector<std::pair<const Exchange*, Bytes>> valuesOf(const Evidence& evidence, std::string_view name) {
     std::vector<std::pair<const Exchange*, Bytes>> values;
     for (const Exchange* const exchange : evidence.named(name)) {
-        const Bytes payload = payloadOf(exchange);
+        const Bytes payload = payloadIn(exchange);
         if (ByteView(payload).has(fields::result))
             values.emplace_back(exchange, ByteView(payload).range(fields::value, payload.size()).toBytes());
     }
@@ -61,7 +61,7 @@ std::vector<Quantity> orientationReads(const Evidence& evidence) {
     std::vector<Quantity> reads;
     const auto exchanges = evidence.named("getProperty:16");
     for (std::size_t i = 0; i < std::min(exchanges.size(), 3 * orientationRound); ++i) {
-        const Bytes payload = payloadOf(exchanges[i]);
+        const Bytes payload = payloadIn(exchanges[i]);
         if (!ByteView(payload).has(fields::result))
             return {};
         reads.push_back({exchanges[i], ByteView(payload).range(fields::value, payload.size()).toBytes()});
