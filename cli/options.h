@@ -56,8 +56,8 @@ struct Command {
     Verb verb = Verb::ports;
     QStringList words;               ///< as it was given, without the general options
     std::vector<std::string> values; ///< to set; empty: read
-    std::string file;                ///< written (capture, get, check, conform) or read (upload, batch); UTF-8
-    std::string folder;              ///< get-all
+    std::string file;   ///< written (capture, get, check, conform) or read (upload, batch); UTF-8
+    std::string folder; ///< get-all
     std::uint16_t picture = 0;
     UploadKind kind = UploadKind::app;
     std::string name; ///< of the image; empty: the file's

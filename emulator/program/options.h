@@ -13,8 +13,8 @@ struct Options {
     Action action = Action::serve;
     CameraSettings settings;
     std::optional<CameraProfile> profile; ///< its settings are in `settings`, its line in `line`
-    std::string device;     ///< empty: a new pseudo-terminal
-    bool baudGiven = false; ///< settings.baudRate is not the type's
+    std::string device;                   ///< empty: a new pseudo-terminal
+    bool baudGiven = false;               ///< settings.baudRate is not the type's
     std::string link;
     std::string pictureFolder;
     std::uint32_t bytesPerSecond = 0;
@@ -36,7 +36,8 @@ public:
     using std::invalid_argument::invalid_argument;
 };
 
-/// Arguments without the program's name. Throws OptionError, FaultError, LineTextError or trace::ProfileError.
+/// Arguments without the program's name. Throws OptionError, FaultError, LineTextError or
+/// trace::ProfileError.
 [[nodiscard]] Options parseOptions(const std::vector<std::string>& arguments);
 
 [[nodiscard]] std::string helpText();
