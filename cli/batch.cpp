@@ -1,13 +1,13 @@
 #include "cli/batch.h"
 
 #include "cli/batchstate.h"
+#include "cli/jobwords.h"
 #include "cli/portjob.h"
 #include "cli/program.h"
 #include "cli/system.h"
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QProcess>
 
 #include <algorithm>
 #include <map>
@@ -37,13 +37,6 @@ QByteArray readJobFile(const std::string& path) {
     return file.readAll();
 }
 
-std::vector<std::string> wordsOf(const QString& line) {
-    std::vector<std::string> words;
-    for (const QString& word : QProcess::splitCommand(line))
-        words.push_back(word.toStdString());
-    return words;
-}
-
 /// Empty lines and lines that begin with # hold no job. All lines are checked before the first job runs.
 JobLists jobsIn(const QByteArray& text, const Options& general) {
     JobLists lists;
@@ -54,7 +47,7 @@ JobLists jobsIn(const QByteArray& text, const Options& general) {
         if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
             continue;
         try {
-            BatchJob job{number, parseJob(wordsOf(line), general)};
+            BatchJob job{number, parseJob(jobWords(line), general)};
             lists[job.options.ports.front()].push_back(std::move(job));
         } catch (const UsageError& error) {
             throw UsageError(batchWords("任务文件第 %1 行：%2")

@@ -1,5 +1,6 @@
 #include "cli/commands.h"
 
+#include "cli/conform.h"
 #include "cli/pictures.h"
 #include "cli/uploads.h"
 #include "link/protocol/commands.h"
@@ -263,6 +264,8 @@ Result runCommand(const CommandContext& context) {
         return runDoor(context);
     case Verb::check:
         return runCheck(context);
+    case Verb::conform:
+        return runConform(context);
     default:
         break;
     }

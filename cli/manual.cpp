@@ -18,6 +18,8 @@ const std::vector<cli::ManualExample> examples{
      {"shelf-camera -p /dev/ttyUSB0 -t dorvel check --picture -o report.pdf"}},
     {"Check two cameras at once, for a script",
      {"shelf-camera -p /dev/ttyUSB0 -p /dev/ttyUSB1 --json check >checks.jsonl"}},
+    {"Examine a camera and make a virtual one that behaves so",
+     {"shelf-camera -t dorvel conform -o store7.profile"}},
     {"Write a setting and read it back", {"shelf-camera -y heater 40"}},
     {"Upload an application image and wait for the camera's return", {"shelf-camera -y upload app app.bin"}},
     {"Run a job file; after an interruption the same line continues",

@@ -86,6 +86,8 @@ void addFlag(CLI::App& app, const char* names, bool& field, const char* text) {
     app.add_flag(names, field, help(text))->disable_flag_override();
 }
 
+constexpr std::uint64_t mostRepeats = 1000;
+
 /// The commands share the table's one Command.
 class CommandTable {
 public:
@@ -236,6 +238,14 @@ private:
         CLI::App* const check = add("check", "读取全部可读的内容并判断，一份报告", Verb::check);
         addFile(*check, "-o,--output", "报告文件：.html、.pdf、.json 或 .csv", false);
         addFlag(*check, "--picture", m_command.takesPicture, "同时拍一张照片");
+        CLI::App* const conform = add("conform", "检验摄像头的应答，只用读取命令", Verb::conform);
+        addFile(*conform, "-o,--output", "配置档，虚拟摄像头可照此工作", false);
+        addFlag(*conform, "--with-pictures", m_command.takesPicture, "同时拍一张照片");
+        conform->add_option("--with-upload", m_command.uploadFile, help("同时升级应用，摄像头会重新启动"))
+            ->type_name("FILE");
+        addText(*conform, "--repeats", "N", "每个请求的次数，默认 20", [this](const std::string& text) {
+            m_command.repeats = static_cast<int>(checkedNumber(tr("次数"), text, 1, mostRepeats));
+        });
         CLI::App* const batch =
             add("batch", "执行文件里的任务，每行“PORT ADDRESS TYPE COMMAND...”，各串口并行", Verb::batch);
         addFile(*batch, "JOBS", "任务文件", true);
@@ -364,6 +374,8 @@ bool Command::isDestructive() const {
     case Verb::reboot:
     case Verb::factoryReset:
         return true;
+    case Verb::conform:
+        return !uploadFile.empty();
     default:
         return false;
     }

@@ -44,6 +44,7 @@ enum class Verb {
     factoryReset,
     door,
     check,
+    conform,
     batch,
     watch,
 };
@@ -55,14 +56,16 @@ struct Command {
     Verb verb = Verb::ports;
     QStringList words;               ///< as it was given, without the general options
     std::vector<std::string> values; ///< to set; empty: read
-    std::string file;                ///< written (capture, get, check) or read (upload, batch); UTF-8
-    std::string folder;              ///< get-all
+    std::string file;   ///< written (capture, get, check, conform) or read (upload, batch); UTF-8
+    std::string folder; ///< get-all
     std::uint16_t picture = 0;
     UploadKind kind = UploadKind::app;
     std::string name; ///< of the image; empty: the file's
     bool waits = true;
     bool opens = true; ///< door
     bool takesPicture = false;
+    int repeats = 20;       ///< conform: exchanges of each request
+    std::string uploadFile; ///< conform: application image; UTF-8
     std::vector<std::uint32_t> rates;
     std::vector<std::uint8_t> addresses;
     bool firstOnly = false;

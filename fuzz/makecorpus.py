@@ -138,5 +138,52 @@ def camera_corpus():
         write("camera", "json-" + name, bytes([3, 0, JSON, len(text)]) + text + bytes([SHORT_WAIT]))
 
 
+RECORDING = b"""camera line recording 1
+start -
+device -
+baud 9600
+offset 0
+serials kept
+"""
+RECORDED = b"""# remark
+ 6.678 tool AA 5A 01
+ 9.157 camera 33
+"""
+PROFILE = b"camera profile 1\ntype ostra\n"
+PROFILE_LINES = {
+    "delay": b"delay getSn 8 12 30\ndelay any 1 2 3\n",
+    "fault": b"# remark\nfault bad-check@getSn#2-4\nrest 20\n",
+    "line": b"line ftdi,bits=1e-5\nboot-bytes 4F4B\n",
+    "values": b"text getSn SHELF1\nvalue getProperty:15 1E\norientation 45 3 unknown 981\n",
+}
+JOB = b'/dev/ttyUSB0 1 ostra sn "SC 1"'
+
+
+def pure_corpora():
+    heartbeat = bytes([FRAME, 1, 1, 1, 0])
+    write("frames", "frame", bytes([0]) + heartbeat)
+    write("frames", "garbage-and-frame", bytes([1, 3]) + b"\xAA\x33\x01" + heartbeat * 2)
+    write("frames", "damaged-frame", bytes([0, 242, 2, 1, 1, 3, 9]) + heartbeat)
+    write("frames", "envelope", bytes([0, JSON, len(PROPERTY_QUERY)]) + PROPERTY_QUERY + heartbeat)
+    write("records", "two", b"\0\x02" + ORIGIN_RECORD * 2)
+    write("records", "v1", b"\x01\x01" + V1_RECORD)
+    write("records", "part", b"\0\x02" + ORIGIN_RECORD + b"\x06")
+    write("envelopes", "version", b"\x05" + b'{"result":0,"version":"1.0.3"}')
+    write("envelopes", "nested", b"\x05" + b'{"a":[1,2.5,null],"b":{"c":true}}')
+    write("envelopes", "picture", b"\x05" + b'{"result":0,"size":3}<<BINARY>>\xFF\xD8\xFF')
+    write("announcements", "image", bytes([2, 5]) + bytes(5) + bytes(range(16)) + b"\x03\0\0\0")
+    write("announcements", "model", bytes([3, 6, 1, 0]) + bytes(4) + bytes(range(16)) + b"\x03\0\0\0model")
+    write("recordings", "exchange", RECORDING + RECORDED)
+    write("recordings", "head", RECORDING)
+    for name, lines in PROFILE_LINES.items():
+        write("profiles", name, PROFILE + lines)
+    write("profiles", "other-version", b"camera profile 2\ntype ostra\n")
+    write("options", "job", b"\0" + JOB)
+    write("options", "fault", b"\0" + b"truncate=3@getSn#2")
+    write("options", "offset", b"\0" + b"offset=size+1@modelUpdate")
+    write("options", "line", b"\x01" + b"ftdi,latency=20,bits=1e-5")
+
+
 client_corpora()
+pure_corpora()
 camera_corpus()

@@ -64,6 +64,7 @@ public:
     void flush() { port().flush(); }
     void beginLowLatency() { port().beginLowLatency(); }
     std::size_t write(protocol::ByteView bytes) { return port().write(bytes); }
+    std::size_t read(protocol::Bytes& buffer, std::size_t count) { return port().read(buffer, count); }
     /// End of the current command; exchange() sets it.
     void setEnd(CommandEnd end) { m_end = end; }
     [[nodiscard]] CommandEnd end() const { return m_end; }

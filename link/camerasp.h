@@ -120,6 +120,17 @@ public:
     bool modelUpdate();
     bool appUpdateV1(const std::string& fileName, const std::string& path);
 
+    // --- examination of a camera -----------------------------------------------------------------------
+    /// Limits of a probe's reads.
+    struct ProbeWait {
+        std::chrono::milliseconds first;   ///< until the first byte
+        std::chrono::milliseconds partial; ///< behind a byte that completes no answer
+        std::chrono::milliseconds silence; ///< behind a complete one
+    };
+    /// Writes the bytes as they are, none if empty, and reads byte by byte until the line is silent:
+    /// observers get the time of each byte. Returns what came.
+    std::vector<std::uint8_t> probe(const std::vector<std::uint8_t>& request, const ProbeWait& wait);
+
     // --- the turn on the line --------------------------------------------------------------------------
     /// Keeps the line for several commands of the calling thread: LineUser::reading for one exchange of a
     /// sequence of background reads, LineUser::versions for a version query, LineUser::download for a picture

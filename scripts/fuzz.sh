@@ -2,14 +2,17 @@
 # Builds the fuzzers with clang and runs each for some seconds on its corpus; what one finds ends the script and
 # is left in out/fuzz. New inputs that reach new code are kept there too, not in the repository.
 # Usage: scripts/fuzz.sh [--fixed | --page] [SECONDS] [FUZZER]...
-#        20 s and all fuzzers (answers catalogues json transfer uploads camera) if not given
+#        20 s and all fuzzers (those of all_fuzzers) if not given
 #   --fixed  a number of runs instead of seconds, always the same ones, from the repository's corpus alone:
-#            some 10 s each
+#            some 10 s each, of the decoders alone less than one
 #   --page   writes out/fuzz/fuzzing.md from the runs
 . "$(dirname "$0")/lib.sh"
 
-all_fuzzers=(answers catalogues json transfer uploads camera)
+client_fuzzers=(answers catalogues json transfer uploads camera)
+pure_fuzzers=(frames records envelopes announcements recordings profiles options) # decoders alone
+all_fuzzers=("${client_fuzzers[@]}" "${pure_fuzzers[@]}")
 longest_input=4096
+longest_pure_input=128
 
 # What the fuzzers feed, and the runs of --fixed.
 declare -A subjects=(
@@ -19,8 +22,18 @@ declare -A subjects=(
   [transfer]="picture transfers"
   [uploads]="announcement answers and verdicts"
   [camera]="the virtual camera's request decoder"
+  [frames]="frames and envelopes in pieces"
+  [records]="catalogue records"
+  [envelopes]="the JSON envelope and its text"
+  [announcements]="announcements and their answers"
+  [recordings]="recordings"
+  [profiles]="profiles of cameras"
+  [options]="lines of job files, faults, bad lines"
 )
 declare -A fixed_runs=([answers]=20000 [catalogues]=16000 [json]=16000 [transfer]=16000 [uploads]=10000 [camera]=30000)
+for name in "${pure_fuzzers[@]}"; do
+  fixed_runs[$name]=10000
+done
 
 build_fuzzers() {
   local options=()
@@ -41,7 +54,10 @@ build_fuzzers() {
 # run_fuzzer NAME LIMIT: LIMIT is libFuzzer's option that ends the run. Prints "NAME executions seconds MB".
 run_fuzzer() {
   local name=$1 limit=$2 output=$project_root/out/fuzz/$1 start=$EPOCHREALTIME
-  local kept=$output/new
+  local kept=$output/new longest=$longest_input
+  if [[ " ${pure_fuzzers[*]} " == *" $name "* ]]; then
+    longest=$longest_pure_input
+  fi
   local launcher=(nice) options=()
   if [ "$fixed" = yes ]; then
     # What earlier runs have found, random addresses and looking for news by the clock would change this one.
@@ -56,7 +72,7 @@ run_fuzzer() {
   (
     cd "$output/findings"
     ASAN_OPTIONS=detect_stack_use_after_return=1 UBSAN_OPTIONS=print_stacktrace=1 \
-      "${launcher[@]}" "$project_root/build/fuzz/fuzz/fuzz_$name" "$limit" "${options[@]}" -seed=1 -max_len="$longest_input" \
+      "${launcher[@]}" "$project_root/build/fuzz/fuzz/fuzz_$name" "$limit" "${options[@]}" -seed=1 -max_len="$longest" \
       -rss_limit_mb=1024 -timeout=10 -verbosity=0 -print_final_stats=1 \
       -artifact_prefix="$output/findings/" "$kept" "$project_root/fuzz/corpus/$name"
   ) 2>"$output/log" || {

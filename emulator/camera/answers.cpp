@@ -78,12 +78,23 @@ void VirtualCamera::Reply::addValue(ByteView value) {
     append(payload, value);
 }
 
-VirtualCamera::Reply VirtualCamera::startReply(const Request& request) const {
+Time VirtualCamera::delayOf(const Request& request) {
+    const auto range =
+        std::find_if(m_settings.delays.begin(), m_settings.delays.end(),
+                     [&](const DelayRange& each) { return each.requests.matches(request.key); });
+    if (range != m_settings.delays.end()) {
+        m_delaysTaken.resize(m_settings.delays.size());
+        return range->at(m_delaysTaken[static_cast<std::size_t>(range - m_settings.delays.begin())]++);
+    }
     const auto own = m_settings.commandDelays.find(request.lineCode);
+    return own != m_settings.commandDelays.end() && request.key.code != protocol::jsonCode
+               ? own->second
+               : m_settings.answerDelay;
+}
+
+VirtualCamera::Reply VirtualCamera::startReply(const Request& request) {
     Reply reply;
-    reply.at = request.at + (own != m_settings.commandDelays.end() && request.key.code != protocol::jsonCode
-                                 ? own->second
-                                 : m_settings.answerDelay);
+    reply.at = request.at + delayOf(request);
     if (const Fault* delay = request.faults.find(FaultKind::delay))
         reply.at += milliseconds(delay->number);
     return reply;

@@ -1,6 +1,7 @@
 // Settings of a virtual camera: type, delays, switches. They may change at any time.
 #pragma once
 
+#include "emulator/camera/requestselector.h"
 #include "link/protocol/bytes.h"
 #include "link/protocol/cameratypes.h"
 #include "trace/event.h"
@@ -10,6 +11,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace emulator {
 
@@ -21,6 +23,17 @@ using protocol::CameraType;
 
 /// Makes the JPEG of a capture. Called with the picture id and a number that differs in every call.
 using PictureSource = std::function<Bytes(std::uint16_t id, std::uint32_t variation)>;
+
+/// Delays of the answers to some requests: half of them up to the median, one of twenty beyond `most`.
+struct DelayRange {
+    RequestSelector requests;
+    Time least{0};
+    Time median{0};
+    Time most{0};
+
+    /// The n-th delay, n from 0; the first is the median. Any run of them fills the range evenly.
+    [[nodiscard]] Time at(std::uint32_t n) const;
+};
 
 struct CameraSettings {
     CameraType type = CameraType::ostra;
@@ -45,16 +58,30 @@ struct CameraSettings {
     bool newestPictureFirst = false;
     /// Properties whose writes the camera refuses, beside the read-only ones.
     std::set<std::uint8_t> refusedProperties;
+    /// Refuses reads of properties that it does not know; else it is silent.
+    bool answersUnknownIds = true;
+    /// Refuses a property read without id; else it is silent.
+    bool answersShortRequests = false;
+    /// Serves frames with a wrong check code.
+    bool takesWrongCheckCodes = false;
 
     Time answerDelay = std::chrono::milliseconds(8);
     /// By command code on the line; overrides answerDelay.
     std::map<std::uint8_t, Time> commandDelays;
+    /// The first one that fits goes before both.
+    std::vector<DelayRange> delays;
+    /// Requests are lost from the one under way until so long after its answer; 0: none are.
+    Time rest{0};
+    /// A read of the orientation after a longer pause begins again with pitch.
+    Time orientationPause = std::chrono::seconds(2);
     /// From the capture request until the catalogue lists the picture.
     Time captureTime = std::chrono::milliseconds(200);
     Time rebootTime = std::chrono::seconds(3);
     Time factoryResetTime = std::chrono::seconds(10);
     /// Restart after an accepted application or system image.
     Time updateRestartTime = std::chrono::seconds(3);
+    /// Sent when a restart is over.
+    Bytes bootBytes;
     /// An upload without data for this long is abandoned.
     Time uploadSilence = std::chrono::seconds(5);
     /// A new announcement of the same file resumes an interrupted upload.

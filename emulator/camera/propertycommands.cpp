@@ -13,9 +13,6 @@ using protocol::bytesOf;
 using protocol::code;
 using protocol::PropertyId;
 
-/// A read of the orientation after a longer pause begins again with pitch.
-constexpr Time orientationGap = std::chrono::seconds(2);
-
 } // namespace
 
 void VirtualCamera::heartbeat(const Request&, Reply& reply) {
@@ -25,11 +22,13 @@ void VirtualCamera::heartbeat(const Request&, Reply& reply) {
 
 void VirtualCamera::getProperty(const Request& request, Reply& reply) {
     if (request.payload.empty()) {
-        reply.silent = true;
+        reply.silent = !m_settings.answersShortRequests;
+        reply.setStatus(false);
         return;
     }
     const std::uint8_t id = request.payload.front();
     const std::optional<Bytes> value = propertyValue(id, request.at);
+    reply.silent = !value && !m_settings.answersUnknownIds;
     reply.setProperty(id, value.has_value());
     reply.addValue(value.value_or(Bytes()));
 }
@@ -52,7 +51,7 @@ std::optional<Bytes> VirtualCamera::propertyValue(std::uint8_t id, Time now) {
 }
 
 Bytes VirtualCamera::nextOrientation(Time now) {
-    if (!m_lastOrientationRead || now - *m_lastOrientationRead > orientationGap)
+    if (!m_lastOrientationRead || now - *m_lastOrientationRead > m_settings.orientationPause)
         m_nextOrientation = 0;
     m_lastOrientationRead = now;
     const OrientationItem& item = m_state.orientation[m_nextOrientation];
@@ -95,6 +94,7 @@ void VirtualCamera::getInfo(const Request& request, Reply& reply) {
     const std::uint8_t id = request.payload.front();
     const bool version = id == code(PropertyId::qvVersion);
     const bool known = version || id == code(PropertyId::modelInfo);
+    reply.silent = !known && !m_settings.answersUnknownIds;
     reply.setProperty(id, known);
     reply.addValue(known ? bytesOf(version ? m_state.qvVersion : m_state.modelInfo) : Bytes());
 }

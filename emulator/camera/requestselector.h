@@ -1,4 +1,4 @@
-// Selection of requests for faults.
+// Selection of requests for faults and delays.
 #pragma once
 
 #include "link/protocol/requests.h"
@@ -7,7 +7,7 @@
 
 namespace emulator {
 
-/// Requests to which a fault applies.
+/// Requests to which a fault or delay applies.
 struct RequestSelector {
     std::optional<std::uint16_t> code;     ///< without the picture-command offset; nothing: any request
     std::optional<std::uint16_t> lineCode; ///< on the line; nothing: any

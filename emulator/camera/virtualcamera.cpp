@@ -70,6 +70,11 @@ void VirtualCamera::readItem(const FrameScanner::Item& item, Time now) {
         receiveJson(item.bytes, now);
         break;
     case FrameScanner::Item::Kind::badFrame:
+        if (m_settings.takesWrongCheckCodes && item.bytes.size() >= protocol::frameOverhead) {
+            receiveFrame(item.bytes, now);
+            break;
+        }
+        [[fallthrough]];
     case FrameScanner::Item::Kind::badJson:
         noteBadFrame(item, now);
         break;
@@ -211,6 +216,10 @@ bool VirtualCamera::wakesForHeartbeat(const RequestKey& key, Time now) {
 
 void VirtualCamera::serve(Request request) {
     const CommandRow* row = rowOf(request.key.code);
+    if (request.at < m_restsUntil) {
+        note(request.at, Event::Kind::noted, "rests; no answer");
+        return;
+    }
     request.faults = m_faults.strike(request.key);
     // Any next request releases an answer that was held back.
     m_queue.add(request.at + std::chrono::milliseconds(1), std::exchange(m_heldBack, {}));
@@ -219,6 +228,8 @@ void VirtualCamera::serve(Request request) {
         return;
     }
     Reply reply = startReply(request);
+    if (m_settings.rest > Time::zero())
+        m_restsUntil = reply.at + m_settings.rest;
     (this->*row->handler)(request, reply);
     applyPayloadFaults(request, reply);
     if (reply.onAnswer && !reply.silent)
@@ -242,6 +253,7 @@ void VirtualCamera::advance(Time now) {
     if (m_restartUnnoticed && !booting(now)) {
         m_restartUnnoticed = false;
         note(now, Event::Kind::noted, "the restart is over");
+        m_queue.add(now, m_settings.bootBytes);
     }
 }
 

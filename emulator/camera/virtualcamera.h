@@ -108,7 +108,8 @@ private:
     [[nodiscard]] std::string describe(const RequestKey& key) const;
 
     // answers.cpp: from a reply to timed bytes
-    [[nodiscard]] Reply startReply(const Request& request) const;
+    [[nodiscard]] Reply startReply(const Request& request);
+    [[nodiscard]] Time delayOf(const Request& request);
     void applyPayloadFaults(const Request& request, Reply& reply) const;
     [[nodiscard]] Bytes wrapped(const Request& request, const Reply& reply) const;
     void sendReply(const Request& request, const Reply& reply);
@@ -166,6 +167,8 @@ private:
     std::optional<Time> m_hangUpAt;
     Time m_readingPausedUntil{0};
     std::optional<std::uint32_t> m_lineSpeed;
+    std::vector<std::uint32_t> m_delaysTaken; ///< by range of settings().delays
+    Time m_restsUntil{0};
 
     bool m_restartUnnoticed = false;                 ///< its end is not reported yet
     std::optional<std::uint32_t> m_heartbeatsToWake; ///< ends a restart instead of a time

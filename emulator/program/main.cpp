@@ -52,7 +52,8 @@ void loadPictures(VirtualCamera& camera, const std::string& folder) {
 }
 
 VirtualCamera makeCamera(const Options& options) {
-    VirtualCamera camera(options.settings);
+    VirtualCamera camera =
+        options.profile ? cameraOf(*options.profile, options.settings) : VirtualCamera(options.settings);
     if (!options.pictureFolder.empty())
         loadPictures(camera, options.pictureFolder);
     for (const Fault& fault : options.faults)

@@ -104,8 +104,16 @@ void addFlag(CLI::App& app, const std::string& name, const char* help, const std
     app.add_flag_callback(name, set, sentence(help))->disable_flag_override();
 }
 
-/// Options of the camera and its line. --type comes first: the others change its settings.
+void setProfile(Options& o, const std::string& path) {
+    o.profile = loadCameraProfile(path);
+    o.settings = o.profile->settings;
+    o.line = o.profile->line;
+}
+
+/// Options of the camera and its line. --profile and --type come first: the others change their settings.
 void addCamera(CLI::App& app, Options& o) {
+    addText(app, "--profile", "FILE", "a camera as this profile describes it",
+            [&o](const std::string& text) { setProfile(o, text); });
     addText(app, "--type", "TYPE", "%1; a number or a name (0)", [&o](const std::string& text) {
         o.settings = settingsForType(typeIn(text));
     })->description(sentence("%1; a number or a name (0)", {knownTypes()}));
@@ -215,6 +223,7 @@ struct Use {
 
 /// Where each other option means something.
 constexpr std::array uses = {
+    Use{"--profile", serving},
     Use{"--type", serving | tapping},
     Use{"--address", serving},
     Use{"--baud", serving | tapping | replaying},
@@ -273,7 +282,9 @@ void checkTogether(const CLI::App& app, const Options& options) {
         throw OptionError(sentence("--tap stands between two lines; name another one for the tool"));
     if (options.settings.holdsAnnouncedImage && options.settings.type != CameraType::salesDynamic)
         throw OptionError(sentence("--holds-image belongs to --type sales-dynamic"));
-    if (app.count("--line-seed") != 0 && app.count("--line") == 0)
+    if (options.profile && app.count("--type") != 0)
+        throw OptionError(sentence("%1 means nothing with %2; leave it out", {"--type", "--profile"}));
+    if (app.count("--line-seed") != 0 && app.count("--line") == 0 && !options.profile)
         throw OptionError(sentence("%1 belongs to %2", {"--line-seed", "--line"}));
     if (!options.replayFile.empty() && options.device.empty() && app.count("--baud") != 0)
         throw OptionError(sentence("--baud with --replay belongs to --device"));
@@ -336,6 +347,10 @@ std::string faultListText() {
            "byte (getProperty:15)\n\n";
     for (const protocol::RequestName& name : protocol::requestNames())
         text << "  " << padded(std::string(name.name), 24) << name.words << "\n";
+    text << "\nkeys of a profile, behind its first line \"camera profile 1\":\n\n";
+    for (const ProfileKey& key : profileKeys())
+        text << "  " << padded(std::string(key.name) + ' ' + std::string(key.example), 34) << key.description
+             << "\n";
     return text.str();
 }
 

@@ -1,13 +1,9 @@
 // The command line of virtual-camera.
 #pragma once
 
-#include "emulator/camera/camerasettings.h"
-#include "emulator/camera/fault.h"
-#include "emulator/line/linetraits.h"
+#include "emulator/line/cameraprofile.h"
 
-#include <stdexcept>
-#include <string>
-#include <vector>
+#include <optional>
 
 namespace emulator {
 
@@ -16,8 +12,9 @@ struct Options {
 
     Action action = Action::serve;
     CameraSettings settings;
-    std::string device;     ///< empty: a new pseudo-terminal
-    bool baudGiven = false; ///< settings.baudRate is not the type's
+    std::optional<CameraProfile> profile; ///< its settings are in `settings`, its line in `line`
+    std::string device;                   ///< empty: a new pseudo-terminal
+    bool baudGiven = false;               ///< settings.baudRate is not the type's
     std::string link;
     std::string pictureFolder;
     std::uint32_t bytesPerSecond = 0;
@@ -39,7 +36,8 @@ public:
     using std::invalid_argument::invalid_argument;
 };
 
-/// Arguments without the program's name. Throws OptionError, FaultError or LineTextError.
+/// Arguments without the program's name. Throws OptionError, FaultError, LineTextError or
+/// trace::ProfileError.
 [[nodiscard]] Options parseOptions(const std::vector<std::string>& arguments);
 
 [[nodiscard]] std::string helpText();

@@ -89,7 +89,7 @@ bool isChinese(const std::string& text) {
 const std::map<std::string, std::string>& chineseTexts() {
     static const std::map<std::string, std::string> all = [] {
         std::map<std::string, std::string> texts;
-        for (const char* const folder : {"cli", "service"}) {
+        for (const char* const folder : {"cli", "conform", "service"}) {
             for (const auto& entry : fs::directory_iterator(fs::path(CAMERA_SOURCE_DIR) / folder)) {
                 if (entry.path().extension() != ".cpp" || entry.path().filename() == "english.cpp")
                     continue;

@@ -86,6 +86,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "baud rate: \"0\" is not a number from 1 to 4000000"},
         BadLine{"FindAddresses", "-p x find --addresses none", "slave address: \"none\""},
         BadLine{"Interval", "-p x watch --interval 0", "interval: \"0\" is not a number from 1 to 3600"},
+        BadLine{"Repeats", "-p x conform --repeats 0", "repeats: \"0\" is not a number from 1 to 1000"},
         BadLine{"ReportName", "-p x check -o report.doc",
                 "The report's extension must be .html, .pdf, .json or .csv"},
         BadLine{"NotConfirmed", "-p x reboot", "This command changes the camera; add --yes"},

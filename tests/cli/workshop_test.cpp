@@ -1,4 +1,5 @@
 // find, check, watch, several ports and languages.
+#include "emulator/line/cameraprofile.h"
 #include "tests/cli/tool.h"
 #include "tests/support/workingdirectory.h"
 
@@ -220,6 +221,36 @@ TEST(SeveralPorts, WorkAtTheSameTime) {
     const auto start = Clock::now();
     EXPECT_EQ(run(joined({"-p", two.port()}, one.with("sn A1"))).code, done);
     EXPECT_LT(Clock::now() - start, 11s) << "each stores for 6 s";
+}
+
+// --- conform -----------------------------------------------------------------------------------------------
+
+TEST(Conform, WritesAProfileThatTheVirtualCameraTakes) {
+    Camera camera(emulator::CameraType::quenta);
+    camera.addFault("bad-check@jsonProperty");
+    const Ending ending = run(joined({"--json"}, camera.with("conform --repeats 1 -o camera.profile")));
+    EXPECT_EQ(ending.code, done) << ending.err;
+    EXPECT_EQ(schemaComplaints(ending.out), "");
+    EXPECT_EQ(emulator::loadCameraProfile("camera.profile").faults.size(), 1U);
+}
+
+TEST(Conform, PrintsSentencesWithTheirBytes) {
+    const Camera camera(emulator::CameraType::quenta);
+    const Ending ending = camera.run("conform --repeats 1");
+    EXPECT_EQ(ending.code, done) << ending.err;
+    EXPECT_THAT(ending.out,
+                HasSubstr("  good  The heartbeat's answer is 01\n    > AA 5A 03 01 01 00 00 00 00 BD 9A\n"
+                          "    < AA 5A 03 01 01 00 00 00 01 "));
+    EXPECT_THAT(ending.out, HasSubstr("  not seen  The heater duty is one byte, 0 to 100\n"));
+    EXPECT_THAT(ending.out, HasSubstr(" 0 different, "));
+}
+
+TEST(Conform, SilentCameraEndsWithCode4) {
+    Camera camera(emulator::CameraType::quenta);
+    camera.addFault("silent");
+    const Ending ending = camera.run("conform --repeats 1 -o camera.profile");
+    EXPECT_EQ(ending.code, noAnswer);
+    EXPECT_FALSE(std::filesystem::exists("camera.profile"));
 }
 
 // --- languages ---------------------------------------------------------------------------------------------

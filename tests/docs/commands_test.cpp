@@ -85,6 +85,8 @@ std::vector<std::string> argumentsOf(const std::string& line, const std::string&
             words[i] = device;
         else if (option == "--link" || option == "--record" || option == "--pictures")
             words[i] = fs::path(words[i]).filename();
+        else if (option == "--profile")
+            words[i] = markdown::sourceFolder() / words[i];
         else if (option == "--replay")
             words[i] = recordings / (fs::exists(recordings / fs::path(words[i]).filename())
                                          ? fs::path(words[i]).filename()

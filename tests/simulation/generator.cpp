@@ -1,5 +1,6 @@
 // Scenarios from seeds, and shorter ones from failing ones, by RapidCheck.
 #include "tests/simulation/runner.h"
+#include "tests/simulation/workplace.h"
 
 #include <algorithm>
 #include <array>
@@ -79,6 +80,8 @@ rc::Shrinkable<Scenario> shrinkableOf(std::uint64_t seed) {
 
 /// Without a link there is little to see.
 Scenario withLink(Scenario scenario) {
+    if (const emulator::CameraProfile* const profile = followedProfile())
+        scenario.type = profile->settings.type;
     scenario.steps.insert(scenario.steps.begin(), Step{StepKind::link, 150, 0, 0});
     return scenario;
 }

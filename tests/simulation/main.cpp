@@ -1,6 +1,7 @@
 // simulate: runs simulated sessions from seeds.
 #include "app/application.h"
 #include "tests/simulation/runner.h"
+#include "tests/simulation/workplace.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
@@ -20,6 +21,7 @@ struct Options {
     std::uint64_t seed = 0;
     std::string scenario;
     std::string commit;
+    std::string profile;
     bool noShrinking = false;
     bool stopAtFirst = false;
     bool window = false;
@@ -55,6 +57,16 @@ std::string counterexample(const Options& options, std::uint64_t seed, const Out
     const Scenario shortest = shrunk(seed, outcome);
     return text + "  in " + std::to_string(shortest.steps.size()) + " steps: --scenario \"" +
            toText(shortest) + "\"\n";
+}
+
+bool follow(const std::string& profile) {
+    try {
+        followProfile(emulator::loadCameraProfile(profile));
+        return true;
+    } catch (const trace::ProfileError& error) {
+        std::fprintf(stderr, "simulate: %s\n", error.what());
+        return false;
+    }
 }
 
 /// Every jobs-th seed.
@@ -133,9 +145,12 @@ int main(int argc, char** argv) {
     program.add_option("--pace", options.pace, "so many times as fast as real time, with --window")
         ->capture_default_str();
     program.add_option("--commit", options.commit, "name of the tested commit, for counterexamples");
+    program.add_option("--profile", options.profile, "cameras as this profile describes them");
     program.add_flag("--no-shrinking", options.noShrinking, "print counterexamples as they come");
     program.add_flag("--stop", options.stopAtFirst, "end at the first failure");
     CLI11_PARSE(program, argc, argv);
+    if (!options.profile.empty() && !follow(options.profile))
+        return 2;
     std::optional<Scenario> shown;
     if (!options.scenario.empty()) {
         shown = parseScenario(options.scenario);

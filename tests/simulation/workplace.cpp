@@ -41,8 +41,14 @@ Bytes smallPicture(std::uint16_t /*id*/, std::uint32_t variation) {
     return picture;
 }
 
+std::optional<emulator::CameraProfile>& followed() {
+    static std::optional<emulator::CameraProfile> profile;
+    return profile;
+}
+
 emulator::CameraSettings settingsFor(const Scenario& scenario, std::vector<TakenPicture>& taken) {
-    emulator::CameraSettings settings = emulator::settingsForType(scenario.type);
+    emulator::CameraSettings settings =
+        followed() ? followed()->settings : emulator::settingsForType(scenario.type);
     settings.answersAllAddresses = true;
     settings.drawPicture = [&taken](std::uint16_t id, std::uint32_t variation) {
         taken.push_back({id, smallPicture(id, variation)});
@@ -51,6 +57,11 @@ emulator::CameraSettings settingsFor(const Scenario& scenario, std::vector<Taken
     settings.pictureSeed = 1;
     settings.holdsAnnouncedImage = scenario.seed % 4 != 0;
     return settings;
+}
+
+emulator::VirtualCamera cameraFor(const Scenario& scenario, std::vector<TakenPicture>& taken) {
+    const emulator::CameraSettings settings = settingsFor(scenario, taken);
+    return followed() ? cameraOf(*followed(), settings) : emulator::VirtualCamera(settings);
 }
 
 /// The camera's faults that a session meets.
@@ -78,9 +89,18 @@ std::string requestText(std::uint32_t choice) {
 
 } // namespace
 
-Workplace::Workplace(const Scenario& scenario)
-    : m_line(emulator::VirtualCamera(settingsFor(scenario, m_pictures))) {
+void followProfile(emulator::CameraProfile profile) {
+    followed() = std::move(profile);
+}
+
+const emulator::CameraProfile* followedProfile() {
+    return followed() ? &*followed() : nullptr;
+}
+
+Workplace::Workplace(const Scenario& scenario) : m_line(cameraFor(scenario, m_pictures)) {
     m_line.setPace(protocol::infoOf(scenario.type).baudRate / bitsPerByte);
+    if (followed())
+        m_line.model().setTraits(followed()->line, scenario.seed);
     emulator::addMemoryPort(emptyPort, {});
     plugIn("/dev/ttyUSB0");
     emulator::CameraState& state = m_line.camera().state();

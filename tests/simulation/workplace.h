@@ -1,6 +1,7 @@
 // The place of a simulated session: a camera on a line, an adapter, files.
 #pragma once
 
+#include "emulator/line/cameraprofile.h"
 #include "emulator/memory/memoryports.h"
 #include "tests/simulation/scenario.h"
 
@@ -23,6 +24,12 @@ struct Disturbances {
 
     [[nodiscard]] bool any() const { return toCamera || toTool || late || camera || adapter || restarted; }
 };
+
+/// The cameras of all sessions from now on are as this profile describes them. The type of a scenario is then
+/// that of the profile.
+void followProfile(emulator::CameraProfile profile);
+/// Null while there is none.
+[[nodiscard]] const emulator::CameraProfile* followedProfile();
 
 struct TakenPicture {
     std::uint16_t id = 0;

@@ -1,12 +1,12 @@
 // The virtual-camera program as a process.
-#include "emulator/camera/fault.h"
-#include "emulator/line/linetraits.h"
+#include "emulator/line/cameraprofile.h"
 #include "tests/emulator/line/ptyclient.h"
 #include "tests/emulator/program/program.h"
 #include "tests/support/otheruser.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <sys/stat.h>
 
 namespace emulatortest {
@@ -329,6 +329,67 @@ TEST(Program, ServesOverABadLine) {
     EXPECT_EQ(client.read(22), hex(std::string(heartbeatRequest) + heartbeatAnswer));
     program.signal(SIGTERM);
     EXPECT_EQ(program.wait(), 0);
+}
+
+TEST(Program, ServesTheCameraOfAProfile) {
+    std::ofstream("camera.profile")
+        << "camera profile 1\ntype dorvel\ndelay any 1 1 1\ntext getSn PROFILE1\n";
+    Program program({"--profile", "camera.profile", "--link", "camera"});
+    ASSERT_TRUE(comesTrue(&saysItServes));
+    PtyClient client("camera");
+    client.write(hex("AA5AEE020100000003D796"));
+    Bytes payload{3, 0};
+    protocol::append(payload, protocol::bytesOf("PROFILE1"));
+    const Bytes answer = protocol::buildFrame(2, payload, 0xEE);
+    EXPECT_EQ(client.read(answer.size()), answer);
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(Program::text("out"), testing::HasSubstr("serving a camera of type 1, address 238"));
+}
+
+struct BadProfile {
+    const char* name;
+    const char* text;
+    const char* message;
+};
+
+class BadProfileFile : public testing::TestWithParam<BadProfile> {};
+
+TEST_P(BadProfileFile, EndsWithLineKeyAndCode2) {
+    std::ofstream("bad.profile") << GetParam().text;
+    EXPECT_EQ(Program({"--profile", "bad.profile"}).wait(), 2);
+    EXPECT_THAT(Program::text("err"),
+                testing::StartsWith(std::string("virtual-camera: bad.profile: ") + GetParam().message));
+    expectOneLine(Program::text("err"));
+    EXPECT_EQ(Program::text("out"), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(All, BadProfileFile,
+                         testing::Values(BadProfile{"Empty", "", "line 1: "},
+                                         BadProfile{"OtherVersion", "camera profile 7\ntype 0\n", "line 1: "},
+                                         BadProfile{"UnknownKey", "camera profile 1\ntype 0\ncolour 3\n",
+                                                    "line 3: there is no key \"colour\""},
+                                         BadProfile{"WrongValue", "camera profile 1\ntype 0\naddress x\n",
+                                                    "line 3: address: "}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(Program, RefusesAMissingProfile) {
+    EXPECT_EQ(Program({"--profile", "missing"}).wait(), 2);
+    EXPECT_THAT(Program::text("err"), testing::HasSubstr("cannot read missing: it does not exist"));
+}
+
+TEST(Program, ProfileGoesWithoutType) {
+    std::ofstream("camera.profile") << "camera profile 1\ntype dorvel\n";
+    EXPECT_EQ(Program({"--profile", "camera.profile", "--type", "0"}).wait(), 2);
+    EXPECT_THAT(Program::text("err"),
+                testing::HasSubstr("--type means nothing with --profile; leave it out"));
+}
+
+TEST(Program, ListFaultsNamesEveryKeyOfProfiles) {
+    EXPECT_EQ(Program({"--list-faults"}).wait(), 0);
+    for (const ProfileKey& key : profileKeys())
+        EXPECT_THAT(Program::text("out"), testing::HasSubstr("\n  " + std::string(key.name) + ' '))
+            << key.name;
 }
 
 TEST(Program, SameSeedGivesTheSameLine) {
