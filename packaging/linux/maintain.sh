@@ -11,9 +11,13 @@ refuse() {
   exit 1
 }
 
-# refuse_downgrade INSTALLED NEW
+# is_downgrade INSTALLED NEW
+is_downgrade() {
+  [ -n "$1" ] && [ -n "$2" ] && dpkg --compare-versions "$2" lt "$1"
+}
+
 refuse_downgrade() {
-  if [ -n "$1" ] && [ -n "$2" ] && dpkg --compare-versions "$2" lt "$1"; then
+  if is_downgrade "$1" "$2"; then
     refuse "version $1 is installed; remove it before you install the older $2" \
       "已安装更新的版本 $1；要装 $2，请先卸载"
   fi
@@ -31,7 +35,10 @@ refuse_while_running() {
 }
 
 case "$DPKG_MAINTSCRIPT_NAME $1" in
-  "preinst upgrade" | "prerm failed-upgrade") refuse_downgrade "$2" "$3" ;;
+  "preinst upgrade") refuse_downgrade "$2" "$3" ;;
+  "prerm failed-upgrade") # the installed version's prerm has told why
+    if is_downgrade "$2" "$3"; then exit 1; fi
+    ;;
   "prerm upgrade") refuse_downgrade "$(dpkg-query --show --showformat='${Version}' shelf-camera-tool)" "$2" ;;
   "prerm remove") refuse_while_running ;;
 esac
