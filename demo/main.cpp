@@ -5,10 +5,10 @@
 #include "app/outlinestyle.h"
 #include "app/portchoice.h"
 #include "app/readablecolors.h"
+#include "demo/demooptions.h"
 #include "demo/tour.h"
 
 #include <QComboBox>
-#include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
 #include <QPalette>
@@ -109,129 +109,44 @@ int takeTour(MainWindow& window, DemoCameras& cameras, const QString& folder) {
     }
 }
 
-/// The options; the parser knows nothing more.
-struct DemoOptions {
-    DemoOptions() {
-        parser.setApplicationDescription(QStringLiteral("The camera tool with virtual cameras attached."));
-        parser.addOptions({tour, picture, dark, cameraPort, toolPort, line, lineSeed, version, help});
-    }
-
-    /// Empty, or why the arguments cannot be used.
-    [[nodiscard]] QString complaintOf(const QStringList& arguments) {
-        const bool parsed = parser.parse(arguments);
-        if (const QStringList names = parser.unknownOptionNames(); !names.isEmpty())
-            return QStringLiteral("unknown option \"%1\"; see --help").arg(names.first());
-        if (const QStringList words = parser.positionalArguments(); !words.isEmpty())
-            return QStringLiteral("unknown argument \"%1\"; see --help").arg(words.first());
-        for (const QCommandLineOption& option : {tour, picture, cameraPort, toolPort, line, lineSeed}) {
-            if (parser.isSet(option) && parser.value(option).isEmpty())
-                return QStringLiteral("--%1 needs a value: %2")
-                    .arg(option.names().first(), option.valueName());
-        }
-        if (!parsed)
-            return QStringLiteral("an option lacks its value, or takes none; see --help");
-        if (parser.isSet(tour) && parser.isSet(picture))
-            return QStringLiteral("--tour and --picture exclude each other");
-        if (parser.isSet(lineSeed) && !parser.isSet(line))
-            return QStringLiteral("--line-seed belongs to --line");
-        if (parser.isSet(tour) && parser.isSet(line))
-            return QStringLiteral("--tour and --line exclude each other");
-        if (parser.isSet(cameraPort) != parser.isSet(toolPort))
-            return QStringLiteral(
-                "--camera-port and --tool-port belong together; give two ports that are joined: "
-                "--camera-port COM6 --tool-port COM5");
-        if (parser.isSet(cameraPort) && parser.value(cameraPort) == parser.value(toolPort))
-            return QStringLiteral("--camera-port and --tool-port are two ports that are joined; name two");
-        return {};
-    }
-
-    const QCommandLineOption tour{
-        QStringLiteral("tour"),
-        QStringLiteral("Drive the window through all it can do, leave screenshots in "
-                       "FOLDER and exit; 0 if everything was as it must be."),
-        QStringLiteral("FOLDER")};
-    const QCommandLineOption cameraPort{
-        QStringLiteral("camera-port"),
-        QStringLiteral("Put the cameras on this serial port instead of pseudo-terminals, one at a time."),
-        QStringLiteral("PORT")};
-    const QCommandLineOption toolPort{
-        QStringLiteral("tool-port"),
-        QStringLiteral("The port that a null-modem line joins to the cameras'; the window opens it."),
-        QStringLiteral("PORT")};
-    const QCommandLineOption line{
-        QStringLiteral("line"),
-        QStringLiteral("The cameras' lines: a preset or traits, as virtual-camera takes them."),
-        QStringLiteral("MODEL")};
-    const QCommandLineOption lineSeed{
-        QStringLiteral("line-seed"), QStringLiteral("Another line of this --line (1)."), QStringLiteral("N")};
-    const QCommandLineOption picture{
-        QStringLiteral("picture"),
-        QStringLiteral("Open the link, save the window as FILE and exit; 0 if the camera answered."),
-        QStringLiteral("FILE")};
-    const QCommandLineOption dark{QStringLiteral("dark"), QStringLiteral("Show everything in a dark style.")};
-    const QCommandLineOption version{QStringLiteral("version"), QStringLiteral("Print the version.")};
-    const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Print this.")};
-    QCommandLineParser parser;
-};
-
-/// Help and version, without a display. False when neither is asked for.
-bool answersOnTerminal(int argumentCount, char* arguments[]) {
-    const QCoreApplication application(argumentCount, arguments);
-    DemoOptions options;
-    options.parser.parse(QCoreApplication::arguments());
-    if (options.parser.isSet(options.help))
-        std::cout << options.parser.helpText().toStdString() << std::flush;
-    else if (options.parser.isSet(options.version))
-        std::cout << "shelf-camera-demo " CAMERA_TOOL_VERSION << std::endl;
-    else
-        return false;
-    return true;
-}
-
-int badCommandLine(const QString& sentence) {
-    std::cerr << "shelf-camera-demo: " << sentence.toStdString() << std::endl;
-    return 2;
-}
-
 } // namespace
 
 int main(int argumentCount, char* arguments[]) {
     const ConsoleOutput console;
-    if (answersOnTerminal(argumentCount, arguments))
+    DemoOptions options;
+    ProgramOptions& program = options.program;
+    if (program.answersOnTerminal(argumentCount, arguments))
         return 0;
     const Application application(argumentCount, arguments);
-    DemoOptions options;
     if (const QString complaint = options.complaintOf(Application::arguments()); !complaint.isEmpty())
-        return badCommandLine(complaint);
-    const QCommandLineParser& parser = options.parser;
-    if (parser.isSet(options.dark))
+        return program.refuse(complaint);
+    if (program.isSet(options.dark))
         darken();
 
     const std::shared_ptr<DemoCameras> cameras =
-        makeCameras(parser.value(options.cameraPort), parser.value(options.toolPort));
+        makeCameras(program.value(options.cameraPort), program.value(options.toolPort));
     if (!cameras)
         return 2;
-    if (parser.isSet(options.line)) {
+    if (program.isSet(options.line)) {
         const QString complaint =
-            setLine(*cameras, parser.value(options.line), parser.value(options.lineSeed));
+            setLine(*cameras, program.value(options.line), program.value(options.lineSeed));
         if (!complaint.isEmpty())
-            return badCommandLine(complaint);
+            return program.refuse(complaint);
     }
     MainWindow window;
     addPorts(window, cameras);
     window.show();
-    if (parser.isSet(options.picture)) {
-        const QString file = QFileInfo(parser.value(options.picture)).absoluteFilePath();
+    if (program.isSet(options.picture)) {
+        const QString file = QFileInfo(program.value(options.picture)).absoluteFilePath();
         QTimer::singleShot(500, &window, [&, file] { Application::exit(takePicture(window, file) ? 0 : 1); });
         return Application::exec();
     }
-    if (!parser.isSet(options.tour))
+    if (!program.isSet(options.tour))
         return Application::exec();
 
-    const QString folder = QDir(parser.value(options.tour)).absolutePath();
+    const QString folder = QDir(program.value(options.tour)).absolutePath();
     if (!QDir().mkpath(folder)) {
-        return badCommandLine(
+        return program.refuse(
             QStringLiteral("--tour: cannot make the folder %1; choose another").arg(folder));
     }
     // The dialogs of the desktop cannot be driven from here.

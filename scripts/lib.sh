@@ -9,11 +9,13 @@ test_packages=(libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev font
   python3-markdown at-spi2-core dbus-daemon evilwm gir1.2-atspi-2.0 python3-gi xauth xvfb)
 # Packages for the static checks, and for making the Debian package.
 check_packages=(clang-format clang-tidy)
-package_packages=(appstream dpkg-dev file lintian python3-markdown)
+package_packages=(appstream dpkg-dev file lintian python3-jsonschema python3-markdown)
 # Clang: compiles the sanitizers' builds, the fuzzers, and the tests of a change.
 clang_packages=(clang libclang-rt-14-dev lld)
 # Packages for building the Windows program, beside Qt and the serial library for Windows.
 windows_build_packages=(g++-mingw-w64-x86-64-posix cmake ninja-build qt6-base-dev qt6-base-dev-tools libcli11-dev)
+# Packages for the ZIP and the installer.
+windows_package_packages=(7zip libcxx-serial-dev nsis python3-jsonschema python3-markdown qt6-translations-l10n zip)
 
 say() {
   printf '== %s\n' "$*"

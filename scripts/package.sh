@@ -1,7 +1,11 @@
 #!/usr/bin/env bash
-# Builds the packages into one folder, with their SHA-256 sums: the Debian package, and where Qt and the serial
-# library for Windows are at hand (packaging/windows/build-dependencies.sh), the portable ZIP and the installer.
-# Packing the same programs again gives the same packages.
+# Builds the packages into one folder, each with a list of what it holds (SPDX), and their SHA-256 sums: the Debian
+# package, and where Qt and the serial library for Windows are at hand (packaging/windows/build-dependencies.sh), the
+# portable ZIP and the installer. The same sources give the same packages (packaging/reproduce.sh).
+#
+#     CAMERA_SIGNING_KEY    secret key of minisign without password: signs the sums
+#     CAMERA_CERTIFICATE    signs the Windows programs, see packaging/windows/sign.sh
+#
 # Usage: scripts/package.sh [--only linux|windows] [FOLDER]     FOLDER: out/packages if not given
 . "$(dirname "$0")/lib.sh"
 
@@ -51,9 +55,13 @@ package_windows() {
       "packaging/windows/build-dependencies.sh gets it"
     return
   fi
-  ensure_packages "${windows_build_packages[@]}" qt6-translations-l10n python3-markdown zip nsis
+  ensure_packages "${windows_build_packages[@]}" "${windows_package_packages[@]}"
+  if [ -n "${CAMERA_CERTIFICATE:-}" ]; then
+    ensure_packages osslsigncode
+    CAMERA_CERTIFICATE=$(realpath "$CAMERA_CERTIFICATE")
+  fi
   (
-    export CXXFLAGS="-ffile-prefix-map=$project_root=." CCACHE_BASEDIR=
+    export CXXFLAGS="-ffile-prefix-map=$project_root=. -ffile-prefix-map=$dependencies=windows" CCACHE_BASEDIR=
     configure_and_build mingw
   )
   pack mingw "ZIP;NSIS"
@@ -62,6 +70,24 @@ package_windows() {
     touch "--date=@$SOURCE_DATE_EPOCH" "$file"
     cp --preserve=timestamps "$file" "$folder"
   done
+}
+
+# describe FOLDER: the list of each package, checked against it.
+describe() {
+  local package packages=()
+  for package in "$1"/*.deb "$1"/*.zip "$1"/*.exe; do
+    [ -f "$package" ] || continue
+    /usr/bin/python3 -B "$project_root/packaging/sbom/makesbom.py" "$package" "$package.spdx.json"
+    packages+=("$package")
+  done
+  /usr/bin/python3 -B "$project_root/packaging/sbom/checksbom.py" "${packages[@]}" || fail "a list is not that of its package"
+}
+
+# sign_sums FOLDER: by the key that is given.
+sign_sums() {
+  [ -n "${CAMERA_SIGNING_KEY:-}" ] || return 0
+  ensure_packages minisign
+  minisign -S -s "$CAMERA_SIGNING_KEY" -m "$1/SHA256SUMS" -t shelf-camera-tool >/dev/null </dev/null || fail "minisign"
 }
 
 main() {
@@ -75,7 +101,7 @@ main() {
   export_source_date
   mkdir -p "$folder"
   folder=$(realpath "$folder")
-  rm -f "$folder"/shelf-camera-tool[-_]* "$folder/SHA256SUMS"
+  rm -f "$folder"/shelf-camera-tool[-_]* "$folder"/SHA256SUMS*
   case $only in
     "" | linux) package_linux "$folder" ;;&
     "" | windows) package_windows "$folder" ;;
@@ -83,7 +109,9 @@ main() {
     *) fail "--only linux or windows" ;;
   esac
   compgen -G "$folder/shelf-camera-tool*" >/dev/null || fail "nothing was packed"
+  describe "$folder"
   (cd "$folder" && sha256sum shelf-camera-tool* >SHA256SUMS)
+  sign_sums "$folder"
   say "packages in $folder:"
   (cd "$folder" && du --bytes shelf-camera-tool*)
 }

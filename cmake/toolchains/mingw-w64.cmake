@@ -15,6 +15,11 @@ set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 # Where a message names a source, it names it from the root of the project.
 set(CMAKE_CXX_FLAGS_INIT "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=")
 
+# Programs and libraries without the date of their making.
+foreach(kind IN ITEMS EXE SHARED MODULE)
+  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-Wl,--no-insert-timestamp")
+endforeach()
+
 if(NOT CAMERA_WINDOWS_DEPS)
   if(DEFINED ENV{CAMERA_WINDOWS_DEPS})
     set(CAMERA_WINDOWS_DEPS "$ENV{CAMERA_WINDOWS_DEPS}")

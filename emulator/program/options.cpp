@@ -17,6 +17,13 @@ namespace {
 using Action = Options::Action;
 using language::sentence;
 
+constexpr const char* programName = "virtual-camera";
+
+/// "virtual-camera: what it is", in the chosen language.
+std::string summary() {
+    return sentence("virtual-camera: a shelf camera without hardware, on a serial device");
+}
+
 /// Modes; an option is for some of them.
 enum Mode : unsigned { serving = 1, tapping = 2, replaying = 4, teaching = 8, listing = 16 };
 
@@ -319,8 +326,7 @@ Options parseOptions(const std::vector<std::string>& arguments) {
 }
 
 std::string helpText() {
-    std::string text = sentence("virtual-camera: a shelf camera without hardware, on a serial device") +
-                       "\n\n" + sentence("usage: virtual-camera [options]") + "\n\n";
+    std::string text = summary() + "\n\n" + sentence("usage: virtual-camera [options]") + "\n\n";
     Options unused;
     CLI::App app;
     addOptions(app, unused);
@@ -329,6 +335,13 @@ std::string helpText() {
                 option->get_description() + "\n";
     return text + "\n" +
            sentence("It prints a line for everything it receives and answers. Ctrl+C ends it.") + "\n";
+}
+
+void describeOptions(CLI::App& app, Options& options) {
+    const std::string text = summary();
+    app.name(programName);
+    app.description(text.substr(text.find_first_not_of(": ", std::char_traits<char>::length(programName))));
+    addOptions(app, options);
 }
 
 std::string faultListText() {

@@ -5,6 +5,10 @@
 
 #include <optional>
 
+namespace CLI {
+class App;
+}
+
 namespace emulator {
 
 struct Options {
@@ -41,6 +45,8 @@ public:
 [[nodiscard]] Options parseOptions(const std::vector<std::string>& arguments);
 
 [[nodiscard]] std::string helpText();
+/// Fills an app with all options, for the manual; the options outlive it.
+void describeOptions(CLI::App& app, Options& options);
 /// The kinds, their parameters and the request names.
 [[nodiscard]] std::string faultListText();
 

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Installs a Debian package in a clean root made by debootstrap, starts the programs there as an ordinary user
-# (the tool from its menu entry's command with a virtual camera in its list of ports, shelf-camera with its manual page
-# and completion, then the whole tour), removes the package and compares all files with those from before. Takes root's
-# rights.
+# Installs a Debian package over an older one in a clean root made by debootstrap, starts the programs there as an
+# ordinary user (the tool from its menu entry's command with a virtual camera in its list of ports, shelf-camera, then
+# the whole tour), removes the package and compares all files with those from before. Takes root's rights.
+# Shows that a downgrade and the removal of running programs are refused, and that the user's menu stays.
 # Usage: packaging/linux/test.sh [PACKAGE]     PACKAGE: the one in out/packages if not given
 . "$(dirname "${BASH_SOURCE[0]}")/../../scripts/lib.sh"
 
+older=0.0.1
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/shelf-camera-tool
 user=technician
 
@@ -61,13 +62,57 @@ prepare_root() {
   install -m 644 "$XAUTHORITY" "$root/home/$user/.Xauthority"
 }
 
+# package_of_version VERSION: the package with another number, in the root.
+package_of_version() {
+  dpkg-deb --raw-extract "$package" "$work/$1"
+  sed -i "s/^Version: .*/Version: $1/" "$work/$1/DEBIAN/control"
+  dpkg-deb --root-owner-group --build "$work/$1" "$root/tmp/$1.deb" >/dev/null
+}
+
+# installed_version: with the package's state.
+installed_version() {
+  in_root dpkg-query --show --showformat='${Version} ${db:Status-Status}' shelf-camera-tool
+}
+
+# expect_refusal LANGUAGE SENTENCE COMMAND...: it fails, says so, and the package stays installed.
+expect_refusal() {
+  local language=$1 sentence=$2
+  shift 2
+  if in_root env "LC_ALL=$language" "$@" >"$work/refusal" 2>&1; then
+    fail "not refused: $*"
+  fi
+  grep --fixed-strings "$sentence" "$work/refusal" || { cat "$work/refusal" >&2; fail "no sentence: $*"; }
+  [ "$(installed_version)" = "$version installed" ] || fail "it has become $(installed_version)"
+  in_root dpkg --verify shelf-camera-tool
+}
+
+# What a user changes in the menu is a file of the user's, by the entry's name.
+hide_in_menu() {
+  as_user 'mkdir -p .local/share/applications && sed "s/^Exec=/Hidden=true\nExec=/" \
+    /usr/share/applications/shelf-camera-tool.desktop >.local/share/applications/shelf-camera-tool.desktop'
+  sha256sum "$user_entry" >"$work/user-entry"
+}
+
+update_package() {
+  say "installing over version $older"
+  package_of_version "$older"
+  in_root dpkg --install "/tmp/$older.deb"
+  hide_in_menu
+  in_root dpkg --install /tmp/package.deb
+  [ "$(installed_version)" = "$version installed" ] || fail "no update"
+  sha256sum --check --quiet "$work/user-entry" || fail "the user's menu entry has changed"
+  [ -f "$root/usr/share/applications/$(basename "$user_entry")" ] || fail "the menu entry has another name"
+  expect_refusal C.UTF-8 "version $version is installed; remove it before" dpkg --install "/tmp/$older.deb"
+  expect_refusal zh_CN.UTF-8 "要装 $older，请先卸载" dpkg --install "/tmp/$older.deb"
+}
+
 install_package() {
   say "installing"
   in_root apt-get -q update
   # What it depends on, first and alone: the package itself is then the only difference.
   in_root apt-get -q satisfy --yes --no-install-recommends "$(dpkg-deb --field "$package" Depends)"
   all_files >"$work/before"
-  in_root dpkg --install /tmp/package.deb
+  update_package
   in_root dpkg --verify shelf-camera-tool
   all_files >"$work/installed"
   say "$(diff "$work/before" "$work/installed" | grep -c '^>') files and folders came"
@@ -108,6 +153,7 @@ start_tool() {
   tool=$(cat "$root/tmp/tool.pid") camera=$(cat "$root/tmp/camera.pid")
   working=$(readlink "/proc/$tool/cwd" || true)
   cat "$work/tool.log"
+  expect_refusal C.UTF-8 "shelf-camera-tool is running (process" dpkg --remove shelf-camera-tool
   kill "$tool" || fail "the tool has ended"
   kill "$camera"
   wait || true
@@ -119,13 +165,13 @@ start_tool() {
 
 # completions WORD...: for a command line of bash with these words.
 completions() {
-  in_root bash -c '. /usr/share/bash-completion/completions/shelf-camera
+  in_root bash -c '. "/usr/share/bash-completion/completions/$1"
     COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
-    _shelf_camera
+    "_${1//-/_}"
     echo "${COMPREPLY[*]}"' completion "$@"
 }
 
-# A check-up by the command-line program, its manual page and its completion.
+# A check-up by the command-line program.
 run_command_line() {
   say "running shelf-camera"
   local camera found
@@ -146,8 +192,16 @@ run_command_line() {
   [ "$found" = yes ] || fail "shelf-camera check"
   grep --quiet --fixed-strings '"serialNumber":{"value":"SHELF' "$work/check.json" || fail "the check-up read nothing"
   [ "$(head -c 5 "$root/home/$user/report.pdf")" = %PDF- ] || fail "no report"
-  zcat "$root/usr/share/man/man1/shelf-camera.1.gz" | grep --quiet '^\.TH SHELF\\-CAMERA 1 ' || fail "no manual page"
-  local file
+}
+
+# Manual pages and completions of all programs, the guide, the rule for adapters.
+check_documents() {
+  local program file
+  for program in shelf-camera-tool shelf-camera-practice shelf-camera virtual-camera shelf-camera-demo; do
+    zcat "$root/usr/share/man/man1/$program.1.gz" | sed 's/\\-/-/g' >"$work/page"
+    grep --quiet "^\.TH ${program^^} 1 " "$work/page" || fail "no manual page of $program"
+    completions "$program" - >/dev/null || fail "no completion of $program"
+  done
   for file in doc/shelf-camera-tool/user-guide.zh-CN.html metainfo/shelf-camera-tool.metainfo.xml \
     applications/shelf-camera-practice.desktop; do
     [ -s "$root/usr/share/$file" ] || fail "no $file"
@@ -155,6 +209,8 @@ run_command_line() {
   [ -s "$root/usr/lib/udev/rules.d/60-shelf-camera-tool.rules" ] || fail "no rule for adapters"
   [ "$(completions shelf-camera che)" = check ] || fail "no completion of commands"
   [ "$(completions shelf-camera -t dor)" = dorvel ] || fail "no completion of types"
+  [ "$(completions virtual-camera --type dor)" = dorvel ] || fail "no completion of the virtual camera's types"
+  [ "$(completions shelf-camera-demo --pic)" = --picture ] || fail "no completion of the demonstration's options"
 }
 
 take_installed_tour() {
@@ -193,12 +249,15 @@ main_inside() {
   package=$1
   work=$(mktemp -d)
   root=$work/root
+  version=$(dpkg-deb --field "$package" Version)
+  user_entry=$root/home/$user/.local/share/applications/shelf-camera-tool.desktop
   mkdir "$root"
   trap clean_up EXIT
   prepare_root "$2"
   install_package
   start_tool
   run_command_line
+  check_documents
   take_installed_tour
   remove_package
 }
@@ -212,6 +271,9 @@ main() {
   package=$(realpath "${package:-${found[0]}}")
   [ -f "$package" ] || fail "no package $package; scripts/package.sh makes it"
   [ "$(id -u)" -eq 0 ] || { as_root "${BASH_SOURCE[0]}" "$package" && return; }
+  if [ -e "$package.spdx.json" ]; then
+    "${BASH_SOURCE[0]%/*}/../sbom/test.sh" "$package"
+  fi
   ensure_packages debootstrap xvfb xauth
   use_utf8_locale
   tarball=$cache/debian-root-$(dpkg --print-architecture).tar

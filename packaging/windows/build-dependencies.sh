@@ -92,6 +92,12 @@ fetch_serial() {
   serial_source=$(echo "$work"/libcxx-serial-*/)
 }
 
+# set_dates_and_names: every file bears the date of Qt's packaging, none the names of this machine's folders.
+set_dates_and_names() {
+  SOURCE_DATE_EPOCH=$(dpkg-parsechangelog --file "$qt_source/debian/changelog" --show-field Timestamp)
+  export SOURCE_DATE_EPOCH TZ=UTC CFLAGS="-ffile-prefix-map=$work=." CXXFLAGS="-ffile-prefix-map=$work=."
+}
+
 # --- building -----------------------------------------------------------------------------------------------
 
 # Off: what this MinGW cannot compile (tablet events, the system's TLS) and what the program does not use.
@@ -120,10 +126,10 @@ build_serial() {
   for source in serial impl/win impl/list_ports/list_ports_win; do
     objects+=("serial/$(basename "$source").o")
     x86_64-w64-mingw32-g++-posix -O2 -DUNICODE -D_UNICODE -I "$serial_source/include" \
-      "-fmacro-prefix-map=${serial_source}=" \
+      "-ffile-prefix-map=$work=." \
       -c "$serial_source/src/$source.cc" -o "${objects[-1]}"
   done
-  x86_64-w64-mingw32-ar rcs "$installed/lib/libserial.a" "${objects[@]}"
+  x86_64-w64-mingw32-ar rcsD "$installed/lib/libserial.a" "${objects[@]}"
   mkdir -p "$installed/include/serial"
   cp "$serial_source"/include/serial/{serial,v8stdint}.h "$installed/include/serial"
 }
@@ -131,6 +137,7 @@ build_serial() {
 apt_sources
 fetch_serial
 fetch_qt
+set_dates_and_names
 build_serial
 build_qt
 mv installed/serial installed/qt "$folder"

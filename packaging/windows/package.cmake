@@ -19,7 +19,7 @@ install_user_guide(.)
 
 # What the libraries' packages say of their licences, and the texts they refer to.
 foreach(pair IN ITEMS
-    Qt:qt6-base-dev serial:libcxx-serial-dev CLI11:libcli11-dev GCC-runtime:gcc-mingw-w64-x86-64-posix-runtime
+    Qt:qt6-base-dev Qt-translations:qt6-translations-l10n serial:libcxx-serial-dev CLI11:libcli11-dev GCC-runtime:gcc-mingw-w64-x86-64-posix-runtime
     MinGW-w64-runtime:mingw-w64-common NSIS:nsis)
   string(REPLACE ":" ";" pair "${pair}")
   list(GET pair 0 name)
@@ -43,10 +43,13 @@ set(CPACK_PACKAGE_FILE_NAME "shelf-camera-tool-${PROJECT_VERSION}-windows-x64")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_PROJECT_CONFIG_FILE "${here}/packnames.cmake")
-set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_SOURCE_DIR}/settimes.cmake" "${here}/listfiles.cmake")
+set(CPACK_PRE_BUILD_SCRIPTS
+  "${here}/signprograms.cmake" "${CMAKE_CURRENT_SOURCE_DIR}/settimes.cmake" "${here}/listfiles.cmake")
 set(CPACK_POST_BUILD_SCRIPTS "${here}/orderzip.cmake")
 set(CPACK_NSIS_EXECUTABLE_PRE_ARGUMENTS "-INPUTCHARSET UTF8")
 set(CPACK_CAMERA_ICON "${here}/shelf-camera-tool.ico")
+set(CPACK_CAMERA_PATH_SCRIPT "${here}/path.nsh")
+set(CPACK_CAMERA_SIGN "${here}/sign.sh")
 # cpack looks there for NSIS.template.in.
 list(PREPEND CMAKE_MODULE_PATH "${here}")
 include(CPack)

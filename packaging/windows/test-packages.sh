@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
 # Installs the Windows program silently under Wine, in a prefix of its own, compares what is installed with the
-# portable ZIP, starts it from the start menu and from the ZIP's folder, installs it over itself and uninstalls it.
-# Shows that the uninstaller waits for the program to be closed, and leaves the pictures alone.
+# portable ZIP, starts it from the start menu and from the ZIP's folder, installs it over an older version and uninstalls
+# it. Shows that both wait for the program to be closed, that a downgrade is refused, that the start menu stays as the
+# user has set it, that the program's folder comes into PATH only on demand, and that the pictures are left alone. At the
+# end it tests the signatures (test-signatures.sh).
 # Usage: packaging/windows/test-packages.sh [FOLDER]     FOLDER of the packages: out/packages if not given
 . "$(dirname "${BASH_SOURCE[0]}")/../../scripts/lib.sh"
 
 uninstall_key='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\shelf-camera-tool'
+long_path=$(printf 'C:\\folder%03d;' $(seq 200))C:\\last
+shortcuts_key='HKCU\Software\shelf-camera-tool\Shortcuts'
 
 windows() {
   "$wine" "$@" 2>>"$work/wine.log"
@@ -21,13 +25,13 @@ wait_for() {
   done
 }
 
-# The X tools may show the Chinese half of the title as bytes: the other is enough.
+# has_window [TITLE]: the X tools may show the Chinese half of a title as bytes: the other is enough.
 has_window() {
-  xwininfo -root -tree | grep --quiet --fixed-strings "Tessaly v($version)"
+  xwininfo -root -tree | grep --quiet --fixed-strings "${1:-Tessaly v($version)}"
 }
 
 has_no_window() {
-  ! has_window
+  ! has_window "$@"
 }
 
 # working_folder: of the running program, as this system knows it.
@@ -52,22 +56,93 @@ expect_code() {
   [ "$code" -eq "$wanted" ] || fail "code $code instead of $wanted: $*"
 }
 
+# install_silently [OPTION...]
 install_silently() {
-  say "installing silently"
-  expect_code 0 windows "$setup" /S
+  say "installing silently $*"
+  expect_code 0 windows "$setup" /S "$@"
   [ -d "$installed" ] || fail "there is no $installed"
   # All that the ZIP has, and the uninstaller.
   diff --recursive --brief --exclude=uninstall.exe "$work/zip/$name" "$installed" ||
     fail "installed and packed files differ"
   [ -f "$installed/uninstall.exe" ] || fail "there is no uninstaller"
-  [ -f "$shortcut" ] || fail "there is no entry in the start menu"
-  [ -f "$guide_shortcut" ] || fail "the user guide is not in the start menu"
-  [ -f "$practice_shortcut" ] || fail "the practice is not in the start menu"
   [ -s "$installed/user-guide.zh-CN.html" ] || fail "there is no user guide"
   [ -d "$pictures" ] || fail "there is no folder for pictures"
   windows reg query "$uninstall_key" | tr -d '\r' >"$work/registered"
   grep --quiet --word-regexp "DisplayVersion.*$version" "$work/registered" || fail "the system does not know the program"
   say "$(find "$installed" -type f | wc -l) files, $(du --bytes --summarize "$installed" | cut -f1) bytes"
+}
+
+# registered_version VERSION: the system takes the installed program for this version.
+registered_version() {
+  windows reg add "$uninstall_key" /v DisplayVersion /d "$1" /f >/dev/null
+}
+
+check_menu() {
+  [ -f "$shortcut" ] || fail "there is no entry in the start menu"
+  [ -f "$guide_shortcut" ] || fail "the user guide is not in the start menu"
+  [ -f "$practice_shortcut" ] || fail "the practice is not in the start menu"
+}
+
+# The user has set one entry and deleted the other. Behind an uninstaller that knows nothing of this, too.
+update_keeps_menu() {
+  say "installing over an older version"
+  printf 'set by the user' >>"$shortcut"
+  cp "$shortcut" "$work/set.lnk"
+  rm "$guide_shortcut"
+  registered_version 0.0.1
+  install_silently
+  cmp "$shortcut" "$work/set.lnk" || fail "the entry in the start menu is not as the user has set it"
+  [ ! -e "$guide_shortcut" ] || fail "an entry that the user has deleted is back"
+  windows reg delete "$shortcuts_key" /f >/dev/null
+  registered_version 0.0.1
+  install_silently
+  cmp "$shortcut" "$work/set.lnk" || fail "an update of the first version changes the start menu"
+  check_menu
+  say "the start menu is as the user has set it"
+}
+
+refuse_downgrade() {
+  say "installing over a newer version"
+  registered_version 99.0.0
+  touch "$installed/newer.txt"
+  expect_code 3 windows "$setup" /S
+  windows "$setup" &
+  wait_for 60 has_window " $version " || fail "no sentence comes"
+  sleep 1
+  import -window root "$screenshots/downgrade.png"
+  windows taskkill /f /im "$(basename "$setup")" >/dev/null
+  wait || true
+  [ -f "$installed/newer.txt" ] && [ -f "$installed/shelf-camera-tool.exe" ] || fail "it touched the newer version"
+  rm "$installed/newer.txt"
+  registered_version "$version"
+  say "refused; its sentence is in $screenshots/downgrade.png"
+}
+
+# user_path: PATH of the user, as the registry has it; it may have none.
+user_path() {
+  { windows reg query 'HKCU\Environment' /v Path || true; } | tr -d '\r' | sed -n 's/^ *Path  *REG_[A-Z_]*  *//p'
+}
+
+set_user_path() {
+  windows reg add 'HKCU\Environment' /v Path /t REG_EXPAND_SZ /d "$1" /f >/dev/null
+}
+
+path_on_demand() {
+  say "putting the program into PATH"
+  local folder
+  [[ $(user_path) != *shelf-camera-tool* ]] || fail "PATH holds the program without being asked: $(user_path)"
+  set_user_path 'C:\other folder'
+  install_silently /PATH
+  folder=$(user_path)
+  folder=${folder#'C:\other folder;'}
+  [ "${folder#C:\\users\\*\\AppData\\}" = 'Local\Programs\shelf-camera-tool' ] || fail "PATH is $(user_path)"
+  wineserver --wait
+  [ "$(windows cmd /c 'shelf-camera --version' | tr -d '\r')" = "shelf-camera $version" ] ||
+    fail "shelf-camera is not found"
+  # Longer than a text of the installer, and than Wine takes from the registry for its programs.
+  set_user_path "$long_path;$folder"
+  install_silently # keeps the choice
+  [ "$(user_path)" = "$long_path;$folder" ] || fail "an update changes PATH to $(user_path)"
 }
 
 start_from_menu() {
@@ -102,6 +177,7 @@ uninstall_silently() {
   [ ! -e "$shortcut" ] && [ ! -e "$guide_shortcut" ] && [ ! -e "$practice_shortcut" ] || fail "it left entries in the start menu"
   [ "$(cat "$pictures/33.jpg")" = picture ] || fail "it touched the pictures"
   expect_code 1 windows reg query "$uninstall_key" >/dev/null
+  [ "$(user_path)" = "$long_path" ] || fail "it left PATH as $(user_path)"
   rm -r "$installed"
   say "nothing is left but the pictures, and what the user had put there"
 }
@@ -116,6 +192,7 @@ main_inside() {
   mkdir "$HOME" "$work/zip"
   unzip -q "$folder/$name.zip" -d "$work/zip"
   windows wineboot --init
+  windows reg add 'HKCU\Software\Wine\Fonts\Replacements' /v Tahoma /d 'Noto Sans CJK SC' /f >/dev/null
   wineserver --wait
   local data_folders=("$WINEPREFIX"/drive_c/users/*/AppData) user_folder
   user_folder=${data_folders[0]%/AppData}
@@ -126,6 +203,7 @@ main_inside() {
   pictures=$(realpath "$user_folder/Pictures")/摄像头图片
 
   install_silently
+  check_menu
   start_from_menu
   say "uninstalling while it runs"
   expect_code 0 windows "$installed/uninstall.exe" /S
@@ -133,9 +211,12 @@ main_inside() {
   [ -f "$installed/shelf-camera-tool.exe" ] || fail "the uninstaller took a program that runs"
   expect_code 2 windows "$setup" /S
   close_program
-  install_silently
+  update_keeps_menu
+  refuse_downgrade
+  path_on_demand
   uninstall_silently
   start_portable
+  "${BASH_SOURCE[0]%/*}/test-signatures.sh"
 }
 
 main() {
@@ -155,6 +236,8 @@ main() {
   fi
   wine=/usr/lib/wine/wine64
   mkdir -p "$screenshots"
+  (cd "$folder" && sha256sum --check --quiet --ignore-missing SHA256SUMS) || fail "the sums are wrong"
+  "${BASH_SOURCE[0]%/*}/../sbom/test.sh" "${zip[0]}" "$setup"
   main_inside
   say "the Windows packages install, start and go"
 }

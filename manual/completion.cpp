@@ -1,12 +1,12 @@
-#include "cli/completion.h"
+#include "manual/completion.h"
 
-#include "cli/appwords.h"
+#include "manual/appwords.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <sstream>
 
-namespace cli {
+namespace manual {
 
 namespace {
 
@@ -152,4 +152,4 @@ std::string bashCompletion(const CLI::App& app, const ValueCompletions& values) 
     return replaced(replaced(script, "NAME", name), "PROGRAM", program);
 }
 
-} // namespace cli
+} // namespace manual

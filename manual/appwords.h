@@ -9,7 +9,7 @@ class App;
 class Option;
 } // namespace CLI
 
-namespace cli {
+namespace manual {
 
 /// Options with a dash, in the order of their definition.
 [[nodiscard]] std::vector<const CLI::Option*> namedOptions(const CLI::App& app);
@@ -22,4 +22,4 @@ namespace cli {
 [[nodiscard]] std::string valueName(const CLI::Option& option);
 [[nodiscard]] std::vector<std::string> split(const std::string& text, const std::string& separator);
 
-} // namespace cli
+} // namespace manual

@@ -8,7 +8,7 @@ namespace CLI {
 class App;
 }
 
-namespace cli {
+namespace manual {
 
 /// By name of a value: "file", "folder", or words to choose from. A name like "on|off" needs no entry.
 using ValueCompletions = std::map<std::string, std::string>;
@@ -16,4 +16,4 @@ using ValueCompletions = std::map<std::string, std::string>;
 /// A script that completes commands, options and their values.
 [[nodiscard]] std::string bashCompletion(const CLI::App& app, const ValueCompletions& values);
 
-} // namespace cli
+} // namespace manual

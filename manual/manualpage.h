@@ -8,7 +8,7 @@ namespace CLI {
 class App;
 }
 
-namespace cli {
+namespace manual {
 
 struct ManualExample {
     std::string purpose;
@@ -20,11 +20,12 @@ struct ManualText {
     std::string date; ///< year-month-day
     std::string version;
     std::string description;
-    std::vector<ManualExample> examples;
-    std::vector<std::string> seeAlso; ///< pages of section 1
+    std::vector<ManualExample> examples; ///< may be none
+    std::vector<std::string> seeAlso;    ///< pages of section 1
 };
 
-/// Roff with the man macros. A line "Title: word text, word text" of the app's footer becomes a section.
+/// Roff with the man macros. A line "Title: word text, word text" of the app's footer becomes a section. A
+/// section without content is left out.
 [[nodiscard]] std::string manualPage(const CLI::App& app, const ManualText& text);
 
-} // namespace cli
+} // namespace manual

@@ -1,8 +1,8 @@
-#include "cli/appwords.h"
+#include "manual/appwords.h"
 
 #include <CLI/CLI.hpp>
 
-namespace cli {
+namespace manual {
 
 std::vector<const CLI::Option*> namedOptions(const CLI::App& app) {
     return app.get_options([](const CLI::Option* option) { return !option->get_positional(); });
@@ -39,4 +39,4 @@ std::vector<std::string> split(const std::string& text, const std::string& separ
     return parts;
 }
 
-} // namespace cli
+} // namespace manual

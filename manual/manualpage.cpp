@@ -1,12 +1,12 @@
-#include "cli/manualpage.h"
+#include "manual/manualpage.h"
 
-#include "cli/appwords.h"
+#include "manual/appwords.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <sstream>
 
-namespace cli {
+namespace manual {
 
 namespace {
 
@@ -55,12 +55,8 @@ public:
 
     std::string written() {
         head();
-        section("OPTIONS");
-        for (const CLI::Option* option : namedOptions(m_app))
-            entry(optionTag(*option), option->get_description());
-        section("COMMANDS");
-        for (const CLI::App* command : commandsOf(m_app))
-            describe(*command, {});
+        options();
+        commands();
         for (const std::string& line : split(m_app.get_footer(), "\n"))
             footerSection(line);
         examples();
@@ -82,9 +78,29 @@ private:
         section("NAME");
         m_roff << escaped(name) << " \\- " << escaped(beginningSmall(m_app.get_description())) << '\n';
         section("SYNOPSIS");
-        m_roff << ".B " << escaped(name) << "\n.RI [ option ]...\n.I command\n.RI [ argument ]...\n";
+        m_roff << ".B " << escaped(name) << '\n';
+        if (!namedOptions(m_app).empty())
+            m_roff << ".RI [ option ]...\n";
+        if (!commandsOf(m_app).empty())
+            m_roff << ".I command\n.RI [ argument ]...\n";
         section("DESCRIPTION");
         m_roff << escaped(m_text.description) << '\n';
+    }
+
+    void options() {
+        if (namedOptions(m_app).empty())
+            return;
+        section("OPTIONS");
+        for (const CLI::Option* option : namedOptions(m_app))
+            entry(optionTag(*option), option->get_description());
+    }
+
+    void commands() {
+        if (commandsOf(m_app).empty())
+            return;
+        section("COMMANDS");
+        for (const CLI::App* command : commandsOf(m_app))
+            describe(*command, {});
     }
 
     static std::string optionTag(const CLI::Option& option) {
@@ -135,6 +151,8 @@ private:
     }
 
     void examples() {
+        if (m_text.examples.empty())
+            return;
         section("EXAMPLES");
         for (const ManualExample& example : m_text.examples) {
             m_roff << ".PP\n" << escaped(example.purpose) << ":\n.PP\n.EX\n";
@@ -161,4 +179,4 @@ std::string manualPage(const CLI::App& app, const ManualText& text) {
     return Page(app, text).written();
 }
 
-} // namespace cli
+} // namespace manual
