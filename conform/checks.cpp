@@ -135,6 +135,7 @@ QString outcomeWords(Outcome outcome) {
 
 std::vector<Result> examine(const Evidence& evidence) {
     std::vector<Result> results;
+    results.reserve(table.size());
     for (const Check& check : table)
         results.push_back({&check, check.look(evidence)});
     return results;

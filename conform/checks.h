@@ -45,7 +45,7 @@ struct Check {
 [[nodiscard]] QString outcomeWords(Outcome outcome);
 
 struct Result {
-    const Check* check;
+    const Check* check = nullptr;
     Finding finding;
 };
 
