@@ -1,7 +1,9 @@
 #include "app/portchoice.h"
 
 #include <QAbstractItemView>
+#include <QHelpEvent>
 #include <QScopedValueRollback>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -62,10 +64,16 @@ PortChoice::PortChoice(QWidget* parent) : QComboBox(parent) {
         if (!m_isRefreshing)
             m_wanted = AdapterTrack(port, m_ports);
     });
-    // Large texts are cut, and on Linux screen readers take the port for the name.
-    connect(this, &QComboBox::currentTextChanged, this,
-            [this](const QString& port) { setToolTip(accessibleName() + QLatin1Char(' ') + port); });
     connect(this, &QComboBox::activated, this, &PortChoice::keepChoice);
+}
+
+bool PortChoice::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip)
+        return QComboBox::event(event);
+    // Large texts are cut.
+    QToolTip::showText(static_cast<const QHelpEvent*>(event)->globalPos(),
+                       toolTip() + QLatin1Char('\n') + currentText(), this);
+    return true;
 }
 
 void PortChoice::setSource(Source ports) {

@@ -42,6 +42,9 @@ public:
 
     void showPopup() override;
 
+protected:
+    bool event(QEvent* event) override;
+
 signals:
     /// A sentence for the status bar: a refresh found a port or changed the choice.
     void noticed(const QString& text);

@@ -337,12 +337,11 @@ TEST_F(MainWindowAtStart, ReadsValuesToScreenReaders) {
     }
 }
 
+// On Linux Qt gives a combo box's value as its name and the tool tip as its description.
 TEST_F(MainWindowAtStart, DescribesChoicesToScreenReaders) {
-    MainWindow window;
-    find<QComboBox>(window, "sel_ports")->addItem("COM9");
-    find<QComboBox>(window, "sel_ports")->setCurrentText("COM9");
-    EXPECT_EQ(find<QComboBox>(window, "sel_ports")->toolTip(), "串口 COM9");
-    EXPECT_TRUE(find<QComboBox>(window, "sel_baund")->toolTip().startsWith("波特率"));
+    const MainWindow window;
+    EXPECT_TRUE(find<QWidget>(window, "sel_ports")->toolTip().startsWith("串口"));
+    EXPECT_TRUE(find<QWidget>(window, "sel_baund")->toolTip().startsWith("波特率"));
 }
 
 TEST_F(MainWindowAtStart, MovesTheFocusInReadingOrder) {

@@ -2,6 +2,7 @@
 
 #include "app/panellabels.h"
 #include "app/picturearea.h"
+#include "app/portchoice.h"
 #include "linkaccess/valuelabel.h"
 #include "pictures/picturelistview.h"
 
@@ -17,7 +18,7 @@ constexpr int headerMargin = 2;
 constexpr int mostRows = 3; // looked at of a list
 
 QString toolTipOf(QWidget& widget) {
-    if (dynamic_cast<ValueLabel*>(&widget) == nullptr)
+    if (dynamic_cast<ValueLabel*>(&widget) == nullptr && qobject_cast<PortChoice*>(&widget) == nullptr)
         return widget.toolTip();
     QHelpEvent event(QEvent::ToolTip, QPoint(), QPoint());
     QApplication::sendEvent(&widget, &event);
