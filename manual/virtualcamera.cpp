@@ -40,8 +40,6 @@ Program virtualCamera() {
          {"sudo virtual-camera --link /dev/ttyUSB9"}},
         {"Leave the second answer to the serial number three bytes short",
          {"virtual-camera --type dorvel --fault truncate=3@getSn#2"}},
-        {"Behave as a camera's profile says",
-         {"virtual-camera --profile /usr/share/shelf-camera-tool/profiles/assumed-slow.profile"}},
         {"Give the first lesson", {"sudo virtual-camera --lesson 1 --link /dev/ttyUSB9"}},
         {"Record what the tool and the camera at an adapter say",
          {"sudo virtual-camera --tap /dev/ttyUSB0 --record line.rec --link /dev/ttyUSB9"}},
