@@ -8,13 +8,6 @@
 #include <QPainter>
 #include <QToolTip>
 
-#include <algorithm>
-
-namespace {
-constexpr int rowHeight = 24; // pixels, of texts that fit
-constexpr int lineGap = 4;    // Chinese letters are higher than a line of some fonts
-} // namespace
-
 PictureListDelegate::PictureListDelegate(const PictureGeneration& generation, QObject* parent)
     : QStyledItemDelegate(parent), m_generation(generation) {}
 
@@ -39,7 +32,7 @@ void PictureListDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
 }
 
 QSize PictureListDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& /*index*/) const {
-    return {option.rect.width(), std::max(rowHeight, option.fontMetrics.height() + lineGap)};
+    return {option.rect.width(), rowHeight};
 }
 
 bool PictureListDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,

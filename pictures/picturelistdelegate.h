@@ -10,6 +10,8 @@ class PictureListDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
 public:
+    static constexpr int rowHeight = 24; ///< pixels, whatever the font
+
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;

@@ -1,6 +1,22 @@
 #include "pictures/picturelistview.h"
 
+#include "pictures/picturelistdelegate.h"
+
+#include <QFontInfo>
 #include <QPainter>
+
+namespace {
+constexpr int lineGap = 4; // Chinese letters are higher than a line of some fonts
+} // namespace
+
+PictureListView::PictureListView(QWidget* parent) : QListView(parent) {
+    constexpr int most = PictureListDelegate::rowHeight - lineGap;
+    if (const int height = fontMetrics().height(); height > most) {
+        QFont smaller = font();
+        smaller.setPixelSize(fontInfo().pixelSize() * most / height);
+        setFont(smaller);
+    }
+}
 
 QVariant PictureListView::inputMethodQuery(Qt::InputMethodQuery query) const {
     if (query == Qt::ImCursorRectangle && currentIndex().isValid())

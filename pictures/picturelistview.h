@@ -5,12 +5,12 @@
 #include <QListView>
 
 /// Says what to do while it is empty; its menu opens at the current row when a key asks for it. It stays of
-/// Qt's class for screen readers.
+/// Qt's class for screen readers. A font that is too large for a row is made smaller.
 class PictureListView final : public QListView {
     Q_DECLARE_TR_FUNCTIONS(PictureListView)
 
 public:
-    using QListView::QListView;
+    explicit PictureListView(QWidget* parent = nullptr);
 
     /// Qt opens a menu asked for by a key at the middle of the "cursor rectangle".
     [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
