@@ -54,7 +54,7 @@ void LineRows::take(const LineRecord::Chunk& chunk, protocol::ByteView bytes) {
     m_slack = chunk.slack;
     if (chunk.from == Side::camera)
         m_lastAnswerByte = chunk.at;
-    addItems(m_follower.receive(chunk.from, bytes, chunk.at));
+    addItems(m_follower.receive(chunk.from, bytes, chunk.at, chunk.slack));
     // Counted from its last chunk, a rest is found while that is in the record.
     if (mine.size > 0 && mine.size <= bytes.size())
         mine = {chunk.position, bytes.size() - mine.size, mine.size};

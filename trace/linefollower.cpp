@@ -40,10 +40,10 @@ bool isWholeRequest(ByteView bytes) {
 
 } // namespace
 
-std::vector<LineItem> LineFollower::receive(Side from, ByteView bytes, Time now) {
+std::vector<LineItem> LineFollower::receive(Side from, ByteView bytes, Time now, Time slack) {
     Items items;
     Direction& own = direction(from);
-    const bool silence = now - own.lastByteAt > FrameScanner::longestSilence;
+    const bool silence = now - slack - own.lastByteAt > FrameScanner::longestSilence;
     if (!own.scanner.empty() && (silence || (own.otherSpoke && startsItem(bytes))))
         breakOff(from, items);
     if (from == Side::tool && m_data) {

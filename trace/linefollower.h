@@ -41,8 +41,8 @@ public:
 
     explicit LineFollower(DataBytes dataBytes = DataBytes::kept) : m_dataBytes(dataBytes) {}
 
-    /// Items that these bytes complete, in order.
-    [[nodiscard]] std::vector<LineItem> receive(Side from, ByteView bytes, Time now);
+    /// Items that these bytes complete, in order. The bytes came up to `slack` before now.
+    [[nodiscard]] std::vector<LineItem> receive(Side from, ByteView bytes, Time now, Time slack = Time{0});
     /// Items abandoned after a second without bytes.
     [[nodiscard]] std::vector<LineItem> passTime(Time now);
     /// Ends the line: abandons incomplete items.

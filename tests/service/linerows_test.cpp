@@ -59,6 +59,18 @@ TEST_F(Rows, ExchangeIsTwoRowsWithTimeOfAnswer) {
     EXPECT_FALSE(found[1].isOdd());
 }
 
+// The last byte of an answer that is longer than its read comes with the next one.
+TEST_F(Rows, RestOfAnAnswerInAnExpiredReadBelongsToIt) {
+    tool(heartbeatRequest);
+    const Bytes answer = hex(heartbeatAnswer);
+    camera(Bytes(answer.begin(), answer.end() - 1));
+    record.add(Side::camera, Bytes(answer.end() - 1, answer.end()), now += 1001ms, 1001ms);
+    const auto found = all();
+    ASSERT_EQ(found.size(), 2U);
+    EXPECT_EQ(found[1].role, Role::answer);
+    EXPECT_FALSE(found[1].isOdd());
+}
+
 TEST_F(Rows, AnswerOfAnExpiredReadMayHaveComeEarlier) {
     tool(heartbeatRequest);
     record.add(Side::camera, hex(heartbeatAnswer), now += 200ms, 199ms);
