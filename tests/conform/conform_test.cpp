@@ -51,7 +51,15 @@ TEST_P(PlantedDeviation, GetsReadingRequestsOnly) {
     EXPECT_EQ(found.uploads, 0U);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, PlantedDeviation, testing::ValuesIn(plantedDeviations()),
+std::vector<Planted> someDeviations() {
+    std::vector<Planted> some;
+    const auto all = plantedDeviations();
+    for (std::size_t i = 0; i < all.size(); i += CAMERA_NTH_DEVIATION)
+        some.push_back(all[i]);
+    return some;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PlantedDeviation, testing::ValuesIn(someDeviations()),
                          [](const auto& test) { return test.param.name; });
 
 // --- good cameras ------------------------------------------------------------------------------------------
