@@ -83,9 +83,7 @@ function(camera_library name)
   add_library(${name} STATIC ${arg_SOURCES})
   target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE camera_options)
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
-  if(NOT CAMERA_LIBRARIES_BY_SOURCE)
-    camera_fast_build(${name} "" ${arg_LINK})
-  endif()
+  camera_fast_build(${name} "" ${arg_LINK})
 endfunction()
 
 # camera_program(name SOURCES... [LINK targets...] [HEADERS target]): see camera_fast_build.

@@ -2,15 +2,14 @@
 # Builds the fuzzers with clang and runs each for some seconds on its corpus; what one finds ends the script and
 # is left in out/fuzz. New inputs that reach new code are kept there too, not in the repository.
 # Usage: scripts/fuzz.sh [--fixed | --page] [SECONDS] [FUZZER]...
-#        20 s and all fuzzers (those of all_fuzzers) if not given
+#        20 s and all fuzzers if not given
 #   --fixed  a number of runs instead of seconds, always the same ones, from the repository's corpus alone:
-#            some 10 s each, of the decoders alone less than one
+#            some 10 s each; those of decoders alone only by name
 #   --page   writes out/fuzz/fuzzing.md from the runs
 . "$(dirname "$0")/lib.sh"
 
 client_fuzzers=(answers catalogues json transfer uploads camera)
 pure_fuzzers=(frames records envelopes announcements recordings profiles options) # decoders alone
-all_fuzzers=("${client_fuzzers[@]}" "${pure_fuzzers[@]}")
 longest_input=4096
 longest_pure_input=128
 
@@ -35,6 +34,7 @@ for name in "${pure_fuzzers[@]}"; do
   fixed_runs[$name]=10000
 done
 
+# build_fuzzers NAME...
 build_fuzzers() {
   local options=()
   if command -v ccache >/dev/null; then
@@ -47,7 +47,7 @@ build_fuzzers() {
   (
     cd "$project_root"
     cmake --preset fuzz --log-level=NOTICE "${options[@]}"
-    nice cmake --build --preset fuzz --target fuzz/all
+    nice cmake --build --preset fuzz --target "${@/#/fuzz_}"
   )
 }
 
@@ -125,10 +125,11 @@ main() {
   fi
   local fuzzers=("$@")
   if [ ${#fuzzers[@]} -eq 0 ]; then
-    fuzzers=("${all_fuzzers[@]}")
+    fuzzers=("${client_fuzzers[@]}")
+    [ "$fixed" = yes ] || fuzzers+=("${pure_fuzzers[@]}")
   fi
   ensure_packages "${build_packages[@]}" "${clang_packages[@]}"
-  build_fuzzers
+  build_fuzzers "${fuzzers[@]}"
   local name limit rows=()
   for name in "${fuzzers[@]}"; do
     limit=-max_total_time=$seconds
