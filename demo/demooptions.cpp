@@ -1,7 +1,7 @@
 #include "demo/demooptions.h"
 
 QString DemoOptions::complaintOf(const QStringList& arguments) {
-    if (const QString complaint = program.complaintOf(arguments); !complaint.isEmpty())
+    if (QString complaint = program.complaintOf(arguments); !complaint.isEmpty())
         return complaint;
     if (program.isSet(tour) && program.isSet(picture))
         return QStringLiteral("--tour and --picture exclude each other");

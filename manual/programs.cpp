@@ -22,6 +22,16 @@ std::vector<std::string> argumentsIn(const std::string& line, const std::string&
     return words;
 }
 
+/// Why the program refuses the line; empty if it takes it.
+std::string complaintOf(const Program& program, const std::string& line) {
+    try {
+        program.check(argumentsIn(line, program.app->get_name()));
+    } catch (const std::exception& error) {
+        return line + ": " + error.what();
+    }
+    return {};
+}
+
 } // namespace
 
 std::vector<Program> programs() {
@@ -31,11 +41,8 @@ std::vector<Program> programs() {
 std::string badExample(const Program& program) {
     for (const ManualExample& example : program.text.examples) {
         for (const std::string& line : example.lines) {
-            try {
-                program.check(argumentsIn(line, program.app->get_name()));
-            } catch (const std::exception& error) {
-                return line + ": " + error.what();
-            }
+            if (std::string complaint = complaintOf(program, line); !complaint.empty())
+                return complaint;
         }
     }
     return {};

@@ -16,7 +16,7 @@ all_sources() {
 }
 
 # Files that the last commits touched, and those that are not committed. Code 1: the history is not all there.
-commits=60
+commits=20
 touched_files() {
   git ls-files --error-unmatch CMakeLists.txt >/dev/null 2>&1 || return 1
   [ "$(git rev-parse --is-shallow-repository)" = false ] || return 1

@@ -11,7 +11,7 @@ using namespace simulation;
 
 namespace {
 
-constexpr std::uint64_t repeatedSeeds = 100;
+constexpr std::uint64_t repeatedSeeds = CAMERA_REPEATED_SEEDS;
 
 std::string complaintsOf(const Outcome& outcome) {
     std::string text;
