@@ -1,6 +1,7 @@
 #include "app/panelstyle.h"
 
 #include "app/outlinestyle.h"
+#include "app/readablecolors.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -15,8 +16,6 @@ constexpr QMargins fieldMargins{7, 3, 7, 3};
 constexpr int panelRadius = 6;
 constexpr int fieldRadius = 3;
 constexpr int headingBar = 3;
-constexpr QColor border{0x80, 0x80, 0x80}; // visible on light and on dark
-constexpr QColor disabledText = border;
 
 QMargins marginsOf(const QString& look) {
     if (look == QLatin1String("field"))
@@ -50,11 +49,11 @@ void drawFrame(const QString& look, const QStyleOption& option, QPainter* painte
         painter->fillRect(QRect(option.rect.topLeft(), QSize(headingBar, option.rect.height())),
                           colors.highlight());
     else if (look == QLatin1String("hint"))
-        drawBox(painter, option.rect, QPen(border, 1, Qt::DashLine), Qt::NoBrush, panelRadius);
+        drawBox(painter, option.rect, QPen(outlineColor(colors), 1, Qt::DashLine), Qt::NoBrush, panelRadius);
     else if (look == QLatin1String("field"))
-        drawBox(painter, option.rect, QPen(border), background, fieldRadius);
+        drawBox(painter, option.rect, QPen(outlineColor(colors)), background, fieldRadius);
     else
-        drawBox(painter, option.rect, QPen(border), background, panelRadius);
+        drawBox(painter, option.rect, QPen(outlineColor(colors)), background, panelRadius);
 }
 
 QBrush buttonBackground(const QStyleOption& option) {
@@ -68,7 +67,7 @@ QBrush buttonBackground(const QStyleOption& option) {
 
 void drawButton(const QStyleOption& option, bool primary, QPainter* painter) {
     const bool focus = option.state.testFlag(QStyle::State_HasFocus);
-    QPen pen(border);
+    QPen pen(outlineColor(option.palette));
     if (!option.state.testFlag(QStyle::State_Enabled))
         pen = QPen(option.palette.color(QPalette::Midlight), primary ? 2 : 1);
     else if (primary)
@@ -89,7 +88,6 @@ void PanelStyle::drawControl(ControlElement element, const QStyleOption* option,
         drawButton(*button, widget != nullptr && widget->property("primary").toBool(), painter);
         QStyleOptionButton label = *button;
         label.rect = button->rect.marginsRemoved(buttonMargins);
-        label.palette.setColor(QPalette::Disabled, QPalette::ButtonText, disabledText);
         proxy()->drawControl(CE_PushButtonLabel, &label, painter, widget);
     } else {
         QProxyStyle::drawControl(element, option, painter, widget);
@@ -103,7 +101,8 @@ void PanelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
         return;
     }
     const bool focus = option->state.testFlag(State_HasFocus);
-    const QPen pen = focus ? QPen(option->palette.color(QPalette::Highlight), 2) : QPen(border);
+    const QPen pen =
+        focus ? QPen(option->palette.color(QPalette::Highlight), 2) : QPen(outlineColor(option->palette));
     drawBox(painter, option->rect, pen, option->palette.color(QPalette::Active, QPalette::Base), fieldRadius);
 }
 

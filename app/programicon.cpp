@@ -27,7 +27,7 @@ public:
         return sizes;
     }
     [[nodiscard]] QIconEngine* clone() const override { return new IconEngine; }
-    // The inherited pixmap() is drawn by QPainter, whose picture has an undefined background.
+    // The inherited pixmap() paints on pixels that nobody has cleared.
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
         QPixmap picture(size);
         picture.fill(Qt::transparent);

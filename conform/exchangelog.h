@@ -1,4 +1,4 @@
-// Requests and answers of a line with the time of each byte.
+// The exchanges of a line: requests, and the answers' bytes with their times.
 #pragma once
 
 #include "link/lineobserver.h"

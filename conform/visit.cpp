@@ -57,7 +57,7 @@ public:
     }
 
 private:
-    /// What needs a camera that answers at all.
+    /// Requests that are sent only if the camera has answered.
     void goFurther() {
         probeHeartbeats();
         probeProperties();

@@ -1,16 +1,9 @@
-// The functions that the library loaded late gives by name, and what they are called there.
+// Functions of the library that is loaded at the first use.
 #pragma once
 
-#include <QString>
-
-#include <functional>
-
-class QPagedPaintDevice;
-class QWidget;
+#include "late/late.h"
 
 namespace late {
-
-using Paint = std::function<void(QPagedPaintDevice&)>;
 
 struct Entries {
     QString (*adapterText)();
@@ -19,6 +12,10 @@ struct Entries {
 
 constexpr const char* entriesName = "cameraLateEntries";
 
+/// The same at every call. Throws std::runtime_error if the library is missing.
+[[nodiscard]] const Entries& loadEntries();
+
 } // namespace late
 
+/// The library's only name.
 extern "C" const late::Entries* cameraLateEntries();

@@ -1,7 +1,6 @@
 #include "late/late.h"
 
 #include "late/entries.h"
-#include "late/load.h"
 
 namespace late {
 
@@ -13,7 +12,7 @@ bool canPrint() {
     return CAMERA_CAN_PRINT;
 }
 
-void printOnPaper(QWidget* parent, const std::function<void(QPagedPaintDevice&)>& paint) {
+void printOnPaper(QWidget* parent, const Paint& paint) {
     loadEntries().printOnPaper(parent, paint);
 }
 

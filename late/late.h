@@ -1,6 +1,5 @@
-// What the start of the tool does without. On Linux the libraries behind it come with the first use: they and
-// those that they need take a thirtieth of the start's time and memory. A missing one is a
-// std::runtime_error.
+// Functions that the start does not need. On Linux the first use loads their libraries, which would take a
+// thirtieth of the start's time and memory. A missing library throws std::runtime_error.
 #pragma once
 
 #include <QString>
@@ -12,12 +11,15 @@ class QWidget;
 
 namespace late {
 
+/// Prints on what is given.
+using Paint = std::function<void(QPagedPaintDevice&)>;
+
 /// Hardware address of the computer's first network adapter, a fixed text if there is none.
 [[nodiscard]] QString adapterText();
 
 /// False in builds without a printing library, where printOnPaper() does nothing.
 [[nodiscard]] bool canPrint();
 /// Asks for the printer; then paint prints. Returns at once; parent owns the dialog.
-void printOnPaper(QWidget* parent, const std::function<void(QPagedPaintDevice&)>& paint);
+void printOnPaper(QWidget* parent, const Paint& paint);
 
 } // namespace late

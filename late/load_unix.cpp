@@ -1,4 +1,4 @@
-#include "late/load.h"
+#include "late/entries.h"
 
 #include <dlfcn.h>
 #include <stdexcept>

@@ -1,5 +1,5 @@
 // The library is part of the program.
-#include "late/load.h"
+#include "late/entries.h"
 
 namespace late {
 

@@ -1,7 +1,7 @@
 // Printing on paper.
 #pragma once
 
-#include "late/entries.h"
+#include "late/late.h"
 
 namespace late {
 

@@ -12,7 +12,7 @@ namespace manual {
 
 namespace {
 
-/// What stands between the program's name and a redirection.
+/// The words after the program's name, up to a redirection.
 std::vector<std::string> argumentsIn(const std::string& line, const std::string& program) {
     std::vector<std::string> words = split(line.substr(0, line.find(" >")), " ");
     const auto name = std::find(words.begin(), words.end(), program);

@@ -1,4 +1,4 @@
-// What the manual pages and completions of the programs are made of.
+// The programs that have a manual page and a completion.
 #pragma once
 
 #include "manual/completion.h"

@@ -143,7 +143,8 @@ void PracticeWindow::openTool() {
 
 void PracticeWindow::placeBesideTool() {
     const QRect room = screen()->availableGeometry();
-    m_tool->resize(std::min(m_tool->width(), room.width() - narrow), m_tool->height());
+    const int least = std::min(m_tool->width(), m_tool->sizeHint().width()); // narrower ones cut texts
+    m_tool->resize(std::clamp(room.width() - narrow, least, m_tool->width()), m_tool->height());
     const int beside = room.width() - m_tool->frameGeometry().width();
     resize(std::clamp(beside, narrow, wide), m_tool->height());
     const int spare = std::max(0, beside - frameGeometry().width());

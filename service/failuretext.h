@@ -1,4 +1,4 @@
-// Words for an exception that left a handler.
+// Texts for an exception that no handler caught.
 #pragma once
 
 #include <QString>

@@ -1,4 +1,4 @@
-// A virtual camera and its line after a profile.
+// Settings of a virtual camera and its line, read from a profile.
 #pragma once
 
 #include "emulator/camera/virtualcamera.h"
@@ -7,7 +7,7 @@
 
 namespace emulator {
 
-/// What a profile says; all else is as the type has it.
+/// What a profile does not name has the type's value.
 struct CameraProfile {
     CameraSettings settings;
     CameraState state;

@@ -86,7 +86,7 @@ expect_refusal() {
   in_root dpkg --verify shelf-camera-tool
 }
 
-# What a user changes in the menu is a file of the user's, by the entry's name.
+# A user's own menu entry replaces the package's entry of the same name.
 hide_in_menu() {
   as_user 'mkdir -p .local/share/applications && sed "s/^Exec=/Hidden=true\nExec=/" \
     /usr/share/applications/shelf-camera-tool.desktop >.local/share/applications/shelf-camera-tool.desktop'

@@ -186,6 +186,8 @@ uninstall_silently() {
 main_inside() {
   work=$(mktemp -d)
   trap 'wineserver --kill || true; rm -rf "$work"' EXIT
+  CAMERA_WINDOWS_DEPS=$(windows_dependencies_folder) # in the user's own folders
+  export CAMERA_WINDOWS_DEPS
   # Wine lends a program the user's own folders: give it some of this test's.
   export HOME=$work/home WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=-all
   export WINEDLLOVERRIDES='mscoree,mshtml,winemenubuilder.exe='

@@ -12,6 +12,7 @@
 #include "pictures/imgdialog.h"
 #include "pictures/piclist.h"
 #include "pictures/piclistv1.h"
+#include "practice/practicewindow.h"
 #include "tests/aids/findertest.h"
 #include "tests/support/camerawindow.h"
 #include "tests/support/windowactions.h"
@@ -21,6 +22,7 @@
 #include <QFile>
 #include <QMenu>
 #include <QTableView>
+#include <QTextBrowser>
 #include <QThreadPool>
 
 #include <ostream>
@@ -301,6 +303,28 @@ void lineRecord(const See& see) {
     see(window);
 }
 
+// --- the window of the lessons -----------------------------------------------------------------------------
+
+void practiceList(const See& see) {
+    PracticeWindow window;
+    window.show();
+    see(window);
+}
+
+void practiceLesson(const See& see) {
+    PracticeWindow window;
+    window.show();
+    window.start(0);
+    click(*window.tool(), "btn_open");
+    const auto* const steps = find<QTextBrowser>(window, "text_steps");
+    const auto introduction = steps->toPlainText().size();
+    click(*window.tool(), "btn_heartbeat");
+    Stage::expect(eventually([&] { return steps->toPlainText().size() > introduction; }, enoughMs), "a step");
+    QThreadPool::globalInstance()->waitForDone();
+    see(window);
+    see(*window.tool());
+}
+
 } // namespace
 
 void PrintTo(const Scene& scene, std::ostream* out) {
@@ -342,6 +366,8 @@ const std::vector<Scene>& scenes() {
         {"Finder", &finder},
         {"Checkup", &checkup},
         {"LineRecord", &lineRecord},
+        {"PracticeList", &practiceList},
+        {"PracticeLesson", &practiceLesson},
     };
     return all;
 }
