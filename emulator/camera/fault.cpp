@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 namespace emulator {
 
@@ -75,16 +74,10 @@ std::int64_t amountIn(std::string_view whole, std::string_view text) {
 }
 
 Bytes bytesIn(std::string_view whole, std::string_view text) {
-    Bytes bytes;
-    for (std::size_t at = 0; at < text.size(); at += 2) {
-        std::uint8_t byte = 0;
-        const std::string_view pair = text.substr(at, 2);
-        const auto parsed = std::from_chars(pair.data(), pair.data() + pair.size(), byte, 16);
-        if (pair.size() != 2 || parsed.ec != std::errc() || parsed.ptr != pair.data() + 2)
-            fail(whole, "the parameter must be pairs of hexadecimal digits");
-        bytes.push_back(byte);
-    }
-    return bytes;
+    const std::optional<Bytes> bytes = parseBytes(text);
+    if (!bytes)
+        fail(whole, "the parameter must be pairs of hexadecimal digits");
+    return *bytes;
 }
 
 void readPair(Fault& fault, std::string_view whole, std::string_view text) {

@@ -50,4 +50,17 @@ std::optional<std::int64_t> parseNumber(std::string_view text) {
     return negative ? -number : number;
 }
 
+std::optional<protocol::Bytes> parseBytes(std::string_view text) {
+    protocol::Bytes bytes;
+    for (std::size_t at = 0; at < text.size(); at += 2) {
+        std::uint8_t byte = 0;
+        const std::string_view pair = text.substr(at, 2);
+        const auto parsed = std::from_chars(pair.data(), pair.data() + pair.size(), byte, 16);
+        if (pair.size() != 2 || parsed.ec != std::errc() || parsed.ptr != pair.data() + 2)
+            return std::nullopt;
+        bytes.push_back(byte);
+    }
+    return bytes;
+}
+
 } // namespace emulator

@@ -23,4 +23,7 @@ struct RequestSelector {
 /// Decimal or 0x hexadecimal, with an optional minus; nothing for a text that is not exactly one number.
 [[nodiscard]] std::optional<std::int64_t> parseNumber(std::string_view text);
 
+/// Pairs of hexadecimal digits; nothing for any other text.
+[[nodiscard]] std::optional<protocol::Bytes> parseBytes(std::string_view text);
+
 } // namespace emulator

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <fstream>
 #include <iterator>
 #include <limits>
@@ -57,16 +56,10 @@ RequestSelector requestIn(std::string_view text) {
 }
 
 Bytes bytesIn(std::string_view text) {
-    Bytes bytes;
-    for (std::size_t at = 0; at < text.size(); at += 2) {
-        std::uint8_t byte = 0;
-        const std::string_view pair = text.substr(at, 2);
-        const auto parsed = std::from_chars(pair.data(), pair.data() + pair.size(), byte, 16);
-        if (pair.size() != 2 || parsed.ec != std::errc() || parsed.ptr != pair.data() + 2)
-            refuseValue("\"%1\" is no pairs of hexadecimal digits", text);
-        bytes.push_back(byte);
-    }
-    return bytes;
+    const std::optional<Bytes> bytes = parseBytes(text);
+    if (!bytes)
+        refuseValue("\"%1\" is no pairs of hexadecimal digits", text);
+    return *bytes;
 }
 
 template <std::size_t count>
