@@ -116,6 +116,14 @@ build_qt() {
   cmake "${toolchain[@]}" -S "$qt_source" -B qt -DCMAKE_INSTALL_PREFIX="$work/installed/qt" "${qt_options[@]}"
   cmake --build qt
   cmake --install qt --strip
+  remove_build_folders "$work/installed/qt"
+}
+
+# remove_build_folders QT: from the files that name the folders of the build. What qmake and pkg-config need is deleted.
+remove_build_folders() {
+  rm -rf "$1"/bin/target_qt.conf "$1"/lib/pkgconfig "$1"/lib/*.prl "$1"/mkspecs/modules/qt_ext_*.pri
+  sed -i "s|$work|.|; s|$project_root|.|" \
+    "$1"/lib/cmake/Qt6/qt.toolchain.cmake "$1"/lib/cmake/Qt6BuildInternals/QtBuildInternalsExtra.cmake
 }
 
 # Its wide-character functions, so that descriptions of ports are UTF-8 under every code page.
