@@ -250,8 +250,11 @@ void warmUp() {
         if (each->isWindow())
             std::ignore = each->grab(); // Qt keeps the glyphs
     }
-    QMessageBox box(QMessageBox::Information, QString(), QStringLiteral("升级"));
-    box.show();
+    for (const auto icon : {QMessageBox::Information, QMessageBox::Question, QMessageBox::Warning}) {
+        QMessageBox box(icon, QString(), QStringLiteral("升级"), QMessageBox::Yes | QMessageBox::No);
+        box.show();
+        std::ignore = box.grab();
+    }
     writeSomeReports();
     // The dialog asks for the types of files, of which the folder may have none.
     std::ignore = QMimeDatabase().mimeTypeForFile(QStringLiteral("image.bin"));
