@@ -32,12 +32,19 @@ struct Totals {
     std::uint64_t sessions = 0;
     std::uint64_t failed = 0;
     double seconds = 0;
+    std::uint64_t hash = 0; ///< the sum of the sessions'
 };
 
 /// One write: several processes share the output.
 void print(const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
     std::fflush(stdout);
+}
+
+std::string hashText(std::uint64_t hash) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%016llx", static_cast<unsigned long long>(hash));
+    return text.data();
 }
 
 std::string describe(const Outcome& outcome) {
@@ -77,6 +84,7 @@ Totals runShare(const Options& options, unsigned int share) {
         const Outcome outcome = runInChild(scenarioOf(seed));
         ++totals.sessions;
         totals.seconds += outcome.seconds;
+        totals.hash += outcome.hash;
         if (outcome.complaints.empty())
             continue;
         ++totals.failed;
@@ -104,6 +112,7 @@ Totals runAll(const Options& options) {
         all.sessions += part.sessions;
         all.failed += part.failed;
         all.seconds += part.seconds;
+        all.hash += part.hash;
     }
     while (::wait(nullptr) > 0) {
     }
@@ -121,9 +130,7 @@ int showOne(const Options& options, const Scenario& scenario) {
     } else {
         outcome = runInChild(scenario, {true});
     }
-    std::array<char, 32> hash{};
-    std::snprintf(hash.data(), hash.size(), "%016llx", static_cast<unsigned long long>(outcome.hash));
-    print(outcome.timeline + describe(outcome) + "hash " + hash.data() + '\n');
+    print(outcome.timeline + describe(outcome) + "hash " + hashText(outcome.hash) + '\n');
     return outcome.complaints.empty() ? 0 : 1;
 }
 
@@ -170,6 +177,6 @@ int main(int argc, char** argv) {
     const Totals totals = runAll(options);
     print(std::to_string(totals.sessions) + " sessions, " +
           std::to_string(static_cast<long long>(totals.seconds)) + " s of virtual time, " +
-          std::to_string(totals.failed) + " failed\n");
+          std::to_string(totals.failed) + " failed, hash " + hashText(totals.hash) + '\n');
     return totals.failed == 0 && totals.sessions == options.sessions ? 0 : 1;
 }

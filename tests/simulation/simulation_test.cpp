@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <fstream>
+#include <iomanip>
 #include <set>
 #include <sstream>
 
@@ -33,6 +35,29 @@ TEST(Simulation, SameSeedGivesTheSameSession) {
         hashes.insert(once.hash);
     }
     EXPECT_GT(hashes.size(), repeatedSeeds * 9 / 10) << "different seeds give different sessions";
+}
+
+/// What simulate prints of the seeds from 1 on.
+std::string outputOf(int sessions, int jobs) {
+    const std::string command = std::string(SIMULATE_PROGRAM) + " --sessions " + std::to_string(sessions) +
+                                " --jobs " + std::to_string(jobs) + " 2>/dev/null";
+    std::FILE* const output = ::popen(command.c_str(), "r"); // NOLINT(cert-env33-c): a path of the build
+    std::string text;
+    for (int byte = std::fgetc(output); byte != EOF; byte = std::fgetc(output))
+        text += static_cast<char>(byte);
+    EXPECT_EQ(::pclose(output), 0);
+    return text;
+}
+
+TEST(Simulation, SessionsDoNotDisturbEachOther) {
+    constexpr int sessions = 20;
+    std::uint64_t sum = 0;
+    for (std::uint64_t seed = 1; seed <= sessions; ++seed)
+        sum += runInChild(scenarioOf(seed)).hash;
+    std::ostringstream hash;
+    hash << "hash " << std::setw(16) << std::setfill('0') << std::hex << sum;
+    for (const int jobs : {1, 4})
+        EXPECT_NE(outputOf(sessions, jobs).find(hash.str()), std::string::npos) << jobs << " at a time";
 }
 
 TEST(Simulation, OrderOfThreadsComesFromTheSeed) {
