@@ -146,6 +146,11 @@ void Judge::watch(QWidget* mainWindow) {
 
 // --- the line ----------------------------------------------------------------------------------------------
 
+void Judge::clientSaid(const std::string& line) {
+    if (line.find("download ended") != std::string::npos)
+        m_protocolJudge.forgivePresentBreaks();
+}
+
 void Judge::libraryCalled(const std::string& port, const std::string& call) {
     const Disturbances& disturbed = m_workplace.disturbances();
     if (disturbed.adapter || disturbed.camera) // a fault of the camera may take the adapter away

@@ -35,6 +35,8 @@ public:
     /// Between two events.
     void checkStep();
     void boxShown(const QString& text);
+    /// A plain line of the client.
+    void clientSaid(const std::string& line);
     void linkClosed(world::Time duration);
     /// From now on, or no longer, the first thread sends nothing.
     void expectSilence(bool silent) { m_silent = silent; }

@@ -126,6 +126,11 @@ void ProtocolJudge::received(const std::string& port) {
     m_lines[port].answered = true;
 }
 
+void ProtocolJudge::forgivePresentBreaks() {
+    for (auto& [port, line] : m_lines)
+        line.rows.clear();
+}
+
 void ProtocolJudge::setPictureOffset(const std::string& port, std::uint8_t offset) {
     m_lines[port].pictureOffset = offset;
 }

@@ -38,6 +38,8 @@ public:
     void setPictureOffset(const std::string& port, std::uint8_t offset);
     /// Exchanges may break off: an adapter was pulled, or a stop was asked for.
     void forgiveBreaks() { m_forgiven = true; }
+    /// The present exchanges break off: a download was ended on request.
+    void forgivePresentBreaks();
 
 private:
     using Rows = std::vector<const DocumentedExchange*>;

@@ -21,6 +21,7 @@
 #include <QTemporaryDir>
 #include <QThreadPool>
 
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -86,9 +87,15 @@ public:
     Lines(const Lines&) = delete;
     Lines& operator=(const Lines&) = delete;
 
+    void onClientLine(std::function<void(const std::string&)> function) {
+        m_clientSaid = std::move(function);
+    }
+
 private:
     int sync() override {
         world::note([this] { return "log: " + str(); });
+        if (m_clientSaid)
+            m_clientSaid(str());
         str({});
         return 0;
     }
@@ -100,6 +107,7 @@ private:
 
     std::ostream m_stream;
     QtMessageHandler m_previous;
+    std::function<void(const std::string&)> m_clientSaid;
 };
 
 void wait(world::Time duration) {
@@ -141,6 +149,7 @@ public:
         m_judge.checkEnd();
     }
 
+    void clientSaid(const std::string& line) { m_judge.clientSaid(line); }
     [[nodiscard]] const std::vector<std::string>& complaints() const { return m_judge.complaints(); }
 
 private:
@@ -192,12 +201,14 @@ Outcome runSession(const Scenario& scenario, const View& view) {
     world::reseed(scenario.seed);
     world::keepTimeline(view.timeline);
     world::setRealPace(view.pace);
-    const Lines lines;
+    Lines lines;
     const world::Time start = world::now();
     Outcome outcome;
     {
         Session session(scenario);
+        lines.onClientLine([&session](const std::string& line) { session.clientSaid(line); });
         session.run();
+        lines.onClientLine({});
         outcome.complaints = session.complaints();
     }
     outcome.seconds = std::chrono::duration<double>(world::now() - start).count();
