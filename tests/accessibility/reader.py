@@ -33,7 +33,8 @@ class Reader:
                       'object:property-change:accessible-value', 'object:state-changed:checked',
                       'object:state-changed:enabled', 'object:state-changed:focused', 'window:activate'):
             self._listener.register(event)
-        self._window_manager = subprocess.Popen(['evilwm'])  # gives new windows the focus
+        # Gives new windows the focus; of fonts, the display itself has this one.
+        self._window_manager = subprocess.Popen(['evilwm', '-fn', 'fixed'])
         self._program = subprocess.Popen(command, stdout=subprocess.DEVNULL)
         self.tool = self.wait_for(self._application, 'the tool on the bus')
         self.tool.set_cache_mask(Atspi.Cache.NONE)

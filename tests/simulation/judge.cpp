@@ -217,6 +217,7 @@ void Judge::checkLinkText() {
 void Judge::linkClosed(world::Time duration) {
     require(duration <= longestClosing, "O3: closing took " + std::to_string(duration / 1ms) + " ms");
     require(emulator::openMemoryPorts(std::this_thread::get_id()) == 0, "O4: a port is open after closing");
+    m_brokenOff = m_brokenOff || m_resultDue;
     m_resultDue = false;
 }
 

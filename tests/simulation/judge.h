@@ -98,6 +98,7 @@ private:
     QString m_statusText;
     std::map<QString, bool> m_done; ///< by name of a command: how the status bar told its last end
     bool m_resultDue = false;       ///< of an upload
+    bool m_brokenOff = false;       ///< an upload was, whose data the camera goes on waiting for
     std::optional<std::size_t> m_catalogueSize; ///< number of pictures when a list has just been read
     bool m_pressedWithoutFile = false;
     bool m_pictureOffset = false; ///< one was entered in this session

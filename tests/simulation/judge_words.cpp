@@ -99,7 +99,7 @@ void Judge::boxShown(const QString& text) {
 /// Nothing keeps a camera that is there from taking a file. The second protocol sends none.
 void Judge::checkUploadFailure() {
     const emulator::CameraRecord& record = m_workplace.camera().record();
-    if (m_workplace.disturbances().any() || restartsByCommand() || !isCameraLinked() ||
+    if (m_workplace.disturbances().any() || restartsByCommand() || !isCameraLinked() || m_brokenOff ||
         record.uploads.empty() || record.appV1.announcements > 0)
         return;
     const emulator::UploadRecord& last = record.uploads.back();
