@@ -7,7 +7,7 @@
 
 namespace emulator {
 
-/// What a profile does not name has the type's value.
+/// Settings of a profile; the camera type gives the others.
 struct CameraProfile {
     CameraSettings settings;
     CameraState state;

@@ -119,7 +119,7 @@ build_qt() {
   remove_build_folders "$work/installed/qt"
 }
 
-# remove_build_folders QT: from the files that name the folders of the build. What qmake and pkg-config need is deleted.
+# remove_build_folders QT: no file names the build's folders then; the files of qmake and pkg-config are deleted.
 remove_build_folders() {
   rm -rf "$1"/bin/target_qt.conf "$1"/lib/pkgconfig "$1"/lib/*.prl "$1"/mkspecs/modules/qt_ext_*.pri
   sed -i "s|$work|.|; s|$project_root|.|" \

@@ -37,7 +37,7 @@ TEST(Simulation, SameSeedGivesTheSameSession) {
     EXPECT_GT(hashes.size(), repeatedSeeds * 9 / 10) << "different seeds give different sessions";
 }
 
-/// What simulate prints of the seeds from 1 on.
+/// Runs simulate from seed 1 on; its output.
 std::string outputOf(int sessions, int jobs) {
     const std::string command = std::string(SIMULATE_PROGRAM) + " --sessions " + std::to_string(sessions) +
                                 " --jobs " + std::to_string(jobs) + " 2>/dev/null";
