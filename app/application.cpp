@@ -9,9 +9,17 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <chrono>
+
+namespace {
+
+constexpr std::chrono::milliseconds iconDelay{50};
+
+} // namespace
 
 Application::Application(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
-    setWindowIcon(programIcon());
+    // Its seven pictures are decoded and sent to the display: not before the first window is painted.
+    QTimer::singleShot(iconDelay, this, [] { setWindowIcon(programIcon()); });
     // Desktops find the program's entry and icon by this name.
     setDesktopFileName(QStringLiteral("shelf-camera-tool"));
     installTranslator(&m_qtTexts);

@@ -1,6 +1,7 @@
 #include "app/outlinestyle.h"
 
 #include "app/readablecolors.h"
+#include "linkaccess/signs.h"
 
 #include <QPainter>
 #include <QStyleOption>
@@ -89,4 +90,12 @@ void OutlineStyle::drawComplexControl(ComplexControl control, const QStyleOption
         paintOutline(*painter, *option, option->state.testFlag(State_HasFocus));
     else if (control == CC_ComboBox)
         paintOutline(*painter, *option, isFocusedByKey(*option));
+}
+
+QIcon OutlineStyle::standardIcon(StandardPixmap icon, const QStyleOption* option,
+                                 const QWidget* widget) const {
+    // For each menu bar. Fusion's is a file, and the first one read loads the libraries of all formats.
+    if (icon == SP_ToolBarHorizontalExtensionButton)
+        return signIcon(Sign::more);
+    return QProxyStyle::standardIcon(icon, option, widget);
 }

@@ -15,4 +15,6 @@ public:
                      const QWidget* widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                             const QWidget* widget) const override;
+    [[nodiscard]] QIcon standardIcon(StandardPixmap icon, const QStyleOption* option,
+                                     const QWidget* widget) const override;
 };

@@ -18,7 +18,8 @@ public:
                                               [wanted](int picture) { return picture >= wanted; });
         painter->setRenderHint(QPainter::SmoothPixmapTransform);
         const QString file = QStringLiteral(":/icons/%1x%1/apps/shelf-camera-tool.png").arg(*size);
-        painter->drawImage(place, QImage(file));
+        // Named, since telling the format from the contents loads the libraries of all other formats.
+        painter->drawImage(place, QImage(file, "PNG"));
     }
     QList<QSize> availableSizes(QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
         QList<QSize> sizes;

@@ -3,5 +3,5 @@
 
 #include <QIcon>
 
-/// Reads a picture when it is asked for: seven pictures take a twentieth of the program's start.
+/// Reads a picture when it is asked for.
 [[nodiscard]] QIcon programIcon();

@@ -114,6 +114,10 @@ QPainterPath pathOf(Sign sign) {
         addLine(path, {{6.3, 10}, {13.7, 10}});
         addLine(path, {{6.3, 13}, {10.5, 13}});
         break;
+    case Sign::more:
+        addLine(path, {{4, 5}, {9, 10}, {4, 15}});
+        addLine(path, {{11, 5}, {16, 10}, {11, 15}});
+        break;
     default:
         break;
     }

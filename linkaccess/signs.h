@@ -25,6 +25,7 @@ enum class Sign : std::uint8_t {
     check,
     find,
     log,
+    more, ///< entries of a bar that is too narrow
 };
 
 /// Draws the sign as large as the area allows; `edge` is the colour of texts on the same ground.

@@ -1,6 +1,7 @@
-// Exceptions that leave a handler: texts, one box at a time, no end of the program. Also the program's icon
-// and Qt's own texts.
+// Exceptions that leave a handler: texts, one box at a time, no end of the program. Also the start, the
+// program's icon and Qt's own texts.
 #include "app/application.h"
+#include "app/mainwindow.h"
 #include "service/failuretext.h"
 #include "tests/support/guitest.h"
 #include "tests/support/printing.h"
@@ -9,6 +10,7 @@
 #include <QFile>
 #include <QIcon>
 #include <QJsonDocument>
+#include <QLabel>
 #include <QLibraryInfo>
 
 #include <gtest/gtest.h>
@@ -45,7 +47,23 @@ QString buttonText(QMessageBox::StandardButton button) {
 
 } // namespace
 
-TEST(ApplicationWindows, BearTheProgramsIcon) {
+#ifdef __linux__
+// First, before a test needs a picture.
+TEST(ApplicationStart, LoadsNoLibraryOfPictureFormats) {
+    MainWindow window;
+    window.show();
+    ASSERT_TRUE(eventually([&window] { return window.findChild<QLabel*>("label")->isVisible(); }));
+    window.grab();
+    QFile libraries("/proc/self/maps");
+    ASSERT_TRUE(libraries.open(QIODevice::ReadOnly));
+    const QByteArray loaded = libraries.readAll();
+    EXPECT_TRUE(loaded.contains("libQt6Gui"));
+    EXPECT_FALSE(loaded.contains("/imageformats/"));
+}
+#endif
+
+TEST(ApplicationWindows, BearTheProgramsIconSoonAfterTheStart) {
+    ASSERT_TRUE(eventually([] { return !QApplication::windowIcon().isNull(); }));
     const QList<QSize> sizes = QApplication::windowIcon().availableSizes();
     EXPECT_TRUE(sizes.contains(QSize(16, 16)));
     EXPECT_TRUE(sizes.contains(QSize(256, 256)));
