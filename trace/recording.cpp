@@ -88,8 +88,7 @@ private:
             return false;
         if (m_text.eof())
             fail("the file ends in the middle of this line; take the line out");
-        if (!m_line.empty() && m_line.back() == '\r')
-            m_line.pop_back();
+        m_line.erase(m_line.find_last_not_of('\r') + 1); // conversions of line ends may have added several
         return true;
     }
 

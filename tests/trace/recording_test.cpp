@@ -66,6 +66,13 @@ TEST(RecordingText, MayHaveRemarksBlankLinesAndWindowsLineEnds) {
     EXPECT_TRUE(readText(head).entries.empty());
 }
 
+TEST(RecordingText, LosesAllReturnsBeforeALineEndAtOnce) {
+    const trace::Recording read =
+        readText("camera line recording 1\nstart now\r\r\r\ndevice d\r\nbaud 9600\noffset 9\nserials kept\n");
+    EXPECT_EQ(read.head.start, "now");
+    EXPECT_EQ(read.head.device, "d");
+}
+
 struct BadText {
     const char* text;
     const char* complaint;
