@@ -374,8 +374,10 @@ void Judge::checkEnd() {
     m_window = nullptr;
     m_lineWatch = nullptr;
     require(emulator::openMemoryPorts() == 0, "O4: a port is open after the end");
-    require(world::threadCount() == 1, "O8: " + std::to_string(world::threadCount()) + " threads are left");
+    QPixmapCache::clear(); // it has a limit of its own
     const Resources after = resources();
+    require(after.threads == m_before.threads,
+            "O8: " + std::to_string(after.threads) + " threads, before " + std::to_string(m_before.threads));
     require(after.descriptors == m_before.descriptors, "O8: " + std::to_string(after.descriptors) +
                                                            " descriptors, before " +
                                                            std::to_string(m_before.descriptors));
@@ -384,8 +386,7 @@ void Judge::checkEnd() {
 }
 
 Judge::Resources Judge::resources() {
-    QPixmapCache::clear(); // it has a limit of its own
-    return {openDescriptors(), ::mallinfo2().uordblks};
+    return {openDescriptors(), ::mallinfo2().uordblks, world::threadCount()};
 }
 
 } // namespace simulation

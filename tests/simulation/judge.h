@@ -60,6 +60,7 @@ private:
     struct Resources {
         std::size_t descriptors = 0;
         std::size_t allocated = 0;
+        unsigned int threads = 0;
     };
 
     void require(bool holds, const std::string& complaint);

@@ -148,7 +148,8 @@ int main(int argc, char** argv) {
     auto* const seed = program.add_option("--seed", options.seed, "show the session of this seed");
     program.add_option("--scenario", options.scenario, "show this session, as a counterexample prints it")
         ->excludes(seed);
-    program.add_flag("--window", options.window, "show it in its windows");
+    program.add_flag("--window", options.window,
+                     "show it in its windows, whose threads change who goes next");
     program.add_option("--pace", options.pace, "so many times as fast as real time, with --window")
         ->capture_default_str();
     program.add_option("--commit", options.commit, "name of the tested commit, for counterexamples");

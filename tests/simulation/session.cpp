@@ -23,6 +23,7 @@
 
 #include <functional>
 #include <iostream>
+#include <malloc.h>
 #include <memory>
 #include <sstream>
 #include <sys/personality.h>
@@ -43,6 +44,7 @@ namespace simulation {
 
 namespace {
 
+constexpr auto settlingStep = 1s;
 constexpr auto quietTime = 3s;             // in which a result that is on its way is shown
 constexpr auto longestSettling = 10min;    // uploads of the second protocol, return waits
 constexpr auto poolExpiry = 40s;           // idle pool threads end after 30 s
@@ -170,7 +172,7 @@ private:
         world::Time quietSince = start;
         bool patient = true;
         while (world::now() - quietSince < quietTime && world::now() - start < longestSettling) {
-            wait(200ms);
+            wait(settlingStep);
             if (isBusy())
                 quietSince = world::now();
             if (world::now() - start > longestSearch)
@@ -221,6 +223,7 @@ void prepareProcess(char** arguments, bool spectator) {
     qputenv("QT_NO_GLIB", "1");   // Qt's own event loop waits where virtual time is
     qputenv("QT_HASH_SEED", "0"); // the order of hashes
     qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
+    world::waitForOthers(spectator);
     if (!spectator)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     // Objects lie where they lay the last time. That is settled before main: begin once more.
@@ -271,8 +274,9 @@ void warmUp() {
     std::ignore = QMimeDatabase().mimeTypeForFile(QStringLiteral("image.bin"));
     QTimer::singleShot(1s, &window, [] { QApplication::activeModalWidget()->close(); });
     std::ignore = QFileDialog::getOpenFileName(&window);
-    window.close();   // an open one lists the ports again and again
-    wait(poolExpiry); // the windows have started jobs
+    window.close();              // an open one lists the ports again and again
+    wait(poolExpiry);            // the windows have started jobs
+    std::ignore = ::mallinfo2(); // joins the free pieces here and not in each session
 }
 
 } // namespace simulation

@@ -9,7 +9,6 @@
 namespace world::real {
 
 long futex(std::atomic<int>* word, int operation, int value);
-void sleep(std::chrono::nanoseconds duration);
 int poll(pollfd* descriptors, unsigned long count, int timeoutMs);
 
 } // namespace world::real

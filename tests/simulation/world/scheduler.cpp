@@ -53,6 +53,7 @@ struct World {
     Time eventsSince = startTime; ///< end of the first thread's last rest
     std::function<void(Time)> standstillHandler;
     double realPace = 0;
+    bool waitsForOthers = false;
 };
 
 World& world() {
@@ -98,6 +99,28 @@ std::optional<Time> nextDeadline() {
     return next;
 }
 
+/// In real time, until a thread's descriptor is ready. False when the time is over; without one it never is.
+bool awaitDescriptors(std::optional<std::chrono::milliseconds> longest) {
+    std::vector<pollfd> all;
+    for (const Thread* const thread : world().threads)
+        all.insert(all.end(), thread->descriptors, thread->descriptors + thread->descriptorCount);
+    if (all.empty() && !longest)
+        return false;
+    return real::poll(all.data(), all.size(), longest ? static_cast<int>(longest->count()) : -1) > 0;
+}
+
+/// Until the deadline, if there is one. False when it has come, or nothing can come.
+bool awaitOthers(std::optional<Time> deadline) {
+    const World& w = world();
+    if (!w.waitsForOthers)
+        return false;
+    if (!deadline)
+        return awaitDescriptors(std::nullopt);
+    const Time rest =
+        w.realPace > 0 ? std::chrono::duration_cast<Time>((*deadline - w.now) / w.realPace) : 0s;
+    return awaitDescriptors(std::chrono::ceil<std::chrono::milliseconds>(rest) + 1ms);
+}
+
 void dieOfDeadlock() {
     std::fprintf(stderr, "every thread waits for ever:\n%s", describeThreads().c_str());
     std::abort();
@@ -112,9 +135,10 @@ Thread& chooseNext() {
                      [](const Thread* thread) { return canGo(*thread); });
         if (!candidates.empty())
             break;
-        if (const auto deadline = nextDeadline()) {
-            if (w.realPace > 0)
-                real::sleep(std::chrono::duration_cast<Time>((*deadline - w.now) / w.realPace));
+        const auto deadline = nextDeadline();
+        if (awaitOthers(deadline))
+            continue;
+        if (deadline) {
             w.now = std::max(w.now, *deadline);
             continue;
         }
@@ -168,6 +192,10 @@ Time look() {
 
 void setRealPace(double factor) {
     world().realPace = factor;
+}
+
+void waitForOthers(bool waits) {
+    world().waitsForOthers = waits;
 }
 
 void reseed(std::uint64_t seed) {

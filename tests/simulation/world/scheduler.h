@@ -22,6 +22,8 @@ using Time = std::chrono::nanoseconds;
 [[nodiscard]] Time now();
 /// Makes time pass for a spectator too, so many times as fast; 0: not at all.
 void setRealPace(double factor);
+/// Waits in real time where threads wait for other programs, such as a display.
+void waitForOthers(bool waits);
 
 /// Starts a session at the time that all sessions start: draws from this seed from now on and forgets the
 /// timeline. No other thread waits for a time.

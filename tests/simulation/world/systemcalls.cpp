@@ -247,12 +247,6 @@ long futex(std::atomic<int>* word, int operation, int value) {
     return realSystemCall(SYS_futex, word, operation, value, nullptr, nullptr, 0);
 }
 
-void sleep(std::chrono::nanoseconds duration) {
-    static constinit Next<int(const timespec*, timespec*)> call("nanosleep");
-    const timespec time = toTimespec(duration);
-    call(&time, nullptr);
-}
-
 int poll(pollfd* descriptors, unsigned long count, int timeoutMs) {
     static constinit Next<int(pollfd*, nfds_t, int)> call("poll");
     return call(descriptors, count, timeoutMs);
