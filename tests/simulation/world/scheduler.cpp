@@ -41,7 +41,8 @@ constexpr unsigned int fullProbability = 1024;
 
 /// Only the running thread touches it.
 struct World {
-    std::vector<Thread*> threads; ///< that have not ended
+    std::vector<Thread*> threads;    ///< that have not ended
+    std::vector<Thread*> candidates; ///< of the choice that is made; kept, since choices are many
     Time now = startTime;
     std::uint64_t random = 1;
     unsigned int preemption = 0;
@@ -128,7 +129,7 @@ void dieOfDeadlock() {
 
 Thread& chooseNext() {
     World& w = world();
-    static std::vector<Thread*> candidates;
+    std::vector<Thread*>& candidates = w.candidates;
     while (true) {
         candidates.clear();
         std::copy_if(w.threads.begin(), w.threads.end(), std::back_inserter(candidates),
@@ -240,7 +241,7 @@ void notifyAll(const void* object) {
 }
 
 void notifyOne(const void* object) {
-    static std::vector<Thread*> waiting;
+    std::vector<Thread*>& waiting = world().candidates;
     waiting.clear();
     std::copy_if(world().threads.begin(), world().threads.end(), std::back_inserter(waiting),
                  [object](const Thread* thread) { return thread->object == object; });
