@@ -19,7 +19,7 @@ struct Registry {
     std::map<std::string, MemoryPort> ports;
     std::multiset<std::thread::id> openers; ///< of each open port
     std::function<void(const std::string&, const std::string&)> observer;
-    std::function<void(const std::string&)> readObserver;
+    ReadObserver readObserver;
 };
 
 Registry& registry() {
@@ -80,7 +80,7 @@ void setCallObserver(std::function<void(const std::string&, const std::string&)>
     registry().observer = std::move(observer);
 }
 
-void setReadObserver(std::function<void(const std::string&)> observer) {
+void setReadObserver(ReadObserver observer) {
     registry().readObserver = std::move(observer);
 }
 
@@ -244,7 +244,7 @@ size_t Serial::read(std::vector<uint8_t>& buffer, size_t size) {
     }
     buffer.insert(buffer.end(), received.begin(), received.end());
     if (const auto& observer = registry().readObserver; observer && !received.empty())
-        observer(pimpl_->port);
+        observer(pimpl_->port, received);
     return received.size();
 }
 

@@ -3,9 +3,11 @@
 
 #include "emulator/memory/memoryline.h"
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace emulator {
 
@@ -33,6 +35,7 @@ void removeMemoryPort(const std::string& name);
 /// Called before each call of the library with its name and values, as the recording stand-in writes it.
 void setCallObserver(std::function<void(const std::string& port, const std::string& call)> observer);
 /// Called after a read that brought bytes.
-void setReadObserver(std::function<void(const std::string& port)> observer);
+using ReadObserver = std::function<void(const std::string& port, const std::vector<std::uint8_t>& bytes)>;
+void setReadObserver(ReadObserver observer);
 
 } // namespace emulator

@@ -113,7 +113,8 @@ Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources(
         libraryCalled(port, call);
         world::preempt();
     });
-    emulator::setReadObserver([this](const std::string& port) { m_protocolJudge.received(port); });
+    emulator::setReadObserver(
+        [this](const std::string& port, const Bytes& bytes) { m_protocolJudge.received(port, bytes); });
     world::onStandstill([this](world::Time duration) {
         const world::Time limit = m_ownRequests + std::max(m_othersRequest, othersTime);
         require(duration <= limit,

@@ -3,6 +3,7 @@
 #include "tests/support/markdown.h"
 
 #include <algorithm>
+#include <array>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -18,6 +19,7 @@ namespace {
 
 constexpr auto pauseOfCaptureV1 = 500ms;
 constexpr int mostVerdictTries = 30;
+constexpr std::array<std::uint8_t, 2> frameStart{0xAA, 0x5A};
 constexpr std::uint8_t appAnnouncement = 0x1B;
 constexpr std::uint8_t systemAnnouncement = 0x0B;
 constexpr std::uint8_t modelAnnouncement = 0xCB;
@@ -72,6 +74,19 @@ bool isFirstGeneration(std::uint8_t code) {
     return code >= 0x06 && code <= 0x09;
 }
 
+/// The rule of acceptance; the check code is not looked at.
+bool isWholeFrame(const Bytes& answer) {
+    constexpr std::size_t lengthAt = 4;
+    constexpr std::size_t sizeWithoutPayload = 10;
+    constexpr std::size_t least = 9;
+    if (answer.size() < least || !std::equal(frameStart.begin(), frameStart.end(), answer.begin()))
+        return false;
+    std::uint64_t size = sizeWithoutPayload;
+    for (std::size_t i = 0; i < 4; ++i)
+        size += std::uint64_t{answer[lengthAt + i]} << (8 * i);
+    return answer.size() == size;
+}
+
 std::vector<DocumentedExchange> readTable() {
     const std::string document = markdown::contentOf(markdown::sourceFolder() / "docs/protocol.md");
     std::vector<DocumentedExchange> exchanges;
@@ -122,8 +137,13 @@ std::string ProtocolJudge::called(const std::string& port, const std::string& ca
     return complaint;
 }
 
-void ProtocolJudge::received(const std::string& port) {
-    m_lines[port].answered = true;
+void ProtocolJudge::received(const std::string& port, const Bytes& bytes) {
+    Bytes& answer = m_lines[port].answer;
+    protocol::append(answer, bytes);
+    auto start = std::search(answer.begin(), answer.end(), frameStart.begin(), frameStart.end());
+    if (start == answer.end() && !answer.empty())
+        --start; // may be the first byte of the start
+    answer.erase(answer.begin(), start);
 }
 
 void ProtocolJudge::forgivePresentBreaks() {
@@ -146,7 +166,8 @@ std::string ProtocolJudge::wrote(Line& line, const Bytes& head, std::chrono::nan
     line.image = isAnnouncement(code) ? code : std::uint8_t{0};
     line.written = now;
     line.reads = 0;
-    line.answered = false;
+    line.answer.clear();
+    line.confirmed = false;
     if (line.pictureOffset != 0) {
         const bool ambiguous = line.pictureOffset <= 3;
         return isFirstGeneration(code) && !ambiguous ? "a picture command without its offset" : std::string();
@@ -170,6 +191,13 @@ std::string ProtocolJudge::read(Line& line, std::uint32_t size, std::chrono::nan
         return row->readSize != size && row->readSize != 0;
     });
     const bool tooSoon = line.request == "C6" && line.reads == 0 && now < line.written + pauseOfCaptureV1;
+    if (isWholeFrame(line.answer)) {
+        const bool more = std::any_of(line.rows.begin(), line.rows.end(),
+                                      [](const auto* row) { return row->reading != "frame"; });
+        if (line.image == 0 && !more && !line.rows.empty())
+            return "command " + line.request + " reads on after its whole answer";
+        line.confirmed = line.image != 0;
+    }
     ++line.reads;
     // A file of which nothing is missing is announced and then confirmed.
     const int verdictTries = line.image != 0 ? mostVerdictTries : 0;
@@ -183,10 +211,11 @@ std::string ProtocolJudge::read(Line& line, std::uint32_t size, std::chrono::nan
 
 /// A command gives up when its reads are used up.
 std::string ProtocolJudge::ended(const Line& line) const {
-    if (m_forgiven || line.answered || line.rows.empty())
+    if (m_forgiven || line.confirmed || line.rows.empty())
         return {};
     const bool early = std::none_of(line.rows.begin(), line.rows.end(), [&line](const auto* row) {
-        return row->reading == "blocks" || line.reads >= row->tries;
+        const bool answered = row->reading == "frame" ? isWholeFrame(line.answer) : !line.answer.empty();
+        return row->reading == "blocks" || answered || line.reads >= row->tries;
     });
     return early ? "command " + line.request + " gave up after " + std::to_string(line.reads) + " reads"
                  : std::string();

@@ -32,8 +32,8 @@ public:
     /// A call as the stand-in writes it. Returns what is wrong with it; nothing if all is well.
     [[nodiscard]] std::string called(const std::string& port, const std::string& call,
                                      std::chrono::nanoseconds now);
-    /// The last read brought bytes.
-    void received(const std::string& port);
+    /// What the last read brought.
+    void received(const std::string& port, const protocol::Bytes& bytes);
     /// Added to the codes of this port's picture commands of the first generation.
     void setPictureOffset(const std::string& port, std::uint8_t offset);
     /// Exchanges may break off: an adapter was pulled, or a stop was asked for.
@@ -56,8 +56,9 @@ private:
         std::string request;
         std::chrono::nanoseconds written{0};
         int reads = 0;
-        bool answered = false;
+        protocol::Bytes answer; ///< without what came before its start
         std::uint8_t image = 0; ///< code of the announced upload
+        bool confirmed = false; ///< its announcement is; a verdict follows
         std::uint8_t pictureOffset = 0;
     };
 
