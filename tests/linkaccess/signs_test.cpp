@@ -9,8 +9,8 @@
 namespace {
 
 constexpr QSize iconSize{32, 32};
-constexpr Sign actions[] = {Sign::open,   Sign::close, Sign::heartbeat, Sign::picture,
-                            Sign::upload, Sign::check, Sign::find,      Sign::log};
+constexpr Sign actions[] = {Sign::open,  Sign::close, Sign::heartbeat, Sign::picture, Sign::upload,
+                            Sign::check, Sign::find,  Sign::log,       Sign::more};
 
 QImage pictureOf(Sign sign, QIcon::Mode mode = QIcon::Normal) {
     return signIcon(sign).pixmap(iconSize, mode).toImage();
