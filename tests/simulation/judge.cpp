@@ -148,6 +148,7 @@ void Judge::watch(QWidget* mainWindow) {
 // --- the line ----------------------------------------------------------------------------------------------
 
 void Judge::clientSaid(const std::string& line) {
+    m_protocolJudge.logged(line);
     if (line.find("download ended") != std::string::npos)
         m_protocolJudge.forgivePresentBreaks();
 }

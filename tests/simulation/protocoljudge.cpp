@@ -23,6 +23,8 @@ constexpr std::array<std::uint8_t, 2> frameStart{0xAA, 0x5A};
 constexpr std::uint8_t appAnnouncement = 0x1B;
 constexpr std::uint8_t systemAnnouncement = 0x0B;
 constexpr std::uint8_t modelAnnouncement = 0xCB;
+constexpr std::uint8_t door = 0xCD;
+constexpr std::size_t doorSequenceAt = 13;
 
 /// As the document writes a code.
 std::string hexByte(std::uint8_t value) {
@@ -137,6 +139,12 @@ std::string ProtocolJudge::called(const std::string& port, const std::string& ca
     return complaint;
 }
 
+void ProtocolJudge::logged(const std::string& line) {
+    constexpr std::string_view tag = "every:";
+    if (line.starts_with(tag))
+        m_logged.push_back(static_cast<std::uint32_t>(std::stoul(line.substr(tag.size()), nullptr, 16)));
+}
+
 void ProtocolJudge::received(const std::string& port, const Bytes& bytes) {
     Bytes& answer = m_lines[port].answer;
     protocol::append(answer, bytes);
@@ -172,6 +180,13 @@ std::string ProtocolJudge::wrote(Line& line, const Bytes& head, std::chrono::nan
         const bool ambiguous = line.pictureOffset <= 3;
         return isFirstGeneration(code) && !ambiguous ? "a picture command without its offset" : std::string();
     }
+    const std::vector<std::uint32_t> logged = std::exchange(m_logged, {});
+    const bool logsHexadecimal = code == appAnnouncement || code == modelAnnouncement;
+    if (logsHexadecimal &&
+        (logged.size() < head.size() || !std::equal(head.begin(), head.end(), logged.begin())))
+        return "the announcement is not logged in hexadecimal";
+    if (code == door && !m_forgiven && head.at(doorSequenceAt) != line.doors++)
+        return "a door command out of sequence";
     for (const DocumentedExchange& row : documentedExchanges()) {
         const bool same = row.code == line.request || (row.code == "caller's" && isCallers(line.request));
         const bool callersTimeout = row.timeoutMs == 0U;

@@ -32,6 +32,8 @@ public:
     /// A call as the stand-in writes it. Returns what is wrong with it; nothing if all is well.
     [[nodiscard]] std::string called(const std::string& port, const std::string& call,
                                      std::chrono::nanoseconds now);
+    /// A line of the client.
+    void logged(const std::string& line);
     /// What the last read brought.
     void received(const std::string& port, const protocol::Bytes& bytes);
     /// Added to the codes of this port's picture commands of the first generation.
@@ -56,6 +58,7 @@ private:
         std::string request;
         std::chrono::nanoseconds written{0};
         int reads = 0;
+        std::uint8_t doors = 0; ///< door commands since the opening
         protocol::Bytes answer; ///< without what came before its start
         std::uint8_t image = 0; ///< code of the announced upload
         bool confirmed = false; ///< its announcement is; a verdict follows
@@ -67,6 +70,7 @@ private:
     [[nodiscard]] std::string ended(const Line& line) const;
 
     std::map<std::string, Line> m_lines;
+    std::vector<std::uint32_t> m_logged; ///< values of a request's bytes, read as hexadecimal
     bool m_forgiven = false;
 };
 
