@@ -111,6 +111,26 @@ TEST_F(SharedLine, UploadWaitsForADownloadAndThenRuns) {
     EXPECT_EQ(fake_serial::writes().at(1).at(3), 0x1B);
 }
 
+TEST_F(SharedLine, StopEndsTheWaitingOfAnUploadWhileTheLineIsHeld) {
+    files::write("file.bin", {1});
+    camera.setAppFilePath("file.bin");
+    std::promise<void> written;
+    fake_serial::onWrite([held = written.get_future().share()](const auto&) { held.wait(); });
+    auto download = elsewhere([this] { camera.getOriginTargetPic(1, 100); });
+    while (camera.lineState().holder != LineUser::download)
+        std::this_thread::sleep_for(1ms);
+    auto upload = elsewhere([this] { return camera.appUpdate(); });
+    while (camera.lineState().waitingJob != LineUser::upload)
+        std::this_thread::sleep_for(1ms);
+
+    camera.requestStop();
+    EXPECT_EQ(upload.wait_for(5s), std::future_status::ready);
+    EXPECT_EQ(camera.lineState().holder, LineUser::download);
+    written.set_value();
+    download.get();
+    EXPECT_FALSE(upload.get());
+}
+
 TEST_F(SharedLine, EndingAFinishedDownloadKeepsTheUpload) {
     files::write("file.bin", {1});
     camera.setFirewareFilePath("file.bin");
