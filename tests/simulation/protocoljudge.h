@@ -34,7 +34,7 @@ public:
                                      std::chrono::nanoseconds now);
     /// A line of the client.
     void logged(const std::string& line);
-    /// What the last read brought.
+    /// Bytes of the last read.
     void received(const std::string& port, const protocol::Bytes& bytes);
     /// Added to the codes of this port's picture commands of the first generation.
     void setPictureOffset(const std::string& port, std::uint8_t offset);
