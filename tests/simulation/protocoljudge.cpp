@@ -51,7 +51,7 @@ std::vector<std::uint32_t> numbersOf(const std::string& call) {
 }
 
 bool isFrame(const Bytes& head) {
-    return head.size() >= 8 && head[0] == 0xAA && head[1] == 0x5A;
+    return head.size() >= 8 && std::equal(frameStart.begin(), frameStart.end(), head.begin());
 }
 
 bool isJson(const Bytes& head) {
