@@ -19,7 +19,9 @@ struct Registry {
     std::map<std::string, MemoryPort> ports;
     std::multiset<std::thread::id> openers; ///< of each open port
     std::function<void(const std::string&, const std::string&)> observer;
-    ReadObserver readObserver;
+    ByteObserver writeObserver;
+    ByteObserver readObserver;
+    std::function<void(const std::string&)> failureObserver;
 };
 
 Registry& registry() {
@@ -80,8 +82,16 @@ void setCallObserver(std::function<void(const std::string&, const std::string&)>
     registry().observer = std::move(observer);
 }
 
-void setReadObserver(ReadObserver observer) {
+void setWriteObserver(ByteObserver observer) {
+    registry().writeObserver = std::move(observer);
+}
+
+void setReadObserver(ByteObserver observer) {
     registry().readObserver = std::move(observer);
+}
+
+void setFailureObserver(std::function<void(const std::string&)> observer) {
+    registry().failureObserver = std::move(observer);
 }
 
 } // namespace emulator
@@ -134,14 +144,27 @@ public:
     [[nodiscard]] MemoryLine* requireDevice(const Failure& whenGone) const {
         const MemoryPort* const there = emulator::findMemoryPort(port);
         if (there == nullptr || (there->line != nullptr && !there->line->isPresent()))
-            throw whenGone;
+            fail(whenGone);
         return there->line;
+    }
+    template <typename Failure>
+    void failIfAsked(const Failure& failure) const {
+        MemoryPort* const there = emulator::findMemoryPort(port);
+        if (there != nullptr && std::exchange(there->failsOnce, false))
+            fail(failure);
     }
 
     const std::string port;
     Timeout timeout;
 
 private:
+    template <typename Failure>
+    [[noreturn]] void fail(const Failure& failure) const {
+        if (registry().failureObserver)
+            registry().failureObserver(port);
+        throw failure;
+    }
+
     const std::thread::id m_opener = std::this_thread::get_id();
 };
 
@@ -177,6 +200,7 @@ void Serial::flush() {
     tell(pimpl_->port, [] { return "flush"; });
     pimpl_->requireOpen("Serial::flush");
     MemoryLock lock;
+    pimpl_->failIfAsked(deviceFailed);
     while (MemoryLine* const line = pimpl_->currentLine()) {
         const auto empty = line->emptyAt();
         if (!empty)
@@ -189,6 +213,7 @@ void Serial::flushInput() {
     tell(pimpl_->port, [] { return "flushInput"; });
     pimpl_->requireOpen("Serial::flushInput");
     const MemoryLock lock;
+    pimpl_->failIfAsked(deviceFailed);
     if (MemoryLine* const line = pimpl_->currentLine())
         line->discardReceived();
 }
@@ -206,7 +231,10 @@ size_t Serial::write(const uint8_t* data, size_t size) {
     tell(pimpl_->port,
          [data, size] { return "write " + std::to_string(size) + ": " + emulator::firstBytes(data, size); });
     pimpl_->requireOpen("Serial::write");
+    if (const auto& observer = registry().writeObserver)
+        observer(pimpl_->port, protocol::Bytes(data, data + size));
     MemoryLock lock;
+    pimpl_->failIfAsked(nothingWritten);
     const Timeout& timeout = pimpl_->timeout;
     const auto end =
         emulator::deadline(timeout.write_timeout_constant, timeout.write_timeout_multiplier, size);
@@ -230,6 +258,7 @@ size_t Serial::read(std::vector<uint8_t>& buffer, size_t size) {
     protocol::Bytes received;
     {
         MemoryLock lock;
+        pimpl_->failIfAsked(deviceFailed);
         const auto end =
             emulator::deadline(timeout.read_timeout_constant, timeout.read_timeout_multiplier, size);
         while (true) {

@@ -18,6 +18,7 @@ struct MemoryPort {
     MemoryLine* line = nullptr; ///< null: it opens, and nothing is there
     bool listed = true;
     bool busy = false;
+    bool failsOnce = false; ///< the next call that reads, writes, flushes or discards throws
 };
 
 /// By name; other ports do not exist. The functions that change ports need a MemoryLock where several threads
@@ -34,8 +35,12 @@ void removeMemoryPort(const std::string& name);
 [[nodiscard]] int openMemoryPorts(std::thread::id opener);
 /// Called before each call of the library with its name and values, as the recording stand-in writes it.
 void setCallObserver(std::function<void(const std::string& port, const std::string& call)> observer);
+using ByteObserver = std::function<void(const std::string& port, const std::vector<std::uint8_t>& bytes)>;
+/// Called after the call observer with all bytes that a write is given.
+void setWriteObserver(ByteObserver observer);
 /// Called after a read that brought bytes.
-using ReadObserver = std::function<void(const std::string& port, const std::vector<std::uint8_t>& bytes)>;
-void setReadObserver(ReadObserver observer);
+void setReadObserver(ByteObserver observer);
+/// Called when a call of an open port throws.
+void setFailureObserver(std::function<void(const std::string& port)> observer);
 
 } // namespace emulator

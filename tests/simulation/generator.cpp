@@ -19,15 +19,20 @@ rc::Gen<std::uint32_t> numberBelow(std::uint32_t limit) {
     return rc::gen::resize(rc::kNominalSize, rc::gen::inRange<std::uint32_t>(0, limit));
 }
 
-rc::Gen<StepKind> kindGenerator() {
+unsigned int weightOf(const StepKindInfo& info, Focus focus) {
+    return info.weight * (focus != Focus::nothing && info.focus == focus ? focusFactor : 1);
+}
+
+rc::Gen<StepKind> kindGenerator(Focus focus) {
     std::uint32_t weights = 0;
     for (const StepKindInfo& info : stepKinds())
-        weights += info.weight;
-    return rc::gen::map(numberBelow(weights), [](std::uint32_t number) {
+        weights += weightOf(info, focus);
+    return rc::gen::map(numberBelow(weights), [focus](std::uint32_t number) {
         for (const StepKindInfo& info : stepKinds()) {
-            if (number < info.weight)
+            const unsigned int weight = weightOf(info, focus);
+            if (number < weight)
                 return info.kind;
-            number -= info.weight;
+            number -= weight;
         }
         return StepKind::wait;
     });
@@ -40,8 +45,8 @@ rc::Gen<std::uint32_t> pauseGenerator() {
     });
 }
 
-rc::Gen<Step> stepGenerator() {
-    return rc::gen::build<Step>(rc::gen::set(&Step::kind, rc::gen::noShrink(kindGenerator())),
+rc::Gen<Step> stepGenerator(Focus focus) {
+    return rc::gen::build<Step>(rc::gen::set(&Step::kind, rc::gen::noShrink(kindGenerator(focus))),
                                 rc::gen::set(&Step::pauseMs, pauseGenerator()),
                                 rc::gen::set(&Step::choice, numberBelow(5000)),
                                 rc::gen::set(&Step::detail, numberBelow(5000)));
@@ -53,6 +58,13 @@ Scenario arranged(Scenario scenario) {
     std::erase_if(scenario.steps,
                   [&faults](const Step& step) { return infoOf(step.kind).fault && ++faults > mostFaults; });
     return scenario;
+}
+
+rc::Gen<std::vector<Step>> stepsGenerator() {
+    return rc::gen::mapcat(rc::gen::noShrink(numberBelow(focuses)), [](std::uint32_t focus) {
+        return rc::gen::resize(
+            mostSteps, rc::gen::container<std::vector<Step>>(stepGenerator(static_cast<Focus>(focus))));
+    });
 }
 
 rc::Gen<Scenario> scenarioGenerator() {
@@ -69,8 +81,7 @@ rc::Gen<Scenario> scenarioGenerator() {
             rc::gen::set(&Scenario::preemption, rc::gen::element<std::uint32_t>(0, 0, 40, 200)),
             rc::gen::set(&Scenario::paints, rc::gen::map(numberBelow(paintingOneOf),
                                                          [](std::uint32_t number) { return number == 1; })),
-            rc::gen::set(&Scenario::steps,
-                         rc::gen::resize(mostSteps, rc::gen::container<std::vector<Step>>(stepGenerator())))),
+            rc::gen::set(&Scenario::steps, stepsGenerator())),
         &arranged);
 }
 

@@ -33,7 +33,8 @@ namespace simulation {
 
 namespace {
 
-constexpr world::Time longestClosing = 1200ms;
+constexpr world::Time closingWork = 50ms;  // of the window itself
+constexpr world::Time sendingTime = 200ms; // of what the adapter has taken
 /// Work of the window itself, and short exchanges of others.
 constexpr world::Time othersTime = 2s;
 constexpr int endlessReads = 50;
@@ -100,6 +101,15 @@ bool isLinkOpen(const QWidget& window) {
     return guitest::text(window, "btn_open") == QStringLiteral("关闭串口");
 }
 
+/// Compares a line of a label with its head and one of these texts.
+bool isHeard(const QString& line, const QString& head, const std::vector<std::string>& texts) {
+    constexpr qsizetype longestLine = 120; // longer ones are cut
+    return std::any_of(texts.begin(), texts.end(), [&](const std::string& text) {
+        const QString whole = head + QString::fromUtf8(text.c_str()).section(QLatin1Char('\n'), 0, 0);
+        return line == whole || (line.size() == longestLine && whole.startsWith(line.chopped(1)));
+    });
+}
+
 QString labelText(const QWidget& window, const char* name) {
     const auto* const label = window.findChild<QLabel*>(QLatin1String(name));
     return label == nullptr ? QString() : label->text();
@@ -107,14 +117,11 @@ QString labelText(const QWidget& window, const char* name) {
 
 } // namespace
 
-Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources()) {
-    emulator::setCallObserver([this](const std::string& port, const std::string& call) {
-        world::note([&] { return port + ' ' + call; });
-        libraryCalled(port, call);
-        world::preempt();
-    });
-    emulator::setReadObserver(
-        [this](const std::string& port, const Bytes& bytes) { m_protocolJudge.received(port, bytes); });
+Judge::Judge(Workplace& workplace)
+    : m_workplace(workplace),
+      m_answers([&workplace](const Bytes& digest) { return workplace.fileWith(digest); }),
+      m_before(resources()) {
+    observeLibrary();
     world::onStandstill([this](world::Time duration) {
         const world::Time limit = m_ownRequests + std::max(m_othersRequest, othersTime);
         require(duration <= limit,
@@ -123,9 +130,32 @@ Judge::Judge(Workplace& workplace) : m_workplace(workplace), m_before(resources(
     });
 }
 
+void Judge::observeLibrary() {
+    emulator::setCallObserver([this](const std::string& port, const std::string& call) {
+        world::note([&] { return port + ' ' + call; });
+        libraryCalled(port, call);
+        world::preempt();
+    });
+    emulator::setWriteObserver([this](const std::string& port, const Bytes& bytes) {
+        const std::string wrong = m_answers.writes(port, bytes, pictureOffset());
+        require(wrong.empty(), "O2: " + wrong);
+    });
+    emulator::setReadObserver([this](const std::string& port, const Bytes& bytes) {
+        m_closing.ended(port);
+        m_protocolJudge.received(port, bytes);
+        m_answers.received(bytes);
+    });
+    emulator::setFailureObserver([this](const std::string& port) {
+        m_protocolJudge.failed(port);
+        m_answers.failed();
+    });
+}
+
 Judge::~Judge() {
     emulator::setCallObserver({});
+    emulator::setWriteObserver({});
     emulator::setReadObserver({});
+    emulator::setFailureObserver({});
     world::onStandstill({});
 }
 
@@ -145,21 +175,47 @@ void Judge::watch(QWidget* mainWindow) {
                      [this](const QString& text) { statusShown(text); });
 }
 
+// --- closing ---------------------------------------------------------------------------------------------
+
+void CallsUnderWay::called(const std::string& port, const std::string& call) {
+    if (call == "close")
+        return;
+    Port& state = m_ports[port];
+    state.began = world::now();
+    state.longest = 0s;
+    if (call.starts_with("open ") || call.starts_with("setTimeout "))
+        state.timeoutMs = numbersOf(call).at(1);
+    else if (call.starts_with("read "))
+        state.longest = std::chrono::milliseconds(state.timeoutMs);
+    else
+        state.longest = sendingTime;
+}
+
+void CallsUnderWay::ended(const std::string& port) {
+    m_ports[port].longest = world::now() - m_ports[port].began;
+}
+
+world::Time CallsUnderWay::longest(world::Time from) const {
+    world::Time longest{0};
+    for (const auto& [name, port] : m_ports)
+        longest = std::max(longest, port.began + port.longest - from);
+    return longest;
+}
+
 // --- the line ----------------------------------------------------------------------------------------------
 
 void Judge::clientSaid(const std::string& line) {
     m_protocolJudge.logged(line);
+    const std::string wrong = m_answers.said(line);
+    require(wrong.empty(), "O6: " + wrong);
     if (line.find("download ended") != std::string::npos)
         m_protocolJudge.forgivePresentBreaks();
 }
 
 void Judge::libraryCalled(const std::string& port, const std::string& call) {
-    const Disturbances& disturbed = m_workplace.disturbances();
-    if (disturbed.adapter || disturbed.camera) // a fault of the camera may take the adapter away
-        m_protocolJudge.forgiveBreaks();
-    // The window gave this offset to the client last; the status bar may have been held then.
-    if (m_lineWatch != nullptr && m_lineWatch->log() != nullptr)
-        m_protocolJudge.setPictureOffset(port, m_lineWatch->log()->head.pictureOffset);
+    require(port != Workplace::filePort, "O4: a file is opened as a port");
+    m_closing.called(port, call);
+    m_protocolJudge.setPictureOffset(port, pictureOffset());
     const std::string wrong = m_protocolJudge.called(port, call, world::now());
     require(wrong.empty(), "O3: " + wrong);
     Exchange& exchange = m_exchanges[port];
@@ -185,6 +241,8 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
         else
             m_othersRequest = longest;
     } else if (call.starts_with("read ")) {
+        const std::string tooFar = m_answers.reads(port);
+        require(tooFar.empty(), "O1: " + tooFar);
         ++exchange.reads;
         // The window that views a picture waits for all of its bytes.
         if (exchange.mostReads < 0 && exchange.reads == endlessReads && world::threadNumber() == 0) {
@@ -193,7 +251,15 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
         }
         require(exchange.mostReads < 0 || exchange.reads <= exchange.mostReads,
                 "O3: more reads than tries for command " + std::to_string(exchange.code));
+    } else {
+        m_answers.prepares();
     }
+}
+
+/// The window gave this offset to the client last; the status bar may have been held then.
+std::uint8_t Judge::pictureOffset() const {
+    return m_lineWatch != nullptr && m_lineWatch->log() != nullptr ? m_lineWatch->log()->head.pictureOffset
+                                                                   : std::uint8_t{0};
 }
 
 std::size_t Judge::heard(std::uint8_t requestCode, bool json) {
@@ -217,10 +283,15 @@ void Judge::checkLinkText() {
 }
 
 void Judge::linkClosed(world::Time duration) {
-    require(duration <= longestClosing, "O3: closing took " + std::to_string(duration / 1ms) + " ms");
+    const world::Time longest = m_closing.longest(world::now() - duration) + closingWork;
+    require(duration <= longest, "O3: closing took " + std::to_string(duration / 1ms) +
+                                     " ms, and no call of the "
+                                     "library lasted longer than " +
+                                     std::to_string(longest / 1ms) + " ms");
     require(emulator::openMemoryPorts(std::this_thread::get_id()) == 0, "O4: a port is open after closing");
     m_brokenOff = m_brokenOff || m_resultDue;
     m_resultDue = false;
+    m_answers.forgetUpload();
 }
 
 /// A download reads until all its bytes have come, which a good line and a camera that does not restart send
@@ -296,8 +367,29 @@ void Judge::checkControls() {
 
 // --- values ------------------------------------------------------------------------------------------------
 
+/// Each value came in a good answer to its question, whatever happens to the line, or is missing.
+void Judge::checkHeardValues() {
+    static const std::vector<std::pair<QString, std::uint8_t>> heads = {
+        {QStringLiteral("SDK版本:"), 0x02},
+        {QStringLiteral("系统版本:"), 0x15},
+        {QStringLiteral("QV-APP版本:"), 0xD4},
+        {QStringLiteral("模型信息:"), 0xCC},
+        {QStringLiteral("当前序列号:  "), 0x03}};
+    for (const QLabel* const label : m_window->findChildren<QLabel*>()) {
+        for (const auto& [head, property] : heads) {
+            const qsizetype at = label->text().indexOf(head);
+            if (at < 0)
+                continue;
+            const QString line = label->text().mid(at).section(QLatin1Char('\n'), 0, 0);
+            const bool heard = line == head || isHeard(line, head, m_answers.values(property));
+            require(heard, "O2: shows " + line.toStdString() + ", which no camera has sent");
+        }
+    }
+}
+
 /// Each value is the camera's own for this question, or missing.
 void Judge::checkValues() {
+    checkHeardValues();
     const Disturbances& disturbed = m_workplace.disturbances();
     if (disturbed.toTool || disturbed.late || disturbed.camera)
         return;

@@ -1,6 +1,7 @@
 // The rules O1 to O8, checked in every session.
 #pragma once
 
+#include "tests/simulation/answerjudge.h"
 #include "tests/simulation/protocoljudge.h"
 #include "tests/simulation/workplace.h"
 #include "tests/simulation/world/scheduler.h"
@@ -18,6 +19,24 @@ class LineWatch;
 class QWidget;
 
 namespace simulation {
+
+/// The last call of each port: closing waits for those that have not returned.
+class CallsUnderWay {
+public:
+    void called(const std::string& port, const std::string& call);
+    /// A read has brought bytes.
+    void ended(const std::string& port);
+    /// For so long after this moment a call may last.
+    [[nodiscard]] world::Time longest(world::Time from) const;
+
+private:
+    struct Port {
+        world::Time began{0};
+        world::Time longest{0};
+        std::uint32_t timeoutMs = 0;
+    };
+    std::map<std::string, Port> m_ports;
+};
 
 /// Watches a session and writes down what breaks a rule. Each complaint begins with the rule:
 ///   O1 a reported upload is on the camera       O5 controls follow the state of the link
@@ -64,7 +83,9 @@ private:
     };
 
     void require(bool holds, const std::string& complaint);
+    void observeLibrary();
     void libraryCalled(const std::string& port, const std::string& call);
+    [[nodiscard]] std::uint8_t pictureOffset() const;
     void statusShown(const QString& text);
     void checkOutcome(const QString& name);
     void checkUploadSuccess();
@@ -80,6 +101,9 @@ private:
     void checkFiles();
     void checkSavedFiles();
     void checkPicture(const QString& path, std::optional<unsigned int> id);
+    void checkHeardPicture(const QString& path, std::optional<unsigned int> id);
+    void checkHeardValues();
+    [[nodiscard]] bool choosesLargeFile() const;
     [[nodiscard]] bool hasWantedPicture();
     [[nodiscard]] bool restartsByCommand();
     [[nodiscard]] bool isCameraLinked() const;
@@ -92,6 +116,8 @@ private:
     std::vector<std::string> m_complaints;
     std::map<std::string, Exchange> m_exchanges; ///< by port: a search has several
     ProtocolJudge m_protocolJudge;
+    AnswerJudge m_answers;
+    CallsUnderWay m_closing;
     bool m_silent = false;
     world::Time m_ownRequests{0};   ///< what the first thread's requests of this standstill may take
     world::Time m_othersRequest{0}; ///< what the last request of another thread may take
@@ -99,6 +125,7 @@ private:
     QString m_statusText;
     std::map<QString, bool> m_done; ///< by name of a command: how the status bar told its last end
     bool m_resultDue = false;       ///< of an upload
+    bool m_uploadBegun = false;     ///< the last one, with an open link
     bool m_brokenOff = false;       ///< an upload was, whose data the camera goes on waiting for
     std::optional<std::size_t> m_catalogueSize; ///< number of pictures when a list has just been read
     bool m_pressedWithoutFile = false;

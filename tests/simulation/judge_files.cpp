@@ -76,6 +76,9 @@ void Judge::checkUploadedBytes() {
 }
 
 void Judge::checkFiles() {
+    for (const QString& folder : m_workplace.obstructions())
+        require(QFileInfo(folder).isDir(),
+                "O7: a folder is gone: " + QFileInfo(folder).fileName().toStdString());
     static const QRegularExpression pictureName(QStringLiteral("^(\\d+)\\.jpg$"));
     const QString downloads =
         QDir::cleanPath(QDir::current().absoluteFilePath(QLatin1String(Workplace::pictureFolder)));
@@ -87,13 +90,25 @@ void Judge::checkFiles() {
                 checkPicture(QDir(folder).filePath(name), match.captured(1).toUInt());
         }
     }
-    require(m_workplace.chosen().contains(downloads) || QDir(downloads).isEmpty(),
+    require(m_workplace.chosen().contains(downloads) || QDir(downloads).isEmpty(QDir::Files),
             "O7: pictures in a folder that nobody chose");
     checkSavedFiles();
 }
 
+/// Whatever happens to the line, a file has the bytes that came.
+void Judge::checkHeardPicture(const QString& path, std::optional<unsigned int> id) {
+    const QByteArray bytes = contentOf(path);
+    const auto& pictures = m_answers.pictures();
+    const bool heard = std::any_of(pictures.begin(), pictures.end(), [&](const auto& picture) {
+        return (!id || picture.first == (*id & 0xFFU)) && Bytes(bytes.begin(), bytes.end()) == picture.second;
+    });
+    require(heard, "O7: " + QFileInfo(path).fileName().toStdString() +
+                       " has other bytes than any picture that came");
+}
+
 /// Without an id, of any picture.
 void Judge::checkPicture(const QString& path, std::optional<unsigned int> id) {
+    checkHeardPicture(path, id);
     const Disturbances& disturbed = m_workplace.disturbances();
     if (disturbed.toTool || disturbed.late || disturbed.camera)
         return;
@@ -116,6 +131,9 @@ void Judge::checkSavedFiles() {
          each.hasNext();) {
         const QString path = each.next();
         const QString folder = QFileInfo(path).path();
+        if (path == m_workplace.largeFile() ||
+            QDir::current().relativeFilePath(path) == QLatin1String(Workplace::filePort))
+            continue;
         const auto file = m_workplace.files().indexOf(path);
         if (file >= 0) {
             const Bytes content = Workplace::contentOf(static_cast<std::size_t>(file));

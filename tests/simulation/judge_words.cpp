@@ -13,6 +13,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <array>
 
 using protocol::code;
 using protocol::Command;
@@ -24,6 +25,7 @@ namespace {
 /// "12:34:56  name：words"
 struct Told {
     QString name;
+    QString words;
     bool done = false;
 };
 
@@ -32,7 +34,7 @@ std::optional<Told> outcomeIn(const QString& text) {
     const auto match = outcome.match(text);
     if (!match.hasMatch())
         return std::nullopt;
-    return Told{match.captured(1), match.captured(2).startsWith(QStringLiteral("完成"))};
+    return Told{match.captured(1), match.captured(2), match.captured(2).startsWith(QStringLiteral("完成"))};
 }
 
 } // namespace
@@ -42,6 +44,11 @@ void Judge::statusShown(const QString& text) {
     if (text.isEmpty())
         return;
     world::note([&text] { return "status: " + text.toStdString(); });
+    if (text.contains(QStringLiteral("串口已关闭"))) { // the technician let the upload be broken off
+        m_brokenOff = m_brokenOff || m_resultDue;
+        m_resultDue = false;
+        m_answers.forgetUpload();
+    }
     if (text.contains(QStringLiteral("没有可升级的文件")))
         m_pressedWithoutFile = true;
     if (text.startsWith(QStringLiteral("图片命令附加值：")) ||
@@ -49,8 +56,14 @@ void Judge::statusShown(const QString& text) {
         m_pictureOffset = true;
     if (text.startsWith(QStringLiteral("正在升级")) || text == QStringLiteral("请先打开串口"))
         m_resultDue = true;
+    if (text.startsWith(QStringLiteral("正在升级")) || text == QStringLiteral("请先打开串口"))
+        m_uploadBegun = text != QStringLiteral("请先打开串口");
     if (const auto told = outcomeIn(text)) {
         m_done[told->name] = told->done;
+        if (told->name == QStringLiteral("读取图片列表"))
+            m_catalogueSize = m_answers.picturesListed();
+        const std::string wrong = m_answers.told(told->name.toStdString(), told->words.toStdString());
+        require(wrong.empty(), "O6: " + wrong);
         if (told->done)
             checkOutcome(told->name);
     }
@@ -70,9 +83,11 @@ void Judge::checkOutcome(const QString& name) {
     };
     const auto word =
         std::find_if(words.begin(), words.end(), [&](const Word& each) { return each.name == name; });
+    static const QRegularExpression download(QStringLiteral("^下载图片 (\\d+)$"));
+    if (const auto picture = download.match(name); picture.hasMatch())
+        require(QFileInfo(picture.captured(1) + QStringLiteral(".jpg")).isFile(),
+                "O6: a picture without a file");
     const Disturbances& disturbed = m_workplace.disturbances();
-    if (name == QStringLiteral("读取图片列表") && !disturbed.any())
-        m_catalogueSize = m_workplace.camera().state().pictures.size();
     if (word == words.end() || disturbed.toTool || disturbed.late || disturbed.camera)
         return;
     const std::size_t now = heard(code(word->command));
@@ -90,10 +105,21 @@ void Judge::boxShown(const QString& text) {
         return;
     require(m_resultDue, "O6: the result of an upload that has none to tell");
     m_resultDue = false;
+    const bool sends = m_uploadBegun && !m_workplace.disturbances().adapter && !choosesLargeFile();
+    require(!sends || m_answers.hasUpload(), "O1: an upload ends that was never sent");
+    const std::string wrong = m_answers.toldUpload(text.endsWith(QStringLiteral("true")));
+    require(wrong.empty(), "O1: " + wrong);
     if (text.endsWith(QStringLiteral("true")))
         checkUploadSuccess();
     else
         checkUploadFailure();
+}
+
+bool Judge::choosesLargeFile() const {
+    const std::array<const char*, 3> labels{"label_apppath", "label_firewarepath", "label_modelpath"};
+    return std::any_of(labels.begin(), labels.end(), [this](const char* label) {
+        return guitest::text(*m_window, label) == m_workplace.largeFile();
+    });
 }
 
 /// Nothing keeps a camera that is there from taking a file. The second protocol sends none.
@@ -158,7 +184,7 @@ void Judge::checkLists() {
     const bool whole = std::any_of(lists.begin(), lists.end(), [&](const PictureListWindow* list) {
         return guitest::find<QListView>(*list, "listview")->model()->rowCount() == expected;
     });
-    require(whole || lists.isEmpty() || m_workplace.disturbances().any(),
+    require(whole || lists.isEmpty(),
             "O6: no list has the camera's " + std::to_string(expected) + " pictures");
 }
 

@@ -1,5 +1,6 @@
 #include "tests/simulation/protocoljudge.h"
 
+#include "tests/simulation/answerjudge.h"
 #include "tests/support/markdown.h"
 
 #include <algorithm>
@@ -19,7 +20,6 @@ namespace {
 
 constexpr auto pauseOfCaptureV1 = 500ms;
 constexpr int mostVerdictTries = 30;
-constexpr std::array<std::uint8_t, 2> frameStart{0xAA, 0x5A};
 constexpr std::uint8_t appAnnouncement = 0x1B;
 constexpr std::uint8_t systemAnnouncement = 0x0B;
 constexpr std::uint8_t modelAnnouncement = 0xCB;
@@ -39,15 +39,6 @@ Bytes headOf(const std::string& call) {
     for (std::string word; words >> word && word != "..";)
         bytes.push_back(static_cast<std::uint8_t>(std::stoul(word, nullptr, 16)));
     return bytes;
-}
-
-/// Of "setTimeout 4294967295,50,0,50,0".
-std::vector<std::uint32_t> numbersOf(const std::string& call) {
-    std::vector<std::uint32_t> numbers;
-    std::istringstream words(call.substr(call.find(' ')));
-    for (std::string word; std::getline(words, word, ',');)
-        numbers.push_back(static_cast<std::uint32_t>(std::stoul(word)));
-    return numbers;
 }
 
 bool isFrame(const Bytes& head) {
@@ -76,19 +67,6 @@ bool isFirstGeneration(std::uint8_t code) {
     return code >= 0x06 && code <= 0x09;
 }
 
-/// The rule of acceptance; the check code is not looked at.
-bool isWholeFrame(const Bytes& answer) {
-    constexpr std::size_t lengthAt = 4;
-    constexpr std::size_t sizeWithoutPayload = 10;
-    constexpr std::size_t least = 9;
-    if (answer.size() < least || !std::equal(frameStart.begin(), frameStart.end(), answer.begin()))
-        return false;
-    std::uint64_t size = sizeWithoutPayload;
-    for (std::size_t i = 0; i < 4; ++i)
-        size += std::uint64_t{answer[lengthAt + i]} << (8 * i);
-    return answer.size() == size;
-}
-
 std::vector<DocumentedExchange> readTable() {
     const std::string document = markdown::contentOf(markdown::sourceFolder() / "docs/protocol.md");
     std::vector<DocumentedExchange> exchanges;
@@ -107,6 +85,14 @@ std::vector<DocumentedExchange> readTable() {
 }
 
 } // namespace
+
+std::vector<std::uint32_t> numbersOf(const std::string& call) {
+    std::vector<std::uint32_t> numbers;
+    std::istringstream words(call.substr(call.find(' ')));
+    for (std::string word; std::getline(words, word, ',');)
+        numbers.push_back(static_cast<std::uint32_t>(std::stoul(word)));
+    return numbers;
+}
 
 const std::vector<DocumentedExchange>& documentedExchanges() {
     static const std::vector<DocumentedExchange> table = readTable();
@@ -148,10 +134,14 @@ void ProtocolJudge::logged(const std::string& line) {
 void ProtocolJudge::received(const std::string& port, const Bytes& bytes) {
     Bytes& answer = m_lines[port].answer;
     protocol::append(answer, bytes);
-    auto start = std::search(answer.begin(), answer.end(), frameStart.begin(), frameStart.end());
-    if (start == answer.end() && !answer.empty())
-        --start; // may be the first byte of the start
-    answer.erase(answer.begin(), start);
+    dropGarbage(answer, frameStart);
+}
+
+void ProtocolJudge::failed(const std::string& port) {
+    Line& line = m_lines[port];
+    line.preparation = {};
+    line.rows.clear();
+    line.doors.reset(); // a command that failed may have counted
 }
 
 void ProtocolJudge::forgivePresentBreaks() {
@@ -185,7 +175,7 @@ std::string ProtocolJudge::wrote(Line& line, const Bytes& head, std::chrono::nan
     if (logsHexadecimal &&
         (logged.size() < head.size() || !std::equal(head.begin(), head.end(), logged.begin())))
         return "the announcement is not logged in hexadecimal";
-    if (code == door && !m_forgiven && head.at(doorSequenceAt) != line.doors++)
+    if (code == door && line.doors && head.at(doorSequenceAt) != (*line.doors)++)
         return "a door command out of sequence";
     for (const DocumentedExchange& row : documentedExchanges()) {
         const bool same = row.code == line.request || (row.code == "caller's" && isCallers(line.request));
@@ -226,7 +216,7 @@ std::string ProtocolJudge::read(Line& line, std::uint32_t size, std::chrono::nan
 
 /// A command gives up when its reads are used up.
 std::string ProtocolJudge::ended(const Line& line) const {
-    if (m_forgiven || line.confirmed || line.rows.empty())
+    if (line.confirmed || line.rows.empty())
         return {};
     const bool early = std::none_of(line.rows.begin(), line.rows.end(), [&line](const auto* row) {
         const bool answered = row->reading == "frame" ? isWholeFrame(line.answer) : !line.answer.empty();

@@ -11,6 +11,10 @@
 
 namespace simulation {
 
+/// Of "setTimeout 4294967295,50,0,50,0" or "open 460800 4294967295,50,0,50,0", where the rate takes the first
+/// place.
+[[nodiscard]] std::vector<std::uint32_t> numbersOf(const std::string& call);
+
 /// A row of the table.
 struct DocumentedExchange {
     std::string name;
@@ -38,8 +42,8 @@ public:
     void received(const std::string& port, const protocol::Bytes& bytes);
     /// Added to the codes of this port's picture commands of the first generation.
     void setPictureOffset(const std::string& port, std::uint8_t offset);
-    /// Exchanges may break off: an adapter was pulled, or a stop was asked for.
-    void forgiveBreaks() { m_forgiven = true; }
+    /// A call of the port threw.
+    void failed(const std::string& port);
     /// The present exchanges break off: a download was ended on request.
     void forgivePresentBreaks();
 
@@ -58,10 +62,10 @@ private:
         std::string request;
         std::chrono::nanoseconds written{0};
         int reads = 0;
-        std::uint8_t doors = 0; ///< door commands since the opening
-        protocol::Bytes answer; ///< without what came before its start
-        std::uint8_t image = 0; ///< code of the announced upload
-        bool confirmed = false; ///< its announcement is; a verdict follows
+        std::optional<std::uint8_t> doors = 0; ///< door commands since the opening; nothing: not known
+        protocol::Bytes answer;                ///< without what came before its start
+        std::uint8_t image = 0;                ///< code of the announced upload
+        bool confirmed = false;                ///< its announcement is; a verdict follows
         std::uint8_t pictureOffset = 0;
     };
 
@@ -71,7 +75,6 @@ private:
 
     std::map<std::string, Line> m_lines;
     std::vector<std::uint32_t> m_logged; ///< values of a request's bytes, read as hexadecimal
-    bool m_forgiven = false;
 };
 
 } // namespace simulation

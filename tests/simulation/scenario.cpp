@@ -7,19 +7,22 @@
 namespace simulation {
 
 const std::vector<StepKindInfo>& stepKinds() {
+    using enum Focus;
     static const std::vector<StepKindInfo> kinds = {
-        {StepKind::link, "link", 10, false},   {StepKind::press, "press", 40, false},
-        {StepKind::menu, "menu", 14, false},   {StepKind::type, "type", 6, false},
-        {StepKind::row, "row", 10, false},     {StepKind::front, "front", 8, false},
-        {StepKind::close, "close", 4, false},  {StepKind::upload, "upload", 8, false},
-        {StepKind::port, "port", 2, false},    {StepKind::aid, "aid", 8, false},
-        {StepKind::use, "use", 36, false},     {StepKind::status, "status", 4, false},
-        {StepKind::drag, "drag", 4, false},    {StepKind::replug, "replug", 2, true},
-        {StepKind::wait, "wait", 8, false},    {StepKind::closeProgram, "close-program", 1, false},
-        {StepKind::flip, "flip", 3, true},     {StepKind::drop, "drop", 3, true},
-        {StepKind::repeat, "repeat", 2, true}, {StepKind::latency, "latency", 2, true},
-        {StepKind::fault, "fault", 8, true},   {StepKind::reboot, "reboot", 2, true},
-        {StepKind::pull, "pull", 2, true},     {StepKind::plug, "plug", 4, false},
+        {StepKind::link, "link", 10, false, links},  {StepKind::press, "press", 40, false},
+        {StepKind::menu, "menu", 14, false},         {StepKind::type, "type", 6, false},
+        {StepKind::row, "row", 10, false, pictures}, {StepKind::front, "front", 8, false},
+        {StepKind::close, "close", 4, false},        {StepKind::upload, "upload", 8, false, uploads},
+        {StepKind::port, "port", 3, false, links},   {StepKind::aid, "aid", 8, false},
+        {StepKind::use, "use", 36, false, pictures}, {StepKind::status, "status", 4, false},
+        {StepKind::drag, "drag", 4, false},          {StepKind::replug, "replug", 2, true, links},
+        {StepKind::wait, "wait", 8, false, uploads}, {StepKind::closeProgram, "close-program", 1, false},
+        {StepKind::flip, "flip", 3, true},           {StepKind::drop, "drop", 3, true},
+        {StepKind::repeat, "repeat", 2, true},       {StepKind::latency, "latency", 2, true},
+        {StepKind::fault, "fault", 6, true},         {StepKind::trouble, "trouble", 8, true},
+        {StepKind::reboot, "reboot", 2, true},       {StepKind::pull, "pull", 2, true},
+        {StepKind::plug, "plug", 4, false},          {StepKind::fail, "fail", 2, true},
+        {StepKind::clog, "clog", 1, true, uploads},  {StepKind::obstruct, "obstruct", 1, true, pictures},
     };
     return kinds;
 }

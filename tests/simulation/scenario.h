@@ -36,12 +36,22 @@ enum class StepKind : std::uint8_t {
     repeat,  ///< a byte comes twice
     latency, ///< bytes take longer
     // the camera
-    fault,  ///< one of the camera's faults strikes the next request
-    reboot, ///< it restarts
+    fault,   ///< one of the camera's faults strikes the next request
+    trouble, ///< one strikes where it leads somewhere
+    reboot,  ///< it restarts
     // the adapter
     pull,
     plug,
+    fail, ///< the next call of its driver fails
+    clog, ///< it takes few bytes, and the camera stops reading at the next upload
+    // the disk
+    obstruct, ///< a folder has the name of a picture
 };
+
+/// What a session is mostly about.
+enum class Focus : std::uint8_t { nothing, uploads, pictures, links };
+inline constexpr std::uint32_t focuses = 4;
+inline constexpr unsigned int focusFactor = 5; ///< of the weights of its steps
 
 /// Columns of the table of kinds.
 struct StepKindInfo {
@@ -49,6 +59,7 @@ struct StepKindInfo {
     std::string_view name;
     unsigned int weight; ///< among all steps that are drawn
     bool fault;          ///< counts as one of the few faults of a session
+    Focus focus = Focus::nothing;
 };
 [[nodiscard]] const std::vector<StepKindInfo>& stepKinds();
 [[nodiscard]] const StepKindInfo& infoOf(StepKind kind);

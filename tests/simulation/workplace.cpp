@@ -3,6 +3,7 @@
 #include "link/protocol/requests.h"
 
 #include <QBuffer>
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -20,6 +21,7 @@ namespace {
 
 constexpr std::array<std::size_t, 4> fileSizes{700, 1300, 0, 9000};
 constexpr std::array<const char*, 4> fileNames{"app.bin", "image.bin", "system.bin", "model.bin"};
+constexpr std::int64_t tooLarge = std::int64_t{1} << 31; // no upload; it has no blocks on the disk
 constexpr std::uint32_t bitsPerByte = 10;
 
 /// A picture that decodes; the comment makes each another one.
@@ -33,9 +35,15 @@ Bytes smallPicture(std::uint16_t /*id*/, std::uint32_t variation) {
         image.save(&buffer, "JPG");
         return bytes;
     }();
-    const std::string comment = "picture " + std::to_string(variation);
+    constexpr std::uint32_t largeOneOf = 4;
+    constexpr std::size_t large = 9000; // more than a piece of a picture by JSON
+    std::string comment = "picture " + std::to_string(variation);
+    if (variation % largeOneOf == 0)
+        comment.resize(large, '.');
+    const std::size_t length = comment.size() + 2;
     Bytes picture(grey.begin(), grey.begin() + 2);
-    picture.insert(picture.end(), {0xFF, 0xFE, 0, static_cast<std::uint8_t>(comment.size() + 2)});
+    picture.insert(picture.end(), {0xFF, 0xFE, static_cast<std::uint8_t>(length >> 8U),
+                                   static_cast<std::uint8_t>(length & 0xFFU)});
     picture.insert(picture.end(), comment.begin(), comment.end());
     picture.insert(picture.end(), grey.begin() + 2, grey.end());
     return picture;
@@ -64,7 +72,7 @@ emulator::VirtualCamera cameraFor(const Scenario& scenario, std::vector<TakenPic
     return followed() ? cameraOf(*followed(), settings) : emulator::VirtualCamera(settings);
 }
 
-/// The camera's faults that a session meets.
+/// Every kind of fault.
 const std::vector<std::string>& faultTexts() {
     static const std::vector<std::string> texts = [] {
         std::vector<std::string> all;
@@ -79,13 +87,96 @@ const std::vector<std::string>& faultTexts() {
     return texts;
 }
 
-/// The next request of all, or the next of one kind.
+/// Every other time the next request, otherwise the next of one kind.
 std::string requestText(std::uint32_t choice) {
     const auto names = protocol::requestNames();
-    if (choice % 3 == 0)
+    if (choice % 2 == 0)
         return "#1";
-    return '@' + std::string(names[choice / 3 % names.size()].name) + "#1";
+    return '@' + std::string(names[choice / 2 % names.size()].name) + "#1";
 }
+
+using protocol::PictureCommands;
+
+/// Faults at the places where they lead somewhere, and the cameras that have these places.
+struct Trouble {
+    const char* text;
+    std::optional<PictureCommands> cameras; ///< nothing: all
+};
+
+// clang-format off
+constexpr std::array troubles{
+    Trouble{"result=1@getSn",                  {}},
+    Trouble{"echo=99@getSn",                   {}},
+    Trouble{"result=1@getModelInfo",           {}},
+    Trouble{"echo=99@getModelInfo",            {}},
+    Trouble{"result=1@getAppVersion",          {}},
+    Trouble{"value-size=0@getSystemVersion",   {}},
+    Trouble{"raw=AA5A0102FFFFFFFF00@getProperty", {}},  // a length that is 9 in 32 bits
+    Trouble{"raw=AA5A011100000001FFFF@heartbeat", {}},  // the text of a good answer
+    Trouble{"split=9,120#1",                   {}},
+    Trouble{"split=9,120",                     {}},
+    Trouble{"split=1,120#1",                   {}},
+    Trouble{"split=1,120",                     {}},
+    Trouble{"truncate=3#1",                    {}},
+    Trouble{"truncate=8",                      {}},
+    Trouble{"stray=1#1",                       {}},
+    Trouble{"result=1@reboot",                 {}},
+    Trouble{"result=1@reset",                  {}},
+    Trouble{"payload=0#1",                     {}},
+    Trouble{"result=1@delete",                 PictureCommands::origin},
+    Trouble{"result=1@capture",                PictureCommands::origin},
+    Trouble{"silent@catalogue",                PictureCommands::origin},
+    Trouble{"records=0@catalogue",             PictureCommands::origin},
+    Trouble{"payload=25@catalogue",            PictureCommands::origin}, // two bytes too few for a record
+    Trouble{"payload=26@catalogue",            PictureCommands::origin}, // with the check code it is one
+    Trouble{"result=1@read",                   PictureCommands::origin},
+    Trouble{"result=1@read#2+",                PictureCommands::origin},
+    Trouble{"result=1@deleteV1",               PictureCommands::v1},
+    Trouble{"result=1@captureV1",              PictureCommands::v1},
+    Trouble{"records=0@catalogueV1",           PictureCommands::v1},
+    Trouble{"result=1@readV1",                 PictureCommands::v1},
+    Trouble{"result=1@appUpdateV1#5",          PictureCommands::v1},
+    Trouble{"silent@appUpdateV1#5",            PictureCommands::v1},
+    Trouble{"offset=size-1@appUpdateV1#5",     PictureCommands::v1},
+    Trouble{"result=2@packetV1#11+",           PictureCommands::v1},
+    Trouble{"result=2@packetV1",               PictureCommands::v1},
+    Trouble{"silent@packetV1#11+",             PictureCommands::v1},
+    Trouble{"silent@jsonPicture#2+",           PictureCommands::json},
+    Trouble{"truncate=3@jsonPicture#2+",       PictureCommands::json},
+    Trouble{"no-size@jsonPicture",             PictureCommands::json},
+    Trouble{"size-text=\"x\"@jsonPicture",     PictureCommands::json},
+    Trouble{"no-marker@jsonPicture#2",         PictureCommands::json},
+    Trouble{"invalid-json@jsonProperty",       PictureCommands::json},
+    Trouble{"offset=2147483648@appUpdate",     {}},
+    Trouble{"offset=2147483648@systemUpdate",  {}},
+    Trouble{"offset=2147483648@modelUpdate",   {}},
+    Trouble{"offset=512@appUpdate",            {}},
+    Trouble{"offset=600@systemUpdate",         {}},
+    Trouble{"offset=size+1@systemUpdate",      {}},
+    Trouble{"result=1@appUpdate",              {}},
+    Trouble{"verdict=1@appUpdate",             {}},
+    Trouble{"no-verdict@appUpdate",            {}},
+    Trouble{"stay-down@appUpdate",             {}},
+    Trouble{"stay-down@systemUpdate",          {}},
+    Trouble{"echo=0@modelUpdate",              {}},
+    Trouble{"result=1@modelUpdate",            {}},
+    Trouble{"verdict=1@modelUpdate",           {}},
+    Trouble{"no-verdict@modelUpdate",          {}},
+};
+// clang-format on
+
+std::string troubleText(protocol::CameraType type, std::uint32_t choice) {
+    std::vector<const char*> fitting;
+    for (const Trouble& trouble : troubles) {
+        if (!trouble.cameras || trouble.cameras == protocol::infoOf(type).pictures)
+            fitting.push_back(trouble.text);
+    }
+    return fitting.at(choice % fitting.size());
+}
+
+/// Bytes that the adapter's driver takes while the camera does not read.
+constexpr std::size_t smallQueue = 256;
+constexpr const char* stuckUpload = "stop-reading=9000@";
 
 } // namespace
 
@@ -119,12 +210,19 @@ Workplace::Workplace(const Scenario& scenario) : m_line(cameraFor(scenario, m_pi
         }
         m_files.append(QDir::cleanPath(QDir::current().absoluteFilePath(name)));
     }
+    QFile large(QStringLiteral("../large.bin"));
+    if (large.open(QIODevice::WriteOnly) && large.resize(tooLarge))
+        m_largeFile = QDir::cleanPath(QDir::current().absoluteFilePath(large.fileName()));
+    QFile notAPort{QString::fromLatin1(filePort)};
+    std::ignore = notAPort.open(QIODevice::WriteOnly);
+    emulator::addMemoryPort(filePort, {});
 }
 
 Workplace::~Workplace() {
     for (const std::string& name : m_portNames)
         emulator::removeMemoryPort(name);
     emulator::removeMemoryPort(emptyPort);
+    emulator::removeMemoryPort(filePort);
 }
 
 Bytes Workplace::contentOf(std::size_t file) {
@@ -135,6 +233,17 @@ Bytes Workplace::contentOf(std::size_t file) {
         byte = static_cast<std::uint8_t>(value >> 24U);
     }
     return content;
+}
+
+std::optional<Bytes> Workplace::fileWith(const Bytes& digest) {
+    for (std::size_t file = 0; file < fileSizes.size(); ++file) {
+        Bytes content = contentOf(file);
+        const QByteArrayView view(content.data(), static_cast<qsizetype>(content.size()));
+        const QByteArray own = QCryptographicHash::hash(view, QCryptographicHash::Md5);
+        if (Bytes(own.begin(), own.end()) == digest)
+            return content;
+    }
+    return std::nullopt;
 }
 
 void Workplace::plugIn(const std::string& name) {
@@ -161,6 +270,24 @@ void Workplace::perform(const Step& step) {
     case StepKind::fault:
         camera().addFault(faultTexts().at(step.choice % faultTexts().size()) + requestText(step.detail));
         m_disturbances.camera = true;
+        break;
+    case StepKind::trouble:
+        camera().addFault(troubleText(camera().settings().type, step.choice));
+        m_disturbances.camera = true;
+        break;
+    case StepKind::clog:
+        m_line.setQueue({smallQueue, smallQueue});
+        for (const char* const upload : {"appUpdate", "systemUpdate", "modelUpdate"})
+            camera().addFault(std::string(stuckUpload) + upload);
+        m_disturbances.camera = true;
+        break;
+    case StepKind::fail:
+        if (emulator::MemoryPort* const port = emulator::findMemoryPort(m_portNames.back()))
+            port->failsOnce = true;
+        m_disturbances.adapter = true;
+        break;
+    case StepKind::obstruct:
+        obstruct(step);
         break;
     case StepKind::reboot:
         camera().state().bootingUntil = m_line.lineTime() + std::chrono::milliseconds(step.choice % 8000);
@@ -191,6 +318,16 @@ void Workplace::pull(const std::string& port) {
     }
     m_disturbances.adapter = true;
     emulator::removeMemoryPort(emptyPort);
+}
+
+/// A folder has the name of a picture.
+void Workplace::obstruct(const Step& step) {
+    constexpr std::array<int, 5> ids{1, 20, 21, 22, 23};
+    const QString folder = step.detail % 2 == 0 ? QStringLiteral(".") : QString::fromLatin1(pictureFolder);
+    const QString path = QDir::cleanPath(QDir::current().absoluteFilePath(
+        QStringLiteral("%1/%2.jpg").arg(folder).arg(ids.at(step.choice % ids.size()))));
+    if (QDir().mkdir(path))
+        m_obstructions.append(path);
 }
 
 void Workplace::strikeLine(const Step& step) {

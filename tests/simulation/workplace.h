@@ -63,14 +63,23 @@ public:
     static constexpr const char* pictureFolder = "../pictures";
     /// Content of the file.
     [[nodiscard]] static protocol::Bytes contentOf(std::size_t file);
+    /// Content of the file with this MD5 digest.
+    [[nodiscard]] static std::optional<protocol::Bytes> fileWith(const protocol::Bytes& digest);
     /// Names of the camera's port so far.
     [[nodiscard]] const std::vector<std::string>& portNames() const { return m_portNames; }
     static constexpr const char* emptyPort = "/dev/ttyZ0";
+    /// A file in the place of a device, as a program leaves it that writes while the adapter is away.
+    static constexpr const char* filePort = "../ttyUSB9";
+    /// It is larger than an upload may be.
+    [[nodiscard]] const QString& largeFile() const { return m_largeFile; }
+    /// Folders that have the names of pictures.
+    [[nodiscard]] const QStringList& obstructions() const { return m_obstructions; }
     /// Every picture that the camera has had.
     [[nodiscard]] const std::vector<TakenPicture>& pictures() const { return m_pictures; }
 
 private:
     void strikeLine(const Step& step);
+    void obstruct(const Step& step);
     void plugIn(const std::string& name);
 
     std::vector<TakenPicture> m_pictures; // before the camera, which adds to it
@@ -78,6 +87,8 @@ private:
     std::vector<std::string> m_portNames;
     Disturbances m_disturbances;
     QStringList m_files;
+    QString m_largeFile;
+    QStringList m_obstructions;
     std::set<QString> m_chosen;
 };
 
