@@ -615,10 +615,10 @@ void AnswerJudge::failed() {
     m_threads[world::threadNumber()].exchange.failed();
 }
 
-/// A command is broken off by the port, by a stop or by an answer that is too short.
+/// A command is broken off by the port, a stop, another user of the line or an answer that is too short.
 std::string AnswerJudge::wrongFailure(const Thread& thread, const std::string& text) {
-    static constexpr std::array<std::string_view, 3> reasons{"link is closing", "download ended",
-                                                             "answer too short"};
+    static constexpr std::array<std::string_view, 4> reasons{"link is closing", "line is busy",
+                                                             "download ended", "answer too short"};
     if (!text.starts_with("command failed:") || thread.exchange.hasFailed())
         return {};
     const bool known = std::any_of(reasons.begin(), reasons.end(), [&text](std::string_view reason) {

@@ -132,7 +132,7 @@ void Judge::checkSavedFiles() {
         const QString path = each.next();
         const QString folder = QFileInfo(path).path();
         if (path == m_workplace.largeFile() ||
-            QDir::current().relativeFilePath(path) == QLatin1String(Workplace::filePort))
+            QFileInfo(path) == QFileInfo(QLatin1String(Workplace::filePort)))
             continue;
         const auto file = m_workplace.files().indexOf(path);
         if (file >= 0) {

@@ -60,7 +60,8 @@ void Judge::statusShown(const QString& text) {
         m_uploadBegun = text != QStringLiteral("请先打开串口");
     if (const auto told = outcomeIn(text)) {
         m_done[told->name] = told->done;
-        if (told->name == QStringLiteral("读取图片列表"))
+        if (told->name == QStringLiteral("读取图片列表") &&
+            (told->done || told->words.startsWith(QStringLiteral("没有图片"))))
             m_catalogueSize = m_answers.picturesListed();
         const std::string wrong = m_answers.told(told->name.toStdString(), told->words.toStdString());
         require(wrong.empty(), "O6: " + wrong);

@@ -69,7 +69,7 @@ public:
     [[nodiscard]] const std::vector<std::string>& portNames() const { return m_portNames; }
     static constexpr const char* emptyPort = "/dev/ttyZ0";
     /// A file in the place of a device, as a program leaves it that writes while the adapter is away.
-    static constexpr const char* filePort = "../ttyUSB9";
+    static constexpr const char* filePort = "/proc/self/cwd/../ttyUSB9";
     /// It is larger than an upload may be.
     [[nodiscard]] const QString& largeFile() const { return m_largeFile; }
     /// Folders that have the names of pictures.
