@@ -13,8 +13,11 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QHash>
+#include <QIcon>
 #include <QMessageBox>
 #include <QMimeDatabase>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QSettings>
@@ -241,6 +244,29 @@ void prepareProcess(char** arguments, bool spectator) {
 
 namespace {
 
+/// Fusion reads an icon's files each time that it is asked for.
+class IconKeepingStyle final : public QProxyStyle {
+public:
+    IconKeepingStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+    QIcon standardIcon(StandardPixmap icon, const QStyleOption* option,
+                       const QWidget* widget) const override {
+        const auto kept = m_icons.constFind(icon);
+        return kept != m_icons.constEnd()
+                   ? *kept
+                   : *m_icons.insert(icon, QProxyStyle::standardIcon(icon, option, widget));
+    }
+
+private:
+    mutable QHash<StandardPixmap, QIcon> m_icons;
+};
+
+/// Under the program's own style.
+void keepIcons() {
+    if (auto* const style = qobject_cast<QProxyStyle*>(QApplication::style()))
+        style->setBaseStyle(new IconKeepingStyle);
+}
+
 /// Qt keeps fonts and codecs of the first one.
 void writeSomeReports() {
     const QTemporaryDir folder;
@@ -255,6 +281,7 @@ void openEverything() {
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     // Nothing of the user's is read or written.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
+    keepIcons();
     const Lines lines;
     MainWindow window;
     window.show();
