@@ -6,6 +6,7 @@
 #include "pictures/piclist.h"
 #include "service/report.h"
 #include "tests/simulation/judge.h"
+#include "tests/simulation/protocoljudge.h"
 #include "tests/simulation/technician.h"
 #include "tests/support/windowactions.h"
 
@@ -230,6 +231,12 @@ void prepareProcess(char** arguments, bool spectator) {
     // system's.
     qputenv("XDG_DATA_DIRS", "/dev/null");
     qputenv("XDG_DATA_HOME", "/dev/null");
+    // One heap, which is large enough from the start and stays.
+    constexpr int heapSize = 64 * 1024 * 1024;
+    ::mallopt(M_ARENA_MAX, 1);
+    ::mallopt(M_TOP_PAD, heapSize);
+    ::mallopt(M_TRIM_THRESHOLD, 2 * heapSize);
+    ::mallopt(M_MMAP_THRESHOLD, heapSize / 2);
     world::waitForOthers(spectator);
     if (!spectator)
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -265,6 +272,21 @@ private:
 void keepIcons() {
     if (auto* const style = qobject_cast<QProxyStyle*>(QApplication::style()))
         style->setBaseStyle(new IconKeepingStyle);
+}
+
+/// A session's process copies each page that it writes. Takes all free pieces between those that are in use:
+/// sessions then write to pages of their own at the end of the heap, which need no copy.
+void fillHoles() {
+    std::ignore = ::mallinfo2(); // joins the free pieces
+    const auto end = reinterpret_cast<std::uintptr_t>(::sbrk(0)) - ::mallinfo2().keepcost;
+    constexpr std::size_t largest = 64 * 1024;
+    constexpr std::size_t granule = 16;
+    for (std::size_t size = largest; size >= granule; size -= granule) {
+        void* piece = std::malloc(size);
+        while (reinterpret_cast<std::uintptr_t>(piece) < end)
+            piece = std::malloc(size);
+        std::free(piece);
+    }
 }
 
 /// Qt keeps fonts and codecs of the first one.
@@ -315,7 +337,8 @@ void openEverything() {
 
 void warmUp() {
     openEverything();
-    std::ignore = ::mallinfo2(); // joins the free pieces here and not in each session
+    std::ignore = documentedExchanges();
+    fillHoles();
 }
 
 } // namespace simulation
