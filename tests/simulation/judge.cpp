@@ -170,6 +170,8 @@ void Judge::require(bool holds, const std::string& complaint) {
 void Judge::watch(QWidget* mainWindow) {
     m_window = mainWindow;
     m_lineWatch = mainWindow->findChild<LineWatch*>();
+    for (const char* const name : guitest::exchangeControls)
+        m_exchangeControls.push_back(guitest::find<QWidget>(*mainWindow, name));
     auto* const bar = qobject_cast<QMainWindow*>(mainWindow)->statusBar();
     QObject::connect(bar, &QStatusBar::messageChanged, bar,
                      [this](const QString& text) { statusShown(text); });
@@ -337,9 +339,10 @@ void Judge::checkStep() {
     checkLamp();
     checkLists();
     if (m_statusText.startsWith(QStringLiteral("正在升级"))) {
-        for (const char* const name : guitest::exchangeControls)
-            require(!m_window->findChild<QWidget*>(QLatin1String(name))->isEnabled(),
-                    std::string("O5: during an upload ") + name + " is enabled");
+        for (const QWidget* const control : m_exchangeControls) {
+            if (control->isEnabled())
+                require(false, "O5: during an upload " + control->objectName().toStdString() + " is enabled");
+        }
     }
 }
 

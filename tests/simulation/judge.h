@@ -113,6 +113,7 @@ private:
     Workplace& m_workplace;
     QWidget* m_window = nullptr;
     const LineWatch* m_lineWatch = nullptr; ///< of the window
+    std::vector<QWidget*> m_exchangeControls;
     std::vector<std::string> m_complaints;
     std::map<std::string, Exchange> m_exchanges; ///< by port: a search has several
     ProtocolJudge m_protocolJudge;
