@@ -231,6 +231,8 @@ void prepareProcess(char** arguments, bool spectator) {
     // system's.
     qputenv("XDG_DATA_DIRS", "/dev/null");
     qputenv("XDG_DATA_HOME", "/dev/null");
+    qputenv("FC_LANG", "zh-cn"); // a Chinese desktop's fonts: one has all characters of the windows
+    qputenv("LD_BIND_NOW", "1"); // before the fork
     // One heap, which is large enough from the start and stays.
     constexpr int heapSize = 64 * 1024 * 1024;
     ::mallopt(M_ARENA_MAX, 1);
