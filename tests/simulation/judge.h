@@ -103,7 +103,6 @@ private:
     void checkPicture(const QString& path, std::optional<unsigned int> id);
     void checkHeardPicture(const QString& path, std::optional<unsigned int> id);
     void checkHeardValues();
-    [[nodiscard]] bool choosesLargeFile() const;
     [[nodiscard]] bool hasWantedPicture();
     [[nodiscard]] bool restartsByCommand();
     [[nodiscard]] bool isCameraLinked() const;

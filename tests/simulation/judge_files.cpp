@@ -131,8 +131,7 @@ void Judge::checkSavedFiles() {
          each.hasNext();) {
         const QString path = each.next();
         const QString folder = QFileInfo(path).path();
-        if (path == m_workplace.largeFile() ||
-            QFileInfo(path) == QFileInfo(QLatin1String(Workplace::filePort)))
+        if (QFileInfo(path) == QFileInfo(QLatin1String(Workplace::filePort)))
             continue;
         const auto file = m_workplace.files().indexOf(path);
         if (file >= 0) {

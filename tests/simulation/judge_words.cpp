@@ -13,7 +13,6 @@
 #include <QRegularExpression>
 
 #include <algorithm>
-#include <array>
 
 using protocol::code;
 using protocol::Command;
@@ -106,7 +105,7 @@ void Judge::boxShown(const QString& text) {
         return;
     require(m_resultDue, "O6: the result of an upload that has none to tell");
     m_resultDue = false;
-    const bool sends = m_uploadBegun && !m_workplace.disturbances().adapter && !choosesLargeFile();
+    const bool sends = m_uploadBegun && !m_workplace.disturbances().adapter;
     require(!sends || m_answers.hasUpload(), "O1: an upload ends that was never sent");
     const std::string wrong = m_answers.toldUpload(text.endsWith(QStringLiteral("true")));
     require(wrong.empty(), "O1: " + wrong);
@@ -114,13 +113,6 @@ void Judge::boxShown(const QString& text) {
         checkUploadSuccess();
     else
         checkUploadFailure();
-}
-
-bool Judge::choosesLargeFile() const {
-    const std::array<const char*, 3> labels{"label_apppath", "label_firewarepath", "label_modelpath"};
-    return std::any_of(labels.begin(), labels.end(), [this](const char* label) {
-        return guitest::text(*m_window, label) == m_workplace.largeFile();
-    });
 }
 
 /// Nothing keeps a camera that is there from taking a file. The second protocol sends none.

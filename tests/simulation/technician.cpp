@@ -315,7 +315,7 @@ void Technician::upload(const Step& step) {
         // The dialog runs an event loop of its own: this answers it.
         QTimer answer;
         connect(&answer, &QTimer::timeout, this, [this, &step] {
-            answerDialog({step.kind, step.detail / 4, 0, step.pauseMs % 20 == 1 ? 1U : 0U});
+            answerDialog({step.kind, step.detail / 4, 0, 0});
         });
         answer.start(20);
         const QPointer<Technician> self(this);

@@ -78,9 +78,6 @@ QString Technician::pathFor(const QFileDialog& dialog, const Step& step) {
                 files.prepend(path);
         }
     }
-    constexpr std::uint32_t largeOneOf = 16;
-    if (step.detail % largeOneOf == 1)
-        return m_workplace.largeFile();
     return files.at(static_cast<qsizetype>(step.choice) % files.size());
 }
 

@@ -21,7 +21,6 @@ namespace {
 
 constexpr std::array<std::size_t, 4> fileSizes{700, 1300, 0, 9000};
 constexpr std::array<const char*, 4> fileNames{"app.bin", "image.bin", "system.bin", "model.bin"};
-constexpr std::int64_t tooLarge = std::int64_t{1} << 31; // no upload; it has no blocks on the disk
 constexpr std::uint32_t bitsPerByte = 10;
 
 /// A picture that decodes; the comment makes each another one.
@@ -210,9 +209,6 @@ Workplace::Workplace(const Scenario& scenario) : m_line(cameraFor(scenario, m_pi
         }
         m_files.append(QDir::cleanPath(QDir::current().absoluteFilePath(name)));
     }
-    QFile large(QStringLiteral("../large.bin"));
-    if (large.open(QIODevice::WriteOnly) && large.resize(tooLarge))
-        m_largeFile = QDir::cleanPath(QDir::current().absoluteFilePath(large.fileName()));
     QFile notAPort{QString::fromLatin1(filePort)};
     std::ignore = notAPort.open(QIODevice::WriteOnly);
     emulator::addMemoryPort(filePort, {});

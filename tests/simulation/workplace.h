@@ -70,8 +70,6 @@ public:
     static constexpr const char* emptyPort = "/dev/ttyZ0";
     /// A file in the place of a device, as a program leaves it that writes while the adapter is away.
     static constexpr const char* filePort = "/proc/self/cwd/../ttyUSB9";
-    /// It is larger than an upload may be.
-    [[nodiscard]] const QString& largeFile() const { return m_largeFile; }
     /// Folders that have the names of pictures.
     [[nodiscard]] const QStringList& obstructions() const { return m_obstructions; }
     /// Every picture that the camera has had.
@@ -87,7 +85,6 @@ private:
     std::vector<std::string> m_portNames;
     Disturbances m_disturbances;
     QStringList m_files;
-    QString m_largeFile;
     QStringList m_obstructions;
     std::set<QString> m_chosen;
 };
