@@ -510,6 +510,8 @@ std::string AnswerJudge::writes(const std::string& port, const Bytes& bytes, std
     if (!json)
         next.shift(offset);
     std::string wrong = wrongPiece(thread, next) + wrongTransfer(next);
+    if (thread.refused && next.isPictureTransfer())
+        wrong += "a job reads another picture after a refused one";
     thread.exchange = next;
     m_writers[port] = world::threadNumber();
     const bool ofUpload = !next.isUpload() && m_upload && m_upload->goesOn(next);
@@ -586,6 +588,9 @@ void AnswerJudge::learn(Thread& thread) {
             ByteView(exchange.bytes()).range(pictureAt, pictureAt + exchange.pictureSize()).toBytes());
     if (isCatalogue(exchange))
         list(exchange);
+    if (exchange.code() == code(Command::originRead) && exchange.isPictureTransfer() &&
+        world::threadNumber() != 0)
+        thread.refused = exchange.bytes().size() > headerSize && isTransferRefused(exchange);
     if (const auto offset = pieceOffset(exchange); offset && exchange.answered()) {
         if (*offset == 0)
             thread.pieces.clear();
@@ -680,6 +685,11 @@ std::string AnswerJudge::toldUpload(bool success) {
         return seen ? "success of an upload that the camera did not confirm"
                     : "success of an upload that was not sent";
     return "failure of an upload that the camera confirmed";
+}
+
+void AnswerJudge::jobEnded() {
+    for (auto& [number, thread] : m_threads)
+        thread.refused = false;
 }
 
 const std::vector<std::string>& AnswerJudge::values(std::uint8_t property) const {

@@ -134,6 +134,8 @@ public:
     [[nodiscard]] std::string told(const std::string& command, const std::string& words) const;
     /// A box tells the result of an upload.
     [[nodiscard]] std::string toldUpload(bool success);
+    /// A job of the windows has told its end, or there is another link.
+    void jobEnded();
     /// The link was closed: the upload under way has no result.
     void forgetUpload() { m_upload.reset(); }
     /// One was announced whose result was not told yet.
@@ -152,6 +154,7 @@ private:
         SeenExchange exchange;
         bool prepares = false;  ///< for the next request
         bool concluded = false; ///< a line has told the end
+        bool refused = false;   ///< a picture, in the job under way
         protocol::Bytes pieces; ///< of a JSON picture
         long pictureSize = 0;   ///< that its first piece tells
     };

@@ -216,6 +216,8 @@ void Judge::clientSaid(const std::string& line) {
 
 void Judge::libraryCalled(const std::string& port, const std::string& call) {
     require(port != Workplace::filePort, "O4: a file is opened as a port");
+    if (call.starts_with("open "))
+        m_answers.jobEnded();
     m_closing.called(port, call);
     m_protocolJudge.setPictureOffset(port, pictureOffset());
     const std::string wrong = m_protocolJudge.called(port, call, world::now());

@@ -59,6 +59,7 @@ void Judge::statusShown(const QString& text) {
         m_uploadBegun = text != QStringLiteral("请先打开串口");
     if (const auto told = outcomeIn(text)) {
         m_done[told->name] = told->done;
+        m_answers.jobEnded();
         if (told->name == QStringLiteral("读取图片列表") &&
             (told->done || told->words.startsWith(QStringLiteral("没有图片"))))
             m_catalogueSize = m_answers.picturesListed();

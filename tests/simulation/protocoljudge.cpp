@@ -104,6 +104,7 @@ std::string ProtocolJudge::called(const std::string& port, const std::string& ca
     Line& line = m_lines[port];
     if (call.starts_with("open ") || call == "close") {
         line = {};
+        m_logged.clear();
         return {};
     }
     if (call.starts_with("read "))
@@ -141,6 +142,7 @@ void ProtocolJudge::failed(const std::string& port) {
     Line& line = m_lines[port];
     line.preparation = {};
     line.rows.clear();
+    m_logged.clear();
     line.doors.reset(); // a command that failed may have counted
 }
 
