@@ -231,6 +231,7 @@ void prepareProcess(char** arguments, bool spectator) {
     // system's.
     qputenv("XDG_DATA_DIRS", "/dev/null");
     qputenv("XDG_DATA_HOME", "/dev/null");
+    qputenv("TZ", "CST-8");      // the same times everywhere; its file is not asked for at each look
     qputenv("FC_LANG", "zh-cn"); // a Chinese desktop's fonts: one has all characters of the windows
     qputenv("LD_BIND_NOW", "1"); // before the fork
     // One heap, which is large enough from the start and stays.
@@ -330,7 +331,9 @@ void openEverything() {
     // The dialog asks for the types of files, of which the folder may have none.
     std::ignore = QMimeDatabase().mimeTypeForFile(QStringLiteral("image.bin"));
     QTimer::singleShot(1s, &window, [] { QApplication::activeModalWidget()->close(); });
-    std::ignore = QFileDialog::getOpenFileName(&window);
+    // The sessions' file dialogs begin where this one was: in no folder with anything in it.
+    static const QTemporaryDir folder;
+    std::ignore = QFileDialog::getOpenFileName(&window, QString(), folder.path());
     window.close();   // an open one lists the ports again and again
     wait(poolExpiry); // the windows have started jobs
 }
