@@ -473,9 +473,11 @@ void Judge::checkEnd() {
     m_window = nullptr;
     m_lineWatch = nullptr;
     require(emulator::openMemoryPorts() == 0, "O4: a port is open after the end");
-    if (resources().allocated > m_before.allocated + allowedGrowth)
+    Resources after = resources();
+    if (after.allocated > m_before.allocated + allowedGrowth) {
         QPixmapCache::clear(); // it has a limit of its own
-    const Resources after = resources();
+        after = resources();
+    }
     require(after.threads == m_before.threads,
             "O8: " + std::to_string(after.threads) + " threads, before " + std::to_string(m_before.threads));
     require(after.descriptors == m_before.descriptors, "O8: " + std::to_string(after.descriptors) +
