@@ -54,6 +54,7 @@ constexpr auto longestSettling = 10min;    // uploads of the second protocol, re
 constexpr auto poolExpiry = 40s;           // idle pool threads end after 30 s
 constexpr world::Time longestSearch = 60s; // then the technician stops it
 constexpr world::Time patience = 150s;     // then the technician closes the link
+constexpr world::Time jsonPatience = 280s; // the client waits 250 s for a piece of a picture
 
 /// Pauses wait in place of polling the clock.
 class SimulatedClock final : public Clock {
@@ -175,13 +176,14 @@ private:
         const world::Time start = world::now();
         world::Time quietSince = start;
         bool patient = true;
+        const world::Time limit = m_scenario.type == protocol::CameraType::quenta ? jsonPatience : patience;
         while (world::now() - quietSince < quietTime && world::now() - start < longestSettling) {
             wait(settlingStep);
             if (isBusy())
                 quietSince = world::now();
             if (world::now() - start > longestSearch)
                 technician.stopSearch();
-            if (patient && world::now() - start > patience) {
+            if (patient && world::now() - start > limit) {
                 patient = false;
                 m_judge.lostPatience();
                 auto* const link = m_window->findChild<QPushButton*>(QStringLiteral("btn_open"));
