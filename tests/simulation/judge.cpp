@@ -117,10 +117,9 @@ QString labelText(const QWidget& window, const char* name) {
 
 } // namespace
 
-Judge::Judge(Workplace& workplace)
+Judge::Judge(Workplace& workplace, const Resources& before)
     : m_workplace(workplace),
-      m_answers([&workplace](const Bytes& digest) { return workplace.fileWith(digest); }),
-      m_before(resources()) {
+      m_answers([&workplace](const Bytes& digest) { return workplace.fileWith(digest); }), m_before(before) {
     observeLibrary();
     world::onStandstill([this](world::Time duration) {
         const world::Time limit = m_ownRequests + std::max(m_othersRequest, othersTime);

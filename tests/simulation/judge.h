@@ -45,7 +45,15 @@ private:
 ///   O4 nothing lives on after closing            O8 descriptors, threads and memory are given back
 class Judge {
 public:
-    explicit Judge(Workplace& workplace);
+    struct Resources {
+        std::size_t descriptors = 0;
+        std::size_t allocated = 0;
+        unsigned int threads = 0;
+    };
+    [[nodiscard]] static Resources resources();
+
+    /// Resources before there was a window.
+    Judge(Workplace& workplace, const Resources& before);
     ~Judge();
     Judge(const Judge&) = delete;
     Judge& operator=(const Judge&) = delete;
@@ -76,12 +84,6 @@ private:
         int reads = 0;
         int mostReads = 0; ///< negative: no limit
     };
-    struct Resources {
-        std::size_t descriptors = 0;
-        std::size_t allocated = 0;
-        unsigned int threads = 0;
-    };
-
     void require(bool holds, const std::string& complaint);
     void observeLibrary();
     void libraryCalled(const std::string& port, const std::string& call);
@@ -107,7 +109,6 @@ private:
     [[nodiscard]] bool restartsByCommand();
     [[nodiscard]] bool isCameraLinked() const;
     [[nodiscard]] std::size_t heard(std::uint8_t code, bool json = false);
-    [[nodiscard]] static Resources resources();
 
     Workplace& m_workplace;
     QWidget* m_window = nullptr;

@@ -78,6 +78,7 @@ bool follow(const std::string& profile) {
 
 /// Every jobs-th seed.
 Totals runShare(const Options& options, unsigned int share) {
+    startServers();
     Totals totals;
     for (std::uint64_t i = share; i < options.sessions; i += options.jobs) {
         const std::uint64_t seed = options.first + i;
@@ -128,6 +129,7 @@ int showOne(const Options& options, const Scenario& scenario) {
         painted.paints = true;
         outcome = runHere(painted, {true, options.pace});
     } else {
+        startServers();
         outcome = runInChild(scenario, {true});
     }
     print(outcome.timeline + describe(outcome) + "hash " + hashText(outcome.hash) + '\n');

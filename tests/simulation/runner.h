@@ -12,7 +12,11 @@ namespace simulation {
 /// The scenario of this seed: always the same one.
 [[nodiscard]] Scenario scenarioOf(std::uint64_t seed);
 
-/// Runs the session in a child of this process, in an empty directory. A crash, a deadlock and a session that
+/// Starts a process for each camera type, whose children are the sessions. First thing after warmUp(): the
+/// memory of this process is then always the same.
+void startServers();
+
+/// Runs the session in a child of its server, in an empty directory. A crash, a deadlock and a session that
 /// does not end in real time are complaints.
 [[nodiscard]] Outcome runInChild(const Scenario& scenario, const View& view = {});
 

@@ -124,18 +124,44 @@ void wait(world::Time duration) {
     loop.exec();
 }
 
+/// A session's process copies each page that it writes. Takes all free pieces between those that are in use:
+/// sessions then write to pages of their own at the end of the heap, which need no copy.
+void fillHoles() {
+    std::ignore = ::mallinfo2(); // joins the free pieces
+    const auto end = reinterpret_cast<std::uintptr_t>(::sbrk(0)) - ::mallinfo2().keepcost;
+    constexpr std::size_t largest = 64 * 1024;
+    constexpr std::size_t granule = 16;
+    for (std::size_t size = largest; size >= granule; size -= granule) {
+        void* piece = std::malloc(size);
+        while (reinterpret_cast<std::uintptr_t>(piece) < end)
+            piece = std::malloc(size);
+        std::free(piece);
+    }
+}
+
+/// What a session finds: made before the processes part.
+struct Prepared {
+    Judge::Resources before;
+    SimulatedClock clock;
+    std::unique_ptr<MainWindow> window;
+};
+
+Prepared& prepared() {
+    static Prepared instance;
+    return instance;
+}
+
 class Session {
 public:
-    Session(const Scenario& scenario) : m_workplace(scenario), m_judge(m_workplace), m_scenario(scenario) {
+    Session(const Scenario& scenario)
+        : m_workplace(scenario), m_judge(m_workplace, prepared().before), m_scenario(scenario),
+          m_window(std::move(prepared().window)) {
         world::setPreemption(scenario.preemption);
     }
 
     void run() {
-        m_window = std::make_unique<MainWindow>(nullptr, m_clock);
         m_judge.watch(m_window.get());
         m_window->setUpdatesEnabled(m_scenario.paints);
-        m_window->show();
-        guitest::chooseCameraType(*m_window, typeButton(m_scenario.type));
         {
             Technician technician(m_workplace, m_window.get(), m_scenario);
             technician.onStep([this] { m_judge.checkStep(); });
@@ -193,7 +219,6 @@ private:
         }
     }
 
-    SimulatedClock m_clock;
     Workplace m_workplace;
     Judge m_judge;
     const Scenario& m_scenario;
@@ -201,6 +226,26 @@ private:
 };
 
 } // namespace
+
+void prepareWindow(protocol::CameraType type) {
+    world::setSessionTime();
+    world::reseed(0);
+    const Lines lines; // of no session
+    Prepared& made = prepared();
+    made.before = Judge::resources();
+    Workplace::addPorts();
+    made.window = std::make_unique<MainWindow>(nullptr, made.clock);
+    made.window->setUpdatesEnabled(false);
+    made.window->show();
+    guitest::chooseCameraType(*made.window, typeButton(type));
+    QThreadPool& pool = *QThreadPool::globalInstance();
+    const int expiry = pool.expiryTimeout();
+    pool.setExpiryTimeout(0);
+    while (world::threadCount() > 1)
+        wait(settlingStep);
+    pool.setExpiryTimeout(expiry);
+    fillHoles();
+}
 
 Outcome runSession(const Scenario& scenario, const View& view) {
     // The file dialog keeps its settings there.
@@ -277,21 +322,6 @@ private:
 void keepIcons() {
     if (auto* const style = qobject_cast<QProxyStyle*>(QApplication::style()))
         style->setBaseStyle(new IconKeepingStyle);
-}
-
-/// A session's process copies each page that it writes. Takes all free pieces between those that are in use:
-/// sessions then write to pages of their own at the end of the heap, which need no copy.
-void fillHoles() {
-    std::ignore = ::mallinfo2(); // joins the free pieces
-    const auto end = reinterpret_cast<std::uintptr_t>(::sbrk(0)) - ::mallinfo2().keepcost;
-    constexpr std::size_t largest = 64 * 1024;
-    constexpr std::size_t granule = 16;
-    for (std::size_t size = largest; size >= granule; size -= granule) {
-        void* piece = std::malloc(size);
-        while (reinterpret_cast<std::uintptr_t>(piece) < end)
-            piece = std::malloc(size);
-        std::free(piece);
-    }
 }
 
 /// Qt keeps fonts and codecs of the first one.

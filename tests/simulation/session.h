@@ -21,8 +21,12 @@ struct View {
     double pace = 0; ///< for a spectator: so many times as fast as real time; 0: no spectator
 };
 
-/// Runs the session in this process, whose working directory has to be empty. There is an application object
-/// and no other thread.
+/// Opens the main window in which a session begins, with this camera type: children of this process have it.
+/// No thread is left.
+void prepareWindow(protocol::CameraType type);
+
+/// Runs the session in the prepared window, which is gone then. The working directory has to be empty. There
+/// is no other thread.
 [[nodiscard]] Outcome runSession(const Scenario& scenario, const View& view = {});
 
 /// First thing in main: settings that make every run the same. Starts the program anew with the same

@@ -1,6 +1,6 @@
 // The main function of the simulation's own tests.
 #include "app/application.h"
-#include "tests/simulation/session.h"
+#include "tests/simulation/runner.h"
 
 #include <gtest/gtest.h>
 
@@ -11,5 +11,6 @@ int main(int argc, char** argv) {
         return RUN_ALL_TESTS();
     const Application application(argc, argv);
     simulation::warmUp();
+    simulation::startServers();
     return RUN_ALL_TESTS();
 }

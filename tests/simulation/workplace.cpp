@@ -48,6 +48,12 @@ Bytes smallPicture(std::uint16_t /*id*/, std::uint32_t variation) {
     return picture;
 }
 
+constexpr const char* firstPort = "/dev/ttyUSB0";
+
+emulator::MemoryPort adapterWith(emulator::MemoryLine* line) {
+    return {"USB serial adapter", "USB VID:PID=1234:5678 SNR=A1", line, true, false};
+}
+
 std::optional<emulator::CameraProfile>& followed() {
     static std::optional<emulator::CameraProfile> profile;
     return profile;
@@ -164,13 +170,17 @@ constexpr std::array troubles{
 };
 // clang-format on
 
+/// Of all that fit, of those of this camera alone, or of those of uploads.
 std::string troubleText(protocol::CameraType type, std::uint32_t choice) {
+    const auto pictures = protocol::infoOf(type).pictures;
     std::vector<const char*> fitting;
     for (const Trouble& trouble : troubles) {
-        if (!trouble.cameras || trouble.cameras == protocol::infoOf(type).pictures)
+        const bool fits = !trouble.cameras || trouble.cameras == pictures;
+        const bool upload = std::string_view(trouble.text).find("Update") != std::string_view::npos;
+        if (fits && (choice % 3 == 0 || (choice % 3 == 1 && trouble.cameras) || (choice % 3 == 2 && upload)))
             fitting.push_back(trouble.text);
     }
-    return fitting.at(choice % fitting.size());
+    return fitting.at(choice / 3 % fitting.size());
 }
 
 /// Bytes that the adapter's driver takes while the camera does not read.
@@ -187,12 +197,17 @@ const emulator::CameraProfile* followedProfile() {
     return followed() ? &*followed() : nullptr;
 }
 
+void Workplace::addPorts() {
+    emulator::addMemoryPort(emptyPort, {});
+    emulator::addMemoryPort(filePort, {});
+    emulator::addMemoryPort(firstPort, adapterWith(nullptr));
+}
+
 Workplace::Workplace(const Scenario& scenario) : m_line(cameraFor(scenario, m_pictures)) {
     m_line.setPace(protocol::infoOf(scenario.type).baudRate / bitsPerByte);
     if (followed())
         m_line.model().setTraits(followed()->line, scenario.seed);
-    emulator::addMemoryPort(emptyPort, {});
-    plugIn("/dev/ttyUSB0");
+    plugIn(firstPort);
     emulator::CameraState& state = m_line.camera().state();
     for (std::uint16_t id = 20; id < 23; ++id) {
         m_pictures.push_back({id, smallPicture(id, 1000U + id)});
@@ -211,7 +226,6 @@ Workplace::Workplace(const Scenario& scenario) : m_line(cameraFor(scenario, m_pi
     }
     QFile notAPort{QString::fromLatin1(filePort)};
     std::ignore = notAPort.open(QIODevice::WriteOnly);
-    emulator::addMemoryPort(filePort, {});
 }
 
 Workplace::~Workplace() {
@@ -244,8 +258,7 @@ std::optional<Bytes> Workplace::fileWith(const Bytes& digest) {
 
 void Workplace::plugIn(const std::string& name) {
     m_portNames.push_back(name);
-    emulator::addMemoryPort(name,
-                            {"USB serial adapter", "USB VID:PID=1234:5678 SNR=A1", &m_line, true, false});
+    emulator::addMemoryPort(name, adapterWith(&m_line));
 }
 
 // --- steps -------------------------------------------------------------------------------------------------

@@ -40,6 +40,8 @@ struct TakenPicture {
 /// holds nothing but downloads; the files to upload lie beside it.
 class Workplace {
 public:
+    /// The adapters' ports, before a camera is at one of them.
+    static void addPorts();
     explicit Workplace(const Scenario& scenario);
     ~Workplace();
     Workplace(const Workplace&) = delete;

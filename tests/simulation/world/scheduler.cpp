@@ -199,11 +199,14 @@ void waitForOthers(bool waits) {
     world().waitsForOthers = waits;
 }
 
+void setSessionTime() {
+    world().now = sessionTime;
+}
+
 void reseed(std::uint64_t seed) {
     World& w = world();
     w.random = seed * 0x9E3779B97F4A7C15U + 0x632BE59BD9B4E019U;
     w.preemption = 0;
-    w.now = sessionTime;
     w.hash = 0xCBF29CE484222325U;
     w.timeline.clear();
     w.eventsSince = w.now;

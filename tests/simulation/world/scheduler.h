@@ -25,8 +25,9 @@ void setRealPace(double factor);
 /// Waits in real time where threads wait for other programs, such as a display.
 void waitForOthers(bool waits);
 
-/// Starts a session at the time that all sessions start: draws from this seed from now on and forgets the
-/// timeline. No other thread waits for a time.
+/// The time at which all sessions start. No other thread waits for a time.
+void setSessionTime();
+/// Starts a session: draws from this seed from now on and forgets the timeline.
 void reseed(std::uint64_t seed);
 
 /// A number below the limit, drawn from the seed: the only source of chance.
