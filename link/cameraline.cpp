@@ -3,6 +3,8 @@
 #include "link/diagnostics.h"
 #include "link/protocol/jsonenvelope.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 using namespace protocol;
@@ -85,6 +87,7 @@ CameraLine::Answer CameraLine::exchange(const ExchangeRule& rule, ByteView paylo
 CameraLine::Answer CameraLine::exchangeRequest(const ExchangeRule& rule, const Bytes& request,
                                                std::uint64_t wanted) {
     m_received = 0;
+    m_missing = std::numeric_limits<std::uint64_t>::max();
     if (rule.timeoutMs)
         port().setTimeouts(*rule.timeoutMs, *rule.timeoutMs);
     if (rule.discardInput)
@@ -146,6 +149,7 @@ bool CameraLine::readAnswer(Bytes& answer, std::uint32_t readSize, std::int32_t 
 void CameraLine::readBlocks(Bytes& answer, std::size_t blockSize, std::uint64_t wanted) {
     const TransferScope transfer(progress, TransferProgress::Phase::downloading, wanted);
     while (answer.size() < wanted) {
+        m_missing = wanted - answer.size();
         m_received += port().read(answer, blockSize);
         progress.done = answer.size();
         callBack();
@@ -191,6 +195,21 @@ void CameraLine::waitUntilUnused() {
 
 void CameraLine::endDownload() {
     m_endDownload = true;
+}
+
+void CameraLine::discardRest() {
+    constexpr std::uint64_t blockSize = 512;
+    if (std::exchange(m_unanswered, 0) == 0)
+        return;
+    try {
+        for (Bytes rest; !m_stop && m_missing > 0; rest.clear()) {
+            const std::size_t read = m_port.read(rest, std::min(blockSize, m_missing));
+            m_missing = read == 0 ? 0 : m_missing - std::min<std::uint64_t>(read, m_missing);
+            callBack();
+        }
+    } catch (const std::exception&) {
+        // The command that follows reports the failed port.
+    }
 }
 
 void CameraLine::setAddress(std::int32_t address) {

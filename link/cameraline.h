@@ -81,6 +81,9 @@ public:
     void waitUntilUnused();
     /// Makes a download that has the line fail at its next use of the port.
     void endDownload();
+    /// After a download that was ended: reads away what still comes of its answer, until it is whole or a
+    /// read brings nothing. The next user would take it for the next answer. The calling thread has the turn.
+    void discardRest();
     /// Called between two reads and during the wait for the turn, on the command's thread. Set before the
     /// first command.
     void setWaitCallback(std::function<void()> callback) { m_waitCallback = std::move(callback); }
@@ -117,7 +120,8 @@ private:
     // Only the turn's holder uses these:
     CommandEnd m_end = CommandEnd::done;
     std::size_t m_received = 0;
-    int m_unanswered = 0; ///< requests without a complete answer
+    std::uint64_t m_missing = 0; ///< bytes of the answer that have not come; the greatest number: not known
+    int m_unanswered = 0;        ///< requests without a complete answer
     Clock::Time m_lastRequest;
 
     std::atomic<bool> m_stop{false};

@@ -11,6 +11,16 @@ struct LineBusy : std::runtime_error {
     LineBusy() : std::runtime_error("line is busy") {}
 };
 
+bool isDownloadEnded() {
+    try {
+        throw;
+    } catch (const DownloadEnded&) {
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
 CommandEnd endOfException() {
     try {
         throw;
@@ -59,6 +69,8 @@ void RunningCommand::fail(const FailureLog& log) {
     m_failed = true;
     m_report = {endOfException(), m_turn.busyWith()};
     diagnostics::line(log.exceptionTag, exceptionText());
+    if (isDownloadEnded())
+        m_line.discardRest();
     const bool thrownByPort = m_report.end == CommandEnd::portFailed ||
                               m_report.end == CommandEnd::portNotOpen || m_report.end == CommandEnd::failed;
     if (thrownByPort && log.ownLine)

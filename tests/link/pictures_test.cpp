@@ -154,6 +154,44 @@ TEST_F(Pictures, DownloadReadsOnOverSilenceUntilAllIsThere) {
     EXPECT_EQ(files::read("5.jpg"), upTo(0x13));
 }
 
+// The camera goes on sending: the rest would be the beginning of the next picture.
+TEST_F(Pictures, EndedDownloadReadsAwayTheRestOfItsPicture) {
+    camera.setWaitCallback([this] { camera.endDownload(); });
+    fake_serial::willRead(std::vector<std::uint8_t>(1200 + 11, 7));
+    answer(originTransfer);
+    camera.getTargetPicV1(2, 1200);
+    EXPECT_EQ(fake_serial::count("read"), 3) << "of 512, 512 and 187 bytes";
+    EXPECT_TRUE(files::names().empty());
+    camera.setWaitCallback({});
+    camera.getOriginTargetPic(5, 20);
+    EXPECT_EQ(files::read("5.jpg"), upTo(0x13));
+}
+
+TEST_F(Pictures, EndedDownloadOfASilentCameraReadsOnceMore) {
+    camera.setWaitCallback([this] { camera.endDownload(); });
+    camera.getTargetPicV1(2, 1200);
+    EXPECT_EQ(fake_serial::count("read"), 2);
+}
+
+TEST_F(Pictures, EndedDownloadStaysEndedIfThePortFailsThen) {
+    camera.setWaitCallback([this] { camera.endDownload(); });
+    fake_serial::willTimeOut();
+    fake_serial::willThrowOnRead();
+    const ReportScope scope;
+    camera.getTargetPicV1(2, 1200);
+    EXPECT_EQ(scope.report().end, CommandEnd::stopped);
+}
+
+TEST_F(Pictures, ClosingDoesNotWaitForTheRestOfAPicture) {
+    camera.setWaitCallback([this] {
+        camera.endDownload();
+        camera.requestStop();
+    });
+    fake_serial::willRead(std::vector<std::uint8_t>(1200 + 11, 7));
+    camera.getTargetPicV1(2, 1200);
+    EXPECT_EQ(fake_serial::count("read"), 1);
+}
+
 TEST_F(Pictures, DownloadReadsTheLastByteOfTheCheckCodeToo) {
     answer("AA 5A 01 09 04 00 00 00 00 00 01 02 FF");
     answer("BB");

@@ -241,7 +241,7 @@ void prepareWindow(protocol::CameraType type) {
     QThreadPool& pool = *QThreadPool::globalInstance();
     const int expiry = pool.expiryTimeout();
     pool.setExpiryTimeout(0);
-    while (world::threadCount() > 1)
+    while (world::threadCount() > made.before.threads)
         wait(settlingStep);
     pool.setExpiryTimeout(expiry);
     fillHoles();
