@@ -4,6 +4,8 @@
 
 #ifdef TEST_APPLICATION
 #include TEST_APPLICATION_HEADER
+#include "tests/support/screenrefresh.h"
+
 #include <QTemporaryDir>
 #include <QThreadPool>
 #endif
@@ -24,6 +26,7 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const TEST_APPLICATION application(argc, argv);
+    const ScreenRefresh screen;
 #endif
     useFreshDirectories();
     const int result = RUN_ALL_TESTS();
