@@ -48,11 +48,16 @@ Bytes drawPicture(std::uint16_t id, std::uint32_t variation) {
     return {data.begin(), data.end()};
 }
 
-std::vector<emulator::Picture> firstPictures() {
+std::vector<emulator::Picture> drawFirstPictures() {
     std::vector<emulator::Picture> pictures;
     for (std::uint16_t i = 0; i < pictureCount; ++i)
         pictures.push_back(
             emulator::makePicture(held::firstPicture + i, drawPicture(held::firstPicture + i, i)));
+    return pictures;
+}
+
+const std::vector<emulator::Picture>& firstPictures() {
+    static const std::vector<emulator::Picture> pictures = drawFirstPictures();
     return pictures;
 }
 
