@@ -4,7 +4,9 @@
 
 #ifdef TEST_APPLICATION
 #include TEST_APPLICATION_HEADER
+#ifdef CAMERA_VIRTUAL_TIME
 #include "tests/support/screenrefresh.h"
+#endif
 
 #include <QTemporaryDir>
 #include <QThreadPool>
@@ -26,7 +28,9 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const TEST_APPLICATION application(argc, argv);
+#ifdef CAMERA_VIRTUAL_TIME
     const ScreenRefresh screen;
+#endif
 #endif
     useFreshDirectories();
     const int result = RUN_ALL_TESTS();
