@@ -16,6 +16,7 @@ page=$project_root/out/mutations/mutations.md
 test_programs=(link/link_tests faults/virtual_fault_tests updates/update_link_tests pictures/pictures_emulated_tests
   turn/turn_tests app/app_camera_tests app/app_window_tests)
 by_simulation=
+flags=-g0
 simulated_sessions=3000
 shortening_seconds=200
 
@@ -62,7 +63,7 @@ prepare() {
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache
   fi
   refresh_copy
-  cmake -S "$copy" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-g0 --log-level=NOTICE
+  cmake -S "$copy" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="$flags" --log-level=NOTICE
   say "building and running ${test_programs[0]} as it is"
   build_tests "${test_programs[0]}" || show_log "it does not build"
   [ -z "$(noticed_by "${test_programs[0]}")" ] || show_log "it fails without any mutation"
@@ -159,6 +160,8 @@ main() {
     by_simulation=1
     test_programs=(simulation/simulate)
     page=${page%.md}-simulation.md
+    build+=-simulation
+    flags="-g0 -O2 -D_GLIBCXX_ASSERTIONS"
     shift
   fi
   read_list

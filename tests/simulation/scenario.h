@@ -21,6 +21,7 @@ enum class StepKind : std::uint8_t {
     row,          ///< chooses an entry of the menu of a picture in a list window
     front,        ///< turns to another open window
     close,        ///< closes the window in front
+    capture,      ///< presses the button that takes a picture
     upload,       ///< chooses a file and presses the button of an upload
     port,         ///< chooses another port or rate
     aid,          ///< chooses an entry of the button "更多"

@@ -138,6 +138,9 @@ void Technician::perform(const Step& step) {
     case StepKind::close:
         closeFront();
         break;
+    case StepKind::capture:
+        pressNamed(*m_main, "btn_takepic");
+        break;
     case StepKind::upload:
         upload(step);
         break;
