@@ -12,7 +12,7 @@ const std::vector<StepKindInfo>& stepKinds() {
         {StepKind::link, "link", 10, false, links},
         {StepKind::press, "press", 40, false},
         {StepKind::menu, "menu", 14, false},
-        {StepKind::type, "type", 6, false},
+        {StepKind::type, "type", 6, false, uploads},
         {StepKind::row, "row", 10, false, pictures},
         {StepKind::front, "front", 8, false},
         {StepKind::close, "close", 4, false},
