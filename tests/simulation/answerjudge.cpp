@@ -414,14 +414,18 @@ std::string SeenUpload::wrongRequest(const SeenExchange& exchange) const {
         return "the address changes inside an upload";
     if (exchange.code() != m_code)
         return {};
-    const bool named = m_code == code(Command::modelAnnounce) || m_code == code(Command::appV1Announce);
+    const bool named = m_code == code(Command::modelAnnounce) || isSecondProtocol();
     const bool rightType = !named || exchange.payload().begin()[0] == 1;
     return m_content && m_content->size() == m_size && rightType ? std::string()
                                                                  : "an announcement of no chosen file";
 }
 
+bool SeenUpload::isSecondProtocol() const {
+    return m_code == code(Command::appV1Announce);
+}
+
 bool SeenUpload::goesOn(const SeenExchange& exchange) {
-    if (m_code != code(Command::appV1Announce) || exchange.port() != m_port)
+    if (!isSecondProtocol() || exchange.port() != m_port)
         return false;
     if (exchange.code() == code(Command::appV1Announce))
         ++m_announcements;
@@ -441,8 +445,7 @@ std::uint64_t SeenUpload::resumeOffset() const {
 }
 
 void SeenUpload::answered(const SeenExchange& exchange) {
-    const bool second = m_code == code(Command::appV1Announce);
-    if (exchange.code() != m_code && !(second && exchange.code() == code(Command::appV1Packet)))
+    if (exchange.code() != m_code && !(isSecondProtocol() && exchange.code() == code(Command::appV1Packet)))
         return;
     m_last = exchange;
     if (exchange.code() == code(Command::appV1Packet) && exchange.answered())
@@ -450,7 +453,7 @@ void SeenUpload::answered(const SeenExchange& exchange) {
 }
 
 std::string SeenUpload::goesOnReading() const {
-    if (m_code == code(Command::appV1Announce) || !m_last.answered())
+    if (isSecondProtocol() || !m_last.answered())
         return {};
     if (m_code == code(Command::modelAnnounce) && !m_last.granted())
         return "an upload goes on after it was refused";
@@ -481,7 +484,7 @@ bool SeenUpload::secondProtocolSucceeded() const {
 }
 
 bool SeenUpload::succeeded() const {
-    if (m_code == code(Command::appV1Announce))
+    if (isSecondProtocol())
         return secondProtocolSucceeded();
     if (!m_last.answered() || !goesOnReading().empty() || m_sent.value_or(resumeOffset()) < m_size)
         return false;

@@ -82,6 +82,7 @@ public:
     SeenUpload(const SeenExchange& announcement, const File& file);
 
     [[nodiscard]] const std::string& port() const { return m_port; }
+    [[nodiscard]] bool isSecondProtocol() const;
     /// The request of another exchange of the same upload, of the second protocol. False: it is of no upload.
     bool goesOn(const SeenExchange& exchange);
     /// The last exchange has got more bytes.
@@ -140,6 +141,7 @@ public:
     void forgetUpload() { m_upload.reset(); }
     /// One was announced whose result was not told yet.
     [[nodiscard]] bool hasUpload() const { return m_upload.has_value(); }
+    [[nodiscard]] bool hasSecondProtocol() const { return m_upload && m_upload->isSecondProtocol(); }
 
     /// Records in the answer to a catalogue, if that was the last command of this thread.
     [[nodiscard]] std::optional<std::size_t> picturesListed() const;

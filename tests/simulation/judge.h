@@ -90,7 +90,7 @@ private:
     [[nodiscard]] std::uint8_t pictureOffset() const;
     void statusShown(const QString& text);
     void checkOutcome(const QString& name);
-    void checkUploadSuccess();
+    void checkUploadSuccess(bool secondProtocol);
     void checkUploadFailure();
     void checkLamp();
     void checkLists();
