@@ -13,7 +13,7 @@
 
 /// As long as it lives, the windows' changes are painted together 25 times a second. Without it every change
 /// is painted at once: half of the processor time of tests in virtual time, where no time passes between
-/// changes. A window that is shown or resized is painted at once as well, and so is one that a test grabs.
+/// changes. What is shown first, and what a test grabs, is painted at once.
 class ScreenRefresh final : public QObject {
 public:
     ScreenRefresh() {
