@@ -73,14 +73,13 @@ function(camera_test_main variable headers)
 endfunction()
 
 # camera_list_tests(program MOST number [FILTER filter] [PREFIX prefix] [ALONE regexes...] [LABELS labels...]
-#                   [ENVIRONMENT variables...] [TIMEOUT seconds] [BUSY])
+#                   [ENVIRONMENT variables...] [TIMEOUT seconds])
 #
 # Registers the tests of a GoogleTest program that match the filter: each suite as "<prefix><suite>", or
 # "<prefix><suite>.1" and so on of at most so many tests; tests whose names match ALONE by themselves, labelled "slow".
-# BUSY: they compute instead of waiting, so that scripts/lib.sh starts few at a time.
 # Later files of TEST_INCLUDE_FILES find the names in ${program}_TESTS.
 function(camera_list_tests program)
-  cmake_parse_arguments(arg "BUSY" "MOST;FILTER;PREFIX;TIMEOUT" "ALONE;LABELS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(arg "" "MOST;FILTER;PREFIX;TIMEOUT" "ALONE;LABELS;ENVIRONMENT" ${ARGN})
   if(NOT arg_FILTER)
     set(arg_FILTER "*")
   endif()
@@ -96,7 +95,6 @@ set(test_alone [==[${alone}]==])
 set(test_labels [==[${arg_LABELS}]==])
 set(test_environment [==[${arg_ENVIRONMENT}]==])
 set(test_timeout ${arg_TIMEOUT})
-set(test_busy ${arg_BUSY})
 set(test_cmake [==[${CMAKE_COMMAND}]==])
 include([==[${PROJECT_SOURCE_DIR}/cmake/ListTests.cmake]==])
 ")
@@ -188,10 +186,8 @@ function(camera_test name)
     set(prefix RealTime.)
   endif()
   set(most ${camera_most_waiting_tests})
-  set(busy "")
   if(virtual_time OR arg_QUICK)
     set(most ${camera_most_quick_tests})
-    set(busy BUSY)
   endif()
   camera_list_tests(${name}
     FILTER "${arg_REAL_TIME}"
@@ -200,8 +196,7 @@ function(camera_test name)
     ALONE ${arg_SLOW}
     LABELS ${arg_LABELS}
     ENVIRONMENT ${environment}
-    TIMEOUT ${arg_TIMEOUT}
-    ${busy})
+    TIMEOUT ${arg_TIMEOUT})
   add_dependencies(test_programs ${name})
   if("threads" IN_LIST arg_LABELS)
     add_dependencies(thread_tests ${name})

@@ -138,18 +138,13 @@ configure_and_build() {
 # A command that starts ctest, with its options; empty: nothing in between.
 test_launcher=()
 
-# start_ctest PRESET [OPTION...]: several tests at once for each processor, as most of them wait; of those that compute
-# one more than there are processors, so that the others start beside them and are answered in time.
+# start_ctest PRESET [OPTION...]: several tests at once for each processor, as most of them wait.
 start_ctest() (
   preset=$1
   shift
   cd "$project_root"
   export QT_QPA_PLATFORM=offscreen
-  processors=$project_root/build/$preset/processors.json
-  printf '{"version": {"major": 1, "minor": 0}, "local": [{"processors": [{"id": "0", "slots": %d}]}]}\n' \
-    "$(($(nproc) + 1))" >"$processors"
-  "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 8))" \
-    --resource-spec-file "$processors" "$@"
+  "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 8))" "$@"
 )
 
 # list_slow_tests PRESET: tests with the label "slow", one a line. It empties ctest's log of the last run.
