@@ -1,11 +1,8 @@
 // Compares what the client says and gives with the bytes that it received, by docs/protocol.md.
 #pragma once
 
-#include "link/protocol/bytes.h"
+#include "tests/simulation/seenupload.h"
 
-#include <array>
-#include <cstdint>
-#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -14,107 +11,6 @@
 #include <vector>
 
 namespace simulation {
-
-inline constexpr std::array<std::uint8_t, 2> frameStart{0xAA, 0x5A};
-inline constexpr std::array<std::uint8_t, 2> jsonStart{0x01, 0x17};
-
-/// Rule of acceptance for frames; the check code is not looked at.
-[[nodiscard]] bool isWholeFrame(const protocol::Bytes& answer);
-/// Drops what cannot be the start of an answer. A single byte stays.
-void dropGarbage(protocol::Bytes& answer, const std::array<std::uint8_t, 2>& start);
-
-/// A request and the bytes read after it.
-class SeenExchange {
-public:
-    SeenExchange() = default;
-    SeenExchange(std::string port, protocol::Bytes request);
-
-    /// A picture command that was sent with an offset.
-    void shift(std::uint8_t offset);
-    void received(const protocol::Bytes& bytes);
-    void failed() { m_failed = true; }
-
-    [[nodiscard]] const std::string& port() const { return m_port; }
-    [[nodiscard]] bool hasFailed() const { return m_failed; }
-    /// It may be another command, or a picture command with its offset.
-    [[nodiscard]] bool isAmbiguous() const { return m_ambiguous; }
-    [[nodiscard]] bool isJson() const;
-    [[nodiscard]] bool isUpload() const;
-    [[nodiscard]] std::uint8_t address() const;
-    [[nodiscard]] std::uint8_t code() const;
-    [[nodiscard]] protocol::ByteView payload() const;
-    /// As read, garbage included.
-    [[nodiscard]] const protocol::Bytes& bytes() const { return m_bytes; }
-    /// Without garbage.
-    [[nodiscard]] const protocol::Bytes& answer() const { return m_answer; }
-    /// What came after the answer to an announcement.
-    [[nodiscard]] const protocol::Bytes& verdict() const { return m_verdict; }
-    [[nodiscard]] bool answered() const;
-    /// A whole answer that tells success.
-    [[nodiscard]] bool granted() const;
-    [[nodiscard]] bool refused() const { return answered() && !granted(); }
-    /// The answer is about the property that was asked for.
-    [[nodiscard]] bool sameProperty() const;
-    /// The value of a property's answer.
-    [[nodiscard]] std::string value() const;
-    /// Of a picture's transfer: the size asked for, bytes.
-    [[nodiscard]] std::uint32_t pictureSize() const;
-    [[nodiscard]] bool isPictureTransfer() const;
-    [[nodiscard]] bool isHeartbeatAnswer() const;
-
-private:
-    std::string m_port;
-    protocol::Bytes m_request;
-    protocol::Bytes m_bytes;
-    protocol::Bytes m_answer;
-    protocol::Bytes m_verdict;
-    std::uint8_t m_offset = 0;
-    bool m_failed = false;
-    bool m_ambiguous = false;
-};
-
-/// An upload as the line has seen it.
-class SeenUpload {
-public:
-    /// Content of the chosen file with this digest; nothing if none has it.
-    using File = std::function<std::optional<protocol::Bytes>(const protocol::Bytes& digest)>;
-
-    SeenUpload(const SeenExchange& announcement, const File& file);
-
-    [[nodiscard]] const std::string& port() const { return m_port; }
-    [[nodiscard]] bool isSecondProtocol() const;
-    /// The request of another exchange of the same upload, of the second protocol. False: it is of no upload.
-    bool goesOn(const SeenExchange& exchange);
-    /// The last exchange has got more bytes.
-    void answered(const SeenExchange& exchange);
-    void cameBack() { m_back = true; }
-    /// Returns what is wrong with a request on the upload's port by one of its threads.
-    [[nodiscard]] std::string wrongRequest(const SeenExchange& exchange) const;
-    /// Returns what is wrong with this slice; nothing if all is well.
-    [[nodiscard]] std::string sent(const protocol::Bytes& data);
-    /// Returns what is wrong with waiting for more after the announcement's answer.
-    [[nodiscard]] std::string goesOnReading() const;
-    /// The camera confirmed the whole file, as far as the protocol tells, and is there again.
-    [[nodiscard]] bool succeeded() const;
-
-private:
-    [[nodiscard]] std::uint64_t resumeOffset() const;
-    [[nodiscard]] bool secondProtocolSucceeded() const;
-
-    std::string m_port;
-    std::uint8_t m_code;
-    std::uint8_t m_address;
-    std::uint32_t m_size = 0;
-    std::optional<protocol::Bytes> m_content;
-    SeenExchange m_last;
-    std::optional<std::uint64_t> m_sent; ///< offset behind the last slice
-    int m_announcements = 1;
-    bool m_ready =
-        false; ///< of the second protocol: the last announcement's answer says that nothing is missing
-    int m_packets = 0;
-    std::optional<std::uint8_t> m_packetResult;
-    bool m_back = false;
-};
 
 /// Follows the exchanges of each thread. The functions are called on the thread that uses the port; those
 /// that return a text say what is wrong, nothing if all is well.

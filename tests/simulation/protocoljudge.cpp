@@ -1,6 +1,6 @@
 #include "tests/simulation/protocoljudge.h"
 
-#include "tests/simulation/answerjudge.h"
+#include "tests/simulation/seenexchange.h"
 #include "tests/support/markdown.h"
 
 #include <algorithm>

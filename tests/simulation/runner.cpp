@@ -97,7 +97,7 @@ void ownWakeUps() {
     }
 }
 
-/// What a pipe from a session and from its server carries: a head, then the bytes.
+/// Head of a message in the pipe of results.
 struct MessageHead {
     enum Kind : std::uint32_t { outcome, end } kind = end;
     std::uint32_t size = 0; ///< of the outcome's text, or how the process ended, as by waitpid()
@@ -139,7 +139,7 @@ std::string readLine(int descriptor) {
     fs::create_directories(folder / "work");
     fs::current_path(folder / "work");
     world::onDeadlock([] { giveUp("O4: every thread waits for ever: " + world::describeThreads()); });
-    writeOutcome(runSession(*scenario, view));
+    writeOutcome(runSession(scenario.value(), view));
     ::_exit(0); // the rest belongs to the parent
 }
 

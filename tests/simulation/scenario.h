@@ -49,7 +49,7 @@ enum class StepKind : std::uint8_t {
     obstruct, ///< a folder has the name of a picture
 };
 
-/// What a session is mostly about.
+/// Main subject of a session.
 enum class Focus : std::uint8_t { nothing, uploads, pictures, links };
 inline constexpr std::uint32_t focuses = 4;
 inline constexpr unsigned int focusFactor = 5; ///< of the weights of its steps

@@ -139,7 +139,7 @@ void fillHoles() {
     }
 }
 
-/// What a session finds: made before the processes part.
+/// Window and clock of a session, made before the fork.
 struct Prepared {
     Judge::Resources before;
     SimulatedClock clock;
