@@ -234,7 +234,10 @@ std::string AnswerJudge::writes(const std::string& port, const Bytes& bytes, std
     std::string wrong = wrongPiece(thread, next) + wrongTransfer(next);
     if (thread.refused && next.isPictureTransfer())
         wrong += "a job reads another picture after a refused one";
+    thread.series = thread.exchange.isPictureTransfer() && next.isPictureTransfer();
     thread.exchange = next;
+    thread.garbage = 0;
+    thread.emptyReads.reset();
     m_writers[port] = world::threadNumber();
     const bool ofUpload = !next.isUpload() && m_upload && m_upload->goesOn(next);
     if (next.isUpload() || (next.code() == code(Command::appV1Announce) && !ofUpload))
@@ -278,18 +281,42 @@ std::string AnswerJudge::wrongTransfer(const SeenExchange& next) const {
     return unknown || m_listed.contains(picture) ? "" : "a picture is read that no catalogue lists so";
 }
 
-std::string AnswerJudge::reads(const std::string& port) const {
+/// Each byte of garbage is logged before the next read.
+std::string AnswerJudge::wrongGarbage(const Thread& thread) {
+    const SeenExchange& exchange = thread.exchange;
+    const bool logs = !exchange.isAmbiguous() && exchange.code() != code(Command::originRead) &&
+                      exchange.code() != code(Command::readV1);
+    return logs && exchange.garbage() != thread.garbage ? "the log tells other garbage than came" : "";
+}
+
+/// A download that was stopped reads on only as long as bytes come.
+std::string AnswerJudge::wrongRest(Thread& thread) {
+    constexpr int mostEmptyReads = 3;
+    return thread.emptyReads && ++*thread.emptyReads > mostEmptyReads ? "a stopped download goes on" : "";
+}
+
+std::string AnswerJudge::reads(const std::string& port) {
     if (const auto writer = m_writers.find(port);
         writer != m_writers.end() && writer->second != world::threadNumber())
         return "a user of the line reads the answer to another";
     const auto thread = m_threads.find(world::threadNumber());
-    const bool ofUpload = thread != m_threads.end() && thread->second.exchange.isUpload();
-    return ofUpload && m_upload && m_upload->port() == port ? m_upload->goesOnReading() : std::string();
+    if (thread == m_threads.end())
+        return {};
+    if (thread->second.exchange.port() == port) {
+        const std::string wrong = wrongGarbage(thread->second) + wrongRest(thread->second);
+        if (!wrong.empty())
+            return wrong;
+    }
+    return thread->second.exchange.isUpload() && m_upload && m_upload->port() == port
+               ? m_upload->goesOnReading()
+               : std::string();
 }
 
 void AnswerJudge::received(const Bytes& bytes) {
     Thread& thread = m_threads[world::threadNumber()];
     thread.exchange.received(bytes);
+    if (thread.emptyReads)
+        thread.emptyReads = 0;
     learn(thread);
 }
 
@@ -317,7 +344,11 @@ void AnswerJudge::learn(Thread& thread) {
         if (*offset == 0)
             thread.pieces.clear();
         protocol::append(thread.pieces, jsonData(exchange.answer()));
-        m_pictures.emplace_back(std::uint8_t{1}, thread.pieces);
+        const std::string request = textOf(exchange.payload());
+        const long size =
+            *offset == 0 ? numberIn(textOf(exchange.answer()), "\"size\":").value_or(0) : thread.pictureSize;
+        if (*offset + numberIn(request, "\"length\":").value_or(0) >= size)
+            m_pictures.emplace_back(std::uint8_t{1}, thread.pieces);
     }
 }
 
@@ -358,6 +389,8 @@ std::string AnswerJudge::said(const std::string& line) {
     if (line.find("unknown error") != std::string::npos)
         return "the log tells an unknown error";
     Thread& thread = m_threads[world::threadNumber()];
+    if (line.starts_with("check data"))
+        ++thread.garbage;
     const std::string text = line.substr(0, line.find('\n'));
     if (const std::string wrong = wrongFailure(thread, text); !wrong.empty() || thread.exchange.isAmbiguous())
         return wrong;
@@ -407,6 +440,15 @@ std::string AnswerJudge::toldUpload(bool success) {
         return seen ? "success of an upload that the camera did not confirm"
                     : "success of an upload that was not sent";
     return "failure of an upload that the camera confirmed";
+}
+
+void AnswerJudge::downloadStopped() {
+    for (auto& [number, thread] : m_threads) {
+        const bool underWay =
+            thread.exchange.bytes().size() < thread.exchange.pictureSize() + transferOverhead;
+        if (number != 0 && thread.series && underWay && !thread.exchange.hasFailed())
+            thread.emptyReads = 0;
+    }
 }
 
 void AnswerJudge::jobEnded() {

@@ -22,7 +22,7 @@ public:
     void prepares();
     [[nodiscard]] std::string writes(const std::string& port, const protocol::Bytes& bytes,
                                      std::uint8_t offset);
-    [[nodiscard]] std::string reads(const std::string& port) const;
+    [[nodiscard]] std::string reads(const std::string& port);
     void received(const protocol::Bytes& bytes);
     void failed();
     /// A line of the client.
@@ -31,6 +31,8 @@ public:
     [[nodiscard]] std::string told(const std::string& command, const std::string& words) const;
     /// A box tells the result of an upload.
     [[nodiscard]] std::string toldUpload(bool success);
+    /// The only download of a whole list is to end.
+    void downloadStopped();
     /// A job of the windows has told its end, or there is another link.
     void jobEnded();
     /// The link was closed: the upload under way has no result.
@@ -50,15 +52,20 @@ public:
 private:
     struct Thread {
         SeenExchange exchange;
-        bool prepares = false;  ///< for the next request
-        bool concluded = false; ///< a line has told the end
-        bool refused = false;   ///< a picture, in the job under way
-        protocol::Bytes pieces; ///< of a JSON picture
-        long pictureSize = 0;   ///< that its first piece tells
+        bool prepares = false;         ///< for the next request
+        bool concluded = false;        ///< a line has told the end
+        bool refused = false;          ///< a picture, in the job under way
+        protocol::Bytes pieces;        ///< of a JSON picture
+        long pictureSize = 0;          ///< that its first piece tells
+        std::size_t garbage = 0;       ///< bytes that the log has told
+        bool series = false;           ///< a picture after another: of a whole list
+        std::optional<int> emptyReads; ///< in a row, of a stopped download
     };
 
     void learn(Thread& thread);
     void list(const SeenExchange& catalogue);
+    [[nodiscard]] static std::string wrongGarbage(const Thread& thread);
+    [[nodiscard]] static std::string wrongRest(Thread& thread);
     [[nodiscard]] static std::string wrongPiece(Thread& thread, const SeenExchange& next);
     [[nodiscard]] std::string wrongTransfer(const SeenExchange& next) const;
     [[nodiscard]] static std::string wrongFailure(const Thread& thread, const std::string& text);

@@ -11,7 +11,7 @@ namespace simulation {
 namespace {
 
 constexpr int mostSteps = 30;
-constexpr std::uint32_t paintingOneOf = 20;
+constexpr std::uint32_t paintingOneOf = 60;
 constexpr int mostShrinkingRuns = 1500;
 
 /// Of the whole range, whatever the size of the scenario.

@@ -69,6 +69,8 @@ public:
     void expectSilence(bool silent) { m_silent = silent; }
     /// A found camera was taken: port, rate, address.
     void cameraUsed(const QStringList& camera);
+    /// The only download of a list is stopped.
+    void downloadStopped() { m_answers.downloadStopped(); }
     /// A job lasted so long that the technician ended it.
     void lostPatience();
     /// All is quiet: no job runs, no dialog is open.

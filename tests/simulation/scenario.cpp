@@ -31,7 +31,7 @@ const std::vector<StepKindInfo>& stepKinds() {
         {StepKind::repeat, "repeat", 2, true},
         {StepKind::latency, "latency", 2, true},
         {StepKind::fault, "fault", 6, true},
-        {StepKind::trouble, "trouble", 8, true},
+        {StepKind::trouble, "trouble", 12, true},
         {StepKind::reboot, "reboot", 2, true},
         {StepKind::pull, "pull", 2, true},
         {StepKind::plug, "plug", 4, false},

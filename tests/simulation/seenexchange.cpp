@@ -93,11 +93,13 @@ bool isWholeFrame(const Bytes& answer) {
            littleEndian(answer, 4, 4) + frameOverhead == answer.size();
 }
 
-void dropGarbage(Bytes& answer, const std::array<std::uint8_t, 2>& start) {
+std::size_t dropGarbage(Bytes& answer, const std::array<std::uint8_t, 2>& start) {
     auto begin = std::search(answer.begin(), answer.end(), start.begin(), start.end());
     if (begin == answer.end() && !answer.empty())
         --begin; // may be the first byte of the start
+    const auto dropped = static_cast<std::size_t>(begin - answer.begin());
     answer.erase(answer.begin(), begin);
+    return dropped;
 }
 
 SeenExchange::SeenExchange(std::string port, Bytes request)
@@ -151,12 +153,12 @@ void SeenExchange::shift(std::uint8_t offset) {
 void SeenExchange::received(const Bytes& bytes) {
     if (isUpload() && answered()) {
         protocol::append(m_verdict, bytes);
-        dropGarbage(m_verdict, frameStart);
+        m_garbage += dropGarbage(m_verdict, frameStart);
         return;
     }
     protocol::append(m_bytes, bytes);
     protocol::append(m_answer, bytes);
-    dropGarbage(m_answer, isJson() ? jsonStart : frameStart);
+    m_garbage += dropGarbage(m_answer, isJson() ? jsonStart : frameStart);
 }
 
 bool SeenExchange::answered() const {

@@ -14,8 +14,8 @@ inline constexpr std::array<std::uint8_t, 2> jsonStart{0x01, 0x17};
 
 /// Rule of acceptance for frames; the check code is not looked at.
 [[nodiscard]] bool isWholeFrame(const protocol::Bytes& answer);
-/// Drops what cannot be the start of an answer. A single byte stays.
-void dropGarbage(protocol::Bytes& answer, const std::array<std::uint8_t, 2>& start);
+/// Drops what cannot be the start of an answer; returns the number of bytes. A single byte stays.
+std::size_t dropGarbage(protocol::Bytes& answer, const std::array<std::uint8_t, 2>& start);
 
 inline constexpr std::size_t headerSize = 8; ///< of a frame
 
@@ -55,6 +55,8 @@ public:
     [[nodiscard]] const protocol::Bytes& answer() const { return m_answer; }
     /// Bytes after the announcement's answer.
     [[nodiscard]] const protocol::Bytes& verdict() const { return m_verdict; }
+    /// Bytes before answer and verdict.
+    [[nodiscard]] std::size_t garbage() const { return m_garbage; }
     [[nodiscard]] bool answered() const;
     /// A whole answer that tells success.
     [[nodiscard]] bool granted() const;
@@ -74,6 +76,7 @@ private:
     protocol::Bytes m_bytes;
     protocol::Bytes m_answer;
     protocol::Bytes m_verdict;
+    std::size_t m_garbage = 0;
     std::uint8_t m_offset = 0;
     bool m_failed = false;
     bool m_ambiguous = false;

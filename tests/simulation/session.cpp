@@ -5,6 +5,7 @@
 #include "link/diagnostics.h"
 #include "pictures/piclist.h"
 #include "service/report.h"
+#include "tests/simulation/filechooser.h"
 #include "tests/simulation/judge.h"
 #include "tests/simulation/protocoljudge.h"
 #include "tests/simulation/technician.h"
@@ -17,7 +18,6 @@
 #include <QHash>
 #include <QIcon>
 #include <QMessageBox>
-#include <QMimeDatabase>
 #include <QProxyStyle>
 #include <QPushButton>
 #include <QRandomGenerator>
@@ -52,7 +52,7 @@ constexpr auto settlingStep = 1s;
 constexpr auto quietTime = 3s;             // in which a result that is on its way is shown
 constexpr auto longestSettling = 10min;    // uploads of the second protocol, return waits
 constexpr auto poolExpiry = 40s;           // idle pool threads end after 30 s
-constexpr world::Time longestSearch = 60s; // then the technician stops it
+constexpr world::Time longestJob = 60s;    // then the technician stops it
 constexpr world::Time patience = 150s;     // then the technician closes the link
 constexpr world::Time jsonPatience = 280s; // the client waits 250 s for a piece of a picture
 
@@ -168,6 +168,7 @@ public:
             technician.onBox([this](const QString& text) { m_judge.boxShown(text); });
             technician.onLinkClosed([this](world::Time duration) { m_judge.linkClosed(duration); });
             technician.onSilence([this](bool silent) { m_judge.expectSilence(silent); });
+            technician.onDownloadStopped([this] { m_judge.downloadStopped(); });
             technician.onCameraUsed([this](const QStringList& camera) { m_judge.cameraUsed(camera); });
             QEventLoop loop;
             QObject::connect(&technician, &Technician::done, &loop, &QEventLoop::quit);
@@ -207,8 +208,8 @@ private:
             wait(settlingStep);
             if (isBusy())
                 quietSince = world::now();
-            if (world::now() - start > longestSearch)
-                technician.stopSearch();
+            if (world::now() - start > longestJob)
+                technician.stopLongJobs();
             if (patient && world::now() - start > limit) {
                 patient = false;
                 m_judge.lostPatience();
@@ -274,8 +275,7 @@ void prepareProcess(char** arguments, bool spectator) {
     qputenv("QT_NO_GLIB", "1");   // Qt's own event loop waits where virtual time is
     qputenv("QT_HASH_SEED", "0"); // the order of hashes
     qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
-    // The file dialog asks for each file's type: Qt's own list is the same everywhere, and quicker than the
-    // system's.
+    // Types of files: Qt's own list is the same everywhere, and quicker than the system's.
     qputenv("XDG_DATA_DIRS", "/dev/null");
     qputenv("XDG_DATA_HOME", "/dev/null");
     qputenv("TZ", "CST-8");      // the same times everywhere; its file is not asked for at each look
@@ -324,6 +324,15 @@ void keepIcons() {
         style->setBaseStyle(new IconKeepingStyle);
 }
 
+/// Texts are laid out again and again: without ligatures and kerning, which nobody sees.
+void spareShaping() {
+    if (QGuiApplication::platformName() != QLatin1String("offscreen"))
+        return;
+    QFont font = QApplication::font();
+    font.setStyleStrategy(QFont::PreferNoShaping);
+    QApplication::setFont(font);
+}
+
 /// Qt keeps fonts and codecs of the first one.
 void writeSomeReports() {
     const QTemporaryDir folder;
@@ -335,10 +344,11 @@ void writeSomeReports() {
 }
 
 void openEverything() {
-    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    useSystemFileChooser();
     // Nothing of the user's is read or written.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     keepIcons();
+    spareShaping();
     const Lines lines;
     MainWindow window;
     window.show();
@@ -360,12 +370,8 @@ void openEverything() {
         std::ignore = box.grab();
     }
     writeSomeReports();
-    // The dialog asks for the types of files, of which the folder may have none.
-    std::ignore = QMimeDatabase().mimeTypeForFile(QStringLiteral("image.bin"));
     QTimer::singleShot(1s, &window, [] { QApplication::activeModalWidget()->close(); });
-    // The sessions' file dialogs begin where this one was: in no folder with anything in it.
-    static const QTemporaryDir folder;
-    std::ignore = QFileDialog::getOpenFileName(&window, QString(), folder.path());
+    std::ignore = QFileDialog::getOpenFileName(&window);
     window.close();   // an open one lists the ports again and again
     wait(poolExpiry); // the windows have started jobs
 }

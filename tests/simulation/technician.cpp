@@ -217,6 +217,10 @@ void Technician::press(const Step& step) {
     QAbstractButton* const button = chosen(buttons, step.choice);
     if (button == nullptr || button->testAttribute(Qt::WA_TransparentForMouseEvents))
         return;
+    if (button->objectName() == QLatin1String("btn_download_all")) {
+        pressDownload(*window);
+        return;
+    }
     note(QStringLiteral("presses ") + button->objectName());
     button->click();
 }
@@ -326,8 +330,28 @@ void Technician::upload(const Step& step) {
         if (self == nullptr || m_main == nullptr || QApplication::activeModalWidget() != nullptr)
             return;
     }
+    constexpr std::uint32_t addressOneOf = 3;
+    constexpr std::uint32_t longestMs = 6000;
+    if (step.detail / 4 % addressOneOf == 0) {
+        QTimer::singleShot(static_cast<int>(step.choice * addressOneOf % longestMs), this,
+                           [this, address = step.detail % 256] { changeAddress(static_cast<int>(address)); });
+    }
     note(QStringLiteral("presses ") + QLatin1String(start));
     named(*m_main, start)->click();
+}
+
+void Technician::changeAddress(int address) {
+    if (m_main == nullptr || !m_main->isVisible() || QApplication::activeModalWidget() != nullptr)
+        return;
+    note(QStringLiteral("changes the address"));
+    named<QAction>(*m_main, "actionaddress")->trigger();
+    for (QWidget* const window : windows()) {
+        if (auto* const field = named<QSpinBox>(*window, "hex_sb")) {
+            field->setValue(address);
+            pressNamed(*window, "btn_confirm");
+            return;
+        }
+    }
 }
 
 void Technician::choosePort(const Step& step) {

@@ -49,8 +49,10 @@ public:
     void onCameraUsed(std::function<void(const QStringList& camera)> handler) {
         m_usedHandler = std::move(handler);
     }
+    /// Called before the button is pressed that stops the only download of a list.
+    void onDownloadStopped(std::function<void()> handler) { m_stopHandler = std::move(handler); }
     /// Ends what may last for many minutes.
-    void stopSearch();
+    void stopLongJobs();
 
     bool eventFilter(QObject* object, QEvent* event) override;
 
@@ -70,6 +72,8 @@ private:
     void turnToFront(const Step& step);
     void closeFront();
     void upload(const Step& step);
+    void changeAddress(int address);
+    void pressDownload(const QWidget& list);
     void choosePort(const Step& step);
     void chooseAid(const Step& step);
     void use(const Step& step);
@@ -107,6 +111,7 @@ private:
     std::function<void(world::Time)> m_linkHandler;
     std::function<void(bool)> m_silenceHandler;
     std::function<void(const QStringList&)> m_usedHandler;
+    std::function<void()> m_stopHandler;
     int m_reopeningTries = 0; ///< that are left after an adapter was pulled
 };
 

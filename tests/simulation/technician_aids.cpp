@@ -39,6 +39,10 @@ void check(QListWidget& list, const std::function<bool(int row)>& checked) {
         list.item(row)->setCheckState(checked(row) ? Qt::Checked : Qt::Unchecked);
 }
 
+bool isDownloading(const QWidget& list) {
+    return named(list, "btn_download_all")->text() == QStringLiteral("停止下载");
+}
+
 QPushButton* moreButton(const QWidget& mainWindow) {
     return named<QPushButton>(mainWindow, "btn_more");
 }
@@ -168,11 +172,15 @@ void Technician::useFound(QWidget& finder, std::uint32_t choice) {
         m_usedHandler(camera);
 }
 
-void Technician::stopSearch() {
+void Technician::stopLongJobs() {
     if (m_main == nullptr)
         return;
     for (const CameraFinderWindow* const finder : m_main->findChildren<CameraFinderWindow*>())
         pressNamed(*finder, "btn_stop");
+    for (const PictureListWindow* const list : m_main->findChildren<PictureListWindow*>()) {
+        if (isDownloading(*list))
+            pressDownload(*list);
+    }
 }
 
 // --- check-up and record -----------------------------------------------------------------------------------
@@ -232,9 +240,19 @@ void Technician::useList(QWidget& list, std::uint32_t action) {
         chooseRow({StepKind::row, 0, action / 4, view});
         break;
     default:
-        pressNamed(list, "btn_download_all");
+        pressDownload(list);
         break;
     }
+}
+
+/// The button starts and stops.
+void Technician::pressDownload(const QWidget& list) {
+    const auto lists = m_main->findChildren<PictureListWindow*>();
+    const auto downloading =
+        std::count_if(lists.begin(), lists.end(), [](const QWidget* each) { return isDownloading(*each); });
+    if (downloading == 1 && isDownloading(list) && m_stopHandler)
+        m_stopHandler();
+    pressNamed(list, "btn_download_all");
 }
 
 void Technician::usePictureView(QWidget& view, std::uint32_t action) {

@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QInputDialog>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QRegularExpression>
 
@@ -42,12 +41,9 @@ void Technician::chooseFile(QFileDialog& dialog, const Step& step) {
         dialog.reject();
         return;
     }
-    auto* const name = named<QLineEdit>(dialog, "fileNameEdit");
-    if (name == nullptr)
-        return;
     note(QStringLiteral("chooses a file"));
-    name->setText(pathFor(dialog, step));
-    QMetaObject::invokeMethod(&dialog, "accept"); // asks before it replaces a file
+    dialog.selectFile(pathFor(dialog, step));
+    QMetaObject::invokeMethod(&dialog, "accept");
 }
 
 QString Technician::pathFor(const QFileDialog& dialog, const Step& step) {

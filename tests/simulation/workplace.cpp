@@ -116,7 +116,8 @@ constexpr std::array troubles{
     Trouble{"echo=99@getModelInfo",            {}},
     Trouble{"result=1@getAppVersion",          {}},
     Trouble{"value-size=0@getSystemVersion",   {}},
-    Trouble{"raw=AA5A0102FFFFFFFF00@getProperty", {}},  // a length that is 9 in 32 bits
+    Trouble{"raw=AA5A0102FFFFFFFF00#1",        {}}, // a length that is 9 in 32 bits
+    Trouble{"raw=0102#1",                      {}}, // garbage of two bytes
     Trouble{"raw=AA5A011100000001FFFF@heartbeat", {}},  // the text of a good answer
     Trouble{"split=9,120#1",                   {}},
     Trouble{"split=9,120",                     {}},
@@ -170,17 +171,20 @@ constexpr std::array troubles{
 };
 // clang-format on
 
-/// Of all that fit, of those of this camera alone, or of those of uploads.
+/// Of all that fit, of those of this camera alone, of those of uploads, or of those of any command.
 std::string troubleText(protocol::CameraType type, std::uint32_t choice) {
+    constexpr std::uint32_t groups = 4;
     const auto pictures = protocol::infoOf(type).pictures;
     std::vector<const char*> fitting;
     for (const Trouble& trouble : troubles) {
-        const bool fits = !trouble.cameras || trouble.cameras == pictures;
-        const bool upload = std::string_view(trouble.text).find("Update") != std::string_view::npos;
-        if (fits && (choice % 3 == 0 || (choice % 3 == 1 && trouble.cameras) || (choice % 3 == 2 && upload)))
+        const std::string_view text(trouble.text);
+        const std::array<bool, groups> belongs{true, trouble.cameras.has_value(),
+                                               text.find("Update") != std::string_view::npos,
+                                               text.find('@') == std::string_view::npos};
+        if ((!trouble.cameras || trouble.cameras == pictures) && belongs.at(choice % groups))
             fitting.push_back(trouble.text);
     }
-    return fitting.at(choice / 3 % fitting.size());
+    return fitting.at(choice / groups % fitting.size());
 }
 
 /// Bytes that the adapter's driver takes while the camera does not read.
