@@ -239,14 +239,20 @@ std::string AnswerJudge::writes(const std::string& port, const Bytes& bytes, std
     thread.garbage = 0;
     thread.emptyReads.reset();
     m_writers[port] = world::threadNumber();
-    const bool ofUpload = !next.isUpload() && m_upload && m_upload->goesOn(next);
-    if (next.isUpload() || (next.code() == code(Command::appV1Announce) && !ofUpload))
-        m_upload.emplace(next, m_file);
-    if (m_upload && m_upload->port() == port && world::threadNumber() != 0)
-        wrong += m_upload->wrongRequest(next);
+    if (!next.isAmbiguous())
+        wrong += followUpload(next);
     if (!hasRightCheck(bytes, json))
         wrong += "a request with a wrong check code";
     return wrong;
+}
+
+std::string AnswerJudge::followUpload(const SeenExchange& next) {
+    const bool goesOn = !next.isUpload() && m_upload && m_upload->goesOn(next);
+    if (next.isUpload() || (next.code() == code(Command::appV1Announce) && !goesOn))
+        m_upload.emplace(next, m_file);
+    return m_upload && m_upload->port() == next.port() && world::threadNumber() != 0
+               ? m_upload->wrongRequest(next)
+               : std::string();
 }
 
 /// The tool asks for a picture piece by piece, and for none after one that did not come.

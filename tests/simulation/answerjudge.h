@@ -64,6 +64,7 @@ private:
 
     void learn(Thread& thread);
     void list(const SeenExchange& catalogue);
+    [[nodiscard]] std::string followUpload(const SeenExchange& next);
     [[nodiscard]] static std::string wrongGarbage(const Thread& thread);
     [[nodiscard]] static std::string wrongRest(Thread& thread);
     [[nodiscard]] static std::string wrongPiece(Thread& thread, const SeenExchange& next);
