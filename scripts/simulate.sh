@@ -5,6 +5,8 @@
 
 ensure_packages "${build_packages[@]}" "${test_packages[@]}"
 use_utf8_locale
-configure_and_build dev --target simulate
+preset=dev
+[ -z "${CI:-}" ] || preset=ci-tests
+configure_and_build "$preset" --target simulate
 commit=$(git -C "$project_root" rev-parse --short HEAD 2>/dev/null || true)
-exec "$project_root/build/dev/tests/simulation/simulate" --commit "$commit" "$@"
+exec "$project_root/build/$preset/tests/simulation/simulate" --commit "$commit" "$@"

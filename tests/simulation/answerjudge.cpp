@@ -376,7 +376,10 @@ std::optional<std::size_t> AnswerJudge::picturesListed() const {
 }
 
 void AnswerJudge::failed() {
-    m_threads[world::threadNumber()].exchange.failed();
+    SeenExchange& exchange = m_threads[world::threadNumber()].exchange;
+    exchange.failed();
+    if (m_upload && m_upload->port() == exchange.port())
+        m_upload->portFailed();
 }
 
 /// A command is broken off by the port, a stop, another user of the line or an answer that is too short.

@@ -92,7 +92,7 @@ std::string SeenUpload::sent(const Bytes& data) {
 bool SeenUpload::secondProtocolSucceeded() const {
     constexpr int wantedAnnouncements = 5;
     constexpr int wantedPackets = 11;
-    return m_announcements == wantedAnnouncements && m_ready && m_packets == wantedPackets &&
+    return !m_portFailed && m_announcements == wantedAnnouncements && m_ready && m_packets == wantedPackets &&
            m_packetResult && *m_packetResult <= 1;
 }
 

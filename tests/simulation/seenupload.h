@@ -24,6 +24,8 @@ public:
     /// The last exchange has got more bytes.
     void answered(const SeenExchange& exchange);
     void cameBack() { m_back = true; }
+    /// In an exchange of the upload.
+    void portFailed() { m_portFailed = true; }
     /// Returns what is wrong with a request on the upload's port by one of its threads.
     [[nodiscard]] std::string wrongRequest(const SeenExchange& exchange) const;
     /// Returns what is wrong with this slice; nothing if all is well.
@@ -45,11 +47,12 @@ private:
     SeenExchange m_last;
     std::optional<std::uint64_t> m_sent; ///< offset behind the last slice
     int m_announcements = 1;
-    bool m_ready =
-        false; ///< of the second protocol: the last announcement's answer says that nothing is missing
+    /// Of the second protocol: the last announcement's answer says that nothing is missing.
+    bool m_ready = false;
     int m_packets = 0;
     std::optional<std::uint8_t> m_packetResult;
     bool m_back = false;
+    bool m_portFailed = false;
 };
 
 } // namespace simulation

@@ -9,12 +9,14 @@
 #include "tests/simulation/judge.h"
 #include "tests/simulation/protocoljudge.h"
 #include "tests/simulation/technician.h"
+#include "tests/support/markdown.h"
 #include "tests/support/windowactions.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QFontMetrics>
 #include <QHash>
 #include <QIcon>
 #include <QMessageBox>
@@ -343,12 +345,19 @@ void writeSomeReports() {
             service::writeReport(checkup, folder.filePath(QStringLiteral("report.") + QLatin1String(suffix)));
 }
 
+/// Qt keeps the widths of characters: the guide has all of the windows' texts.
+void measureTexts() {
+    const std::string guide = markdown::contentOf(markdown::sourceFolder() / "docs/user-guide.zh-CN.md");
+    std::ignore = QFontMetrics(QApplication::font()).horizontalAdvance(QString::fromStdString(guide));
+}
+
 void openEverything() {
     useSystemFileChooser();
     // Nothing of the user's is read or written.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     keepIcons();
     spareShaping();
+    measureTexts();
     const Lines lines;
     MainWindow window;
     window.show();
