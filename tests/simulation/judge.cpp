@@ -13,6 +13,8 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QPixmapCache>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QRegularExpression>
 #include <QStatusBar>
 #include <QTableWidget>
@@ -97,10 +99,6 @@ std::size_t openDescriptors() {
     return static_cast<std::size_t>(std::distance(begin(all), end(all)));
 }
 
-bool isLinkOpen(const QWidget& window) {
-    return guitest::text(window, "btn_open") == QStringLiteral("关闭串口");
-}
-
 /// Compares a line of a label with its head and one of these texts.
 bool isHeard(const QString& line, const QString& head, const std::vector<std::string>& texts) {
     constexpr qsizetype longestLine = 120; // longer ones are cut
@@ -169,6 +167,9 @@ void Judge::require(bool holds, const std::string& complaint) {
 void Judge::watch(QWidget* mainWindow) {
     m_window = mainWindow;
     m_lineWatch = mainWindow->findChild<LineWatch*>();
+    m_openButton = guitest::find<QPushButton>(*mainWindow, "btn_open");
+    m_linkLabel = guitest::find<QLabel>(*mainWindow, "label_link");
+    m_lamp = guitest::find<QRadioButton>(*mainWindow, "rb_heartbeat");
     for (const char* const name : guitest::exchangeControls)
         m_exchangeControls.push_back(guitest::find<QWidget>(*mainWindow, name));
     auto* const bar = qobject_cast<QMainWindow*>(mainWindow)->statusBar();
@@ -276,9 +277,13 @@ std::size_t Judge::heard(std::uint8_t requestCode, bool json) {
 
 // --- link and controls -------------------------------------------------------------------------------------
 
+bool Judge::isLinkOpen() const {
+    return m_openButton->text() == QStringLiteral("关闭串口");
+}
+
 void Judge::checkLinkText() {
-    const QString text = labelText(*m_window, "label_link");
-    const bool open = isLinkOpen(*m_window);
+    const QString text = m_linkLabel->text();
+    const bool open = isLinkOpen();
     // A search opens ports of its own while there is no link.
     require(!open || emulator::openMemoryPorts() > 0, "O6: a link without a port");
     require((text == QStringLiteral("串口未打开")) == !open,
@@ -325,7 +330,7 @@ bool Judge::restartsByCommand() {
 
 /// By port and rate.
 bool Judge::isCameraLinked() const {
-    const QStringList link = labelText(*m_window, "label_link").split(QChar(u'，'));
+    const QStringList link = m_linkLabel->text().split(QChar(u'，'));
     const auto& ports = m_workplace.portNames();
     const auto rate = protocol::infoOf(m_workplace.camera().settings().type).baudRate;
     return link.size() > 1 &&
@@ -348,7 +353,7 @@ void Judge::checkStep() {
 }
 
 void Judge::checkControls() {
-    const bool open = isLinkOpen(*m_window);
+    const bool open = isLinkOpen();
     const auto enabled = [this](const char* name) {
         return m_window->findChild<QWidget*>(QLatin1String(name))->isEnabled();
     };
@@ -418,7 +423,7 @@ void Judge::checkValues() {
 void Judge::cameraUsed(const QStringList& camera) {
     if (m_workplace.disturbances().adapter)
         return; // its port may be gone
-    const QString text = labelText(*m_window, "label_link");
+    const QString text = m_linkLabel->text();
     require(text == QStringLiteral("%1，%2，从机地址 %3").arg(camera.at(0), camera.at(1), camera.at(2)),
             "O6: after the choice of a found camera the link is " + text.toStdString());
 }

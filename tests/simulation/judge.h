@@ -16,6 +16,9 @@
 #include <vector>
 
 class LineWatch;
+class QLabel;
+class QPushButton;
+class QRadioButton;
 class QWidget;
 
 namespace simulation {
@@ -109,12 +112,17 @@ private:
     void checkHeardValues();
     [[nodiscard]] bool hasWantedPicture();
     [[nodiscard]] bool restartsByCommand();
+    [[nodiscard]] bool isLinkOpen() const;
     [[nodiscard]] bool isCameraLinked() const;
     [[nodiscard]] std::size_t heard(std::uint8_t code, bool json = false);
 
     Workplace& m_workplace;
     QWidget* m_window = nullptr;
-    const LineWatch* m_lineWatch = nullptr; ///< of the window
+    // Of the window, which is looked at in each step.
+    const LineWatch* m_lineWatch = nullptr;
+    const QPushButton* m_openButton = nullptr;
+    const QLabel* m_linkLabel = nullptr;
+    const QRadioButton* m_lamp = nullptr;
     std::vector<QWidget*> m_exchangeControls;
     std::vector<std::string> m_complaints;
     std::map<std::string, Exchange> m_exchanges; ///< by port: a search has several

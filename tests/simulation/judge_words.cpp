@@ -158,8 +158,7 @@ void Judge::checkUploadSuccess(bool secondProtocol) {
 
 /// Lit only by an answered heartbeat.
 void Judge::checkLamp() {
-    const auto* const lamp = m_window->findChild<QRadioButton*>(QStringLiteral("rb_heartbeat"));
-    require(!lamp->isChecked() || m_done[QStringLiteral("测试心跳")],
+    require(!m_lamp->isChecked() || m_done[QStringLiteral("测试心跳")],
             "O6: the lamp is lit without an answer");
 }
 

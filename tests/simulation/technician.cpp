@@ -330,7 +330,7 @@ void Technician::upload(const Step& step) {
         if (self == nullptr || m_main == nullptr || QApplication::activeModalWidget() != nullptr)
             return;
     }
-    constexpr std::uint32_t addressOneOf = 3;
+    constexpr std::uint32_t addressOneOf = 6;
     constexpr std::uint32_t longestMs = 6000;
     if (step.detail / 4 % addressOneOf == 0) {
         QTimer::singleShot(static_cast<int>(step.choice * addressOneOf % longestMs), this,

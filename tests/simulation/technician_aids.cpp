@@ -82,7 +82,7 @@ void Technician::chooseAid(const Step& step) {
     triggerAndFollow(*entry);
 }
 
-/// Sometimes opens one more, or the first.
+/// Opens the first, and now and then one more.
 void Technician::use(const Step& step) {
     using Use = void (Technician::*)(QWidget&, std::uint32_t);
     std::vector<std::pair<QWidget*, Use>> found;
@@ -100,12 +100,12 @@ void Technician::use(const Step& step) {
         else if (qobject_cast<ImgDialog*>(window) != nullptr)
             found.emplace_back(window, &Technician::usePictureView);
     }
-    const std::size_t place = step.choice % (found.size() + 1);
-    if (place == found.size()) {
+    constexpr std::uint32_t moreOneOf = 5;
+    if (found.empty() || step.choice % moreOneOf == 0) {
         openOneMore(step.detail);
         return;
     }
-    const auto [window, action] = found.at(place);
+    const auto [window, action] = found.at(step.choice / moreOneOf % found.size());
     m_front = window;
     (this->*action)(*window, step.detail);
 }
