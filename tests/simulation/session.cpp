@@ -326,10 +326,12 @@ void keepIcons() {
         style->setBaseStyle(new IconKeepingStyle);
 }
 
+bool hasSpectator() {
+    return QGuiApplication::platformName() != QLatin1String("offscreen");
+}
+
 /// Texts are laid out again and again: without ligatures and kerning, which nobody sees.
 void spareShaping() {
-    if (QGuiApplication::platformName() != QLatin1String("offscreen"))
-        return;
     QFont font = QApplication::font();
     font.setStyleStrategy(QFont::PreferNoShaping);
     QApplication::setFont(font);
@@ -351,13 +353,22 @@ void measureTexts() {
     std::ignore = QFontMetrics(QApplication::font()).horizontalAdvance(QString::fromStdString(guide));
 }
 
-void openEverything() {
-    useSystemFileChooser();
-    // Nothing of the user's is read or written.
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
+/// A spectator sees the file dialogs.
+void prepareLooks() {
     keepIcons();
+    if (hasSpectator()) {
+        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        return;
+    }
+    useSystemFileChooser();
     spareShaping();
     measureTexts();
+}
+
+void openEverything() {
+    // Nothing of the user's is read or written.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
+    prepareLooks();
     const Lines lines;
     MainWindow window;
     window.show();
