@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QRegularExpression>
 
@@ -42,8 +43,12 @@ void Technician::chooseFile(QFileDialog& dialog, const Step& step) {
         return;
     }
     note(QStringLiteral("chooses a file"));
-    dialog.selectFile(pathFor(dialog, step));
-    QMetaObject::invokeMethod(&dialog, "accept");
+    const QString path = pathFor(dialog, step);
+    if (auto* const name = named<QLineEdit>(dialog, "fileNameEdit"))
+        name->setText(path);
+    else
+        dialog.selectFile(path);
+    QMetaObject::invokeMethod(&dialog, "accept"); // Qt's own asks before it replaces a file
 }
 
 QString Technician::pathFor(const QFileDialog& dialog, const Step& step) {
