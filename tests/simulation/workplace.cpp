@@ -171,16 +171,16 @@ constexpr std::array troubles{
 };
 // clang-format on
 
-/// Of all that fit, of those of this camera alone, of those of uploads, or of those of any command.
+/// Of all that fit, of those of this camera alone, of those of uploads, or of the others.
 std::string troubleText(protocol::CameraType type, std::uint32_t choice) {
     constexpr std::uint32_t groups = 4;
     const auto pictures = protocol::infoOf(type).pictures;
     std::vector<const char*> fitting;
     for (const Trouble& trouble : troubles) {
         const std::string_view text(trouble.text);
-        const std::array<bool, groups> belongs{true, trouble.cameras.has_value(),
-                                               text.find("Update") != std::string_view::npos,
-                                               text.find('@') == std::string_view::npos};
+        const bool upload = text.find("Update") != std::string_view::npos;
+        const std::array<bool, groups> belongs{true, trouble.cameras.has_value(), upload,
+                                               !trouble.cameras && !upload};
         if ((!trouble.cameras || trouble.cameras == pictures) && belongs.at(choice % groups))
             fitting.push_back(trouble.text);
     }
