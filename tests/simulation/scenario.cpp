@@ -16,7 +16,7 @@ const std::vector<StepKindInfo>& stepKinds() {
         {StepKind::row, "row", 10, false, pictures},
         {StepKind::front, "front", 8, false},
         {StepKind::close, "close", 4, false},
-        {StepKind::capture, "capture", 4, false, pictures},
+        {StepKind::capture, "capture", 8, false, pictures},
         {StepKind::upload, "upload", 8, false, uploads},
         {StepKind::port, "port", 3, false, links},
         {StepKind::aid, "aid", 8, false},
