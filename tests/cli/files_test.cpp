@@ -223,17 +223,6 @@ TEST(Files, ReportsOfTwoPortsAreTwoFiles) {
 
 // --- recordings --------------------------------------------------------------------------------------------
 
-TEST(Files, RecordingIsReplayedByTheVirtualCamera) {
-    const Camera camera;
-    ASSERT_EQ(run(joined({"--record", "a.rec"}, camera.with("versions"))).code, done);
-    Process replay(VIRTUAL_CAMERA_PROGRAM, {"--replay", "a.rec", "--link", "replayed", "--at-once"},
-                   {"/dev/null", "replay-out", "replay-err"});
-    ASSERT_TRUE(comesTrue([] { return fs::is_symlink("replayed"); }));
-    const Ending ending = run({"-p", "replayed", "versions"});
-    EXPECT_EQ(ending.code, done);
-    EXPECT_EQ(ending.out, camera.run("versions").out);
-}
-
 TEST(Files, RecordingOfASearchHoldsItsHeartbeats) {
     const Camera camera;
     ASSERT_EQ(run(joined({"--record", "a.rec"}, camera.with("find --rates 460800 --addresses 1"))).code,
