@@ -120,12 +120,12 @@ private:
 class KeptSettings {
 public:
     KeptSettings() {
-        for (std::size_t i = 0; i < signals.size(); ++i)
-            ::sigaction(signals[i], nullptr, &m_actions[i]);
+        for (std::size_t i = 0; i < changedSignals.size(); ++i)
+            ::sigaction(changedSignals[i], nullptr, &m_actions[i]);
     }
     ~KeptSettings() {
-        for (std::size_t i = 0; i < signals.size(); ++i)
-            ::sigaction(signals[i], &m_actions[i], nullptr);
+        for (std::size_t i = 0; i < changedSignals.size(); ++i)
+            ::sigaction(changedSignals[i], &m_actions[i], nullptr);
         qInstallMessageHandler(m_handler);
         diagnostics::setStream(m_diagnostics);
         std::cerr.flags(m_flags);
@@ -134,9 +134,9 @@ public:
     KeptSettings& operator=(const KeptSettings&) = delete;
 
 private:
-    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ};
+    static constexpr std::array changedSignals{SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ};
 
-    std::array<struct sigaction, signals.size()> m_actions{};
+    std::array<struct sigaction, changedSignals.size()> m_actions{};
     const QtMessageHandler m_handler = qInstallMessageHandler(nullptr);
     std::ostream& m_diagnostics = diagnostics::stream();
     const std::ios::fmtflags m_flags = std::cerr.flags();

@@ -42,6 +42,18 @@ TEST(Files, PictureIsThatOfTheCamera) {
     EXPECT_EQ(files::read("one.jpg"), std::vector<std::uint8_t>(3000, 0x5A));
 }
 
+TEST(Files, DownloadThatStandsStillEndsAfter10Seconds) {
+    Camera camera;
+    camera.addFault("silent@read");
+    const auto start = std::chrono::steady_clock::now();
+    const Ending ending = camera.run("pictures get 33 -o one.jpg");
+    const auto duration = std::chrono::steady_clock::now() - start;
+    EXPECT_EQ(ending.code, noAnswer);
+    EXPECT_GT(duration, 10s);
+    EXPECT_LT(duration, 12s);
+    EXPECT_THAT(ending.err, HasSubstr("10 s"));
+}
+
 TEST(Files, AllPicturesComeIntoTheFolder) {
     const Camera camera;
     ASSERT_EQ(camera.run("capture").code, done);
