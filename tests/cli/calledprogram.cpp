@@ -2,6 +2,7 @@
 
 #include "cli/commandline.h"
 #include "link/diagnostics.h"
+#include "tests/simulation/world/scheduler.h"
 
 #include <QtGlobal>
 
@@ -24,8 +25,9 @@ namespace clitest {
 
 namespace {
 
-/// Where a sanitizer writes what it finds.
-void reportTo([[maybe_unused]] int descriptor) {
+/// Where the end of the process by a deadlock or a sanitizer is told.
+void reportTo(int descriptor) {
+    world::onDeadlock([descriptor] { ::dup2(descriptor, STDERR_FILENO); });
 #ifdef __SANITIZE_ADDRESS__
     __sanitizer_set_report_fd(
         reinterpret_cast<void*>(std::intptr_t{descriptor})); // NOLINT: so it is declared
@@ -65,7 +67,7 @@ public:
         lead(1, streams.out, O_CREAT | O_WRONLY | O_TRUNC | O_NOCTTY);
         lead(2, streams.err, O_CREAT | O_WRONLY | O_TRUNC | O_NOCTTY);
         if (const auto& error = m_streams.back())
-            reportTo(error->before());
+            reportTo(error->before()); // not to a file that nobody reads then
     }
     ~LedStreams() {
         flush();
