@@ -105,6 +105,39 @@ TEST(Interrupted, PortCanBeOpenedAfterwards) {
     EXPECT_EQ(camera.run("heartbeat").code, done);
 }
 
+TEST(Interrupted, WatchPrintsEachHeartbeatAndTheCounts) {
+    Camera camera;
+    camera.addFault("silent@heartbeat#2");
+    Tool tool(joined({"--json"}, camera.with("watch")));
+    ASSERT_TRUE(comesTrue([&] { return camera.requests() >= 3; }));
+    tool.signal(SIGINT);
+    const Ending ending = tool.end();
+    EXPECT_EQ(ending.code, interrupted);
+    const std::vector<QJsonObject> objects = objectsOf(ending.out);
+    ASSERT_GE(objects.size(), 4U) << ending.out;
+    EXPECT_TRUE(objects[0]["heartbeat"].toBool());
+    EXPECT_FALSE(objects[1]["heartbeat"].toBool());
+    EXPECT_EQ(objects.back()["asked"].toInt(), static_cast<int>(objects.size()) - 1);
+    EXPECT_EQ(schemaComplaints(ending.out), "");
+}
+
+TEST(Interrupted, BatchIsResumed) {
+    Camera camera;
+    camera.addFault("silent@read#1");
+    std::ofstream("jobs") << camera.job("sn") << camera.job("pictures get 33 -o one.jpg")
+                          << camera.job("model");
+    Tool tool({"--json", "batch", "jobs", "--resume", "state"});
+    ASSERT_TRUE(comesTrue([] { return Process::text("state").find("\n1\n") != std::string::npos; }));
+    ASSERT_TRUE(comesTrue([&] { return camera.requests() >= 3; }));
+    tool.signal(SIGINT);
+    EXPECT_EQ(tool.end().code, interrupted);
+    EXPECT_FALSE(std::filesystem::exists("one.jpg"));
+    const Ending second = run({"--json", "batch", "jobs", "--resume", "state"});
+    EXPECT_EQ(second.code, done) << second.out << second.err;
+    EXPECT_THAT(jobLines(second), testing::ElementsAre(2, 3));
+    EXPECT_TRUE(std::filesystem::exists("one.jpg"));
+}
+
 // --- a reader that goes ------------------------------------------------------------------------------------
 
 TEST(BrokenPipe, EndsWatchWithCode5) {

@@ -36,6 +36,13 @@ std::vector<QJsonObject> objectsOf(const std::string& output) {
     return objects;
 }
 
+std::vector<int> jobLines(const Ending& ending) {
+    std::vector<int> lines;
+    for (const QJsonObject& object : objectsOf(ending.out))
+        lines.push_back(object["jobLine"].toInt());
+    return lines;
+}
+
 namespace {
 
 /// The judge takes long to start: one process for all tests of this one, with which it ends.

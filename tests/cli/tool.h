@@ -1,8 +1,13 @@
-// shelf-camera as a process against virtual cameras.
+// shelf-camera against virtual cameras: a process and pseudo-terminals, or in virtual time a call and lines
+// in memory.
 #pragma once
 
-#include "emulator/line/ptyfront.h"
 #include "tests/support/process.h"
+#include "tests/support/testfront.h"
+
+#ifdef CAMERA_VIRTUAL_TIME
+#include "tests/cli/calledprogram.h"
+#endif
 
 #include <QJsonObject>
 
@@ -27,25 +32,32 @@ struct Ending {
     std::string err;
 };
 
+#ifdef CAMERA_VIRTUAL_TIME
+using Program = CalledProgram;
+#else
+using Program = Process;
+#endif
+
 /// The running program; English unless the environment says otherwise, standard input empty.
-class Tool : public Process {
+class Tool : public Program {
 public:
     explicit Tool(const Words& words) : Tool(words, emptyInput()) {}
-    Tool(const Words& words, Streams streams) : Tool(words, std::move(streams), {{"LANGUAGE", "en"}}) {}
-    Tool(const Words& words, Streams streams, const Environment& environment)
-        : Process(SHELF_CAMERA_PROGRAM, words, streams, environment), m_streams(std::move(streams)) {}
+    Tool(const Words& words, Process::Streams streams)
+        : Tool(words, std::move(streams), {{"LANGUAGE", "en"}}) {}
+    Tool(const Words& words, Process::Streams streams, const Process::Environment& environment)
+        : Program(SHELF_CAMERA_PROGRAM, words, streams, environment), m_streams(std::move(streams)) {}
 
     Ending end() {
         const int code = wait();
-        return {code, text(m_streams.out), text(m_streams.err)};
+        return {code, Process::text(m_streams.out), Process::text(m_streams.err)};
     }
 
-    static Streams emptyInput(const std::string& prefix = {}) {
+    static Process::Streams emptyInput(const std::string& prefix = {}) {
         return {"/dev/null", prefix + "out", prefix + "err"};
     }
 
 private:
-    Streams m_streams;
+    Process::Streams m_streams;
 };
 
 inline Ending run(const Words& words) {
@@ -59,6 +71,8 @@ inline Ending run(const Words& words) {
 
 /// The objects of an output that has one a line; nothing for any other output.
 [[nodiscard]] std::vector<QJsonObject> objectsOf(const std::string& output);
+/// Lines of the jobs of which the output has an object, in its order.
+[[nodiscard]] std::vector<int> jobLines(const Ending& ending);
 /// What the schema complains of; empty for a valid output.
 [[nodiscard]] std::string schemaComplaints(const std::string& output);
 
@@ -78,16 +92,18 @@ public:
     [[nodiscard]] Words with(const Words& words) const;
     [[nodiscard]] Words with(const std::string& line) const { return with(wordsOf(line)); }
     [[nodiscard]] Ending run(const std::string& line) const { return clitest::run(with(line)); }
+    /// The command as a line of a job file.
+    [[nodiscard]] std::string job(const std::string& line) const { return port() + " 1 0 " + line + "\n"; }
     void addFault(const std::string& text) {
         m_front.withCamera([&](auto& camera) { camera.addFault(text); });
     }
     /// Requests received so far.
     [[nodiscard]] std::size_t requests();
-    [[nodiscard]] emulator::PtyFront& front() { return m_front; }
+    [[nodiscard]] TestFront& front() { return m_front; }
 
 private:
     emulator::CameraType m_type;
-    emulator::PtyFront m_front;
+    TestFront m_front;
 };
 
 /// False when the condition does not come true within a generous time.

@@ -1,4 +1,4 @@
-// find, check, watch, several ports and languages.
+// find, check, several ports and conform.
 #include "emulator/line/cameraprofile.h"
 #include "tests/cli/tool.h"
 #include "tests/support/workingdirectory.h"
@@ -171,24 +171,6 @@ INSTANTIATE_TEST_SUITE_P(All, CheckOfType,
                              return "Type" + std::to_string(static_cast<unsigned>(type.param));
                          });
 
-// --- watch -------------------------------------------------------------------------------------------------
-
-TEST(Watch, PrintsEachHeartbeatAndTheCounts) {
-    Camera camera;
-    camera.addFault("silent@heartbeat#2");
-    Tool tool(joined({"--json"}, camera.with("watch")));
-    ASSERT_TRUE(comesTrue([&] { return camera.requests() >= 3; }));
-    tool.signal(SIGINT);
-    const Ending ending = tool.end();
-    EXPECT_EQ(ending.code, interrupted);
-    const std::vector<QJsonObject> objects = objectsOf(ending.out);
-    ASSERT_GE(objects.size(), 4U) << ending.out;
-    EXPECT_TRUE(objects[0]["heartbeat"].toBool());
-    EXPECT_FALSE(objects[1]["heartbeat"].toBool());
-    EXPECT_EQ(objects.back()["asked"].toInt(), static_cast<int>(objects.size()) - 1);
-    EXPECT_EQ(schemaComplaints(ending.out), "");
-}
-
 // --- several ports -----------------------------------------------------------------------------------------
 
 TEST(SeveralPorts, EndWithTheHighestCode) {
@@ -251,39 +233,6 @@ TEST(Conform, SilentCameraEndsWithCode4) {
     const Ending ending = camera.run("conform --repeats 1 -o camera.profile");
     EXPECT_EQ(ending.code, noAnswer);
     EXPECT_FALSE(std::filesystem::exists("camera.profile"));
-}
-
-// --- languages ---------------------------------------------------------------------------------------------
-
-struct Language {
-    Process::Environment environment;
-    bool chinese;
-};
-
-class Languages : public testing::TestWithParam<Language> {};
-
-TEST_P(Languages, FollowTheEnvironment) {
-    const Camera camera;
-    Process::Environment environment{{"LANGUAGE", ""}, {"LC_ALL", ""}, {"LC_MESSAGES", ""}, {"LANG", ""}};
-    for (const auto& [name, value] : GetParam().environment)
-        environment[name] = value;
-    const Ending ending = Tool(camera.with("sn"), Tool::emptyInput(), environment).end();
-    EXPECT_EQ(ending.out, GetParam().chinese ? "序列号：SHELF000001\n" : "Serial number: SHELF000001\n");
-}
-
-INSTANTIATE_TEST_SUITE_P(All, Languages,
-                         testing::Values(Language{{{"LANG", "zh_CN.UTF-8"}}, true}, Language{{}, false},
-                                         Language{{{"LANG", "de_DE.UTF-8"}}, false},
-                                         Language{{{"LANGUAGE", "zh_CN:en"}, {"LANG", "C"}}, true},
-                                         Language{{{"LANGUAGE", "en"}, {"LANG", "zh_CN.UTF-8"}}, false},
-                                         Language{{{"LC_ALL", "C"}, {"LANG", "zh_CN.UTF-8"}}, false},
-                                         Language{{{"LC_MESSAGES", "zh_CN.UTF-8"}, {"LANG", "C"}}, true}));
-
-TEST(Language, JsonKeysAreEnglish) {
-    const Camera camera;
-    const Ending ending =
-        Tool(joined({"--json"}, camera.with("sn")), Tool::emptyInput(), {{"LANGUAGE", "zh_CN"}}).end();
-    EXPECT_EQ(schemaComplaints(ending.out), "");
 }
 
 } // namespace
