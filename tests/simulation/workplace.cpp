@@ -34,11 +34,16 @@ Bytes smallPicture(std::uint16_t /*id*/, std::uint32_t variation) {
         image.save(&buffer, "JPG");
         return bytes;
     }();
-    constexpr std::uint32_t largeOneOf = 4;
+    constexpr std::uint32_t kinds = 4;
     constexpr std::size_t large = 9000; // more than a piece of a picture by JSON
+    constexpr std::size_t block = 512;
+    constexpr std::size_t overhead = 11; // of a transfer
     std::string comment = "picture " + std::to_string(variation);
-    if (variation % largeOneOf == 0)
+    const std::size_t transfer = static_cast<std::size_t>(grey.size()) + 4 + comment.size() + overhead;
+    if (variation % kinds == 0)
         comment.resize(large, '.');
+    else if (variation % kinds == 1) // whole blocks and one byte
+        comment.resize(comment.size() + block + 1 - transfer % block, '.');
     const std::size_t length = comment.size() + 2;
     Bytes picture(grey.begin(), grey.begin() + 2);
     picture.insert(picture.end(), {0xFF, 0xFE, static_cast<std::uint8_t>(length >> 8U),
