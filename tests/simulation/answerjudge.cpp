@@ -345,7 +345,9 @@ void AnswerJudge::learn(Thread& thread) {
         list(exchange);
     if (exchange.code() == code(Command::originRead) && exchange.isPictureTransfer() &&
         world::threadNumber() != 0)
-        thread.refused = exchange.bytes().size() > headerSize && isTransferRefused(exchange);
+        // A capture asks for a picture 0 of no size when it does not know its own.
+        thread.refused =
+            exchange.pictureSize() > 0 && exchange.bytes().size() > headerSize && isTransferRefused(exchange);
     if (const auto offset = pieceOffset(exchange); offset && exchange.answered()) {
         if (*offset == 0)
             thread.pieces.clear();

@@ -305,8 +305,10 @@ void Judge::linkClosed(world::Time duration) {
 /// A download reads until all its bytes have come, which a good line and a camera that does not restart send
 /// after a picture command that it knows, of a picture that it has.
 void Judge::lostPatience() {
-    require(restartsByCommand() || !isCameraLinked() || m_pictureOffset || !hasWantedPicture() ||
-                !m_workplace.camera().record().uploads.empty() || m_workplace.disturbances().any(),
+    const bool uploaded =
+        !m_workplace.camera().record().uploads.empty() || heard(code(Command::appV1Packet)) > 0;
+    require(restartsByCommand() || uploaded || !isCameraLinked() || m_pictureOffset || !hasWantedPicture() ||
+                m_workplace.disturbances().any(),
             "O3: a job never ends");
 }
 
