@@ -138,13 +138,14 @@ configure_and_build() {
 # A command that starts ctest, with its options; empty: nothing in between.
 test_launcher=()
 
-# start_ctest PRESET [OPTION...]: several tests at once for each processor, as most of them wait.
+# start_ctest PRESET [OPTION...]: several tests at once for each processor, as most of them wait; fewer beside builds.
 start_ctest() (
-  preset=$1
+  preset=$1 places=12
   shift
+  [ -z "${CI:-}" ] || places=8
   cd "$project_root"
   export QT_QPA_PLATFORM=offscreen
-  "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * 8))" "$@"
+  "${test_launcher[@]}" ctest --preset "$preset" --parallel "$(($(nproc) * places))" "$@"
 )
 
 # list_slow_tests PRESET: tests with the label "slow", one a line. It empties ctest's log of the last run.

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-/// As long as it lives, the windows' changes are painted together 25 times a second. Without it every change
+/// As long as it lives, the windows' changes are painted together four times a second. Without it every change
 /// is painted at once: half of the processor time of tests in virtual time, where no time passes between
 /// changes. What is shown first, and what a test grabs, is painted at once.
 class ScreenRefresh final : public QObject {
@@ -34,7 +34,7 @@ protected:
     }
 
 private:
-    static constexpr std::chrono::milliseconds interval{40};
+    static constexpr std::chrono::milliseconds interval{250};
 
     void paint() {
         m_painting = true;
