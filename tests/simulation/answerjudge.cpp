@@ -292,19 +292,19 @@ std::string AnswerJudge::wrongGarbage(const Thread& thread) {
     const SeenExchange& exchange = thread.exchange;
     const bool logs = !exchange.isAmbiguous() && exchange.code() != code(Command::originRead) &&
                       exchange.code() != code(Command::readV1);
-    return logs && exchange.garbage() != thread.garbage ? "the log tells other garbage than came" : "";
+    return logs && exchange.garbage() != thread.garbage ? "O6: the log tells other garbage than came" : "";
 }
 
 /// A download that was stopped reads on only as long as bytes come.
 std::string AnswerJudge::wrongRest(Thread& thread) {
     constexpr int mostEmptyReads = 3;
-    return thread.emptyReads && ++*thread.emptyReads > mostEmptyReads ? "a stopped download goes on" : "";
+    return thread.emptyReads && ++*thread.emptyReads > mostEmptyReads ? "O3: a stopped download goes on" : "";
 }
 
 std::string AnswerJudge::reads(const std::string& port) {
     if (const auto writer = m_writers.find(port);
         writer != m_writers.end() && writer->second != world::threadNumber())
-        return "a user of the line reads the answer to another";
+        return "O2: a user of the line reads the answer to another";
     const auto thread = m_threads.find(world::threadNumber());
     if (thread == m_threads.end())
         return {};
@@ -313,9 +313,10 @@ std::string AnswerJudge::reads(const std::string& port) {
         if (!wrong.empty())
             return wrong;
     }
-    return thread->second.exchange.isUpload() && m_upload && m_upload->port() == port
-               ? m_upload->goesOnReading()
-               : std::string();
+    if (!thread->second.exchange.isUpload() || !m_upload || m_upload->port() != port)
+        return {};
+    const std::string wrong = m_upload->goesOnReading();
+    return wrong.empty() ? wrong : "O1: " + wrong;
 }
 
 void AnswerJudge::received(const Bytes& bytes) {
@@ -344,10 +345,11 @@ void AnswerJudge::learn(Thread& thread) {
     if (isCatalogue(exchange))
         list(exchange);
     if (exchange.code() == code(Command::originRead) && exchange.isPictureTransfer() &&
-        world::threadNumber() != 0)
-        // A capture asks for a picture 0 of no size when it does not know its own.
+        world::threadNumber() != 0) {
+        // A capture that does not know its picture asks for one of no size.
         thread.refused =
             exchange.pictureSize() > 0 && exchange.bytes().size() > headerSize && isTransferRefused(exchange);
+    }
     if (const auto offset = pieceOffset(exchange); offset && exchange.answered()) {
         if (*offset == 0)
             thread.pieces.clear();

@@ -13,7 +13,7 @@
 namespace simulation {
 
 /// Follows the exchanges of each thread. The functions are called on the thread that uses the port; those
-/// that return a text say what is wrong, nothing if all is well.
+/// that return a text say what is wrong, nothing if all is well. That of reads() begins with the rule.
 class AnswerJudge {
 public:
     explicit AnswerJudge(SeenUpload::File file) : m_file(std::move(file)) {}

@@ -245,8 +245,8 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
         else
             m_othersRequest = longest;
     } else if (call.starts_with("read ")) {
-        const std::string tooFar = m_answers.reads(port);
-        require(tooFar.empty(), "O1: " + tooFar);
+        const std::string wrongRead = m_answers.reads(port);
+        require(wrongRead.empty(), wrongRead);
         ++exchange.reads;
         // The window that views a picture waits for all of its bytes.
         if (exchange.mostReads < 0 && exchange.reads == endlessReads && world::threadNumber() == 0) {

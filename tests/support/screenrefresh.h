@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
-/// As long as it lives, the windows' changes are painted together four times a second. Without it every change
-/// is painted at once: half of the processor time of tests in virtual time, where no time passes between
-/// changes. What is shown first, and what a test grabs, is painted at once.
+/// As long as it lives, the windows' changes are painted together four times a second. Without it every
+/// change is painted at once: half of the processor time of tests in virtual time, where no time passes
+/// between changes. What is shown first, and what a test grabs, is painted at once.
 class ScreenRefresh final : public QObject {
 public:
     ScreenRefresh() {
