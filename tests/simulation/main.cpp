@@ -5,7 +5,11 @@
 
 #include <CLI/CLI.hpp>
 #include <array>
+#include <atomic>
 #include <cstdio>
+#include <new>
+#include <sched.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -76,11 +80,40 @@ bool follow(const std::string& profile) {
     }
 }
 
-/// Every jobs-th seed.
+/// The threads of a session run one at a time: on one processor they wake each other soonest.
+void stayOnProcessor(unsigned int share) {
+    cpu_set_t allowed;
+    if (::sched_getaffinity(0, sizeof(allowed), &allowed) != 0)
+        return;
+    unsigned int place = share % static_cast<unsigned int>(CPU_COUNT(&allowed));
+    for (std::size_t processor = 0; processor < CPU_SETSIZE; ++processor) {
+        if (!CPU_ISSET(processor, &allowed) || place-- > 0)
+            continue;
+        cpu_set_t own;
+        CPU_ZERO(&own);
+        CPU_SET(processor, &own);
+        ::sched_setaffinity(0, sizeof(own), &own);
+        return;
+    }
+}
+
+using Counter = std::atomic<std::uint64_t>;
+
+/// Sessions that the jobs have begun, in memory that they share.
+Counter& begunSessions() {
+    static void* const place =
+        ::mmap(nullptr, sizeof(Counter), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (place == MAP_FAILED)
+        throw std::runtime_error("no memory for several processes");
+    static Counter* const counter = new (place) Counter(0);
+    return *counter;
+}
+
 Totals runShare(const Options& options, unsigned int share) {
+    stayOnProcessor(share);
     startServers();
     Totals totals;
-    for (std::uint64_t i = share; i < options.sessions; i += options.jobs) {
+    for (std::uint64_t i = begunSessions()++; i < options.sessions; i = begunSessions()++) {
         const std::uint64_t seed = options.first + i;
         const Outcome outcome = runInChild(scenarioOf(seed));
         ++totals.sessions;
@@ -100,6 +133,7 @@ Totals runAll(const Options& options) {
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) != 0)
         throw std::runtime_error("no pipe");
+    begunSessions() = 0; // the jobs inherit it
     for (unsigned int share = 0; share < options.jobs; ++share) {
         if (::fork() == 0) {
             const Totals totals = runShare(options, share);
