@@ -112,8 +112,10 @@ void Judge::checkPicture(const QString& path, std::optional<unsigned int> id) {
     const Disturbances& disturbed = m_workplace.disturbances();
     if (disturbed.toTool || disturbed.late || disturbed.camera)
         return;
-    // A capture whose picture is not known in time goes on with what it has; V1 writes whatever comes.
-    if (id == 0U && m_workplace.camera().settings().type == emulator::CameraType::salesDynamic)
+    // A capture whose picture is not known in time goes on with what it has; V1 writes whatever comes, and an
+    // offset can make the request another command.
+    if (id == 0U &&
+        (m_pictureOffset || m_workplace.camera().settings().type == emulator::CameraType::salesDynamic))
         return;
     const QByteArray bytes = contentOf(path);
     const auto& pictures = m_workplace.pictures();

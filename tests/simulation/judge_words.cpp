@@ -48,6 +48,8 @@ void Judge::statusShown(const QString& text) {
         m_resultDue = false;
         m_answers.forgetUpload();
     }
+    if (text.startsWith(QStringLiteral("正在读取图片列表")))
+        m_catalogueSize.reset(); // read again before anybody looked
     if (text.contains(QStringLiteral("没有可升级的文件")))
         m_pressedWithoutFile = true;
     if (text.startsWith(QStringLiteral("图片命令附加值：")) ||
