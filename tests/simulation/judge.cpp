@@ -89,6 +89,12 @@ Bytes bytesOfHex(const std::string& text) {
     return bytes;
 }
 
+bool isJsonHead(const Bytes& head) {
+    constexpr std::size_t mark = 12;
+    return head.size() > mark + 1 && std::equal(jsonStart.begin(), jsonStart.end(), head.begin()) &&
+           head[mark] == 0xFD && head[mark + 1] == 0xFC;
+}
+
 bool isUpload(std::uint8_t requestCode) {
     return requestCode == code(Command::appAnnounce) || requestCode == code(Command::firewareAnnounce) ||
            requestCode == code(Command::modelAnnounce);
@@ -229,7 +235,7 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
         const ByteView view(head);
         const bool frame =
             head.size() >= 8 && head[0] == protocol::frameStart1 && head[1] == protocol::frameStart2;
-        const bool json = !frame && m_workplace.camera().settings().type == emulator::CameraType::quenta;
+        const bool json = !frame && isJsonHead(head); // whatever camera there is
         if (!frame && !json)
             return; // data of an upload
         exchange = {};
