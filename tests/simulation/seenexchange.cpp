@@ -147,7 +147,7 @@ void SeenExchange::shift(std::uint8_t offset) {
     if (isPictureCommand(plain) && (!ambiguous || transfer))
         m_offset = offset;
     else
-        m_ambiguous = isPictureCommand(plain) && offset != 0;
+        m_ambiguous = isPictureCommand(plain) && offset != 0 && payload().size() <= transferSize;
 }
 
 void SeenExchange::received(const Bytes& bytes) {
