@@ -5,8 +5,9 @@ project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 # Packages for building; further ones for building and running the tests.
 build_packages=(g++ cmake ninja-build qt6-base-dev libcxx-serial-dev libcli11-dev)
-test_packages=(libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev qt6-base-private-dev fonts-noto-cjk qt6-translations-l10n
-  python3-jsonschema python3-markdown at-spi2-core dbus-daemon evilwm gir1.2-atspi-2.0 python3-gi xauth xvfb)
+test_packages=(libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev qt6-base-private-dev fonts-noto-cjk
+  qt6-translations-l10n python3-jsonschema python3-markdown at-spi2-core dbus-daemon evilwm gir1.2-atspi-2.0 python3-gi
+  xauth xvfb)
 # Packages for the static checks, and for making the Debian package.
 check_packages=(clang-format clang-tidy)
 package_packages=(appstream dpkg-dev file lintian python3-jsonschema python3-markdown)

@@ -118,7 +118,7 @@ private:
     std::map<std::string, std::optional<std::string>> m_before;
 };
 
-/// What else the program sets for its process is as before when this dies.
+/// Gives back the other settings of the process that the program changes.
 class KeptSettings {
 public:
     KeptSettings() {

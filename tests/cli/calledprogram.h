@@ -5,8 +5,8 @@
 
 namespace clitest {
 
-/// In place of a Process. The constructor returns when the program has ended. It cannot be told to speak
-/// Chinese, which the language keeps for the rest of the process.
+/// In place of a Process. The constructor returns when the program has ended. It cannot be interrupted, nor
+/// told to speak Chinese: the rest of the process would stay so.
 class CalledProgram {
 public:
     CalledProgram(const std::string& program, std::vector<std::string> arguments,

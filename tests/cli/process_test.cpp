@@ -1,4 +1,4 @@
-// What needs a process: the environment's language, the virtual camera's program.
+// The program in a process with a language of its own, and beside the virtual camera's.
 #include "tests/cli/tool.h"
 
 #include <gtest/gtest.h>

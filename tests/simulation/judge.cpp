@@ -35,8 +35,7 @@ namespace simulation {
 
 namespace {
 
-constexpr world::Time closingWork = 50ms;  // of the window itself
-constexpr world::Time sendingTime = 200ms; // of what the adapter has taken
+constexpr world::Time closingWork = 50ms; // of the window itself
 /// Work of the window itself, and short exchanges of others.
 constexpr world::Time othersTime = 2s;
 constexpr int endlessReads = 50;
@@ -78,21 +77,6 @@ Limits limitsOf(std::uint8_t requestCode, bool json) {
             limits.time, timeout * rule.tries + std::chrono::milliseconds(rule.pauseAfterWriteMs));
     }
     return known ? limits : shifted;
-}
-
-/// Of "AA 5A 01 ..", as the stand-in writes it.
-Bytes bytesOfHex(const std::string& text) {
-    Bytes bytes;
-    std::istringstream words(text);
-    for (std::string word; words >> word && word != "..";)
-        bytes.push_back(static_cast<std::uint8_t>(std::stoul(word, nullptr, 16)));
-    return bytes;
-}
-
-bool isJsonHead(const Bytes& head) {
-    constexpr std::size_t mark = 12;
-    return head.size() > mark + 1 && std::equal(jsonStart.begin(), jsonStart.end(), head.begin()) &&
-           head[mark] == 0xFD && head[mark + 1] == 0xFC;
 }
 
 bool isUpload(std::uint8_t requestCode) {
@@ -183,33 +167,6 @@ void Judge::watch(QWidget* mainWindow) {
                      [this](const QString& text) { statusShown(text); });
 }
 
-// --- closing ---------------------------------------------------------------------------------------------
-
-void CallsUnderWay::called(const std::string& port, const std::string& call) {
-    if (call == "close")
-        return;
-    Port& state = m_ports[port];
-    state.began = world::now();
-    state.longest = 0s;
-    if (call.starts_with("open ") || call.starts_with("setTimeout "))
-        state.timeoutMs = numbersOf(call).at(1);
-    else if (call.starts_with("read "))
-        state.longest = std::chrono::milliseconds(state.timeoutMs);
-    else
-        state.longest = sendingTime;
-}
-
-void CallsUnderWay::ended(const std::string& port) {
-    m_ports[port].longest = world::now() - m_ports[port].began;
-}
-
-world::Time CallsUnderWay::longest(world::Time from) const {
-    world::Time longest{0};
-    for (const auto& [name, port] : m_ports)
-        longest = std::max(longest, port.began + port.longest - from);
-    return longest;
-}
-
 // --- the line ----------------------------------------------------------------------------------------------
 
 void Judge::clientSaid(const std::string& line) {
@@ -231,15 +188,13 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
     Exchange& exchange = m_exchanges[port];
     if (call.starts_with("write ")) {
         require(!m_silent || world::threadNumber() != 0, "O2: an action sends that should not");
-        const Bytes head = bytesOfHex(call.substr(call.find(':') + 1));
-        const ByteView view(head);
-        const bool frame =
-            head.size() >= 8 && head[0] == protocol::frameStart1 && head[1] == protocol::frameStart2;
-        const bool json = !frame && isJsonHead(head); // whatever camera there is
+        const Bytes head = headOf(call);
+        const bool frame = isFrameHead(head);
+        const bool json = isJsonHead(head); // whatever camera there is
         if (!frame && !json)
             return; // data of an upload
         exchange = {};
-        exchange.code = frame ? view.get(protocol::frame_layout::command) : std::uint8_t{0};
+        exchange.code = frame ? ByteView(head).get(protocol::frame_layout::command) : std::uint8_t{0};
         const Limits limits = m_pictureOffset ? shifted : limitsOf(exchange.code, json);
         exchange.mostReads =
             limits.reads + (isUpload(exchange.code) ? protocol::rules::modelVerdictTries : 0);

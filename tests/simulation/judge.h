@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/simulation/answerjudge.h"
+#include "tests/simulation/callsunderway.h"
 #include "tests/simulation/protocoljudge.h"
 #include "tests/simulation/workplace.h"
 #include "tests/simulation/world/scheduler.h"
@@ -22,24 +23,6 @@ class QRadioButton;
 class QWidget;
 
 namespace simulation {
-
-/// The last call of each port: closing waits for those that have not returned.
-class CallsUnderWay {
-public:
-    void called(const std::string& port, const std::string& call);
-    /// A read has brought bytes.
-    void ended(const std::string& port);
-    /// For so long after this moment a call may last.
-    [[nodiscard]] world::Time longest(world::Time from) const;
-
-private:
-    struct Port {
-        world::Time began{0};
-        world::Time longest{0};
-        std::uint32_t timeoutMs = 0;
-    };
-    std::map<std::string, Port> m_ports;
-};
 
 /// Watches a session and writes down what breaks a rule. Each complaint begins with the rule:
 ///   O1 a reported upload is on the camera       O5 controls follow the state of the link

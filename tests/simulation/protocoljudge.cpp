@@ -32,23 +32,6 @@ std::string hexByte(std::uint8_t value) {
     return {digits[value >> 4U], digits[value & 0xFU]};
 }
 
-/// Of "write 11: AA 5A 01 ..".
-Bytes headOf(const std::string& call) {
-    Bytes bytes;
-    std::istringstream words(call.substr(call.find(':') + 1));
-    for (std::string word; words >> word && word != "..";)
-        bytes.push_back(static_cast<std::uint8_t>(std::stoul(word, nullptr, 16)));
-    return bytes;
-}
-
-bool isFrame(const Bytes& head) {
-    return head.size() >= 8 && std::equal(frameStart.begin(), frameStart.end(), head.begin());
-}
-
-bool isJson(const Bytes& head) {
-    return head.size() >= 16 && head[0] == 0x01 && head[1] == 0x17 && head[12] == 0xFD && head[13] == 0xFC;
-}
-
 bool isAnnouncement(std::uint8_t code) {
     return code == appAnnouncement || code == systemAnnouncement || code == modelAnnouncement;
 }
@@ -85,6 +68,14 @@ std::vector<DocumentedExchange> readTable() {
 }
 
 } // namespace
+
+Bytes headOf(const std::string& call) {
+    Bytes bytes;
+    std::istringstream words(call.substr(call.find(':') + 1));
+    for (std::string word; words >> word && word != "..";)
+        bytes.push_back(static_cast<std::uint8_t>(std::stoul(word, nullptr, 16)));
+    return bytes;
+}
 
 std::vector<std::uint32_t> numbersOf(const std::string& call) {
     std::vector<std::uint32_t> numbers;
@@ -157,12 +148,12 @@ void ProtocolJudge::setPictureOffset(const std::string& port, std::uint8_t offse
 
 std::string ProtocolJudge::wrote(Line& line, const Bytes& head, std::chrono::nanoseconds now) {
     const Preparation preparation = std::exchange(line.preparation, {});
-    if (!isFrame(head) && !isJson(head)) { // data of an upload
+    if (!isFrameHead(head) && !isJsonHead(head)) { // data of an upload
         const bool flushes = line.image == systemAnnouncement || line.image == modelAnnouncement;
         return preparation.flushes == flushes ? std::string() : "data of an upload with a wrong flush";
     }
-    const std::uint8_t code = isFrame(head) ? head[3] : std::uint8_t{0};
-    line.request = isFrame(head) ? hexByte(code) : "none";
+    const std::uint8_t code = isFrameHead(head) ? head[3] : std::uint8_t{0};
+    line.request = isFrameHead(head) ? hexByte(code) : "none";
     line.image = isAnnouncement(code) ? code : std::uint8_t{0};
     line.written = now;
     line.reads = 0;

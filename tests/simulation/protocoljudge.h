@@ -14,6 +14,8 @@ namespace simulation {
 /// Of "setTimeout 4294967295,50,0,50,0" or "open 460800 4294967295,50,0,50,0", where the rate takes the first
 /// place.
 [[nodiscard]] std::vector<std::uint32_t> numbersOf(const std::string& call);
+/// The first bytes of "write 30: AA 5A 01 ..".
+[[nodiscard]] protocol::Bytes headOf(const std::string& call);
 
 /// A row of the table.
 struct DocumentedExchange {

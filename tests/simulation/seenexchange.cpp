@@ -64,13 +64,21 @@ std::uint8_t byteAt(const Bytes& bytes, std::size_t at) {
     return at < bytes.size() ? bytes[at] : std::uint8_t{0xFF};
 }
 
+bool isFrameHead(const Bytes& head) {
+    return head.size() >= headerSize && startsWith(head, frameStart);
+}
+
+bool isJsonHead(const Bytes& head) {
+    return head.size() >= 14 && startsWith(head, jsonStart) && head[12] == 0xFD && head[13] == 0xFC;
+}
+
 bool isRequestFrame(const Bytes& bytes) {
-    return startsWith(bytes, frameStart) && bytes.size() >= frameOverhead &&
+    return isFrameHead(bytes) && bytes.size() >= frameOverhead &&
            littleEndian(bytes, 4, 4) + frameOverhead == bytes.size();
 }
 
 bool isRequestJson(const Bytes& bytes) {
-    return startsWith(bytes, jsonStart) && bytes.size() >= 22 && bytes[12] == 0xFD && bytes[13] == 0xFC;
+    return isJsonHead(bytes) && bytes.size() >= 22;
 }
 
 bool hasRightCheck(const Bytes& request, bool json) {

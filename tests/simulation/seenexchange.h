@@ -23,6 +23,9 @@ inline constexpr std::size_t headerSize = 8; ///< of a frame
 /// FF where there is none.
 [[nodiscard]] std::uint8_t byteAt(const protocol::Bytes& bytes, std::size_t at);
 [[nodiscard]] std::string textOf(protocol::ByteView bytes);
+/// Of the first sixteen bytes of a request, or all of it.
+[[nodiscard]] bool isFrameHead(const protocol::Bytes& head);
+[[nodiscard]] bool isJsonHead(const protocol::Bytes& head);
 [[nodiscard]] bool isRequestFrame(const protocol::Bytes& bytes);
 [[nodiscard]] bool isRequestJson(const protocol::Bytes& bytes);
 /// The check code is computed here, apart from the client's.
