@@ -114,6 +114,7 @@ Judge::Judge(Workplace& workplace, const Resources& before)
         require(duration <= limit,
                 "O3: the windows stood still for " + std::to_string(duration / 1ms) + " ms");
         m_ownRequests = 0s;
+        m_othersRequest = m_othersLast;
     });
 }
 
@@ -182,6 +183,8 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
     if (call.starts_with("open "))
         m_answers.jobEnded();
     m_closing.called(port, call);
+    if (pictureOffset() != 0) // the status bar may have been held when it came
+        m_pictureOffset = true;
     m_protocolJudge.setPictureOffset(port, pictureOffset());
     const std::string wrong = m_protocolJudge.called(port, call, world::now());
     require(wrong.empty(), "O3: " + wrong);
@@ -204,7 +207,8 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
         if (world::threadNumber() == 0) // JSON pictures are never read there
             m_ownRequests += longest;
         else
-            m_othersRequest = longest;
+            m_othersLast = longest;
+        m_othersRequest = std::max(m_othersRequest, m_othersLast);
     } else if (call.starts_with("read ")) {
         const std::string wrongRead = m_answers.reads(port);
         require(wrongRead.empty(), wrongRead);
@@ -221,7 +225,7 @@ void Judge::libraryCalled(const std::string& port, const std::string& call) {
     }
 }
 
-/// The window gave this offset to the client last; the status bar may have been held then.
+/// The window gave this offset to the client last.
 std::uint8_t Judge::pictureOffset() const {
     return m_lineWatch != nullptr && m_lineWatch->log() != nullptr ? m_lineWatch->log()->head.pictureOffset
                                                                    : std::uint8_t{0};

@@ -114,7 +114,8 @@ private:
     CallsUnderWay m_closing;
     bool m_silent = false;
     world::Time m_ownRequests{0};   ///< what the first thread's requests of this standstill may take
-    world::Time m_othersRequest{0}; ///< what the last request of another thread may take
+    world::Time m_othersRequest{0}; ///< what a request of another thread may take that it waited for
+    world::Time m_othersLast{0};    ///< what the last one may take
     std::map<QString, std::size_t> m_heardBefore;
     QString m_statusText;
     std::map<QString, bool> m_done; ///< by name of a command: how the status bar told its last end

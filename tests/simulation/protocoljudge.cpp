@@ -159,11 +159,11 @@ std::string ProtocolJudge::wrote(Line& line, const Bytes& head, std::chrono::nan
     line.reads = 0;
     line.answer.clear();
     line.confirmed = false;
+    const std::vector<std::uint32_t> logged = std::exchange(m_logged, {});
     if (line.pictureOffset != 0) {
         const bool ambiguous = line.pictureOffset <= 3;
         return isFirstGeneration(code) && !ambiguous ? "a picture command without its offset" : std::string();
     }
-    const std::vector<std::uint32_t> logged = std::exchange(m_logged, {});
     const bool logsHexadecimal = code == appAnnouncement || code == modelAnnouncement;
     if (logsHexadecimal &&
         (logged.size() < head.size() || !std::equal(head.begin(), head.end(), logged.begin())))

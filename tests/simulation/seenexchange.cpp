@@ -147,15 +147,18 @@ void SeenExchange::shift(std::uint8_t offset) {
     static constexpr std::array<std::uint8_t, 18> plainCodes{0x01, 0x02, 0x03, 0x04, 0x05, 0x0B,
                                                              0x0F, 0x1B, 0x1D, 0x1E, 0xC2, 0xC6,
                                                              0xC7, 0xC8, 0xC9, 0xCB, 0xCD, 0x00};
+    constexpr std::size_t deletionSize = 1; // captures and lists have no payload
     constexpr std::size_t transferSize = 9;
+    const std::size_t size = payload().size();
     const bool ambiguous = std::find(plainCodes.begin(), plainCodes.end(), code()) != plainCodes.end();
     const unsigned plain = (code() - unsigned{offset}) & 0xFFU;
-    const bool transfer = plain == protocol::code(Command::originRead) && payload().size() == transferSize &&
+    const bool transfer = plain == protocol::code(Command::originRead) && size == transferSize &&
                           littleEndian(payload(), 1, 4) == 0;
     if (isPictureCommand(plain) && (!ambiguous || transfer))
         m_offset = offset;
     else
-        m_ambiguous = isPictureCommand(plain) && offset != 0 && payload().size() <= transferSize;
+        m_ambiguous =
+            isPictureCommand(plain) && offset != 0 && (size <= deletionSize || size == transferSize);
 }
 
 void SeenExchange::received(const Bytes& bytes) {

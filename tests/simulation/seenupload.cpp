@@ -46,7 +46,7 @@ bool SeenUpload::goesOn(const SeenExchange& exchange) {
     else
         return false;
     if (m_packets == 1)
-        m_ready = m_last.granted() && m_last.answer().size() >= 16 &&
+        m_ready = m_last.granted() && m_last.answer().size() >= 14 && // all that it must hold
                   littleEndian(m_last.answer(), 10, 4) == m_size;
     m_last = exchange;
     return true;
