@@ -73,13 +73,13 @@ function(camera_test_main variable headers)
 endfunction()
 
 # camera_list_tests(program MOST number [FILTER filter] [PREFIX prefix] [ALONE regexes...] [LABELS labels...]
-#                   [ENVIRONMENT variables...] [TIMEOUT seconds])
+#                   [ENVIRONMENT variables...] [COST number] [TIMEOUT seconds])
 #
 # Registers the tests of a GoogleTest program that match the filter: each suite as "<prefix><suite>", or
 # "<prefix><suite>.1" and so on of at most so many tests; tests whose names match ALONE by themselves, labelled "slow".
 # Later files of TEST_INCLUDE_FILES find the names in ${program}_TESTS.
 function(camera_list_tests program)
-  cmake_parse_arguments(arg "" "MOST;FILTER;PREFIX;TIMEOUT" "ALONE;LABELS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(arg "" "MOST;FILTER;PREFIX;COST;TIMEOUT" "ALONE;LABELS;ENVIRONMENT" ${ARGN})
   if(NOT arg_FILTER)
     set(arg_FILTER "*")
   endif()
@@ -94,6 +94,7 @@ set(test_most ${arg_MOST})
 set(test_alone [==[${alone}]==])
 set(test_labels [==[${arg_LABELS}]==])
 set(test_environment [==[${arg_ENVIRONMENT}]==])
+set(test_cost [==[${arg_COST}]==])
 set(test_timeout ${arg_TIMEOUT})
 set(test_cmake [==[${CMAKE_COMMAND}]==])
 include([==[${PROJECT_SOURCE_DIR}/cmake/ListTests.cmake]==])
@@ -102,7 +103,7 @@ include([==[${PROJECT_SOURCE_DIR}/cmake/ListTests.cmake]==])
 endfunction()
 
 # camera_test(name SOURCES... [LINK targets...] [GUI | APPLICATION] [VIRTUAL_TIME | REAL_TIME filter]
-#             [QUICK] [LABELS labels...] [SLOW regexes...] [TIMEOUT seconds])
+#             [QUICK] [MOST number] [LABELS labels...] [SLOW regexes...] [COST number] [TIMEOUT seconds])
 #
 # A GoogleTest program. ctest runs its suites as processes, several at once. A test starts in an empty working directory,
 # which is deleted afterwards: downloads go into the working directory.
@@ -113,12 +114,14 @@ endfunction()
 #   REAL_TIME    another program runs these sources in virtual time; this one runs the tests that match the GoogleTest
 #                filter, as "RealTime.<name>". Left out under the address sanitizer: it sees the same calls in the other
 #   QUICK        the tests wait for nothing: a suite is not divided
+#   MOST         tests of a suite in one process: fewer where each takes much of the processor
 #   LABELS       "threads" for tests worth running under the thread sanitizer
 #   SLOW         tests whose names match run by themselves, get the label "slow" and start first: they take more than
 #                two seconds
+#   COST         of a suite: ctest starts what costs most first; 10 for SLOW ones
 #   TIMEOUT      for one process, 60 s if not given; sanitizers get three times as much
 function(camera_test name)
-  cmake_parse_arguments(arg "GUI;APPLICATION;VIRTUAL_TIME;QUICK" "REAL_TIME;TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
+  cmake_parse_arguments(arg "GUI;APPLICATION;VIRTUAL_TIME;QUICK" "REAL_TIME;MOST;COST;TIMEOUT" "SOURCES;LINK;LABELS;SLOW" ${ARGN})
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "camera_test(${name}): what is ${arg_UNPARSED_ARGUMENTS}?")
   endif()
@@ -189,6 +192,9 @@ function(camera_test name)
   if(virtual_time OR arg_QUICK)
     set(most ${camera_most_quick_tests})
   endif()
+  if(arg_MOST AND arg_MOST LESS most)
+    set(most ${arg_MOST})
+  endif()
   camera_list_tests(${name}
     FILTER "${arg_REAL_TIME}"
     PREFIX "${prefix}"
@@ -196,6 +202,7 @@ function(camera_test name)
     ALONE ${arg_SLOW}
     LABELS ${arg_LABELS}
     ENVIRONMENT ${environment}
+    COST "${arg_COST}"
     TIMEOUT ${arg_TIMEOUT})
   add_dependencies(test_programs ${name})
   if("threads" IN_LIST arg_LABELS)

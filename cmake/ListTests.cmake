@@ -2,7 +2,7 @@
 # test_alone has its own, with the label "slow".
 #
 # Set before: test_name, test_program, test_folder, test_prefix, test_filter, test_most (tests of a suite in one entry),
-# test_alone, test_labels, test_environment, test_timeout, test_cmake (its path). Sets ${test_name}_TESTS.
+# test_alone, test_labels, test_environment, test_cost, test_timeout, test_cmake (its path). Sets ${test_name}_TESTS.
 
 set(list_file "${test_folder}/${test_name}_list.cmake")
 if(NOT EXISTS "${test_program}")
@@ -85,6 +85,9 @@ if(${test_name}_TESTS)
     LABELS "${test_labels}"
     ENVIRONMENT "${test_environment}"
     TIMEOUT ${test_timeout})
+  if(test_cost)
+    set_tests_properties(${${test_name}_TESTS} PROPERTIES COST ${test_cost})
+  endif()
 endif()
 if(${test_name}_SLOW)
   set_tests_properties(${${test_name}_SLOW} PROPERTIES LABELS "${test_labels};slow" COST 10)

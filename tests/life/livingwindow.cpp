@@ -2,13 +2,13 @@
 
 #include "app/portchoice.h"
 #include "tests/support/printing.h"
+#include "tests/support/systemfilechooser.h"
 #include "tests/support/windowactions.h"
 
 #include <QAbstractButton>
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
@@ -60,6 +60,7 @@ struct LivingWindow::Shown {
 LivingWindow::LivingWindow(const Flow& flow)
     : m_flow(flow), m_bench(quickSettings(flow)), m_portName(m_bench.camera.portName()),
       m_boxes(QMessageBox::Yes) {
+    useSystemFileChooser();
     std::ofstream(fileName) << std::string(fileSize, 'x');
     m_bench.camera.setPace(pace);
     if (flow.fault != nullptr)
@@ -103,10 +104,8 @@ void LivingWindow::chooseFile(const char* button) {
     QTimer answer;
     QObject::connect(&answer, &QTimer::timeout, &answer, [] {
         auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-        if (dialog == nullptr)
-            return;
-        find<QLineEdit>(*dialog, "fileNameEdit")->setText(QDir::current().filePath(fileName));
-        QMetaObject::invokeMethod(dialog, "accept");
+        if (dialog != nullptr)
+            choosePath(*dialog, QDir::current().filePath(fileName));
     });
     answer.start(stepGapMs);
     press(window(), button);

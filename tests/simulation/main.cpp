@@ -2,13 +2,13 @@
 #include "app/application.h"
 #include "tests/simulation/runner.h"
 #include "tests/simulation/workplace.h"
+#include "tests/simulation/world/scheduler.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
 #include <atomic>
 #include <cstdio>
 #include <new>
-#include <sched.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <thread>
@@ -80,23 +80,6 @@ bool follow(const std::string& profile) {
     }
 }
 
-/// The threads of a session run one at a time: on one processor they wake each other soonest.
-void stayOnProcessor(unsigned int share) {
-    cpu_set_t allowed;
-    if (::sched_getaffinity(0, sizeof(allowed), &allowed) != 0)
-        return;
-    unsigned int place = share % static_cast<unsigned int>(CPU_COUNT(&allowed));
-    for (std::size_t processor = 0; processor < CPU_SETSIZE; ++processor) {
-        if (!CPU_ISSET(processor, &allowed) || place-- > 0)
-            continue;
-        cpu_set_t own;
-        CPU_ZERO(&own);
-        CPU_SET(processor, &own);
-        ::sched_setaffinity(0, sizeof(own), &own);
-        return;
-    }
-}
-
 using Counter = std::atomic<std::uint64_t>;
 
 /// Sessions that the jobs have begun, in memory that they share.
@@ -110,7 +93,7 @@ Counter& begunSessions() {
 }
 
 Totals runShare(const Options& options, unsigned int share) {
-    stayOnProcessor(share);
+    world::stayOnProcessor(share);
     startServers();
     Totals totals;
     for (std::uint64_t i = begunSessions()++; i < options.sessions; i = begunSessions()++) {

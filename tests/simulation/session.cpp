@@ -5,11 +5,11 @@
 #include "link/diagnostics.h"
 #include "pictures/piclist.h"
 #include "service/report.h"
-#include "tests/simulation/filechooser.h"
 #include "tests/simulation/judge.h"
 #include "tests/simulation/protocoljudge.h"
 #include "tests/simulation/technician.h"
 #include "tests/support/markdown.h"
+#include "tests/support/systemfilechooser.h"
 #include "tests/support/windowactions.h"
 
 #include <QApplication>
@@ -360,7 +360,7 @@ void prepareLooks() {
         QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         return;
     }
-    useSystemFileChooser();
+    guitest::useSystemFileChooser();
     spareShaping();
     measureTexts();
 }

@@ -1,12 +1,12 @@
 // How the technician answers boxes and file dialogs.
 #include "tests/simulation/choice.h"
 #include "tests/simulation/technician.h"
+#include "tests/support/guitest.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QInputDialog>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QRegularExpression>
 
@@ -43,12 +43,7 @@ void Technician::chooseFile(QFileDialog& dialog, const Step& step) {
         return;
     }
     note(QStringLiteral("chooses a file"));
-    const QString path = pathFor(dialog, step);
-    if (auto* const name = named<QLineEdit>(dialog, "fileNameEdit"))
-        name->setText(path);
-    else
-        dialog.selectFile(path);
-    QMetaObject::invokeMethod(&dialog, "accept"); // Qt's own asks before it replaces a file
+    guitest::choosePath(dialog, pathFor(dialog, step)); // Qt's own asks before it replaces a file
 }
 
 QString Technician::pathFor(const QFileDialog& dialog, const Step& step) {

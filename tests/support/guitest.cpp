@@ -76,12 +76,18 @@ void chooseForRow(const QWidget& window, int row, const QString& entry) {
         (*chosen)->trigger();
 }
 
+void choosePath(QFileDialog& dialog, const QString& path) {
+    if (auto* const name = dialog.findChild<QLineEdit*>("fileNameEdit"))
+        name->setText(path);
+    else
+        dialog.selectFile(path);
+    QMetaObject::invokeMethod(&dialog, "accept");
+}
+
 void chooseFolder(const QWidget& window, const QString& folder) {
     auto* const dialog = window.findChild<QFileDialog*>();
-    if (dialog == nullptr)
-        return;
-    find<QLineEdit>(*dialog, "fileNameEdit")->setText(folder);
-    QMetaObject::invokeMethod(dialog, "accept");
+    if (dialog != nullptr)
+        choosePath(*dialog, folder);
 }
 
 QString text(const QWidget& window, const char* name) {
@@ -144,9 +150,10 @@ void FileChooser::answer() {
     if (dialog == nullptr)
         return;
     m_seen.push_back({dialog->windowTitle(), dialog->nameFilters(), dialog->parent()});
-    if (!m_path.isEmpty()) // typed: selectFile leaves a name field alone that has the focus
-        find<QLineEdit>(*dialog, "fileNameEdit")->setText(m_path);
-    QMetaObject::invokeMethod(dialog, m_path.isEmpty() ? "reject" : "accept");
+    if (m_path.isEmpty())
+        dialog->reject();
+    else
+        choosePath(*dialog, m_path);
 }
 
 } // namespace guitest

@@ -4,6 +4,7 @@
 #include "tests/support/debuglog.h"
 
 #include <QAction>
+#include <QFileDialog>
 #include <QPointer>
 #include <QStringList>
 #include <QTest>
@@ -45,6 +46,9 @@ void trigger(const QWidget& window, const char* name);
 [[nodiscard]] QStringList exchangingEntries(const QWidget& window);
 /// Chooses an entry of the menu that the view called listview opens over a row; nothing where there is none.
 void chooseForRow(const QWidget& window, int row, const QString& entry);
+/// Chooses a file or folder: typed where the dialog has a name field, for selectFile() leaves one alone that
+/// has the focus.
+void choosePath(QFileDialog& dialog, const QString& path);
 /// Answers the file dialog that the window has opened; nothing where there is none.
 void chooseFolder(const QWidget& window, const QString& folder);
 /// The text of a label, button or line edit.

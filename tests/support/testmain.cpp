@@ -2,6 +2,10 @@
 // the application object: Qt's or the product's own.
 #include "tests/support/workingdirectory.h"
 
+#ifdef CAMERA_VIRTUAL_TIME
+#include "tests/simulation/world/scheduler.h"
+#endif
+
 #ifdef TEST_APPLICATION
 #include TEST_APPLICATION_HEADER
 #ifdef CAMERA_VIRTUAL_TIME
@@ -30,7 +34,11 @@ int main(int argc, char** argv) {
     const TEST_APPLICATION application(argc, argv);
 #ifdef CAMERA_VIRTUAL_TIME
     const ScreenRefresh screen;
+    QThreadPool::globalInstance(); // with the threads that it has on all processors: Qt paints with them
 #endif
+#endif
+#ifdef CAMERA_VIRTUAL_TIME
+    world::stayOnProcessor();
 #endif
     useFreshDirectories();
     const int result = RUN_ALL_TESTS();

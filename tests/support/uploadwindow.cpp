@@ -1,5 +1,6 @@
 #include "tests/support/uploadwindow.h"
 
+#include "tests/support/systemfilechooser.h"
 #include "tests/support/windowactions.h"
 
 #include <QAction>
@@ -41,6 +42,7 @@ void PrintTo(const WindowUpload& upload, std::ostream* out) {
 }
 
 UploadWindow::UploadWindow() : CameraWindow(emulator::settingsForType(emulator::CameraType::ostra)) {
+    guitest::useSystemFileChooser();
     clock.limitPauses(shortPause);
     camera.withCamera([](VirtualCamera& each) { each.settings().updateRestartTime = 0s; });
 }

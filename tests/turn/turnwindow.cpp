@@ -2,6 +2,7 @@
 
 #include "link/protocol/commands.h"
 #include "tests/support/cameratype.h"
+#include "tests/support/systemfilechooser.h"
 #include "tests/support/windowactions.h"
 
 #include <QBuffer>
@@ -100,6 +101,7 @@ int failuresSoFar() {
 TurnWindow::TurnWindow(const Setup& setup)
     : m_setup(setup), m_bench(settingsFor(setup)), m_boxes(QMessageBox::Yes) {
     QThreadPool::globalInstance()->setMaxThreadCount(poolThreads);
+    useSystemFileChooser();
     if (setup.pauses == Pauses::cut)
         m_bench.clock.setPauses(&cutPause);
     m_bench.camera.withCamera([this](VirtualCamera& camera) {

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <linux/futex.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/syscall.h>
 #include <utility>
 #include <vector>
@@ -295,6 +296,23 @@ unsigned int threadNumber() {
 
 unsigned int threadCount() {
     return static_cast<unsigned int>(world().threads.size());
+}
+
+void stayOnProcessor(std::optional<unsigned int> number) {
+    cpu_set_t allowed;
+    if (::sched_getaffinity(0, sizeof(allowed), &allowed) != 0)
+        return;
+    unsigned int place = number.value_or(static_cast<unsigned int>(std::max(0, ::sched_getcpu()))) %
+                         static_cast<unsigned int>(CPU_COUNT(&allowed));
+    for (std::size_t processor = 0; processor < CPU_SETSIZE; ++processor) {
+        if (!CPU_ISSET(processor, &allowed) || place-- > 0)
+            continue;
+        cpu_set_t own;
+        CPU_ZERO(&own);
+        CPU_SET(processor, &own);
+        ::sched_setaffinity(0, sizeof(own), &own);
+        return;
+    }
 }
 
 void onStandstill(std::function<void(Time)> handler) {

@@ -60,6 +60,9 @@ void preempt();
 /// Number of the calling thread; the first is 0.
 [[nodiscard]] unsigned int threadNumber();
 [[nodiscard]] unsigned int threadCount();
+/// Keeps the process on one of its processors, the present one if none is given: threads that run one at a
+/// time wake each other soonest there. Without effect where the system does not let it.
+void stayOnProcessor(std::optional<unsigned int> number = {});
 /// Called with the time for which the first thread processed no events: from one wait for descriptors, where
 /// its event loop rests, to the next.
 void onStandstill(std::function<void(Time duration)> handler);

@@ -1,4 +1,4 @@
-#include "tests/simulation/filechooser.h"
+#include "tests/support/systemfilechooser.h"
 
 #include <QEventLoop>
 #include <QUrl>
@@ -8,7 +8,7 @@
 #include <memory>
 #include <private/qguiapplication_p.h>
 
-namespace simulation {
+namespace guitest {
 
 namespace {
 
@@ -56,8 +56,10 @@ private:
 } // namespace
 
 void useSystemFileChooser() {
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, false);
     QPlatformTheme*& theme = QGuiApplicationPrivate::platform_theme;
-    theme = new ChooserTheme(theme);
+    if (dynamic_cast<ChooserTheme*>(theme) == nullptr)
+        theme = new ChooserTheme(theme);
 }
 
-} // namespace simulation
+} // namespace guitest
