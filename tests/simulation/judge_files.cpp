@@ -112,6 +112,8 @@ void Judge::checkPicture(const QString& path, std::optional<unsigned int> id) {
     const Disturbances& disturbed = m_workplace.disturbances();
     if (disturbed.toTool || disturbed.late || disturbed.camera)
         return;
+    if (disturbed.adapter) // a download that fails in the port leaves the rest of its picture to the next
+        return;
     // A capture whose picture is not known in time goes on with what it has; V1 writes whatever comes, and an
     // offset can make the request another command.
     if (id == 0U &&

@@ -153,7 +153,8 @@ void Judge::checkUploadSuccess(bool secondProtocol) {
     });
     require(returned || !returns, "O6: success of an upload, but the camera has not come back");
     const bool noVerdict = last.code == code(Command::firewareAnnounce);
-    if (noVerdict && (disturbed.toCamera || disturbed.adapter || disturbed.restarted))
+    // After an upload that was broken off the camera may take requests for data, and goes on behind them.
+    if (noVerdict && (disturbed.toCamera || disturbed.adapter || disturbed.restarted || m_brokenOff))
         return;
     require(last.complete && last.digestRight, "O1: success, but the camera does not hold the file");
 }
