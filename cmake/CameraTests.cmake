@@ -72,14 +72,15 @@ function(camera_test_main variable headers)
   camera_fast_build(${name} ${headers})
 endfunction()
 
-# camera_list_tests(program MOST number [FILTER filter] [PREFIX prefix] [ALONE regexes...] [LABELS labels...]
+# camera_list_tests(program MOST number [QUICK] [FILTER filter] [PREFIX prefix] [ALONE regexes...] [LABELS labels...]
 #                   [ENVIRONMENT variables...] [COST number] [TIMEOUT seconds])
 #
 # Registers the tests of a GoogleTest program that match the filter: each suite as "<prefix><suite>", or
-# "<prefix><suite>.1" and so on of at most so many tests; tests whose names match ALONE by themselves, labelled "slow".
+# "<prefix><suite>.1" and so on of at most so many tests; small QUICK suites together as "<prefix><program>.1" and so
+# on; tests whose names match ALONE by themselves, labelled "slow".
 # Later files of TEST_INCLUDE_FILES find the names in ${program}_TESTS.
 function(camera_list_tests program)
-  cmake_parse_arguments(arg "" "MOST;FILTER;PREFIX;COST;TIMEOUT" "ALONE;LABELS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(arg "QUICK" "MOST;FILTER;PREFIX;COST;TIMEOUT" "ALONE;LABELS;ENVIRONMENT" ${ARGN})
   if(NOT arg_FILTER)
     set(arg_FILTER "*")
   endif()
@@ -91,6 +92,7 @@ set(test_folder [==[${CMAKE_CURRENT_BINARY_DIR}]==])
 set(test_prefix [==[${arg_PREFIX}]==])
 set(test_filter [==[${arg_FILTER}]==])
 set(test_most ${arg_MOST})
+set(test_quick ${arg_QUICK})
 set(test_alone [==[${alone}]==])
 set(test_labels [==[${arg_LABELS}]==])
 set(test_environment [==[${arg_ENVIRONMENT}]==])
@@ -113,7 +115,7 @@ endfunction()
 #                a linked library X, X_virtual is linked if there is one. No effect under the thread sanitizer
 #   REAL_TIME    another program runs these sources in virtual time; this one runs the tests that match the GoogleTest
 #                filter, as "RealTime.<name>". Left out under the address sanitizer: it sees the same calls in the other
-#   QUICK        the tests wait for nothing: a suite is not divided
+#   QUICK        the tests wait for nothing: a suite is not divided, small ones share a process
 #   MOST         tests of a suite in one process: fewer where each takes much of the processor
 #   LABELS       "threads" for tests worth running under the thread sanitizer
 #   SLOW         tests whose names match run by themselves, get the label "slow" and start first: they take more than
@@ -189,13 +191,15 @@ function(camera_test name)
     set(prefix RealTime.)
   endif()
   set(most ${camera_most_waiting_tests})
+  set(quick "")
   if(virtual_time OR arg_QUICK)
     set(most ${camera_most_quick_tests})
+    set(quick QUICK)
   endif()
   if(arg_MOST AND arg_MOST LESS most)
     set(most ${arg_MOST})
   endif()
-  camera_list_tests(${name}
+  camera_list_tests(${name} ${quick}
     FILTER "${arg_REAL_TIME}"
     PREFIX "${prefix}"
     MOST ${most}

@@ -1,7 +1,8 @@
 # Run by ctest: lists the tests of a program and makes entries of them. Each suite is one, each test whose name matches
-# test_alone has its own, with the label "slow".
+# test_alone has its own, with the label "slow". Where test_quick is set, small suites share entries, which have the
+# program's name: to start a process takes longer than their tests.
 #
-# Set before: test_name, test_program, test_folder, test_prefix, test_filter, test_most (tests of a suite in one entry),
+# Set before: test_name, test_program, test_folder, test_prefix, test_filter, test_most (tests in one entry), test_quick,
 # test_alone, test_labels, test_environment, test_cost, test_timeout, test_cmake (its path). Sets ${test_name}_TESTS.
 
 set(list_file "${test_folder}/${test_name}_list.cmake")
@@ -57,10 +58,26 @@ if("${test_program}" IS_NEWER_THAN "${list_file}" OR "${settings_file}" IS_NEWER
     add_entry("${test_prefix}${test}")
     list(APPEND slow_entries "${test_prefix}${test}")
   endforeach()
+  set(shared "")
+  set(sharing 0)
+  macro(add_shared_entry)
+    math(EXPR sharing "${sharing} + 1")
+    set(tests "${shared}")
+    add_entry("${test_prefix}${test_name}.${sharing}")
+    set(shared "")
+  endmacro()
   foreach(suite IN LISTS suites)
     string(REGEX REPLACE "[.]$" "" name "${test_prefix}${suite}")
     set(rest "${tests_${suite}}")
     list(LENGTH rest count)
+    if(test_quick AND count LESS 20)
+      list(APPEND shared ${rest})
+      list(LENGTH shared count)
+      if(NOT count LESS test_most)
+        add_shared_entry()
+      endif()
+      continue()
+    endif()
     if(count GREATER 0 AND NOT count GREATER test_most)
       set(tests "${rest}")
       add_entry("${name}")
@@ -75,6 +92,9 @@ if("${test_program}" IS_NEWER_THAN "${list_file}" OR "${settings_file}" IS_NEWER
       math(EXPR at "${at} + ${test_most}")
     endwhile()
   endforeach()
+  if(shared)
+    add_shared_entry()
+  endif()
   string(APPEND content "set(${test_name}_TESTS [==[${entries}]==])\nset(${test_name}_SLOW [==[${slow_entries}]==])\n")
   file(WRITE "${list_file}" "${content}")
 endif()
