@@ -237,6 +237,7 @@ std::string AnswerJudge::writes(const std::string& port, const Bytes& bytes, std
     thread.series = thread.exchange.isPictureTransfer() && next.isPictureTransfer();
     thread.exchange = next;
     thread.garbage = 0;
+    thread.stopped = false;
     thread.emptyReads.reset();
     m_writers[port] = world::threadNumber();
     if (!next.isAmbiguous())
@@ -290,7 +291,8 @@ std::string AnswerJudge::wrongTransfer(const SeenExchange& next) const {
 /// Each byte of garbage is logged before the next read.
 std::string AnswerJudge::wrongGarbage(const Thread& thread) {
     const SeenExchange& exchange = thread.exchange;
-    const bool logs = !exchange.isAmbiguous() && exchange.code() != code(Command::originRead) &&
+    const bool logs = !thread.stopped && !exchange.isAmbiguous() &&
+                      exchange.code() != code(Command::originRead) &&
                       exchange.code() != code(Command::readV1);
     return logs && exchange.garbage() != thread.garbage ? "O6: the log tells other garbage than came" : "";
 }
@@ -404,6 +406,8 @@ std::string AnswerJudge::said(const std::string& line) {
     Thread& thread = m_threads[world::threadNumber()];
     if (line.starts_with("check data"))
         ++thread.garbage;
+    if (line.find("download ended") != std::string::npos)
+        thread.stopped = true;
     const std::string text = line.substr(0, line.find('\n'));
     if (const std::string wrong = wrongFailure(thread, text); !wrong.empty() || thread.exchange.isAmbiguous())
         return wrong;

@@ -59,6 +59,7 @@ private:
         long pictureSize = 0;          ///< that its first piece tells
         std::size_t garbage = 0;       ///< bytes that the log has told
         bool series = false;           ///< a picture after another: of a whole list
+        bool stopped = false;          ///< its job: the rest of an answer is read away, and not logged
         std::optional<int> emptyReads; ///< in a row, of a stopped download
     };
 

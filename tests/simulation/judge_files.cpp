@@ -49,7 +49,7 @@ void Judge::checkUploadedBytes() {
     const emulator::CameraRecord& record = m_workplace.camera().record();
     if (!disturbed.toCamera && !disturbed.camera) {
         for (const emulator::UploadRecord& upload : record.uploads) {
-            if (!upload.complete || m_brokenOff)
+            if (!upload.complete || m_brokenOff || disturbed.adapter)
                 continue; // interrupted: until its silence the camera takes the next requests for data
             bool known = false;
             for (int file = 0; file < m_workplace.files().size(); ++file) {

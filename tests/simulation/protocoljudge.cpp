@@ -138,8 +138,10 @@ void ProtocolJudge::failed(const std::string& port) {
 }
 
 void ProtocolJudge::forgivePresentBreaks() {
-    for (auto& [port, line] : m_lines)
+    for (auto& [port, line] : m_lines) {
         line.rows.clear();
+        line.preparation = {}; // of a request that is not sent any more
+    }
 }
 
 void ProtocolJudge::setPictureOffset(const std::string& port, std::uint8_t offset) {
