@@ -58,6 +58,7 @@ if("${test_program}" IS_NEWER_THAN "${list_file}" OR "${settings_file}" IS_NEWER
     add_entry("${test_prefix}${test}")
     list(APPEND slow_entries "${test_prefix}${test}")
   endforeach()
+  set(small_suite 20) # tests, fewer in a small one
   set(shared "")
   set(sharing 0)
   macro(add_shared_entry)
@@ -70,7 +71,7 @@ if("${test_program}" IS_NEWER_THAN "${list_file}" OR "${settings_file}" IS_NEWER
     string(REGEX REPLACE "[.]$" "" name "${test_prefix}${suite}")
     set(rest "${tests_${suite}}")
     list(LENGTH rest count)
-    if(test_quick AND count LESS 20)
+    if(test_quick AND count LESS small_suite)
       list(APPEND shared ${rest})
       list(LENGTH shared count)
       if(NOT count LESS test_most)

@@ -12,7 +12,7 @@ namespace guitest {
 
 namespace {
 
-class FileChooser final : public QPlatformFileDialogHelper {
+class SystemFileChooser final : public QPlatformFileDialogHelper {
 public:
     void exec() override { m_loop.exec(); }
     bool show(Qt::WindowFlags /*flags*/, Qt::WindowModality /*modality*/, QWindow* /*parent*/) override {
@@ -43,7 +43,7 @@ public:
 
     bool usePlatformNativeDialog(DialogType type) const override { return type == FileDialog; }
     QPlatformDialogHelper* createPlatformDialogHelper(DialogType type) const override {
-        return type == FileDialog ? new FileChooser : nullptr;
+        return type == FileDialog ? new SystemFileChooser : nullptr;
     }
     const QPalette* palette(Palette type) const override { return m_base->palette(type); }
     const QFont* font(Font type) const override { return m_base->font(type); }
